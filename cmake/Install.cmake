@@ -1,0 +1,1 @@
+# The installed tree; filled in by the targets' own install rules.

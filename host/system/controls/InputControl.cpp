@@ -1,0 +1,1 @@
+#include "system/controls/InputControl.h"

@@ -1,0 +1,187 @@
+#pragma once
+
+#include "system/base/LockableObject.h"
+#include "system/base/MxColor.h"
+#include "system/base/Registry.h"
+#include "system/base/ScriptServices.h"
+#include "system/controls/Layout.h"
+#include "system/controls/Menu.h"
+#include "system/document/Operator.h"
+
+#include <memory>
+#include <vector>
+
+#include <QWidget>
+
+class QLabel;
+
+namespace Marlox {
+
+class Container;
+class ControlWnd;
+class KeyFrameIndicator;
+class TimeCodeEdit;
+
+using InputList = std::vector<Input*>;
+
+/// A host object and a Qt widget at once. (Qt's meta-object compiler wants the QObject first among
+/// the bases of a class with slots, and the script casts want the host object there; this class has
+/// no slots, so that those below it can.)
+class MARLOXSYSTEM_EXPORT _InputControl : public Object, public QWidget {
+public:
+    using Reuser::operator new;
+    using Reuser::operator delete;
+
+protected:
+    _InputControl() : QWidget(nullptr) {}
+};
+
+/// Base of all inspector controls: a widget that shows and edits one or more inputs of a tool.
+///
+/// Life cycle, driven by the host (ControlWnd): create through the class registry; AttachInput for
+/// the main input; SetAttrsTagList(Input*, tags) and AddInput for each input; Open; GetMinSize,
+/// GetMaxSize, SetSize; then NotifyChanged and UpdateDisplay for each new value, SetInputs from the
+/// control for each edit; Close; RemoveInput and DetachInput; DecRef. The control is a child widget
+/// of the window it was opened in from Open to Close, yet is deleted only by its last reference.
+/// All calls on the user-interface thread.
+class MARLOXSYSTEM_EXPORT InputControl : public _InputControl {
+    Q_OBJECT
+public:
+    static const MxID ClassID;
+
+    InputControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
+    ~InputControl() override;
+
+    const Registry* GetRegistry() const { return record_; }
+
+    // Object
+    std::size_t SizeOf() const override;
+    bool SetAttrsTagList(const TagList& tags) override;
+    bool CopyAttr(u64 tag, void* out) override;
+    MarloxDoc* GetDoc() const override;
+    void AddToMenu(Menu* menu, TagList& tags) override;
+    using _InputControl::HandleMenu;
+    bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
+    bool HandleEvent(Object* sender, const MxID& event, TagList& tags) override;
+    using _InputControl::OnConnect;
+    using _InputControl::OnDisconnect;
+
+    // The operations of inspector controls, in slot order.
+    /// A window message of the host's; 0: not handled.
+    virtual u64 DefWindowProc(unsigned int message, u64 first, u64 second);
+    /// Appends the inputs edited at a position (pixels, this widget).
+    virtual void GetInputsAt(InputList& out, int x, int y, TagList* tags);
+    /// Reads the creation tags for one input. False refuses the input.
+    virtual bool SetAttrsTagList(Input* input, const TagList& tags);
+    /// Builds the widgets inside `window` at `rect`. False: could not; the host closes the control.
+    virtual bool Open(ControlWnd* window, MxRect& rect, TagList* tags);
+    virtual void Close(TagList* tags);
+    virtual bool GetMinSize(int& width, int& height, TagList* tags);
+    virtual bool GetMaxSize(int& width, int& height, TagList* tags);
+    virtual bool SetSize(int& width, int& height, TagList* tags);
+    /// Binds an input of `owner` to the control: the one that `input` points to, or, when that is
+    /// null, the one named by IAS_Name in `tags`, which `input` then receives. The last two
+    /// arguments are reserved and 0.
+    virtual bool AttachInput(Operator* owner, const TagList& tags, Input*& input, u64, u64);
+    virtual bool DetachInput(Input*& input);
+    virtual bool AddInput(Input* input, TagList* tags);
+    virtual bool RemoveInput(Input* input, TagList* tags);
+    /// Writes a value into the control's input whose attribute IA_ControlIndex is `index`, at
+    /// `time`; then every control showing that input is notified and redisplayed, this one too.
+    /// `final` tells that no further value of the same gesture follows. False: refused.
+    virtual bool SetInputs(Parameter* value, double time, unsigned int index, bool final,
+                           TagList* tags);
+    /// Ends the undo group of a drag or of held keys; none open: does nothing.
+    virtual void ResetUndo(TagList* tags);
+    virtual void NotifyChanged(Input* input, Parameter* value, TagList* tags);
+    virtual void UpdateDisplay(Input* input, TagList* tags);
+    virtual void OnConnect(Input* input, TagList* tags);
+    virtual void OnDisconnect(Input* input, TagList* tags);
+    virtual bool HasFocus(TagList* tags);
+    virtual Input* GetInputFrom(QWidget* widget, TagList* tags);
+    /// Opens an undo group before a value change, named after the input with this index
+    /// ("Adjust Gain"); already open: does nothing.
+    virtual void SetUndo(unsigned int index, TagList* tags);
+    virtual void AddExpressionEdit(Input* input, TagList* tags);
+    virtual bool CreateExpressionEdit(int index, MxRect& rect, TagList* tags);
+    virtual bool CreateExpressionEdit(int index, Container* container, TagList* tags);
+    virtual void* GetExpressionData(int index, TagList* tags);
+    virtual MxRect GetExpressionRect(int index, TagList* tags);
+    virtual void ExpressionChanged(Input* input, TagList* tags);
+    virtual bool AddModifierAt(const MxPointT<int>& at);
+    virtual bool RemoveModifierAt(const MxPointT<int>& at);
+    virtual bool AddExpressionAt(const MxPointT<int>& at);
+    virtual bool RemoveExpressionAt(const MxPointT<int>& at);
+    virtual void OnOK();
+    virtual void OnCancel();
+    /// Bracket the drag of a TimeCodeEdit: proxy rendering on, one undo group; the end closes both.
+    virtual void OnEditStartDrag();
+    virtual void OnEditEndDrag();
+
+    // Services that controls call.
+    /// Builds this control's layout from a description; `stretch` lets the root take the control's
+    /// whole rectangle (else it takes its minimum height). Null, with a message, if it is broken.
+    LayoutObj* CreateLayout(const ScriptVal& layout, bool stretch, LayoutCallback callback,
+                            void* context);
+    /// The same from a ResData.
+    LayoutObj* LoadLayout(const char* resourceName, bool stretch, LayoutCallback callback,
+                          void* context);
+    LayoutObj* FindLayoutObj(const MxID& name) const;
+    static LayoutObj* FindLayoutObj(LayoutObj* root, const MxID& name);
+    LayoutObj* GetLayout() const { return layout_; }
+    void RecalcControlSize();
+    /// Whether a new value differs from the shown one: whole numbers when they differ after
+    /// rounding, others when by more than `tolerance`. NaN differs from every number.
+    static bool HasValueChanged(bool integer, double value, double shown, double tolerance);
+    bool AddExpression(Input* input);
+    bool RemoveExpression(Input* input);
+    bool AddModifier(Input* input);
+    bool RemoveModifier(Input* input);
+    void SetExpressions(unsigned int index, char* expression);
+    /// Reads IC_Disabled (and IA_ReadOnly when `ofInput`) and applies them.
+    bool GetDisabledTags(const TagList& tags, bool ofInput);
+    bool IsAllPassive(TagList* tags) const;
+    MxColor GetBackgroundColor() const;
+
+    // State that controls read.
+    Operator* Owner() const { return owner_; }
+    double CurrentTime() const;
+    const InputList& Inputs() const { return inputs_.list; } // under InputsLock()'s read lock
+    const LockableObject& InputsLock() const { return inputs_; }
+    Input* FindInputByIndex(unsigned int index) const;
+    bool IsOpen() const { return window_ != nullptr; }
+    ControlWnd* Window() const { return window_; }
+    bool TabStop() const { return tabStop_; }
+    bool ControlDisabled() const { return disabled_; }
+    int UndoDepth() const { return undoOpen_ ? 1 : 0; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void childEvent(QChildEvent* event) override;
+    void customEvent(QEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void enterEvent(QEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    struct AttachedInputs : LockableObject {
+        InputList list;
+    };
+    class Private;
+
+    const Registry* record_;
+    Operator* owner_ = nullptr;
+    AttachedInputs inputs_;
+    ControlWnd* window_ = nullptr;
+    LayoutObj* layout_ = nullptr;
+    bool tabStop_ = true;
+    bool disabled_ = false;
+    bool undoOpen_ = false;
+    std::unique_ptr<Private> d_;
+};
+
+} // namespace Marlox

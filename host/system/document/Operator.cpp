@@ -1,0 +1,1 @@
+#include "system/document/Operator.h"

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "system/base/Types.h"
+
+#include <memory>
+#include <vector>
+
+#include <QString>
+#include <QUndoStack>
+
+namespace Marlox {
+
+/// One reversible change. It has been done already when it is handed to the history.
+class MARLOXSYSTEM_EXPORT UndoStep {
+public:
+    virtual ~UndoStep();
+    virtual void Undo() = 0;
+    virtual void Redo() = 0;
+    /// Takes a later step of the same thing into this one; false if it is something else. Keeps a
+    /// drag of a thousand moves one step.
+    virtual bool Absorb(UndoStep& later);
+    /// Whether undo would change nothing (absorbed steps that led back to the start).
+    virtual bool IsNothing() const { return false; }
+};
+
+/// The undo history of a document, on QUndoStack. Groups nest; the outermost one becomes the entry,
+/// with its text (the first non-empty one, outermost first). A group that changed nothing leaves no
+/// entry.
+class MARLOXSYSTEM_EXPORT UndoHistory {
+public:
+    UndoHistory();
+    ~UndoHistory();
+
+    void Begin(const QString& text);
+    /// keep = false undoes what the group did and leaves no entry.
+    void End(bool keep = true);
+    int Depth() const { return int(open_.size()); }
+    /// Hands over a change that was just made. Outside a group it is an entry of its own, named
+    /// `text`. While the history itself undoes or redoes, steps are dropped.
+    void Push(std::unique_ptr<UndoStep> step, const QString& text);
+
+    bool CanUndo() const;
+    bool CanRedo() const;
+    QString UndoText() const;
+    QString RedoText() const;
+    void Undo(); // ends open groups first
+    void Redo();
+    void Clear();
+    /// For views and for signals; entries are only pushed through this class.
+    QUndoStack& Stack() { return stack_; }
+
+private:
+    class Entry;
+
+    QUndoStack stack_;
+    std::vector<QString> open_;
+    std::vector<std::size_t> marks_; // number of steps collected when each group began
+    std::vector<std::unique_ptr<UndoStep>> collected_;
+    bool replaying_ = false;
+};
+
+} // namespace Marlox

@@ -1,0 +1,1 @@
+#include "system/evaluation/Process.h"

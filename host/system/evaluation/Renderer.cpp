@@ -1,0 +1,1 @@
+#include "system/evaluation/Renderer.h"

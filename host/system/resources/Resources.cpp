@@ -1,0 +1,1 @@
+#include "system/resources/Resources.h"

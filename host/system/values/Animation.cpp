@@ -1,0 +1,1 @@
+#include "system/values/Animation.h"

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "system/values/Parameter.h"
+
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace Marlox {
+
+enum class Interpolation { Step, Linear, Smooth };
+
+/// The keys of one input over time and the spline through them. A value type. Times are frames
+/// (fractions allowed); a key rules the segment up to the next key. Before the first and behind the
+/// last key the value holds.
+class MARLOXSYSTEM_EXPORT Animation {
+public:
+    struct Key {
+        Ref<Parameter> value;
+        Interpolation interpolation = Interpolation::Smooth;
+    };
+
+    bool IsEmpty() const { return keys_.empty(); }
+    const std::map<double, Key>& Keys() const { return keys_; }
+    /// Sets or replaces the key at `time`; a replaced key keeps its interpolation unless one is given.
+    void SetKey(double time, Ref<Parameter> value, std::optional<Interpolation> interpolation = {});
+    bool RemoveKey(double time);
+    bool MoveKey(double from, double to); // false: no key at `from`, or `to` taken
+    bool HasKeyAt(double time) const;
+    std::optional<double> KeyBefore(double time) const;
+    std::optional<double> KeyAfter(double time) const;
+
+    /// The value at `time`; null without keys. Smooth segments are cubic Hermite splines with
+    /// tangents limited so that no segment overshoots its keys (Fritsch and Carlson 1980).
+    Ref<Parameter> Evaluate(double time) const;
+
+    friend bool operator==(const Animation&, const Animation&);
+
+private:
+    std::map<double, Key> keys_;
+};
+
+} // namespace Marlox

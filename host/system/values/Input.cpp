@@ -1,0 +1,1 @@
+#include "system/values/Input.h"

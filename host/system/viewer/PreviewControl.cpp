@@ -1,0 +1,1 @@
+#include "system/viewer/PreviewControl.h"

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "system/base/LockableObject.h"
+#include "system/base/Registry.h"
+#include "system/document/Operator.h"
+#include "system/viewer/PreviewInfo.h"
+
+#include <vector>
+
+namespace Marlox {
+
+/// How a press takes hold of an overlay; also the drag state that the base keeps.
+enum class DragType {
+    None = 0,   // idle; as an answer: not hit
+    Driven = 1, // driven by another control or by follow mode
+    Dragged = 2,
+};
+
+/// Base of all viewer overlays: drawn with OpenGL over the image, dragged by the user. It is no
+/// widget; a viewer calls it with its PreviewInfo. All calls on the user-interface thread.
+class MARLOXSYSTEM_EXPORT PreviewControl : public Object {
+public:
+    static const MxID ClassID;
+
+    PreviewControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
+    ~PreviewControl() override;
+
+    const Registry* GetRegistry() const { return record_; }
+
+    // Object
+    std::size_t SizeOf() const override;
+    bool SetAttrsTagList(const TagList& tags) override;
+    bool CopyAttr(u64 tag, void* out) override;
+    MarloxDoc* GetDoc() const override;
+    u64 DoTagList(unsigned int command, TagList& tags) override;
+    void AddToMenu(Menu* menu, TagList& tags) override;
+    void GetAvailableEvents(std::vector<MxID>& out) const override;
+    using Object::OnConnect;
+    using Object::OnDisconnect;
+
+    // The operations of overlays, in slot order.
+    virtual void SetView(PreviewInfo* view, TagList* tags);
+    virtual Operator* GetOperator(TagList* tags);
+    virtual bool SetAttrsTagList(Input* input, const TagList& tags);
+    virtual bool AddInput(Input* input, TagList* tags);
+    virtual bool RemoveInput(Input* input, TagList* tags);
+    /// Writes into the input whose attribute IA_OverlayIndex is `index`.
+    virtual bool SetInputs(Parameter* value, double time, unsigned int index, TagList* tags);
+    virtual void NotifyChanged(Input* input, Parameter* value, TagList* tags);
+    virtual void UpdateDisplay(Input* input, TagList* tags);
+    virtual void OnConnect(Input* input, TagList* tags);
+    virtual void OnDisconnect(Input* input, TagList* tags);
+    virtual void SetActive(int how, TagList* tags);
+    virtual void SetInactive(TagList* tags);
+    virtual void GLDrawControls(PreviewInfo* view, TagList* tags);
+    virtual DragType ControlDown(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
+    virtual void ControlMove(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
+    virtual void ControlUp(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
+    virtual bool ControlCommand(PreviewInfo* view, const MxID& command, u64 data, TagList* tags);
+    /// Writes a tip (at most 256 bytes with the final zero) for the position under the cursor.
+    virtual bool ControlGetTip(PreviewInfo* view, char* tip, TagList* tags);
+    virtual void ResetUndo(TagList* tags);
+    virtual void SetUndo(unsigned int index, TagList* tags);
+    virtual bool GetName(char* name, int size, TagList* tags);
+    virtual bool GetFullName(char* name, int size, Input* input, TagList* tags);
+
+    /// Binds the overlay to a tool before its inputs are added.
+    void SetOperator(Operator* owner) { owner_ = owner; }
+    double CurrentTime() const;
+    const std::vector<Input*>& Inputs() const { return inputs_; }
+    Input* FindInputByIndex(unsigned int index) const;
+
+protected:
+    DragType dragState_ = DragType::None;
+    PreviewInfo* view_ = nullptr; // the view it is shown in; not owned
+
+private:
+    const Registry* record_;
+    Operator* owner_ = nullptr;
+    std::vector<Input*> inputs_;
+    bool undoOpen_ = false;
+};
+
+/// Overlay that shows a value at a fixed place of the view rather than of the image.
+class MARLOXSYSTEM_EXPORT OverlayControl : public PreviewControl {
+public:
+    static const MxID ClassID;
+    using PreviewControl::PreviewControl;
+    std::size_t SizeOf() const override;
+};
+
+} // namespace Marlox

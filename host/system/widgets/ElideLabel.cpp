@@ -1,0 +1,1 @@
+#include "system/widgets/ElideLabel.h"
