@@ -1,1 +1,22 @@
-# The installed tree; filled in by the targets' own install rules.
+# The installed tree: host libraries with headers and a CMake package, the plug-in, the look pack
+# (host/look), the workbench with its desktop entry and samples.
+include(CMakePackageConfigHelpers)
+
+set(MARLOX_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/marlox)
+set(MARLOX_WORKBENCH_PATH ${CMAKE_INSTALL_BINDIR}/marlox-workbench)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Marlox)
+
+install(TARGETS marloxsystem marloxscript EXPORT MarloxTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS marloxcontrols LIBRARY DESTINATION ${MARLOX_PLUGIN_DIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/system ${PROJECT_SOURCE_DIR}/host/script
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlox FILES_MATCHING PATTERN "*.h")
+install(EXPORT MarloxTargets NAMESPACE Marlox:: DESTINATION ${package_dir})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/MarloxConfig.cmake.in
+    ${CMAKE_BINARY_DIR}/MarloxConfig.cmake
+    INSTALL_DESTINATION ${package_dir}
+    PATH_VARS MARLOX_PLUGIN_DIR MARLOX_WORKBENCH_PATH)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/MarloxConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/MarloxConfig.cmake ${CMAKE_BINARY_DIR}/MarloxConfigVersion.cmake
+    DESTINATION ${package_dir})
