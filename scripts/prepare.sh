@@ -49,8 +49,9 @@ install_packages() {
     fi
 }
 
-# build PRESET [CMAKE-ARGUMENT...]: configures (when something changed) and builds. The arguments
-# are remembered, so that a second call with the same ones goes straight to the build.
+# build PRESET [CMAKE-ARGUMENT...]: configures (when something changed) and builds the targets named
+# in $targets (all unless set). The arguments are remembered, so that a second call with the same
+# ones goes straight to the build.
 build() {
     local preset=$1 folder=build/$1 wanted
     shift
@@ -61,7 +62,7 @@ build() {
         printf '%s' "$wanted" >"$folder/configured-with"
     fi
     say "Building $folder"
-    cmake --build "$folder" >&2 || die "the build failed; see the messages above"
+    cmake --build "$folder" ${targets:+--target $targets} >&2 || die "the build failed; see the messages above"
 }
 
 # on_display COMMAND...: runs with a virtual display, on which widgets and OpenGL work without a
