@@ -1,0 +1,74 @@
+#include "workbench/ui/InspectorPanel.h"
+
+#include "system/controls/ControlWnd.h"
+#include "workbench/ui/Session.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace Marlox {
+
+InspectorPanel::InspectorPanel(Session& session, QWidget* parent)
+    : QWidget(parent), session_(session), name_(new QLineEdit), type_(new QLabel),
+      scroll_(new QScrollArea), page_(new ControlWnd)
+{
+    setObjectName("inspector");
+    name_->setObjectName("toolname");
+    name_->setFrame(false);
+    name_->setToolTip(tr("The tool's name; expressions refer to it"));
+    type_->setObjectName("tooltype");
+    type_->setEnabled(false);
+
+    auto* header = new QHBoxLayout;
+    header->setContentsMargins(8, 4, 8, 4);
+    header->addWidget(name_, 1);
+    header->addWidget(type_);
+    scroll_->setWidget(page_);
+    scroll_->setWidgetResizable(true);
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(header);
+    layout->addWidget(scroll_, 1);
+    setMinimumWidth(280);
+
+    connect(&session_, &Session::SelectedToolChanged, this, &InspectorPanel::ShowTool);
+    connect(&session_.Document(), &MarloxDoc::ToolChanged, this, [this](Operator* tool) {
+        if (tool == session_.SelectedTool())
+            ShowHeader();
+    });
+    connect(name_, &QLineEdit::editingFinished, this, [this] {
+        Operator* tool = session_.SelectedTool();
+        const QString text = name_->text().trimmed();
+        if (tool && text != tool->GetName())
+            tool->SetName(text);
+        ShowHeader(); // what was refused goes back
+    });
+    connect(page_, &ControlWnd::Problem, this, &InspectorPanel::Problem);
+    ShowTool(session_.SelectedTool());
+}
+
+void InspectorPanel::ShowTool(Operator* tool)
+{
+    page_->SetOperator(tool);
+    ShowHeader();
+}
+
+void InspectorPanel::ShowHeader()
+{
+    const Operator* tool = session_.SelectedTool();
+    name_->setVisible(tool);
+    name_->setText(tool ? tool->GetName() : QString());
+    name_->setReadOnly(tool && tool->IsLocked());
+    type_->setText(!tool                ? tr("No tool selected")
+                   : tool->IsLocked()   ? tr("%1, locked").arg(tool->GetToolType().ToString())
+                   : tool->IsDisabled() ? tr("%1, disabled").arg(tool->GetToolType().ToString())
+                                        : tool->GetToolType().ToString());
+}
+
+} // namespace Marlox

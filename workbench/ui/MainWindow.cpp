@@ -1,0 +1,218 @@
+#include "workbench/ui/MainWindow.h"
+
+#include "system/controls/ControlWnd.h"
+#include "system/document/Preferences.h"
+#include "workbench/scripting/ScriptHost.h"
+#include "workbench/ui/ConsolePanel.h"
+#include "workbench/ui/InspectorPanel.h"
+#include "workbench/ui/MainWindowMenus.h"
+#include "workbench/ui/Messages.h"
+#include "workbench/ui/PreferencesDlg.h"
+#include "workbench/ui/TimelinePanel.h"
+#include "workbench/ui/ToolPanel.h"
+#include "workbench/viewer/ViewerWidget.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QUndoView>
+#include <QVBoxLayout>
+
+namespace Marlox {
+
+namespace {
+
+constexpr char geometryName[] = "Workbench.WindowGeometry";
+constexpr char stateName[] = "Workbench.WindowState";
+constexpr int stateVersion = 1;
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent), viewer_(new ViewerWidget(session_.Document())),
+      tools_(new ToolPanel(session_)), inspector_(new InspectorPanel(session_)),
+      timeline_(new TimelinePanel(session_)), scripts_(std::make_unique<ScriptHost>(*this)),
+      console_(new ConsolePanel(*scripts_))
+{
+    setObjectName("mainwindow");
+    setAcceptDrops(true);
+    setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
+    resize(1440, 900);
+    statusBar()->setObjectName("statusbar");
+
+    BuildDocks();
+    BuildMenus(*this);
+    ApplyPreferences(session_.Document());
+
+    MarloxDoc& document = session_.Document();
+    connect(&document, &MarloxDoc::ModifiedChanged, this, &MainWindow::ShowTitle);
+    connect(&document, &MarloxDoc::FilePathChanged, this, &MainWindow::ShowTitle);
+    connect(inspector_, &InspectorPanel::Problem, this, [this](const QString& text) {
+        statusBar()->showMessage(text, 10000);
+        console_->Append(text, true);
+    });
+    ShowTitle();
+
+    const Preferences& preferences = MarloxDoc::GetPreferences();
+    restoreGeometry(preferences.Get(geometryName).toByteArray());
+    restoreState(preferences.Get(stateName).toByteArray(), stateVersion);
+}
+
+MainWindow::~MainWindow()
+{
+    // The controls go before the document that their inputs belong to.
+    inspector_->Page().SetOperator(nullptr);
+    delete console_;
+    scripts_.reset();
+}
+
+void MainWindow::BuildDocks()
+{
+    auto* middle = new QWidget;
+    auto* layout = new QVBoxLayout(middle);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(viewer_, 1);
+    layout->addWidget(timeline_);
+    setCentralWidget(middle);
+
+    const auto dock = [this](const QString& title, const char* name, QWidget* content,
+                             Qt::DockWidgetArea area) {
+        auto* made = new QDockWidget(title);
+        made->setObjectName(name);
+        made->setWidget(content);
+        addDockWidget(area, made);
+        return made;
+    };
+    auto* history = new QUndoView(&session_.Document().Undo().Stack());
+    history->setObjectName("history");
+    history->setEmptyLabel(tr("Opened"));
+    dock(tr("Tools"), "toolsdock", tools_, Qt::LeftDockWidgetArea);
+    dock(tr("History"), "historydock", history, Qt::LeftDockWidgetArea);
+    auto* inspector = dock(tr("Inspector"), "inspectordock", inspector_, Qt::RightDockWidgetArea);
+    auto* console = dock(tr("Script Console"), "consoledock", console_, Qt::BottomDockWidgetArea);
+    console->hide();
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    resizeDocks({inspector}, {400}, Qt::Horizontal);
+}
+
+void MainWindow::ShowTitle()
+{
+    const QString path = session_.Document().FilePath();
+    setWindowTitle(QString("%1[*] - %2")
+                       .arg(path.isEmpty() ? tr("Untitled") : QFileInfo(path).fileName(),
+                            QCoreApplication::applicationName()));
+    setWindowFilePath(path);
+    setWindowModified(session_.Document().IsModified());
+}
+
+void MainWindow::OpenPath(const QString& path)
+{
+    if (!MayLoseChanges())
+        return;
+    QString error;
+    if (!session_.Open(path, &error))
+        ShowError(this, error);
+}
+
+void MainWindow::New()
+{
+    if (MayLoseChanges())
+        session_.New();
+}
+
+void MainWindow::OpenAsked()
+{
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open"), QFileInfo(session_.Document().FilePath()).absolutePath(),
+        tr("Documents and images (*.marlox *.exr *.dpx *.tif *.tiff *.png *.jpg *.jpeg *.hdr);;"
+           "All files (*)"));
+    if (!path.isEmpty())
+        OpenPath(path);
+}
+
+bool MainWindow::SaveAsked(bool askForPath)
+{
+    QString path = session_.Document().FilePath();
+    if (path.isEmpty() || askForPath) {
+        path = QFileDialog::getSaveFileName(this, tr("Save As"), path, tr("Documents (*.marlox)"));
+        if (path.isEmpty())
+            return false;
+        if (QFileInfo(path).suffix().isEmpty())
+            path += ".marlox";
+    }
+    QString error;
+    if (!session_.Save(path, &error)) {
+        ShowError(this, error);
+        return false;
+    }
+    return true;
+}
+
+bool MainWindow::MayLoseChanges()
+{
+    if (!session_.Document().IsModified())
+        return true;
+    const QString path = session_.Document().FilePath();
+    switch (AskToSave(this, path.isEmpty() ? tr("the document") : QFileInfo(path).fileName())) {
+    case SaveChoice::Save:
+        return SaveAsked(false);
+    case SaveChoice::Discard:
+        return true;
+    case SaveChoice::Cancel:
+        break;
+    }
+    return false;
+}
+
+void MainWindow::OfferRecovery()
+{
+    const QStringList files = MarloxDoc::RecoveryFiles(RecoveryFolder());
+    if (files.isEmpty())
+        return;
+    if (!AskToRecover(this, int(files.size()))) {
+        for (const QString& file : files)
+            QFile::remove(file);
+        return;
+    }
+    QString error;
+    if (session_.Recover(files.first(), &error))
+        QFile::remove(files.first());
+    else
+        ShowError(this, error);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!MayLoseChanges()) {
+        event->ignore();
+        return;
+    }
+    session_.Play(false);
+    inspector_->Page().EndGestures();
+    session_.Document().StopAutosave();
+    Preferences& preferences = MarloxDoc::GetPreferences();
+    preferences.Set(geometryName, saveGeometry());
+    preferences.Set(stateName, saveState(stateVersion));
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile())
+        OpenPath(urls.first().toLocalFile());
+}
+
+} // namespace Marlox

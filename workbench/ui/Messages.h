@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace Marlox {
+
+/// Shows an error in a dialog and waits for it to be closed. Scripts answer it like any modal
+/// dialog.
+void ShowError(QWidget* parent, const QString& text);
+
+enum class SaveChoice { Save, Discard, Cancel };
+/// Asks what to do with unsaved changes of the document named `name`.
+SaveChoice AskToSave(QWidget* parent, const QString& name);
+/// Whether to open the newest of `count` recovery copies.
+bool AskToRecover(QWidget* parent, int count);
+void ShowAbout(QWidget* parent);
+
+} // namespace Marlox

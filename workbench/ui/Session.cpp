@@ -1,0 +1,219 @@
+#include "workbench/ui/Session.h"
+
+#include "system/base/HostTags.h"
+#include "system/document/Preferences.h"
+#include "system/evaluation/Renderer.h"
+#include "workbench/images/ImageFile.h"
+#include "workbench/images/Sequence.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTimerEvent>
+
+namespace Marlox {
+
+namespace {
+
+constexpr char recentFilesName[] = "Workbench.RecentFiles";
+constexpr int recentFilesKept = 12;
+
+} // namespace
+
+class Session::Clock : public QElapsedTimer {};
+
+Session::Session(QObject* parent)
+    : QObject(parent), document_(std::make_unique<MarloxDoc>()), clock_(std::make_unique<Clock>())
+{
+    connect(document_.get(), &MarloxDoc::ToolAboutToBeRemoved, this, [this](Operator* tool) {
+        if (tool != selected_)
+            return;
+        const auto& tools = document_->Tools();
+        const int index = document_->IndexOf(*tool);
+        if (index > 0)
+            SelectTool(tools[std::size_t(index - 1)].Get());
+        else
+            SelectTool(tools.size() > 1 ? tools[1].Get() : nullptr);
+    });
+    connect(document_.get(), &MarloxDoc::Cleared, this, [this] {
+        Play(false);
+        const auto& tools = document_->Tools();
+        SelectTool(tools.empty() ? nullptr : tools.back().Get());
+    });
+}
+
+Session::~Session()
+{
+    Play(false);
+    selected_ = nullptr;
+}
+
+void Session::SelectTool(Operator* tool)
+{
+    if (selected_ == tool)
+        return;
+    selected_ = tool;
+    emit SelectedToolChanged(tool);
+}
+
+void Session::New()
+{
+    document_->Clear();
+}
+
+bool Session::IsDocumentPath(const QString& path)
+{
+    return path.endsWith(".marlox", Qt::CaseInsensitive);
+}
+
+bool Session::Open(const QString& path, QString* error)
+{
+    const bool opened =
+        IsDocumentPath(path) ? document_->Open(path, error) : OpenPicture(path, error);
+    if (opened)
+        AddRecentFile(path);
+    return opened;
+}
+
+bool Session::OpenPicture(const QString& path, QString* error)
+{
+    // The file is looked at before the present document is let go.
+    const Sequence sequence = Sequence::FromPath(path);
+    const int first = sequence.IsSequence() ? sequence.First() : 0;
+    ImageFileInfo info;
+    if (!ReadImageInfo(sequence.FramePath(first), info, error))
+        return false;
+    document_->Clear();
+    if (sequence.IsSequence()) {
+        document_->SetFrameRange(sequence.First(), sequence.Last());
+        document_->SetCurrentTime(sequence.First());
+    }
+    Operator* source = document_->AddTool("ImageSource", -1, error);
+    if (!source)
+        return false;
+    Input* file = source->FindInput("File");
+    const Text value(QFileInfo(sequence.Pattern()).absoluteFilePath().toStdString());
+    file->SetValue(value, TimeNone, Input::ReplaceAll);
+    document_->Undo().Clear();
+    SelectTool(source);
+    return true;
+}
+
+bool Session::Recover(const QString& path, QString* error)
+{
+    return document_->Recover(path, error);
+}
+
+bool Session::Save(const QString& path, QString* error)
+{
+    if (!document_->Save(path, error))
+        return false;
+    AddRecentFile(path);
+    return true;
+}
+
+Operator* Session::AddTool(const MxID& toolType, QString* error)
+{
+    const int position = selected_ ? document_->IndexOf(*selected_) + 1 : -1;
+    Operator* tool = document_->AddTool(toolType, position, error);
+    if (tool)
+        SelectTool(tool);
+    return tool;
+}
+
+Operator* Session::DuplicateTool(Operator& tool, QString* error)
+{
+    ScriptVal state;
+    if (!tool.SaveState(state)) {
+        if (error)
+            *error = tr("%1 cannot be duplicated.").arg(tool.GetName());
+        return nullptr;
+    }
+    document_->StartUndo("Duplicate Tool");
+    Operator* copy = document_->AddTool(tool.GetToolType(), document_->IndexOf(tool) + 1, error);
+    if (copy) {
+        for (const Ref<Input>& input : tool.Inputs()) {
+            if (Input* other = copy->FindInput(input->GetID()))
+                other->ChangeState(input->GetState());
+        }
+    }
+    document_->EndUndo(copy != nullptr);
+    if (copy)
+        SelectTool(copy);
+    return copy;
+}
+
+std::vector<double> Session::KeyTimes() const
+{
+    std::set<double> times;
+    if (selected_) {
+        for (const Ref<Input>& input : selected_->Inputs()) {
+            for (const auto& [time, key] : input->GetAnimation().Keys())
+                times.insert(time);
+        }
+    }
+    return {times.begin(), times.end()};
+}
+
+void Session::GoToKey(int direction)
+{
+    const std::vector<double> times = KeyTimes();
+    const double now = document_->CurrentTime();
+    if (direction > 0) {
+        const auto next = std::upper_bound(times.begin(), times.end(), now);
+        if (next != times.end())
+            document_->SetCurrentTime(*next);
+    } else {
+        const auto here = std::lower_bound(times.begin(), times.end(), now);
+        if (here != times.begin())
+            document_->SetCurrentTime(*std::prev(here));
+    }
+}
+
+void Session::Play(bool on)
+{
+    if (on == IsPlaying())
+        return;
+    if (on) {
+        playStart_ = document_->CurrentTime();
+        clock_->start();
+        playTimer_ = startTimer(int(1000.0 / std::max(document_->FrameRate(), 1.0) / 2.0) + 1,
+                                Qt::PreciseTimer);
+    } else {
+        killTimer(std::exchange(playTimer_, 0));
+    }
+    emit PlayingChanged(on);
+}
+
+void Session::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != playTimer_)
+        return;
+    const double first = document_->FirstFrame();
+    const double count = document_->LastFrame() - first + 1.0;
+    const double elapsed = std::floor(double(clock_->elapsed()) * document_->FrameRate() / 1000.0);
+    const double frame = first + std::fmod(playStart_ - first + elapsed, count);
+    // A frame that is still being made is waited for: the picture should move, however slowly.
+    if (frame != document_->CurrentTime() && !document_->GetRenderer().IsBusy())
+        document_->SetCurrentTime(frame);
+}
+
+QStringList Session::RecentFiles() const
+{
+    return MarloxDoc::GetPreferences().Get(recentFilesName).toStringList();
+}
+
+void Session::AddRecentFile(const QString& path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    QStringList files = RecentFiles();
+    files.removeAll(absolute);
+    files.prepend(absolute);
+    MarloxDoc::GetPreferences().Set(recentFilesName, QStringList(files.mid(0, recentFilesKept)));
+    emit RecentFilesChanged();
+}
+
+} // namespace Marlox

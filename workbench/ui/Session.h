@@ -1,0 +1,74 @@
+#pragma once
+
+#include "system/document/MarloxDoc.h"
+
+#include <functional>
+#include <memory>
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+namespace Marlox {
+
+/// What the workbench works on: the one open document, the selected tool, and what menus, scripts
+/// and the command line do with them, without any dialog. Errors come back as text. User-interface
+/// thread.
+class Session : public QObject {
+    Q_OBJECT
+public:
+    explicit Session(QObject* parent = nullptr);
+    ~Session() override;
+
+    MarloxDoc& Document() { return *document_; }
+    const MarloxDoc& Document() const { return *document_; }
+
+    /// The tool shown in the inspector and whose overlays show; null when there is none.
+    Operator* SelectedTool() const { return selected_; }
+    void SelectTool(Operator* tool);
+
+    void New();
+    /// Opens a document, or an image or sequence as a new document with one image source. False and
+    /// `error`: what was open stays as it was.
+    bool Open(const QString& path, QString* error);
+    /// Opens what a crashed process left; the document is modified and keeps its own path.
+    bool Recover(const QString& path, QString* error);
+    bool Save(const QString& path, QString* error);
+    static bool IsDocumentPath(const QString& path);
+
+    /// Adds a tool behind the selected one and selects it.
+    Operator* AddTool(const MxID& toolType, QString* error);
+    Operator* DuplicateTool(Operator& tool, QString* error);
+
+    // Keys of the selected tool, in frames; empty without a tool.
+    std::vector<double> KeyTimes() const;
+    void GoToKey(int direction); // -1 previous, 1 next
+
+    // Playback: as many frames a second as the document says, leaving frames out rather than
+    // falling behind; loops over the frame range.
+    void Play(bool on);
+    bool IsPlaying() const { return playTimer_ != 0; }
+
+    QStringList RecentFiles() const;
+    void AddRecentFile(const QString& path);
+
+signals:
+    void SelectedToolChanged(Marlox::Operator* tool);
+    void PlayingChanged(bool playing);
+    void RecentFilesChanged();
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    bool OpenPicture(const QString& path, QString* error);
+
+    std::unique_ptr<MarloxDoc> document_;
+    Operator* selected_ = nullptr;
+    int playTimer_ = 0;
+    double playStart_ = 0.0; // frame at which playing began
+    class Clock;
+    std::unique_ptr<Clock> clock_;
+};
+
+} // namespace Marlox

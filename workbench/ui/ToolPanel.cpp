@@ -1,0 +1,131 @@
+#include "workbench/ui/ToolPanel.h"
+
+#include "system/base/Registry.h"
+#include "workbench/ui/Icons.h"
+#include "workbench/ui/Messages.h"
+#include "workbench/ui/Session.h"
+#include "workbench/ui/ToolModel.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QMenu>
+#include <QToolButton>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace Marlox {
+
+namespace {
+
+QToolButton* button(const char* icon, const QString& tip, const char* name)
+{
+    auto* made = new QToolButton;
+    made->setIcon(WorkbenchIcon(icon));
+    made->setToolTip(tip);
+    made->setAutoRaise(true);
+    made->setObjectName(name);
+    return made;
+}
+
+} // namespace
+
+ToolPanel::ToolPanel(Session& session, QWidget* parent)
+    : QWidget(parent), session_(session), model_(new ToolModel(session.Document(), this)),
+      view_(new QTreeView)
+{
+    setObjectName("tools");
+    view_->setObjectName("toollist");
+    view_->setModel(model_);
+    view_->setRootIsDecorated(false);
+    view_->setHeaderHidden(true);
+    view_->setUniformRowHeights(true);
+    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    view_->setDragDropMode(QAbstractItemView::InternalMove);
+    view_->setDragDropOverwriteMode(false);
+    view_->header()->setStretchLastSection(false);
+    view_->header()->setMinimumSectionSize(16);
+    view_->header()->setSectionResizeMode(ToolModel::Name, QHeaderView::Stretch);
+    for (const int column : {int(ToolModel::Enabled), int(ToolModel::Locked)}) {
+        view_->header()->setSectionResizeMode(column, QHeaderView::Fixed);
+        view_->header()->resizeSection(column, 24);
+    }
+
+    auto* add = button("Add", tr("Add a tool behind the selected one (Shift+Space)"), "addtool");
+    add->setPopupMode(QToolButton::InstantPopup);
+    auto* menu = new QMenu(add);
+    connect(menu, &QMenu::aboutToShow, this, [this, menu] {
+        menu->clear();
+        FillAddMenu(*menu, session_, this);
+    });
+    add->setMenu(menu);
+    auto* remove = button("Remove", tr("Remove the selected tool (Delete)"), "removetool");
+    connect(remove, &QToolButton::clicked, this, &ToolPanel::RemoveSelected);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(4, 4, 4, 4);
+    buttons->setSpacing(4);
+    buttons->addWidget(add);
+    buttons->addWidget(remove);
+    buttons->addStretch();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(view_);
+    layout->addLayout(buttons);
+
+    connect(view_, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+        if (index.column() != ToolModel::Name)
+            model_->setData(index, !index.data(Qt::EditRole).toBool(), Qt::EditRole);
+    });
+    connect(view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& now) {
+                if (!following_)
+                    session_.SelectTool(model_->ToolAt(now));
+            });
+    connect(model_, &QAbstractItemModel::modelAboutToBeReset, this, [this] { following_ = true; });
+    connect(model_, &QAbstractItemModel::modelReset, this, &ToolPanel::ShowSelection);
+    connect(&session_, &Session::SelectedToolChanged, this, &ToolPanel::ShowSelection);
+    ShowSelection();
+}
+
+void ToolPanel::FillAddMenu(QMenu& menu, Session& session, QWidget* messageParent)
+{
+    for (const Registry* record : ClassRegistry::Global().Records()) {
+        if (record->Kind() != ClassKind::Tool)
+            continue;
+        const TagPair* shown = record->Find(REG_DisplayName);
+        const MxID type = record->ClassID();
+        menu.addAction(shown ? QString::fromUtf8(shown->value.text) : type.ToString(),
+                       messageParent, [&session, type, messageParent] {
+                           QString error;
+                           if (!session.AddTool(type, &error))
+                               ShowError(messageParent, error);
+                       });
+    }
+}
+
+void ToolPanel::ShowSelection()
+{
+    following_ = true;
+    if (Operator* tool = session_.SelectedTool())
+        view_->setCurrentIndex(model_->IndexOf(*tool));
+    else
+        view_->setCurrentIndex({});
+    following_ = false;
+}
+
+void ToolPanel::RemoveSelected()
+{
+    Operator* tool = session_.SelectedTool();
+    if (tool && !session_.Document().RemoveTool(*tool))
+        ShowError(this, tr("%1 is locked. Unlock it to remove it.").arg(tool->GetName()));
+}
+
+void ToolPanel::RenameSelected()
+{
+    if (view_->currentIndex().isValid())
+        view_->edit(view_->currentIndex().siblingAtColumn(ToolModel::Name));
+}
+
+} // namespace Marlox
