@@ -12,20 +12,27 @@
 #endif
 
 /// Records by which native classes describe themselves to scripts. All are static objects of the
-/// library that has the class: made at load, gone at unload, costing a few pointers each; the script
-/// engine reads them when a script first asks. Texts and tables must outlive the records.
+/// library that has the class: made at load, gone at unload, costing a few pointers each; the
+/// script engine reads them when a script first asks. Texts and tables must outlive the records.
 namespace Marlox {
 
-/// One tag name that scripts may write, ended by an entry without a name.
+/// One tag name that scripts may write, ended by an entry without a name. Some tags keep an id
+/// whose type digit does not tell what they carry: these entries name the type of their value.
 struct TagMapEntry {
     const char* name = nullptr;
     u32 tag = 0;
+    TagType type = TagType(0); // 0: as the tag's id says
+
+    /// What the tag carries: `type`, else a string for REG_ParentName, else the id's digit.
+    TagType ValueType() const;
 };
 
 /// Converts between a script table and a tag list by a table of names: from script to tags, or back
-/// when `toScript`. Values are converted by the tag's type digit; names that the table lacks are
-/// left alone. False if a value did not fit its tag (the others are still converted). Strings are
-/// copied into the tag list.
+/// when `toScript`. Names that the table lacks are left alone; what stands there already is
+/// replaced. By the type of an entry's value: an integer takes whole numbers and booleans, a double
+/// numbers, a string or input id strings, a pointer the text of a class id, an object a host
+/// object. False if a value did not fit its tag (the others are still converted). Strings are
+/// copied into the tag list; objects are not owned by either side.
 MARLOXSCRIPT_EXPORT bool scriptval_maptags(const TagMapEntry* table, bool toScript,
                                            ScriptVal& values, TagList& tags);
 
@@ -47,8 +54,11 @@ public:
     const std::type_info* typeInfo = nullptr; // set by SetFFIType
     FFIType* next = nullptr;
 
+    /// The types in the order in which their libraries made them.
     static FFIType* First();
     static FFIType* Find(const char* scriptName);
+    /// The type bound to a class; of several the first one made.
+    static FFIType* Find(const std::type_info& classInfo);
 };
 
 /// Binds a script type to the run-time type information of its class.
@@ -62,8 +72,8 @@ MARLOXSCRIPT_EXPORT void ResetTypeInfo(const std::type_info& classInfo);
 /// Null for a class that told nothing.
 MARLOXSCRIPT_EXPORT const std::type_info* BaseTypeInfo(const std::type_info& classInfo);
 
-/// A native function on a script type: `call` is what scripts say ("_cast"), `function` the exported
-/// name in the library that declares it, `declaration` its C declaration.
+/// A native function on a script type: `call` is what scripts say ("_cast"), `function` the
+/// exported name in the library that declares it, `declaration` its C declaration.
 class MARLOXSCRIPT_EXPORT FFIFunc {
 public:
     FFIFunc(FFIType* type, const char* call, const char* function,
@@ -78,10 +88,14 @@ public:
     const char* declaration;
     FFIFunc* next = nullptr;
 
+    static FFIFunc* First();
     static FFIFunc* Find(const FFIType* type, const char* call);
     /// The address of the function in the library that this record lies in; null if it is not
     /// exported there.
     void* Address() const;
+
+private:
+    mutable void* address_ = nullptr; // once found
 };
 
 /// Ties a type's creation call to the class's own tag names and to one of the host's shared maps
@@ -100,6 +114,7 @@ public:
     const char* sharedMap;
     FFITagMap* next = nullptr;
 
+    static FFITagMap* First();
     static FFITagMap* Find(const FFIType* type, const char* call);
 };
 
