@@ -1,0 +1,20 @@
+#include "framework/ControlClass.h"
+
+namespace Marlox {
+
+bool MapControlTags(const TagMapEntry* tagNames, const MxID& call, bool toScript, ScriptVal& values,
+                    TagList& tags)
+{
+    constexpr std::string_view calls[] = {"Create", "GetAttrs", "SetAttrs", "UserControl"};
+    if (std::find(std::begin(calls), std::end(calls), call.View()) == std::end(calls))
+        return false;
+    return scriptval_maptags(tagNames, toScript, values, tags);
+}
+
+/// Where all exported ffi_<class>_uncast names lead (see controls/CMakeLists.txt).
+extern "C" ScriptObject* marlox_uncast(ScriptObject* self)
+{
+    return self;
+}
+
+} // namespace Marlox
