@@ -1,6 +1,7 @@
 #include "system/widgets/CustomButton.h"
 
 #include "system/resources/Resources.h"
+#include "system/widgets/WidgetAccess.h"
 #include "system/widgets/WidgetLook.h"
 
 #include <QKeyEvent>
@@ -31,6 +32,7 @@ CustomButton::CustomButton(const QString& text, QWidget* parent) : QAbstractButt
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
+    WidgetAccess::Install();
 }
 
 void CustomButton::SetBitmaps(const QByteArray& normal, const QByteArray& highlighted)
@@ -96,11 +98,6 @@ void CustomButton::keyPressEvent(QKeyEvent* event)
         return;
     }
     QAbstractButton::keyPressEvent(event);
-}
-
-bool CustomButton::event(QEvent* event)
-{
-    return QAbstractButton::event(event);
 }
 
 } // namespace Marlox

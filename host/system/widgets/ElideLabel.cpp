@@ -1,5 +1,6 @@
 #include "system/widgets/ElideLabel.h"
 
+#include "system/widgets/WidgetAccess.h"
 #include "system/widgets/WidgetLook.h"
 
 #include <algorithm>
@@ -21,7 +22,10 @@ Qt::TextElideMode ElideModeOf(int number)
 
 } // namespace
 
-ElideLabel::ElideLabel(QWidget* parent, int elideMode) : QWidget(parent), elideMode_(elideMode) {}
+ElideLabel::ElideLabel(QWidget* parent, int elideMode) : QWidget(parent), elideMode_(elideMode)
+{
+    WidgetAccess::Install();
+}
 
 void ElideLabel::SetText(const QString& text)
 {

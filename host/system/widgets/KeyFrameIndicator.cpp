@@ -1,10 +1,9 @@
 #include "system/widgets/KeyFrameIndicator.h"
 
+#include "system/widgets/WidgetAccess.h"
 #include "system/widgets/WidgetLook.h"
 
-#include <array>
-
-#include <QEvent>
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -65,6 +64,7 @@ KeyFrameIndicator::KeyFrameIndicator(QWidget* parent) : QAbstractButton(parent)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
     connect(this, &QAbstractButton::clicked, this, &KeyFrameIndicator::Toggled);
+    WidgetAccess::Install();
 }
 
 void KeyFrameIndicator::SetState(State state)
@@ -73,6 +73,10 @@ void KeyFrameIndicator::SetState(State state)
         return;
     state_ = state;
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent changed(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&changed);
+    }
 }
 
 QString KeyFrameIndicator::StateText(State state)
@@ -107,20 +111,20 @@ void KeyFrameIndicator::paintEvent(QPaintEvent*)
     const QColor text = WidgetLook::Text(*this);
     const QColor ground = palette().color(QPalette::Window);
     const bool hot = isEnabled() && (underMouse() || isDown());
-    const QColor accent = isEnabled() ? WidgetLook::Accent() : text;
+    const QColor key = isEnabled() ? WidgetLook::Key() : text;
     const QPointF centre(width() / 2.0, height() / 2.0);
     switch (state_) {
     case State::None:
         DrawDiamond(painter, centre, hot ? text : WidgetLook::Mix(ground, text, 0.6), {}, 0.0);
         break;
     case State::Animated:
-        DrawDiamond(painter, centre, accent, accent, 0.5);
+        DrawDiamond(painter, centre, key, key, 0.5);
         break;
     case State::Keyed:
-        DrawDiamond(painter, centre, accent, accent, 1.0);
+        DrawDiamond(painter, centre, key, key, 1.0);
         break;
     case State::Expression:
-        DrawFunctionMark(painter, rect(), accent);
+        DrawFunctionMark(painter, rect(), isEnabled() ? WidgetLook::Expression() : text);
         break;
     }
     if (hasFocus())
@@ -135,11 +139,6 @@ void KeyFrameIndicator::keyPressEvent(QKeyEvent* event)
         return;
     }
     QAbstractButton::keyPressEvent(event);
-}
-
-bool KeyFrameIndicator::event(QEvent* event)
-{
-    return QAbstractButton::event(event);
 }
 
 } // namespace Marlox

@@ -11,7 +11,17 @@ namespace Marlox::WidgetLook {
 
 QColor Accent()
 {
-    return LookPack::Global().Color("System.AccentColour", {232, 160, 64}).ToQColor();
+    return LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor();
+}
+
+QColor Key()
+{
+    return LookPack::Global().Color("System.KeyColour", {223, 213, 122}).ToQColor();
+}
+
+QColor Expression()
+{
+    return LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor();
 }
 
 QColor ErrorText()

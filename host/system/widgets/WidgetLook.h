@@ -11,8 +11,11 @@ class QWidget;
 /// Internal to the library. Coordinates are device-independent pixels of the widget.
 namespace Marlox::WidgetLook {
 
-/// The one accent: focus rings, checks, keys.
+/// The one accent: focus rings, checks.
 QColor Accent();
+/// Marks of key frames, and of expressions.
+QColor Key();
+QColor Expression();
 QColor ErrorText();
 /// Text of the widget in its present state (enabled or not) from its palette.
 QColor Text(const QWidget& widget);

@@ -1,0 +1,110 @@
+#include "system/widgets/NumberEntry.h"
+
+#include "system/widgets/Arithmetic.h"
+#include "system/widgets/NumberFormat.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Marlox {
+
+namespace {
+
+int PointIn(const QString& text)
+{
+    const int point = text.indexOf(u'.');
+    return point < 0 ? text.size() : point;
+}
+
+bool IsDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+} // namespace
+
+NumberEntry::Reading NumberEntry::Read(const QString& text,
+                                       const ExpressionTest& isExpression) const
+{
+    QString plain = text.trimmed();
+    if (plain.startsWith(u'='))
+        plain = plain.mid(1).trimmed();
+    if (plain.isEmpty())
+        return {};
+    const ArithmeticResult result = EvaluateArithmetic(plain, value, time ? framesPerSecond : 0.0);
+    if (result.value)
+        return {Reading::Kind::Number, Accepted(*result.value), {}, -1};
+    if (isExpression && isExpression(plain))
+        return {Reading::Kind::Expression, 0.0, plain, -1};
+    const int skipped = text.indexOf(plain);
+    return {Reading::Kind::Unreadable, 0.0, result.error, skipped + result.errorAt};
+}
+
+QString NumberEntry::TextOf(double number) const
+{
+    if (time && timeCode)
+        return FormatTimeCode(number, framesPerSecond);
+    return FormatNumber(integer ? std::round(number) : number, precision);
+}
+
+double NumberEntry::Accepted(double number) const
+{
+    if (integer) {
+        const double lowest = std::ceil(minimum);
+        const double highest = std::floor(maximum);
+        if (lowest <= highest)
+            return std::clamp(std::round(number), lowest, highest);
+    }
+    return minimum <= maximum ? std::clamp(number, minimum, maximum) : number;
+}
+
+double NumberEntry::Moved(double number, double change)
+{
+    return QString::number(number + change, 'g', 15).toDouble();
+}
+
+double NumberEntry::Step() const
+{
+    if (integer || time)
+        return 1.0;
+    const double span = maximum - minimum;
+    if (!std::isfinite(span) || span <= 0.0)
+        return 0.1;
+    return std::pow(10.0, std::floor(std::log10(span)) - 2.0);
+}
+
+bool DigitAt::Find(const QString& text, int cursor, DigitAt& found)
+{
+    for (const QChar c : text) {
+        if (!IsDigit(c) && c != u'-' && c != u'.')
+            return false;
+    }
+    int digit = std::min(cursor, int(text.size())) - 1;
+    if (digit >= 0 && text[digit] == u'.')
+        --digit;
+    if (digit < 0 || !IsDigit(text[digit])) {
+        digit = std::max(digit, 0);
+        while (digit < text.size() && !IsDigit(text[digit]))
+            ++digit;
+    }
+    if (digit >= text.size())
+        return false;
+    const int point = PointIn(text);
+    found.power = digit < point ? point - digit - 1 : point - digit;
+    return true;
+}
+
+int DigitAt::CursorIn(const QString& text) const
+{
+    const int point = PointIn(text);
+    const int behind = power >= 0 ? point - power : point - power + 1;
+    const int firstDigit = text.startsWith(u'-') ? 1 : 0;
+    return std::clamp(behind, std::min(firstDigit + 1, int(text.size())), int(text.size()));
+}
+
+double DigitAt::Step() const
+{
+    return std::pow(10.0, power);
+}
+
+} // namespace Marlox
