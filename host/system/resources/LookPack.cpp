@@ -16,6 +16,12 @@ namespace {
 
 constexpr QLatin1String colorsFile("colours.lua");
 
+/// Layouts and data blocks are both text; the name tells which.
+bool IsDataBlock(std::string_view name)
+{
+    return name.ends_with(".Data");
+}
+
 /// The folder of the shared object that holds this code.
 QString OwnFolder()
 {
@@ -114,9 +120,7 @@ QString LookPack::Private::PathOf(Resource::Kind kind, const char* name) const
         return QStringLiteral("%1/bitmaps/%2.svg").arg(folder, file);
     case Resource::Kind::Data:
         return QStringLiteral("%1/%2/%3.lua")
-            .arg(folder,
-                 file.endsWith(QLatin1String(".Data")) ? QStringLiteral("data")
-                                                       : QStringLiteral("layouts"),
+            .arg(folder, IsDataBlock(name) ? QStringLiteral("data") : QStringLiteral("layouts"),
                  file);
     case Resource::Kind::Color:
         break;
@@ -231,7 +235,16 @@ ScriptVal LookPack::Private::DataNamed(const char* name)
     if (folder.isEmpty() || !HasScripting()) {
         return {};
     }
-    return data_[name] = ReadTable(PathOf(Resource::Kind::Data, name));
+    const QString path = PathOf(Resource::Kind::Data, name);
+    ScriptVal value = ReadTable(path);
+    const bool named = value.At(1).IsString() && value.At(1).ToString() == name;
+    if (value.IsTable() && !IsDataBlock(name) && !(named && value.At(2).IsTable())) {
+        Tell(path, QStringLiteral("{\"%1\", { ... }} is expected: the layout's own name, then the "
+                                  "layout")
+                       .arg(QLatin1String(name)));
+        value = {};
+    }
+    return data_[name] = value;
 }
 
 std::string LookPack::Private::TextNamed(const char* name) const
@@ -260,6 +273,7 @@ bool LookPack::Use(const QString& folder, QString* error)
     if (!d_->Adopt(folder, error)) {
         return false;
     }
+    d_->problems.clear();
     ++d_->generation;
     return true;
 }

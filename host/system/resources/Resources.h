@@ -91,8 +91,10 @@ private:
     MxColor secondDefault_;
 };
 
-/// A named text block: a layout description or data that goes with it, as a script table. Parsed
-/// once; all callers share the table (ScriptVal::Clone before changing it).
+/// A named text block: a layout or data that goes with it, as a script table. A layout item is its
+/// own name followed by the layout description, {"Controls.X.Layout", {"VGroup", ...}}; names that
+/// end in ".Data" are free in form. Parsed once; all callers share the table (ScriptVal::Clone
+/// before changing it).
 class MARLOXSYSTEM_EXPORT ResData : public Resource {
 public:
     explicit ResData(const char* name) noexcept : Resource(Kind::Data, name) {}
@@ -100,6 +102,8 @@ public:
     /// The parsed table; nil, with a line in LookPack::TakeProblems, if it is missing or broken.
     ScriptVal Value() const;
     static ScriptVal ValueOf(const char* name);
+    /// The layout description within a layout item; nil as above.
+    static ScriptVal LayoutOf(const char* name) { return ValueOf(name).At(2); }
 };
 
 /// The resource files of the look in use: a folder with `colours.lua`, `layouts/*.lua`,

@@ -1,0 +1,10 @@
+-- A choice beside its name.
+{"Controls.Combo.Layout.Horizontal",
+    {"VGroup",
+        {"HGroup", Spacing = 8, MinHeight = 24,
+            {"Item", Name = "label", Weight = 0, MinWidth = 110, MaxWidth = 110},
+            {"Item", Name = "combo"},
+        },
+        {"Container", Name = "expression"},
+    }
+}

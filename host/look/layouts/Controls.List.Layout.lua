@@ -1,0 +1,10 @@
+-- A list of texts below its name.
+{"Controls.List.Layout",
+    {"VGroup",
+        {"HGroup", Spacing = 8, MinHeight = 24,
+            {"Item", Name = "label", Weight = 0, MinWidth = 110, MaxWidth = 110},
+        },
+        {"Item", Name = "list", MinHeight = 96},
+        {"Container", Name = "expression"},
+    }
+}

@@ -1,0 +1,20 @@
+-- A number on a thumbwheel, as the slider's layout.
+{"Controls.Screw.Layout",
+    {"VGroup",
+        {"HGroup", Spacing = 8, MinHeight = 24,
+            {"Item", Name = "label", Weight = 0, MinWidth = 110, MaxWidth = 110},
+            {"Item", Name = "screw"},
+            {"Item", Name = "edit", Weight = 0, MinWidth = 64, MaxWidth = 64},
+        },
+        {"HGroup", Spacing = 8,
+            {"Spacer", Weight = 0, MinWidth = 110, MaxWidth = 110},
+            {"HGroup", Spacing = 4,
+                {"Item", Name = "minlabel", Align = "left"},
+                {"Item", Name = "midlabel", Align = "hcentre"},
+                {"Item", Name = "maxlabel", Align = "right"},
+            },
+            {"Spacer", Weight = 0, MinWidth = 64, MaxWidth = 64},
+        },
+        {"Container", Name = "expression"},
+    }
+}
