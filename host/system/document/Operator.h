@@ -7,13 +7,16 @@
 #include <vector>
 
 #include <QString>
+#include <QStringList>
 
 namespace Marlox {
 
 class MarloxDoc;
 
 /// A tool of the document: named inputs and a way to make its output image from their values. Tool
-/// classes register with ClassKind::Tool; a document creates them by class id.
+/// classes register with ClassKind::Tool; a document creates them by class id. Changes of name,
+/// lock and enabling are undo steps of the document. A locked tool refuses every change but
+/// unlocking; undo and redo pass.
 class MARLOXSYSTEM_EXPORT Operator : public Object {
 public:
     explicit Operator(const Registry* record);
@@ -21,7 +24,8 @@ public:
 
     MxID GetToolType() const; // class id
     QString GetName() const { return name_; }
-    /// Names are unique in a document: a taken one gets a number appended. False: empty or locked.
+    /// Names are unique in a document: a taken one gets the next free number ("Blur" becomes
+    /// "Blur1", "Blur1" becomes "Blur2"). Connections follow the new name. False: empty or locked.
     bool SetName(const QString& name);
     bool IsLocked() const { return locked_; }
     bool SetLocked(bool locked);
@@ -32,7 +36,8 @@ public:
     /// Inputs in the order of the inspector; owned.
     const std::vector<Ref<Input>>& Inputs() const { return inputs_; }
     Input* FindInput(const MxID& id) const;
-    /// The inspector control shared by several inputs shows up once, at the first of them.
+    /// For constructors of tools. The inspector control shared by several inputs shows up once, at
+    /// the first of them.
     Input& AddInput(const MxID& id, const TagList& attributes);
     /// The input for the picture that comes from upstream, id "Input"; null for a source.
     Input* ImageInput() const;
@@ -40,24 +45,39 @@ public:
     /// Current time of the document in frames; 0 outside a document.
     double CurrentTime() const;
 
-    /// Makes the process that renders this tool at `time`, with all values it needs taken out of the
-    /// inputs: it runs on another thread while the tool may change or vanish.
+    /// Makes the process that renders this tool at `time`, with all values it needs taken out of
+    /// the inputs: it runs on another thread while the tool may change or vanish. Images of
+    /// connected inputs reach the process when it runs (ToolProcess::Upstream), and an input of the
+    /// kind Mask is applied by the renderer: its alpha mixes the upstream image and the output.
     virtual std::unique_ptr<ToolProcess> Prepare(double time) const = 0;
 
     // Object
     MarloxDoc* GetDoc() const override { return document_; }
+    std::size_t SizeOf() const override { return sizeof(*this); }
+    /// The tool as documents hold it: class, name, flags, inputs, and what a document file had for
+    /// inputs that this class does not have.
     bool SaveState(ScriptVal& state) const override;
+    /// Takes over all inputs of such a table, as one undo step. False, and nothing changed, if it
+    /// is of the wrong form or of another class, or the tool is locked. In a document the name
+    /// stays.
     bool RestoreState(const ScriptVal& state) override;
+    /// The same, telling what was wrong or left aside.
+    bool RestoreState(const ScriptVal& state, QString& error, QStringList& notes);
 
 private:
     friend class MarloxDoc;
+    using InputStates = std::vector<std::pair<Input*, Input::State>>;
+    bool ReadInputs(const ScriptVal& table, InputStates& out, ScriptVal& unknown, QString& error,
+                    QStringList& notes) const;
+    bool SetFlag(bool Operator::*flag, bool on, const QString& text);
 
-    const Registry* record_;
+    MxID toolType_;
     MarloxDoc* document_ = nullptr;
     QString name_;
     bool locked_ = false;
     bool disabled_ = false;
     std::vector<Ref<Input>> inputs_;
+    ScriptVal unknownInputs_; // as they were read, to be written again
 };
 
 } // namespace Marlox

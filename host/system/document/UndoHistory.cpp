@@ -1,1 +1,185 @@
 #include "system/document/UndoHistory.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QUndoCommand>
+
+namespace Marlox {
+
+UndoStep::~UndoStep() = default;
+
+bool UndoStep::Absorb(UndoStep&)
+{
+    return false;
+}
+
+/// One entry of the stack: the steps of an outermost group, in the order they were made.
+class UndoHistory::Entry final : public QUndoCommand {
+public:
+    Entry(const QString& text, std::vector<std::unique_ptr<UndoStep>> steps)
+        : QUndoCommand(text), steps_(std::move(steps))
+    {
+    }
+    void undo() override
+    {
+        std::for_each(steps_.rbegin(), steps_.rend(), [](const auto& step) { step->Undo(); });
+    }
+    void redo() override
+    {
+        // The stack calls this once while it takes the entry, whose steps are done already.
+        if (std::exchange(taken_, true))
+            std::for_each(steps_.begin(), steps_.end(), [](const auto& step) { step->Redo(); });
+    }
+
+private:
+    std::vector<std::unique_ptr<UndoStep>> steps_;
+    bool taken_ = false;
+};
+
+UndoHistory::UndoHistory() = default;
+UndoHistory::~UndoHistory() = default;
+
+void UndoHistory::Begin(const QString& text)
+{
+    open_.push_back(text);
+    marks_.push_back(collected_.size());
+}
+
+void UndoHistory::End(bool keep)
+{
+    if (open_.empty())
+        return;
+    const std::size_t mark = marks_.back();
+    if (!keep)
+        RollBack(mark);
+    const QString text = open_.back();
+    open_.pop_back();
+    marks_.pop_back();
+    if (!open_.empty()) {
+        if (open_.back().isEmpty() && collected_.size() > mark)
+            open_.back() = text;
+        MergeFrom(mark);
+        return;
+    }
+    std::erase_if(collected_, [](const auto& step) { return step->IsNothing(); });
+    const QString fallback = std::exchange(stepText_, {});
+    if (!collected_.empty())
+        stack_.push(new Entry(text.isEmpty() ? fallback : text, std::exchange(collected_, {})));
+}
+
+/// The steps of a nested group that was kept belong to the group around it: a drag that nests a
+/// group in each of a thousand moves stays one step.
+void UndoHistory::MergeFrom(std::size_t mark)
+{
+    auto nested = std::vector<std::unique_ptr<UndoStep>>(
+        std::make_move_iterator(collected_.begin() + std::ptrdiff_t(mark)),
+        std::make_move_iterator(collected_.end()));
+    collected_.resize(mark);
+    for (auto& step : nested)
+        Collect(std::move(step));
+}
+
+void UndoHistory::Collect(std::unique_ptr<UndoStep> step)
+{
+    // Only steps of the innermost group absorb: it may still be rolled back by itself.
+    for (std::size_t i = collected_.size(); i > marks_.back(); --i) {
+        if (collected_[i - 1]->Absorb(*step))
+            return;
+    }
+    collected_.push_back(std::move(step));
+}
+
+void UndoHistory::RollBack(std::size_t mark)
+{
+    const bool before = std::exchange(replaying_, true);
+    while (collected_.size() > mark) {
+        const std::unique_ptr<UndoStep> step = std::move(collected_.back());
+        collected_.pop_back();
+        step->Undo();
+    }
+    replaying_ = before;
+}
+
+void UndoHistory::Push(std::unique_ptr<UndoStep> step, const QString& text)
+{
+    if (replaying_)
+        return;
+    if (open_.empty()) {
+        std::vector<std::unique_ptr<UndoStep>> steps;
+        if (step->IsNothing())
+            return;
+        steps.push_back(std::move(step));
+        stack_.push(new Entry(text, std::move(steps)));
+        return;
+    }
+    if (collected_.empty())
+        stepText_ = text;
+    Collect(std::move(step));
+}
+
+bool UndoHistory::CanUndo() const
+{
+    return stack_.canUndo() || HasOpenChanges();
+}
+
+bool UndoHistory::CanRedo() const
+{
+    return stack_.canRedo() && !HasOpenChanges();
+}
+
+bool UndoHistory::HasOpenChanges() const
+{
+    return std::any_of(collected_.begin(), collected_.end(),
+                       [](const auto& step) { return !step->IsNothing(); });
+}
+
+QString UndoHistory::UndoText() const
+{
+    return stack_.undoText();
+}
+
+QString UndoHistory::RedoText() const
+{
+    return stack_.redoText();
+}
+
+void UndoHistory::CloseAll()
+{
+    while (!open_.empty())
+        End();
+}
+
+void UndoHistory::Undo()
+{
+    Replay(&QUndoStack::undo);
+}
+
+void UndoHistory::Redo()
+{
+    Replay(&QUndoStack::redo);
+}
+
+void UndoHistory::Replay(void (QUndoStack::*way)())
+{
+    if (replaying_)
+        return; // a listener of a step asked; the stack is in the middle of something
+    CloseAll();
+    replaying_ = true;
+    (stack_.*way)();
+    replaying_ = false;
+}
+
+void UndoHistory::Clear()
+{
+    open_.clear();
+    marks_.clear();
+    const bool clean = stack_.isClean() && !HasOpenChanges();
+    collected_.clear();
+    stepText_.clear();
+    stack_.clear();
+    if (!clean)
+        stack_.resetClean();
+}
+
+} // namespace Marlox

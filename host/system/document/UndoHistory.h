@@ -24,19 +24,21 @@ public:
 };
 
 /// The undo history of a document, on QUndoStack. Groups nest; the outermost one becomes the entry,
-/// with its text (the first non-empty one, outermost first). A group that changed nothing leaves no
-/// entry.
+/// with its text (the first non-empty one, outermost first, then the text of the first step). A
+/// group that changed nothing leaves no entry and leaves what could be redone.
 class MARLOXSYSTEM_EXPORT UndoHistory {
 public:
     UndoHistory();
     ~UndoHistory();
 
     void Begin(const QString& text);
-    /// keep = false undoes what the group did and leaves no entry.
+    /// keep = false undoes what the group did and leaves no entry. Without an open group (Undo
+    /// ended it) this does nothing.
     void End(bool keep = true);
     int Depth() const { return int(open_.size()); }
     /// Hands over a change that was just made. Outside a group it is an entry of its own, named
-    /// `text`. While the history itself undoes or redoes, steps are dropped.
+    /// `text`; inside, an earlier step of the innermost group may absorb it. While the history
+    /// itself undoes or redoes, steps are dropped.
     void Push(std::unique_ptr<UndoStep> step, const QString& text);
 
     bool CanUndo() const;
@@ -45,17 +47,27 @@ public:
     QString RedoText() const;
     void Undo(); // ends open groups first
     void Redo();
+    /// Forgets all entries and open groups. What was not saved stays so: the stack is not clean
+    /// after it unless it was before.
     void Clear();
+    /// Whether steps of open groups have changed something that is no entry yet.
+    bool HasOpenChanges() const;
     /// For views and for signals; entries are only pushed through this class.
     QUndoStack& Stack() { return stack_; }
 
 private:
     class Entry;
+    void RollBack(std::size_t mark);
+    void MergeFrom(std::size_t mark);
+    void Collect(std::unique_ptr<UndoStep> step);
+    void CloseAll();
+    void Replay(void (QUndoStack::*way)());
 
     QUndoStack stack_;
     std::vector<QString> open_;
     std::vector<std::size_t> marks_; // number of steps collected when each group began
     std::vector<std::unique_ptr<UndoStep>> collected_;
+    QString stepText_; // of the first step collected
     bool replaying_ = false;
 };
 

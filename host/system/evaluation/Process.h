@@ -6,6 +6,8 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <QString>
 
@@ -26,7 +28,8 @@ public:
     double Progress() const { return progress_.load(std::memory_order_relaxed); }
 
     /// Runs `body(first, last)` for pieces of [0, count) on all cores and waits; skips what is left
-    /// once the render is cancelled. Reports progress.
+    /// once the render is cancelled. Reports progress. Called from within a body it runs there, on
+    /// that core. What a body throws reaches the caller.
     void ForRows(int count, const std::function<void(int first, int last)>& body);
 
 private:
@@ -35,16 +38,25 @@ private:
 };
 
 /// One tool's work in one render, with its values inside. Runs on a render thread; touches no host
-/// object but images.
+/// object but images. An exception that leaves Run becomes the render's error.
 class MARLOXSYSTEM_EXPORT ToolProcess {
 public:
     virtual ~ToolProcess();
     /// The output image from the upstream image (null for a source). Null and `error`, naming the
     /// file or value, on failure; null without an error when cancelled.
     virtual Ref<Image> Run(const Ref<Image>& upstream, RenderContext& context, QString& error) = 0;
-    /// Equal keys mean equal output for equal upstream images: the renderer keeps the result. Empty:
+    /// Equal keys of one tool class mean equal output for equal upstream images at equal scale: the
+    /// renderer keeps the result. A process that uses the time must have it in the key. Empty:
     /// never kept.
     virtual std::string CacheKey() const { return {}; }
+
+    /// While it runs: the image connected to a further image input of the tool; null if there is
+    /// none.
+    Ref<Image> Upstream(const MxID& input) const;
+    void SetUpstream(const MxID& input, Ref<Image> image); // for who runs it
+
+private:
+    std::vector<std::pair<MxID, Ref<Image>>> upstream_;
 };
 
 } // namespace Marlox

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "system/evaluation/Process.h"
+#include "system/evaluation/RenderJob.h"
 
 #include <memory>
-#include <vector>
 
 #include <QObject>
 
@@ -12,46 +11,21 @@ namespace Marlox {
 class MarloxDoc;
 class Operator;
 
-/// What one render of a document gave.
-struct RenderResult {
-    Ref<Image> image; // null on failure
-    QString error;    // empty on success; names the tool and what it could not do
-    double time = 0.0;
-    bool proxy = false; // rendered at reduced resolution
-    u64 serial = 0;     // counts the requests
-};
-
-/// A list of processes in flow order, taken out of a document: independent of it from then on.
-class MARLOXSYSTEM_EXPORT RenderJob {
-public:
-    /// The tools up to and with `last` (null: all), without the disabled ones. User-interface thread.
-    static std::unique_ptr<RenderJob> Take(const MarloxDoc& document, double time, double scale,
-                                           const Operator* last = nullptr);
-    /// Runs to the end or until cancelled, on the calling thread and the cores it borrows.
-    RenderResult Run();
-    RenderContext& Context() { return context_; }
-    QString CurrentToolName() const; // thread-safe, for progress
-
-private:
-    struct Step {
-        QString toolName;
-        std::unique_ptr<ToolProcess> process;
-    };
-    RenderContext context_;
-    std::vector<Step> steps_;
-    std::atomic<int> current_{0};
-};
-
-/// Renders a document off the user-interface thread. The newest request wins: a newer one cancels
-/// the running one and replaces the waiting one. While a tool has automatic proxy on, renders are at
-/// reduced resolution; after MarloxDoc::SyncRender at full. The interface never waits.
+/// Renders a document off the user-interface thread. The newest request wins: a newer one replaces
+/// the waiting one and cancels the running one, which is given a fifth of a second from its start
+/// to finish all the same, so that a drag shows pictures while it goes on. While a tool has
+/// automatic proxy on, renders are at reduced resolution; after MarloxDoc::SyncRender at full. The
+/// interface never waits. Results of single tools are kept, within a limit, for renders that share
+/// them.
+///
+/// It asks by itself whenever tools, inputs (but passive ones) or the current time change.
 class MARLOXSYSTEM_EXPORT Renderer : public QObject {
     Q_OBJECT
 public:
     explicit Renderer(MarloxDoc& document, QObject* parent = nullptr);
     ~Renderer() override; // cancels and joins
 
-    /// The tool whose output is wanted; null: the last one.
+    /// The tool whose output is wanted; null: the last one, also after the tool is gone.
     void SetViewedTool(Operator* tool);
     Operator* ViewedTool() const;
     /// Asks for a new render at the document's current time. Requests made in one turn of the event
@@ -65,6 +39,9 @@ public:
     /// Waits, running the event loop, until nothing is left to render; false after `timeout` ms.
     /// For scripts and tests; the interface never calls it.
     bool WaitUntilIdle(int timeout);
+    /// The memory for kept results (by default a quarter of the machine's, at most 2 GiB).
+    void SetCacheLimit(std::size_t bytes);
+    std::size_t CacheSize() const; // bytes
 
 signals:
     void Started(quint64 serial);

@@ -11,8 +11,8 @@ namespace Marlox {
 enum class Interpolation { Step, Linear, Smooth };
 
 /// The keys of one input over time and the spline through them. A value type. Times are frames
-/// (fractions allowed); a key rules the segment up to the next key. Before the first and behind the
-/// last key the value holds.
+/// (fractions allowed; two times closer than a millionth of a frame are one); a key rules the
+/// segment up to the next key. Before the first and behind the last key the value holds.
 class MARLOXSYSTEM_EXPORT Animation {
 public:
     struct Key {
@@ -22,16 +22,20 @@ public:
 
     bool IsEmpty() const { return keys_.empty(); }
     const std::map<double, Key>& Keys() const { return keys_; }
-    /// Sets or replaces the key at `time`; a replaced key keeps its interpolation unless one is given.
+    /// Sets or replaces the key at `time`; a replaced key keeps its interpolation unless one is
+    /// given. A time that is not finite is ignored.
     void SetKey(double time, Ref<Parameter> value, std::optional<Interpolation> interpolation = {});
     bool RemoveKey(double time);
     bool MoveKey(double from, double to); // false: no key at `from`, or `to` taken
     bool HasKeyAt(double time) const;
-    std::optional<double> KeyBefore(double time) const;
+    std::optional<double> KeyBefore(double time) const; // the nearest one, not the key at `time`
     std::optional<double> KeyAfter(double time) const;
 
     /// The value at `time`; null without keys. Smooth segments are cubic Hermite splines with
-    /// tangents limited so that no segment overshoots its keys (Fritsch and Carlson 1980).
+    /// tangents limited so that no segment overshoots its keys (Fritsch and Carlson 1980); they
+    /// start and end flat where the value holds: at the first and last key and beside a stepped
+    /// segment. Values without components, or with a component that is not finite, hold to the next
+    /// key.
     Ref<Parameter> Evaluate(double time) const;
 
     friend bool operator==(const Animation&, const Animation&);

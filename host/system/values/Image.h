@@ -14,8 +14,8 @@ namespace Marlox {
 class MARLOXSYSTEM_EXPORT Image : public Parameter {
 public:
     struct Format {
-        MxRect dataWindow;    // pixels, y down
-        MxRect displayWindow; // pixels, y down
+        MxRect dataWindow;        // pixels, y down
+        MxRect displayWindow;     // pixels, y down
         double pixelAspect = 1.0; // width of a pixel divided by its height
         double scale = 1.0; // pixels here for each pixel at full resolution (below 1: a proxy)
 
@@ -35,9 +35,9 @@ public:
     float* Row(int y) { return pixels_->data() + std::size_t(y) * Width() * 4; }
 
     MxID GetDataType() const override;
-    Ref<Parameter> Copy() const override; // shares the pixels
+    Ref<Parameter> Copy() const override;                // shares the pixels
     bool IsEqual(const Parameter& other) const override; // same pixels in memory
-    ScriptVal ToScriptVal() const override; // nil: pixels are not part of documents
+    ScriptVal ToScriptVal() const override;              // nil: pixels are not part of documents
     std::size_t SizeOf() const override { return sizeof(*this); }
 
 protected:

@@ -19,10 +19,19 @@ class Operator;
 /// The time at which a value is set that is not keyed: Input::SetValue with it replaces all keys.
 inline constexpr double TimeNone = -2000000000.0;
 
-/// One input of a tool: an animatable parameter slot. Its value at a time comes, in this order, from
-/// an upstream connection, an expression, the keys, or the plain value. It belongs to its tool and
-/// knows the controls that show it. User-interface thread, except for the list of controls, which is
-/// read under the read lock.
+/// One input of a tool: an animatable parameter slot. Its value at a time comes, in this order,
+/// from an upstream connection, an expression, the keys, or the plain value. It belongs to its
+/// tool, must not outlive it, and knows the controls that show it. User-interface thread, except
+/// for the list of controls, which is read under the read lock.
+///
+/// Every operation that changes the state is one undo step of the document, named after the input
+/// ("Change Gain") when it stands outside a group; steps of one input within a group are merged. An
+/// input with IA_Passive, or of a tool that stands in no document, simply changes. Operations
+/// refuse (false) while the tool is locked or the input has IA_ReadOnly, and are no step, yet true,
+/// when they change nothing.
+///
+/// Events to listeners: "ValueChanged" after every change of the state, "ConnectionChanged" before
+/// it when the connection changed too, "AttrsChanged".
 class MARLOXSYSTEM_EXPORT Input final : public Object, public LockableObject {
 public:
     /// Everything about an input that undo restores and documents store.
@@ -41,8 +50,8 @@ public:
         ReplaceAll = 1, // drop keys and expression: a plain number from now on
     };
 
-    /// Made by Operator::AddInput. The attribute IAS_DataType picks the parameter kind (Number unless
-    /// given), the defaults its first value. Strings of `attributes` are copied.
+    /// Made by Operator::AddInput. The attribute IAS_DataType picks the parameter kind (Number
+    /// unless given), the defaults its first value. Strings of `attributes` are copied.
     Input(Operator& owner, const MxID& id, const TagList& attributes);
     ~Input() override;
 
@@ -52,22 +61,29 @@ public:
     MxID GetDataType() const { return dataType_; }
 
     /// The value at `time` in frames; null only for a connected image input. A failing expression
-    /// yields the last good value, and ExpressionError tells what is wrong.
+    /// yields the last good value, and ExpressionError tells what is wrong. Inputs whose
+    /// expressions refer to each other in a circle all fail.
     Ref<Parameter> GetValue(double time) const;
+    /// The value from the keys or the plain value, as if there were no expression.
+    Ref<Parameter> GetPlainValue(double time) const;
     double GetNumber(double time, double otherwise = 0.0) const;
     /// Clamped to IAD_Minimum and IAD_Maximum and made whole by IA_Integer.
     Ref<Parameter> Accepted(const Parameter& value) const;
 
-    /// Writes a value: an undo step of the document if it differs, then listeners are told. With
-    /// keys, a key at `time` is set or changed. False: wrong kind, read-only, or the tool is locked.
+    /// Writes a value (as Accepted). With keys, a key at `time` is set or changed; TimeNone or
+    /// ReplaceAll drop keys and expression. Otherwise an expression stays and keeps ruling: what is
+    /// written lies underneath and shows once the expression is removed. False also for another
+    /// kind of value.
     bool SetValue(const Parameter& value, double time, unsigned flags = KeepKeys);
-    bool SetDefault(); // back to the default: keys and expression go
+    Ref<Parameter> DefaultValue() const; // by IAD_Default and its kin
+    bool SetDefault();                   // back to the default: keys and expression go
 
     bool IsAnimated() const { return !state_.animation.IsEmpty(); }
     const Animation& GetAnimation() const { return state_.animation; }
     bool SetAnimation(Animation animation);
     bool IsKeyAt(double time) const { return state_.animation.HasKeyAt(time); }
-    /// Sets a key with the present value; the first one makes the input animated.
+    /// Sets a key with the value at `time` (that of the expression, if there is one); the first one
+    /// makes the input animated. False also without IA_Animatable and for images.
     bool AddKey(double time, std::optional<Interpolation> interpolation = {});
     /// Removing the last key leaves its value as the plain value.
     bool RemoveKey(double time);
@@ -78,13 +94,22 @@ public:
     /// What is wrong with the expression at the time it was last evaluated; empty when it is fine.
     const QString& ExpressionError() const { return expressionError_; }
 
-    /// The tool whose output feeds this input, or null.
+    bool IsImage() const; // an image or a mask: can be connected
+    /// The tool whose output was connected to this input, or null. MarloxDoc::FeedOf also knows the
+    /// tool that feeds an unconnected main input.
     Operator* GetSource() const;
-    bool Connect(Operator* source); // null disconnects; false would make a loop
+    /// Null disconnects. False also for inputs that carry no image, a tool of another document, and
+    /// where it would make a loop.
+    bool Connect(Operator* source);
 
     const State& GetState() const { return state_; }
+    enum Force { Ask, EvenIfLocked };
+    /// Replaces everything, as one undo step. The caller has checked the values (Accepted).
+    bool ChangeTo(State next, Force force = Ask);
     /// For undo and loading: replaces everything and tells listeners; records nothing.
     void RestoreInputState(const State& state);
+    /// The tool of that name has another one now: a connection to it follows. Records nothing.
+    void RenameSource(const std::string& from, const std::string& to);
 
     // Controls showing this input; not owned. The list is changed under the write lock.
     void AddControl(Object* control);
@@ -103,15 +128,22 @@ public:
     const TagList& Attributes() const { return attributes_; }
 
 private:
-    bool Change(const State& next);
+    class Step;
+
+    bool IsChangeable() const;
+    bool Change(State next, const QString& text, Force force = Ask);
+    void Assign(const State& state);
+    void Announce(bool reconnected);
+    Ref<Parameter> EvaluateExpression(double time) const;
 
     Operator& owner_;
     MxID id_;
     MxID dataType_;
     TagList attributes_;
     State state_;
-    mutable Ref<Parameter> lastGood_;
+    mutable Ref<Parameter> lastGood_; // what the expression gave last; null: nothing yet
     mutable QString expressionError_;
+    mutable bool looped_ = false; // the evaluation under way was asked for its own result
     std::vector<Object*> controls_;
 };
 

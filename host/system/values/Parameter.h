@@ -22,11 +22,12 @@ public:
     virtual ScriptVal ToScriptVal() const = 0;
     /// Reads what ToScriptVal wrote; null if the value is of another form.
     static Ref<Parameter> FromScriptVal(const MxID& dataType, const ScriptVal& value);
-    /// A new value of the kind: 0, the image centre (0.5, 0.5), no text, ...; null for an unknown kind.
+    /// A new value of the kind: 0, the image centre (0.5, 0.5), no text, ...; null for an unknown
+    /// kind.
     static Ref<Parameter> CreateDefault(const MxID& dataType);
 
-    /// The numbers that animation interpolates between keys, component by component; empty for kinds
-    /// that hold still until the next key.
+    /// The numbers that animation interpolates between keys, component by component; empty for
+    /// kinds that hold still until the next key.
     virtual std::span<const double> Components() const { return {}; }
     /// A value of the same kind with other components.
     virtual Ref<Parameter> WithComponents(std::span<const double> components) const;

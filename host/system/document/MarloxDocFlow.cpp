@@ -1,0 +1,86 @@
+#include "system/document/MarloxDoc.h"
+
+#include <algorithm>
+#include <set>
+
+// The flow: which tool feeds which image input. Connections are kept in the inputs, by name; the
+// order of the tools feeds the main inputs that have none.
+
+namespace Marlox {
+
+/// One step upstream, whether that tool is disabled or not. A disabled source in the order is left
+/// out: it has nothing to pass through.
+Operator* MarloxDoc::DirectFeed(const Input& input) const
+{
+    if (!input.GetState().source.empty())
+        return input.GetSource();
+    if (input.Owner().ImageInput() != &input)
+        return nullptr;
+    for (int i = IndexOf(input.Owner()) - 1; i >= 0; --i) {
+        Operator* tool = tools_[std::size_t(i)].Get();
+        if (!tool->IsDisabled() || tool->ImageInput())
+            return tool;
+    }
+    return nullptr;
+}
+
+Operator* MarloxDoc::FeedOf(const Input& input) const
+{
+    const Input* at = &input;
+    for (std::size_t step = 0; at && step <= tools_.size(); ++step) { // a loop ends too
+        Operator* feed = DirectFeed(*at);
+        if (!feed || !feed->IsDisabled())
+            return feed;
+        at = feed->ImageInput();
+    }
+    return nullptr;
+}
+
+bool MarloxDoc::IsFedBy(const Operator& tool, const Operator& upstream) const
+{
+    std::set<const Operator*> seen;
+    std::vector<const Operator*> open{&tool};
+    while (!open.empty()) {
+        const Operator* at = open.back();
+        open.pop_back();
+        if (at == &upstream)
+            return true;
+        if (!seen.insert(at).second)
+            continue;
+        for (const Ref<Input>& input : at->Inputs()) {
+            const Operator* feed = input->IsImage() ? DirectFeed(*input) : nullptr;
+            if (feed)
+                open.push_back(feed);
+        }
+    }
+    return false;
+}
+
+bool MarloxDoc::FlowsInLoop() const
+{
+    return std::any_of(tools_.begin(), tools_.end(), [this](const Ref<Operator>& tool) {
+        return std::any_of(
+            tool->Inputs().begin(), tool->Inputs().end(), [&](const Ref<Input>& input) {
+                const Operator* feed = input->IsImage() ? DirectFeed(*input) : nullptr;
+                return feed && IsFedBy(*feed, *tool);
+            });
+    });
+}
+
+void MarloxDoc::BypassConnections(const Operator& tool)
+{
+    Operator* feed = tool.ImageInput() ? DirectFeed(*tool.ImageInput()) : nullptr;
+    for (const Ref<Operator>& other : tools_) {
+        for (const Ref<Input>& input : other->Inputs()) {
+            if (input->GetSource() != &tool || &input->Owner() == &tool)
+                continue;
+            // An image that was to limit an effect is not replaced by another one.
+            const bool isMain = other->ImageInput() == input.Get();
+            Input::State state = input->GetState();
+            state.source = isMain && feed ? feed->GetName().toStdString() : std::string();
+            input->ChangeTo(std::move(state), Input::EvenIfLocked);
+        }
+    }
+}
+
+} // namespace Marlox

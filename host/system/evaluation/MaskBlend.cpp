@@ -1,0 +1,62 @@
+#include "system/evaluation/MaskBlend.h"
+
+#include <algorithm>
+
+namespace Marlox {
+
+namespace {
+
+MxRect united(const MxRect& a, const MxRect& b)
+{
+    if (a.IsEmpty())
+        return b;
+    if (b.IsEmpty())
+        return a;
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
+/// The pixel of `image` at a position of the display window, or transparent black.
+const float* pixelAt(const Image* image, int x, int y)
+{
+    static constexpr float nothing[4] = {};
+    if (!image || image->IsEmpty() || !image->GetFormat().dataWindow.Contains({x, y}))
+        return nothing;
+    const MxRect& window = image->GetFormat().dataWindow;
+    return image->Row(y - window.top) + std::size_t(x - window.left) * 4;
+}
+
+void blendRow(const Image* before, const Image* effect, const Image* mask, Image& out, int row)
+{
+    const MxRect& window = out.GetFormat().dataWindow;
+    float* pixel = out.Row(row);
+    for (int x = window.left; x < window.right; ++x, pixel += 4) {
+        const float amount = std::clamp(pixelAt(mask, x, window.top + row)[3], 0.0f, 1.0f);
+        const float* from = pixelAt(before, x, window.top + row);
+        const float* to = pixelAt(effect, x, window.top + row);
+        // At the ends copied, not computed: an infinite value elsewhere must not leak in.
+        if (amount == 0.0f || amount == 1.0f)
+            std::copy_n(amount == 0.0f ? from : to, 4, pixel);
+        else
+            for (int channel = 0; channel < 4; ++channel)
+                pixel[channel] = from[channel] + (to[channel] - from[channel]) * amount;
+    }
+}
+
+} // namespace
+
+Ref<Image> BlendByMask(const Ref<Image>& before, const Ref<Image>& effect, const Ref<Image>& mask,
+                       RenderContext& context)
+{
+    Image::Format format = effect->GetFormat();
+    if (before)
+        format.dataWindow = united(format.dataWindow, before->GetFormat().dataWindow);
+    auto out = MakeRef<Image>(format);
+    context.ForRows(out->Height(), [&](int first, int last) {
+        for (int row = first; row < last; ++row)
+            blendRow(before.Get(), effect.Get(), mask.Get(), *out, row);
+    });
+    return out;
+}
+
+} // namespace Marlox
