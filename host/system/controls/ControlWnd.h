@@ -6,10 +6,14 @@
 
 namespace Marlox {
 
-/// The page of the inspector that holds the controls of one tool, one below the other. It drives the
-/// life cycle of its controls: makes them from the inputs' attributes (IAS_Control, IAS_SharedWith),
-/// attaches, opens, sizes, notifies them on changes of values and time, closes and releases them. A
-/// host puts it in a scroll area.
+/// The page of the inspector that holds the controls of one tool, one below the other. It drives
+/// the life cycle of its controls: makes them from the inputs' attributes (IAS_Control,
+/// IAS_SharedWith), attaches, opens, sizes, notifies them on changes of values and time, closes and
+/// releases them. A host puts it in a scroll area. It keeps its tool alive while it shows it, and
+/// lets go of it when the document removes it.
+///
+/// A row, from the left: a mark of the state of its inputs, the control, the keyframe button of its
+/// first input. Pixels.
 class MARLOXSYSTEM_EXPORT ControlWnd : public QWidget {
     Q_OBJECT
 public:
@@ -22,12 +26,21 @@ public:
     Operator* GetOperator() const { return operator_; }
     const std::vector<Ref<InputControl>>& Controls() const { return controls_; }
     InputControl* ControlOf(const Input& input) const;
-    /// The control's wish was changed: layout is redone at the next turn of the event loop.
-    void RecalcSizes();
+    /// The wish of `changed` (null: of all) is another now: the rows are placed anew, in one pass
+    /// at the next turn of the event loop.
+    void RecalcSizes(const InputControl* changed = nullptr);
+    /// Shows the state of a control's inputs (animated, keyed, expression) beside it.
+    void UpdateState(const InputControl& control);
+    /// A place below a control for the expression lines of one whose layout has none.
+    Container* PlaceBelow(const InputControl& control);
     /// Controls in the middle of a gesture end it (the page goes away, the plug-in is unloaded).
     void EndGestures();
-    /// The keyframe button, name for messages, and the row's place are the page's own.
     MxColor BackgroundColor() const;
+
+    /// Before a library with control classes is unloaded: every page lets go of its controls at
+    /// once, and makes them anew, from what is registered then, when ReopenAll is called.
+    static void ReleaseAll();
+    static void ReopenAll();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -37,14 +50,23 @@ signals:
     void Problem(const QString& text);
     /// The content's height changed.
     void HeightChanged(int height);
+    /// Another tool is shown, also when the shown one was removed from its document (null then).
+    void OperatorChanged(Marlox::Operator* tool);
 
 protected:
     bool event(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    friend class InputControl;
     class Private;
+    // A scroll of the page that goes on stays the page's, whatever comes below the cursor.
+    bool IsScrolling() const;
+    void ForgetScrolling();
+
     Operator* operator_ = nullptr;
     std::vector<Ref<InputControl>> controls_;
     std::unique_ptr<Private> d_;

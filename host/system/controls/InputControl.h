@@ -112,12 +112,15 @@ public:
     virtual bool RemoveModifierAt(const MxPointT<int>& at);
     virtual bool AddExpressionAt(const MxPointT<int>& at);
     virtual bool RemoveExpressionAt(const MxPointT<int>& at);
-    virtual void OnOK();
-    virtual void OnCancel();
-    /// Bracket the drag of a TimeCodeEdit: proxy rendering on, one undo group; the end closes both.
+public slots:
+    virtual void OnOK();     // takes what is being typed in an expression line
+    virtual void OnCancel(); // gives it up
+    /// Bracket the drag of a TimeCodeEdit: proxy rendering on, one undo group; the end closes both
+    /// and asks for a render at full resolution.
     virtual void OnEditStartDrag();
     virtual void OnEditEndDrag();
 
+public:
     // Services that controls call.
     /// Builds this control's layout from a description; `stretch` lets the root take the control's
     /// whole rectangle (else it takes its minimum height). Null, with a message, if it is broken.
@@ -133,15 +136,33 @@ public:
     /// Whether a new value differs from the shown one: whole numbers when they differ after
     /// rounding, others when by more than `tolerance`. NaN differs from every number.
     static bool HasValueChanged(bool integer, double value, double shown, double tolerance);
+    /// Gives the input an expression that says its present value, to be edited in its line.
     bool AddExpression(Input* input);
     bool RemoveExpression(Input* input);
+    /// A modifier is whatever else moves the value: keys or an upstream connection. Adding one sets
+    /// the first key at the current time; removing leaves the present value as the plain value.
     bool AddModifier(Input* input);
     bool RemoveModifier(Input* input);
+    /// Sets the expression of the input with this control index; an empty text removes it.
     void SetExpressions(unsigned int index, char* expression);
-    /// Reads IC_Disabled (and IA_ReadOnly when `ofInput`) and applies them.
+    /// Reads IC_Disabled (and IA_ReadOnly when `ofInput`), applies them, and returns whether the
+    /// control is disabled. The inputs of a locked tool are disabled besides.
     bool GetDisabledTags(const TagList& tags, bool ofInput);
     bool IsAllPassive(TagList* tags) const;
     MxColor GetBackgroundColor() const;
+
+    /// Ids of a control's own menu entries start here; those below are the base's.
+    static constexpr unsigned int FirstOwnMenuId = 0x1000;
+    /// Fills the context menu: the base's entries for `only` (null: for every input, in submenus if
+    /// there are several), then those of AddToMenu. HandleMenu runs an entry by its id.
+    void BuildMenu(Menu& menu, Input* only = nullptr);
+    /// Closes the undo group and the proxy rendering of a gesture whose end got lost.
+    void EndGesture();
+    /// Tells the user something through the window's status line.
+    void Report(const QString& text) const;
+    /// Why the control could not be built as it should be; it then shows this line instead of its
+    /// widgets. Empty: nothing wrong.
+    const QString& Fault() const;
 
     // State that controls read.
     Operator* Owner() const { return owner_; }
@@ -153,9 +174,11 @@ public:
     ControlWnd* Window() const { return window_; }
     bool TabStop() const { return tabStop_; }
     bool ControlDisabled() const { return disabled_; }
+    bool IsRowHidden() const; // IC_Hidden: takes no room
     int UndoDepth() const { return undoOpen_ ? 1 : 0; }
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void childEvent(QChildEvent* event) override;
     void customEvent(QEvent* event) override;
@@ -168,10 +191,13 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    friend class ControlWnd;
     struct AttachedInputs : LockableObject {
         InputList list;
     };
     class Private;
+    void Refresh(Input& input); // reads the value anew and passes it on
+    void ApplyEnabled();
 
     const Registry* record_;
     Operator* owner_ = nullptr;

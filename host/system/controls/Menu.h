@@ -26,7 +26,7 @@ public:
 
     void Add(unsigned int id, const QString& text, bool enabled = true);
     void AddCheck(unsigned int id, const QString& text, bool checked, bool enabled = true);
-    void AddSeparator(); // none at the start or behind another
+    void AddSeparator();                  // none at the start or behind another
     Menu AddSubmenu(const QString& text); // writes into this menu; valid until the next Add
     const std::vector<Entry>& Entries() const { return *entries_; }
 

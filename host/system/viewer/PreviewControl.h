@@ -2,10 +2,12 @@
 
 #include "system/base/LockableObject.h"
 #include "system/base/Registry.h"
-#include "system/document/Operator.h"
+#include "system/document/MarloxDoc.h"
 #include "system/viewer/PreviewInfo.h"
 
 #include <vector>
+
+#include <QPointer>
 
 namespace Marlox {
 
@@ -16,11 +18,23 @@ enum class DragType {
     Dragged = 2,
 };
 
+// Arguments of PreviewControl::DoTagList, besides IA_OverlayIndex.
+inline constexpr u32 PV_Value = 0x40040000; // a Parameter
+inline constexpr u32 PVD_Time = 0x20040009; // in frames; the current time unless given
+
 /// Base of all viewer overlays: drawn with OpenGL over the image, dragged by the user. It is no
 /// widget; a viewer calls it with its PreviewInfo. All calls on the user-interface thread.
 class MARLOXSYSTEM_EXPORT PreviewControl : public Object {
 public:
     static const MxID ClassID;
+
+    /// Commands of DoTagList.
+    enum Command : unsigned int {
+        Redisplay = 1,  // UpdateDisplay for all inputs
+        WriteValue = 2, // SetInputs with PV_Value, IA_OverlayIndex, PVD_Time
+        OpenUndo = 3,   // SetUndo with IA_OverlayIndex
+        CloseUndo = 4,  // ResetUndo
+    };
 
     PreviewControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
     ~PreviewControl() override;
@@ -32,9 +46,12 @@ public:
     bool SetAttrsTagList(const TagList& tags) override;
     bool CopyAttr(u64 tag, void* out) override;
     MarloxDoc* GetDoc() const override;
+    /// Runs a command that every overlay understands (see Command); 0: unknown or refused.
     u64 DoTagList(unsigned int command, TagList& tags) override;
     void AddToMenu(Menu* menu, TagList& tags) override;
+    /// "DisplayChanged": what the overlay draws is another now; a viewer listens to it.
     void GetAvailableEvents(std::vector<MxID>& out) const override;
+    bool HandleEvent(Object* sender, const MxID& event, TagList& tags) override;
     using Object::OnConnect;
     using Object::OnDisconnect;
 
@@ -42,9 +59,13 @@ public:
     virtual void SetView(PreviewInfo* view, TagList* tags);
     virtual Operator* GetOperator(TagList* tags);
     virtual bool SetAttrsTagList(Input* input, const TagList& tags);
+    /// Binds an input: from then on its changes arrive as NotifyChanged and UpdateDisplay. False
+    /// refuses it. Everything attached must be removed before the tool ends.
     virtual bool AddInput(Input* input, TagList* tags);
     virtual bool RemoveInput(Input* input, TagList* tags);
-    /// Writes into the input whose attribute IA_OverlayIndex is `index`.
+    /// Writes into the input whose attribute IA_OverlayIndex is `index`, in an undo group of its
+    /// own unless one is open. False: no such input, refused, or driven by an expression or
+    /// connection.
     virtual bool SetInputs(Parameter* value, double time, unsigned int index, TagList* tags);
     virtual void NotifyChanged(Input* input, Parameter* value, TagList* tags);
     virtual void UpdateDisplay(Input* input, TagList* tags);
@@ -60,7 +81,10 @@ public:
     /// Writes a tip (at most 256 bytes with the final zero) for the position under the cursor.
     virtual bool ControlGetTip(PreviewInfo* view, char* tip, TagList* tags);
     virtual void ResetUndo(TagList* tags);
+    /// Opens an undo group "Adjust <input name>"; already open: does nothing.
     virtual void SetUndo(unsigned int index, TagList* tags);
+    /// Writes at most `size` bytes with the final zero, cut between characters: the name of the
+    /// first input, resp. "<tool>.<input>" (a null input: the first). False: no input, or no room.
     virtual bool GetName(char* name, int size, TagList* tags);
     virtual bool GetFullName(char* name, int size, Input* input, TagList* tags);
 
@@ -69,6 +93,7 @@ public:
     double CurrentTime() const;
     const std::vector<Input*>& Inputs() const { return inputs_; }
     Input* FindInputByIndex(unsigned int index) const;
+    bool IsActive() const { return active_; }
 
 protected:
     DragType dragState_ = DragType::None;
@@ -77,8 +102,15 @@ protected:
 private:
     const Registry* record_;
     Operator* owner_ = nullptr;
+    void Refresh(Input& input);
+
     std::vector<Input*> inputs_;
+    std::vector<bool> connected_; // for each input, as the overlay was last told
+    TagList attributes_;
+    bool active_ = false;
     bool undoOpen_ = false;
+    int undoDepth_ = 0;
+    QPointer<MarloxDoc> undoDoc_;
 };
 
 /// Overlay that shows a value at a fixed place of the view rather than of the image.

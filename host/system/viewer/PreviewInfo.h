@@ -21,10 +21,10 @@ public:
     int pixelWidth = 1;
     int pixelHeight = 1;
     double pixelAspect = 1.0;
-    MxRect view;              // the view's rectangle
+    MxRect view;               // the view's rectangle
     double controlScale = 1.0; // multiplies the sizes of marks; includes the device pixel ratio
-    int pickRadius = 6;       // view pixels
-    int drawMode = 0;         // 3: nothing is drawn
+    int pickRadius = 6;        // view pixels
+    int drawMode = 0;          // 3: nothing is drawn
 
     // Points between image and view.
     void TransformOut(double x, double y, double& viewX, double& viewY) const;
@@ -34,15 +34,21 @@ public:
     double TransformXIn(double viewX) const;
     double TransformYIn(double viewY) const;
 
-    // Lengths along one axis with the image's aspect: one unit is the image's width, in x and in y.
+    // Lengths along one axis with the image's aspect: one unit is the image's width as seen (pixel
+    // aspect included), in x and in y, so that a circle of one radius stays a circle on the
+    // picture: one unit of y is width * pixelAspect / height of the image's height. Lengths keep
+    // their sign; y is not turned over. A picture of no size gives lengths of 0 and points at 0.
     double AspectScaleXOut(double length) const;
     double AspectScaleYOut(double length) const;
     double AspectScaleXIn(double viewLength) const;
     double AspectScaleYIn(double viewLength) const;
 
-    // Current colour of the GL context.
+    // The current colour of the GL context, components from 0 to 255; only while one is current.
     void Color4ub(u32 red, u32 green, u32 blue, u32 alpha) const;
     void Color4ubv(const unsigned char* rgba) const;
+
+private:
+    double HeightsPerWidth() const;
 };
 
 } // namespace Marlox
