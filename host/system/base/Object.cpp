@@ -33,16 +33,46 @@ int32 RefObject::DecRef()
     return left;
 }
 
+struct Object::Links {
+    struct Link {
+        Object* listener;
+        MxID event;
+    };
+    std::vector<Link> listeners;               // who hears of this object
+    std::vector<Object*> heardObjects;         // whom this object hears; one entry for each link
+    std::shared_ptr<std::atomic<int>> counter; // of the objects of its class record; null: none
+    bool* gone = nullptr;                      // told when the object dies while it notifies
+};
+
 Object::Object() = default;
 
 Object::~Object()
 {
-    for (const Link& link : listeners_)
-        std::erase(link.listener->heardObjects_, this);
+    if (!links_)
+        return;
+    for (const Links::Link& link : links_->listeners)
+        std::erase(link.listener->links_->heardObjects, this);
     // A listener that heard several events of one object stands in its list several times.
-    const std::vector<Object*> heard = std::move(heardObjects_);
+    const std::vector<Object*> heard = std::move(links_->heardObjects);
     for (Object* object : heard)
         object->ForgetListener(this);
+    if (links_->counter)
+        --*links_->counter;
+    if (links_->gone)
+        *links_->gone = true;
+}
+
+Object::Links& Object::OwnLinks()
+{
+    if (!links_)
+        links_ = std::make_unique<Links>();
+    return *links_;
+}
+
+void Object::CountIn(std::shared_ptr<std::atomic<int>> counter)
+{
+    ++*counter;
+    OwnLinks().counter = std::move(counter);
 }
 
 bool Object::RegInit(Registry*)
@@ -92,45 +122,64 @@ bool Object::CopyAttr(u64, void*)
 
 void Object::AddNotify(Object* listener, const MxID& event)
 {
-    listeners_.push_back({listener, event});
-    listener->heardObjects_.push_back(this);
+    OwnLinks().listeners.push_back({listener, event});
+    listener->OwnLinks().heardObjects.push_back(this);
 }
 
 void Object::RemoveNotify(Object* listener, const MxID& event)
 {
-    const auto found = std::find_if(listeners_.begin(), listeners_.end(), [&](const Link& link) {
-        return link.listener == listener && link.event == event;
-    });
-    if (found == listeners_.end())
+    if (!links_)
         return;
-    listeners_.erase(found);
-    auto& heard = listener->heardObjects_;
+    auto& listeners = links_->listeners;
+    const auto found =
+        std::find_if(listeners.begin(), listeners.end(), [&](const Links::Link& link) {
+            return link.listener == listener && link.event == event;
+        });
+    if (found == listeners.end())
+        return;
+    listeners.erase(found);
+    auto& heard = listener->links_->heardObjects;
     heard.erase(std::find(heard.begin(), heard.end(), this));
 }
 
 void Object::RemoveNotify(Object* listener)
 {
     ForgetListener(listener);
-    std::erase(listener->heardObjects_, this);
+    if (listener->links_)
+        std::erase(listener->links_->heardObjects, this);
 }
 
 void Object::ForgetListener(Object* listener)
 {
-    std::erase_if(listeners_, [listener](const Link& link) { return link.listener == listener; });
+    if (links_)
+        std::erase_if(links_->listeners,
+                      [listener](const Links::Link& link) { return link.listener == listener; });
 }
 
 void Object::Notify(const MxID& event, TagList& tags)
 {
-    // A listener may add or remove listeners, itself among them, while it is told.
-    const std::vector<Link> told = listeners_;
-    for (const Link& link : told) {
+    if (!links_)
+        return;
+    // A listener may add or remove listeners, itself among them, while it is told, and may end this
+    // object.
+    bool gone = false;
+    bool* const outer = std::exchange(links_->gone, &gone);
+    const std::vector<Links::Link> told = links_->listeners;
+    for (const Links::Link& link : told) {
+        const auto& now = links_->listeners;
         const bool stillListening =
-            std::any_of(listeners_.begin(), listeners_.end(), [&link](const Link& now) {
-                return now.listener == link.listener && now.event == link.event;
+            std::any_of(now.begin(), now.end(), [&link](const Links::Link& other) {
+                return other.listener == link.listener && other.event == link.event;
             });
         if (stillListening && (link.event.IsEmpty() || link.event == event))
             link.listener->HandleEvent(this, event, tags);
+        if (gone) {
+            if (outer)
+                *outer = true;
+            return;
+        }
     }
+    links_->gone = outer;
 }
 
 bool Object::Call(const MxID& operation, TagList&)
@@ -228,8 +277,10 @@ bool Object::_IsValid() const
 
 int64 Object::GetAttr(u32 tag, int64 missing) const
 {
-    int64 value = 0;
-    return const_cast<Object*>(this)->CopyAttr(tag, &value) ? value : missing;
+    TagPair answer{tag, {}};
+    if (!const_cast<Object*>(this)->CopyAttr(tag, &answer.value))
+        return missing;
+    return answer.AsLong();
 }
 
 bool Object::GetAttrB(u32 tag, bool missing) const
@@ -239,8 +290,10 @@ bool Object::GetAttrB(u32 tag, bool missing) const
 
 double Object::GetAttrD(u32 tag, double missing) const
 {
-    double value = 0.0;
-    return const_cast<Object*>(this)->CopyAttr(tag, &value) ? value : missing;
+    TagPair answer{tag, {}};
+    if (!const_cast<Object*>(this)->CopyAttr(tag, &answer.value))
+        return missing;
+    return answer.AsDouble();
 }
 
 const char* Object::GetAttrS(u32 tag, const char* missing) const

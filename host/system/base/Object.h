@@ -7,6 +7,7 @@
 #include "system/base/TagList.h"
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -140,15 +141,14 @@ public:
     const void* GetAttrPtr(u32 tag, const void* missing = nullptr) const;
 
 private:
-    struct Link {
-        Object* listener;
-        MxID event;
-    };
+    friend class ClassRegistry;
+    struct Links;
+    Links& OwnLinks();
     void ForgetListener(Object* listener);
+    void CountIn(std::shared_ptr<std::atomic<int>> counter);
 
     const ScriptInfo* scriptInfo_ = nullptr;
-    std::vector<Link> listeners_;       // who hears of this object
-    std::vector<Object*> heardObjects_; // whom this object hears; one entry for each link
+    std::unique_ptr<Links> links_; // made when first needed: values by the thousand have none
 };
 
 } // namespace Marlox

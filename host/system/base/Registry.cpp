@@ -20,8 +20,9 @@ Registry::~Registry()
 
 bool Registry::_Init(ClassRegistry& list, const MxID& classID, const TagPair* tags)
 {
+    static constexpr TagPair noTags;
     classID_ = classID;
-    tags_ = tags;
+    tags_ = tags ? tags : &noTags;
     if (!list.Enter(this))
         return false;
     list_ = &list;
@@ -65,10 +66,14 @@ const ScriptInfo* Registry::GetScriptInfo() const
 
 TagMapFunction Registry::TagMapper() const
 {
-    if (const TagPair* mapper = Find(REG_TagMapper))
-        return mapper->value.tagMap;
-    const Registry* parent = list_ ? list_->Find(Parent()) : nullptr;
-    return parent && parent != this ? parent->TagMapper() : nullptr;
+    const Registry* record = this;
+    const std::size_t most = list_ ? list_->Records().size() : 0;
+    for (std::size_t depth = 0; record && depth <= most; ++depth) { // a loop of parents ends too
+        if (const TagPair* mapper = record->Find(REG_TagMapper))
+            return mapper->value.tagMap;
+        record = list_ ? list_->Find(record->Parent()) : nullptr;
+    }
+    return nullptr;
 }
 
 ClassRegistry& ClassRegistry::Global()
@@ -112,8 +117,13 @@ Object* ClassRegistry::Create(const MxID& classID, const ScriptVal& creator,
     if (!create || !create->value.create)
         return nullptr;
     Object* made = create->value.create(record, creator, attributes);
-    if (made && !made->GetScriptInfo())
+    if (!made)
+        return nullptr;
+    if (!made->GetScriptInfo())
         made->SetScriptInfo(record->GetScriptInfo());
+    if (!record->liveObjects_)
+        record->liveObjects_ = std::make_shared<std::atomic<int>>(0);
+    made->CountIn(record->liveObjects_);
     return made;
 }
 

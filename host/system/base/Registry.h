@@ -4,6 +4,8 @@
 #include "system/base/Object.h"
 #include "system/base/TagList.h"
 
+#include <atomic>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -13,17 +15,17 @@ namespace Marlox {
 struct ScriptInfo;
 
 // Tags of a class-registration record.
-inline constexpr u32 REG_Kind = 0x10000000;        // family, see ClassKind
-inline constexpr u32 REG_BuildStamp = 0x30000008;  // "Built: Mar  5 2020"
+inline constexpr u32 REG_Kind = 0x10000000;       // family, see ClassKind
+inline constexpr u32 REG_BuildStamp = 0x30000008; // "Built: Mar  5 2020"
 inline constexpr u32 REG_DisplayName = 0x30000012;
-inline constexpr u32 REG_Category = 0x30000013;    // "Controls\Spline"
-inline constexpr u32 REG_Create = 0x60000000;      // CreateFunction
-inline constexpr u32 REG_RegInit = 0x60000001;     // RegInitFunction
-inline constexpr u32 REG_RegCleanup = 0x60000002;  // RegCleanupFunction
-inline constexpr u32 REG_ParentName = 0x60000004;  // carries a string, though its digit says pointer
-inline constexpr u32 REG_ScriptInfo = 0x60000005;  // const ScriptInfo*
-inline constexpr u32 REG_Parent = 0x60000010;      // const MxID*: class inherited from
-inline constexpr u32 REG_TagMapper = 0x60000014;   // TagMapFunction
+inline constexpr u32 REG_Category = 0x30000013;   // "Controls\Spline"
+inline constexpr u32 REG_Create = 0x60000000;     // CreateFunction
+inline constexpr u32 REG_RegInit = 0x60000001;    // RegInitFunction
+inline constexpr u32 REG_RegCleanup = 0x60000002; // RegCleanupFunction
+inline constexpr u32 REG_ParentName = 0x60000004; // carries a string, though its digit says pointer
+inline constexpr u32 REG_ScriptInfo = 0x60000005; // const ScriptInfo*
+inline constexpr u32 REG_Parent = 0x60000010;     // const MxID*: class inherited from
+inline constexpr u32 REG_TagMapper = 0x60000014;  // TagMapFunction
 
 /// Values of REG_Kind.
 enum class ClassKind : u32 {
@@ -58,11 +60,17 @@ public:
     const ScriptInfo* GetScriptInfo() const;
     /// The class's tag mapper; a record without one uses its parent's.
     TagMapFunction TagMapper() const;
+    /// How many objects live that ClassRegistry::Create made from this record.
+    int LiveObjects() const { return liveObjects_ ? liveObjects_->load() : 0; }
 
 private:
+    friend class ClassRegistry;
+
     MxID classID_;
     const TagPair* tags_ = nullptr;
     ClassRegistry* list_ = nullptr;
+    /// Made with the first object; shared with the objects, which may outlive the record at exit.
+    mutable std::shared_ptr<std::atomic<int>> liveObjects_;
 };
 
 /// The host's list of classes, in registration order. User-interface thread only.

@@ -123,8 +123,10 @@ bool operator==(const ScriptVal& a, const ScriptVal& b)
 {
     if (a.GetType() != b.GetType())
         return false;
+    if (a.value_ == b.value_) // tables: the same one
+        return true;
     if (!a.IsTable())
-        return a.value_ == b.value_;
+        return false;
     return a.Elements() == b.Elements() && a.Fields().size() == b.Fields().size() &&
            std::all_of(a.Fields().begin(), a.Fields().end(), [&b](const ScriptVal::Field& field) {
                return field.second == b.Get(field.first);

@@ -15,9 +15,9 @@ class RefObject;
 
 /// The host's script value: nil, boolean, number, string, table or host object. It carries layout
 /// descriptions, attribute tables and the arguments of script calls, and knows no interpreter.
-/// Tables are shared by reference, as scripts have them: a copy of a value refers to the same table;
-/// Clone() makes an independent one. A table has a list part (positions from 1) and named fields in
-/// the order of their first assignment.
+/// Tables are shared by reference, as scripts have them: a copy of a value refers to the same
+/// table; Clone() makes an independent one. A table has a list part (positions from 1) and named
+/// fields in the order of their first assignment.
 class MARLOXSYSTEM_EXPORT ScriptVal {
 public:
     enum class Type { Nil, Boolean, Number, String, Table, Object };

@@ -1,8 +1,33 @@
 #include "system/base/TagList.h"
 
-#include <cstring>
+#include <cmath>
+#include <limits>
 
 namespace Marlox {
+
+int64 TagPair::AsLong() const
+{
+    if (TypeOfTag(u32(tag)) != TagType::Double)
+        return int64(Bits());
+    const double number = std::bit_cast<double>(Bits());
+    constexpr double bound = 9223372036854775808.0; // 2^63
+    if (std::isnan(number))
+        return 0;
+    if (number >= bound)
+        return std::numeric_limits<int64>::max();
+    return number < -bound ? std::numeric_limits<int64>::min() : int64(number);
+}
+
+double TagPair::AsDouble() const
+{
+    return TypeOfTag(u32(tag)) == TagType::Integer ? double(int64(Bits()))
+                                                   : std::bit_cast<double>(Bits());
+}
+
+bool TagPair::AsBool() const
+{
+    return TypeOfTag(u32(tag)) == TagType::Double ? AsDouble() != 0.0 : Bits() != 0;
+}
 
 TagList::TagList() = default;
 
@@ -59,7 +84,7 @@ void TagList::CopyFrom(const TagList& other)
         return;
     for (TagPair& pair : pairs_) {
         for (const std::string& text : *other.ownTexts_) {
-            if (pair.value.text == text.c_str()) {
+            if (pair.Bits() == TagPair{0, text.c_str()}.Bits()) {
                 pair.value = Keep(text);
                 break;
             }
@@ -162,25 +187,19 @@ const TagPair* TagList::Next(const TagPair* previous) const
 int64 TagList::GetLong(u32 tag, int64 missing) const
 {
     const TagPair* pair = Find(tag);
-    if (!pair)
-        return missing;
-    return TypeOfTag(tag) == TagType::Double ? int64(std::bit_cast<double>(pair->Bits()))
-                                             : int64(pair->Bits());
+    return pair ? pair->AsLong() : missing;
 }
 
 bool TagList::GetBool(u32 tag, bool missing) const
 {
     const TagPair* pair = Find(tag);
-    return pair ? pair->Bits() != 0 : missing;
+    return pair ? pair->AsBool() : missing;
 }
 
 double TagList::GetDouble(u32 tag, double missing) const
 {
     const TagPair* pair = Find(tag);
-    if (!pair)
-        return missing;
-    return TypeOfTag(tag) == TagType::Integer ? double(int64(pair->Bits()))
-                                              : std::bit_cast<double>(pair->Bits());
+    return pair ? pair->AsDouble() : missing;
 }
 
 const char* TagList::GetString(u32 tag, const char* missing) const

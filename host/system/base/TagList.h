@@ -28,8 +28,14 @@ enum class TagType : u32 {
     InputID = 8,
 };
 
-constexpr TagType TypeOfTag(u32 tag) { return TagType(tag >> 28); }
-constexpr u32 GroupOfTag(u32 tag) { return (tag >> 16) & 0xfffu; }
+constexpr TagType TypeOfTag(u32 tag)
+{
+    return TagType(tag >> 28);
+}
+constexpr u32 GroupOfTag(u32 tag)
+{
+    return (tag >> 16) & 0xfffu;
+}
 
 using RegInitFunction = bool (*)(Registry*);
 using RegCleanupFunction = void (*)(Registry*);
@@ -72,12 +78,16 @@ struct TagPair {
     TagValue value;
 
     u64 Bits() const { return std::bit_cast<u64>(value); }
+    // By the tag's type; a double that no integer holds becomes the nearest, a NaN 0.
+    MARLOXSYSTEM_EXPORT int64 AsLong() const;
+    MARLOXSYSTEM_EXPORT double AsDouble() const;
+    MARLOXSYSTEM_EXPORT bool AsBool() const;
 };
 
-/// An ordered list of (tag id, value) pairs, ended in memory by a pair whose tag is 0. It is how the
-/// host passes optional arguments and how a control's creation attributes arrive. The same tag may
-/// stand in it more than once; getters take the first. Strings and objects are not owned, except
-/// those added by AddCopy.
+/// An ordered list of (tag id, value) pairs, ended in memory by a pair whose tag is 0. It is how
+/// the host passes optional arguments and how a control's creation attributes arrive. The same tag
+/// may stand in it more than once; getters take the first. Strings and objects are not owned,
+/// except those added by AddCopy.
 class MARLOXSYSTEM_EXPORT TagList {
 public:
     TagList();

@@ -1,0 +1,148 @@
+#include "system/base/PluginLibrary.h"
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <cstdlib>
+#include <cxxabi.h>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+
+namespace Marlox {
+
+namespace {
+
+/// The loader's messages come in the language of the thread's locale; this makes it English.
+class PlainMessages {
+public:
+    PlainMessages() : plain_(newlocale(LC_ALL_MASK, "C", nullptr)), previous_(uselocale(plain_)) {}
+    ~PlainMessages()
+    {
+        uselocale(previous_);
+        freelocale(plain_);
+    }
+    PlainMessages(const PlainMessages&) = delete;
+    PlainMessages& operator=(const PlainMessages&) = delete;
+
+private:
+    locale_t plain_;
+    locale_t previous_;
+};
+
+bool fail(std::string* error, const std::string& path, const std::string& reason)
+{
+    if (error)
+        *error = path + ": " + reason;
+    return false;
+}
+
+std::string readable(const std::string& symbol)
+{
+    int status = 0;
+    char* text = abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status);
+    const std::string result = text ? text : symbol;
+    std::free(text);
+    return result;
+}
+
+/// What the loader said, in our words where it is one of the usual faults.
+std::string loaderReason(const std::string& path, std::string said)
+{
+    if (const auto at = said.find(path + ": "); at == 0)
+        said.erase(0, path.size() + 2);
+    constexpr std::string_view symbolFault = "undefined symbol: ";
+    if (const auto at = said.find(symbolFault); at != std::string::npos) {
+        std::string symbol = said.substr(at + symbolFault.size());
+        symbol = symbol.substr(0, symbol.find_first_of(" ,("));
+        return "unresolved symbol " + readable(symbol) +
+               "; it was probably built for another version of the host";
+    }
+    if (said.find("cannot open shared object file") != std::string::npos)
+        return "a library that it needs is missing: " + said.substr(0, said.find(':'));
+    return "not a usable library: " + said;
+}
+
+bool isLibrary(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::array<char, 4> magic{};
+    file.read(magic.data(), magic.size());
+    return file && std::string_view(magic.data(), magic.size()) == "\177ELF";
+}
+
+/// A plain name would be looked for in the system's folders instead of the current one.
+std::string absolute(const std::string& path)
+{
+    std::error_code fault;
+    const auto full = std::filesystem::absolute(path, fault);
+    return fault ? path : full.string();
+}
+
+} // namespace
+
+PluginLibrary::PluginLibrary(std::string path, void* handle, std::vector<Registry*> records)
+    : path_(std::move(path)), handle_(handle), records_(std::move(records))
+{
+}
+
+PluginLibrary::~PluginLibrary() = default;
+
+std::unique_ptr<PluginLibrary> PluginLibrary::Load(const std::string& path, std::string* error)
+{
+    std::error_code fault;
+    if (!std::filesystem::is_regular_file(path, fault))
+        return fail(error, path, "there is no such file"), nullptr;
+    if (!isLibrary(path))
+        return fail(error, path, "it is not a library"), nullptr;
+    const std::string full = absolute(path);
+    const PlainMessages plain;
+    if (void* present = dlopen(full.c_str(), RTLD_NOW | RTLD_NOLOAD)) {
+        dlclose(present);
+        return fail(error, path, "it is loaded already"), nullptr;
+    }
+
+    ClassRegistry& registry = ClassRegistry::Global();
+    const std::size_t before = registry.Records().size();
+    registry.TakeProblems();
+    void* handle = dlopen(full.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle)
+        return fail(error, path, loaderReason(full, dlerror())), nullptr;
+    const auto added = registry.Records().subspan(before);
+    std::vector<Registry*> records(added.begin(), added.end());
+    std::vector<std::string> problems = registry.TakeProblems();
+    if (records.empty()) {
+        dlclose(handle);
+        std::string reason = "it registers no classes";
+        for (const std::string& problem : problems)
+            reason += "; " + problem;
+        return fail(error, path, reason), nullptr;
+    }
+    std::unique_ptr<PluginLibrary> made(new PluginLibrary(path, handle, std::move(records)));
+    made->problems_ = std::move(problems);
+    return made;
+}
+
+bool PluginLibrary::Unload(std::string* error)
+{
+    if (!handle_)
+        return true;
+    for (const Registry* record : records_) {
+        if (const int count = record->LiveObjects())
+            return fail(error, path_,
+                        "it is in use: " + std::to_string(count) + " of the class " +
+                            record->ClassID().c_str());
+    }
+    const PlainMessages plain;
+    dlclose(handle_);
+    handle_ = nullptr;
+    const std::vector<Registry*> gone = std::move(records_);
+    records_.clear();
+    const auto left = ClassRegistry::Global().Records();
+    const bool stays = std::any_of(left.begin(), left.end(), [&gone](const Registry* record) {
+        return std::find(gone.begin(), gone.end(), record) != gone.end();
+    });
+    return !stays || fail(error, path_, "it stays in memory: something else uses it");
+}
+
+} // namespace Marlox
