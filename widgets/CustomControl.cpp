@@ -1,0 +1,94 @@
+#include "widgets/CustomControl.h"
+
+#include "system/controls/InputControl.h"
+
+#include <QEvent>
+
+namespace Marlox {
+
+CustomControl::CustomControl(QWidget* parent) : _CustomControl(parent) {}
+
+CustomControl::~CustomControl()
+{
+    FinishGesture();
+}
+
+void CustomControl::SetOwner(InputControl* owner)
+{
+    if (owner_ == owner)
+        return;
+    LoseGesture();
+    owner_ = owner;
+}
+
+InputControl* CustomControl::Owner() const
+{
+    return owner_;
+}
+
+void CustomControl::SetLocked(bool locked)
+{
+    if (locked && !locked_)
+        LoseGesture();
+    locked_ = locked;
+}
+
+MarloxDoc* CustomControl::GetDoc() const
+{
+    return owner_ ? owner_->GetDoc() : nullptr;
+}
+
+void CustomControl::BeginGesture(bool withProxy)
+{
+    inGesture_ = true;
+    MarloxDoc* document = GetDoc();
+    if (!withProxy || proxyTool_ || !document || !owner_->Owner() || owner_->IsAllPassive(nullptr))
+        return;
+    proxyDoc_ = document;
+    proxyTool_ = Ref<Operator>::Share(owner_->Owner());
+    document->SetAutoProxy(proxyTool_.Get(), true);
+}
+
+void CustomControl::FinishGesture()
+{
+    if (!inGesture_)
+        return;
+    inGesture_ = false;
+    const Ref<Operator> tool = std::move(proxyTool_);
+    if (tool && proxyDoc_) {
+        proxyDoc_->SetAutoProxy(tool.Get(), false);
+        proxyDoc_->SyncRender();
+    }
+    if (owner_)
+        owner_->ResetUndo(nullptr);
+}
+
+MxColor CustomControl::BackgroundColor() const
+{
+    if (owner_)
+        return owner_->GetBackgroundColor();
+    const QColor color = palette().color(QPalette::Window);
+    return {color.red(), color.green(), color.blue()};
+}
+
+bool CustomControl::event(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::FocusOut:
+    case QEvent::Hide:
+    case QEvent::UngrabMouse:
+    case QEvent::WindowBlocked:
+    case QEvent::WindowDeactivate:
+        LoseGesture();
+        break;
+    case QEvent::EnabledChange:
+        if (!isEnabled())
+            LoseGesture();
+        break;
+    default:
+        break;
+    }
+    return QWidget::event(event);
+}
+
+} // namespace Marlox

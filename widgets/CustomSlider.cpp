@@ -1,0 +1,450 @@
+#include "widgets/CustomSlider.h"
+
+#include "widgets/CustomSliderAccessible.h"
+
+#include <cmath>
+
+#include <QAccessible>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimerEvent>
+
+namespace Marlox {
+
+namespace {
+
+constexpr double tickMarksApart = 4.0;
+constexpr double dimmed = 0.38;
+constexpr int usualWidth = 160;
+
+} // namespace
+
+CustomSlider::CustomSlider(QWidget* parent) : CustomController(parent)
+{
+    MakeSlidersAccessible();
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setToolTip(tr("Drag the knob; Ctrl makes it fine.\n"
+                  "Arrow keys and wheel step, Shift coarsely, Ctrl finely.\n"
+                  "Alt+click resets."));
+    skin_.Load(devicePixelRatioF());
+    FollowLayout();
+}
+
+CustomSlider::~CustomSlider() = default;
+
+void CustomSlider::SetValue(double v)
+{
+    if (!std::isfinite(v))
+        return;
+    const bool first = std::exchange(firstOfDrag_, false);
+    if (v == model_.value && !first)
+        return;
+    Store(v);
+    emit ValueChanged(v);
+}
+
+void CustomSlider::ShowValue(double v)
+{
+    if (std::isfinite(v))
+        Store(v);
+}
+
+void CustomSlider::Store(double v)
+{
+    const bool differs = v != model_.value;
+    model_.value = v;
+    RepaintKnob();
+    if (differs && QAccessible::isActive()) {
+        QAccessibleValueChangeEvent told(this, v);
+        QAccessible::updateAccessibility(&told);
+    }
+}
+
+void CustomSlider::SetRange(double low, double high, bool notify)
+{
+    const std::vector<double> marks = model_.TickPixels(tickMarksApart);
+    const bool moved = model_.SetRange(low, high);
+    const bool marksMoved = marks != model_.TickPixels(tickMarksApart);
+    if (moved || marksMoved)
+        track_ = QPixmap();
+    if (!notify)
+        return;
+    const bool resetMoved = moved && !geometry_.resetSize.isEmpty() && model_.HasDefault() &&
+                            model_.value != model_.defaultValue;
+    if (resetMoved || marksMoved)
+        RepaintAll();
+    else
+        RepaintKnob(); // a reset mark at the value moves with the knob
+}
+
+void CustomSlider::SetTickFreq(double count)
+{
+    model_.SetTickFreq(count);
+    RepaintAll();
+}
+
+bool CustomSlider::SetCentre(double c)
+{
+    const bool centred = model_.SetCentre(c);
+    RepaintAll();
+    return centred;
+}
+
+void CustomSlider::SetCentred(bool on)
+{
+    model_.SetCentred(on);
+    RepaintAll();
+}
+
+void CustomSlider::SetGamma(double gamma)
+{
+    model_.SetGamma(gamma);
+    RepaintAll();
+}
+
+void CustomSlider::SetInteger(bool on)
+{
+    model_.SetInteger(on);
+    RepaintAll();
+}
+
+void CustomSlider::SetSteps(double fine, double plain)
+{
+    model_.SetSteps(fine, plain);
+}
+
+void CustomSlider::SetDefaultValue(double v)
+{
+    model_.defaultValue = std::isfinite(v) ? v : none;
+    RepaintAll();
+}
+
+void CustomSlider::StepDown(int level, bool force)
+{
+    if (!force && IsHeld() && drag_.HasReachedPointer(model_, geometry_))
+        return;
+    const double next = model_.SteppedDown(level);
+    if (next != model_.ClampedValue()) // at the end already, though the value may lie beyond it
+        SetValue(next);
+}
+
+void CustomSlider::StepUp(int level, bool force)
+{
+    if (!force && IsHeld() && drag_.HasReachedPointer(model_, geometry_))
+        return;
+    const double next = model_.SteppedUp(level);
+    if (next != model_.ClampedValue())
+        SetValue(next);
+}
+
+void CustomSlider::StepBy(Way way, int level)
+{
+    switch (way) {
+    case Way::Down:
+        return StepDown(level, true);
+    case Way::Up:
+        return StepUp(level, true);
+    case Way::Low:
+        return SetValue(MinValue());
+    case Way::High:
+        return SetValue(MaxValue());
+    }
+}
+
+void CustomSlider::StartDrag()
+{
+    dragStart_ = model_.value;
+    firstOfDrag_ = true;
+    dragging_ = true;
+    BeginGesture(true);
+    RepaintKnob();
+}
+
+void CustomSlider::EndDrag()
+{
+    drag_.End();
+    repeat_.stop();
+    dragging_ = firstOfDrag_ = false;
+    Hover(SliderPart::None);
+    RepaintKnob();
+    FinishGesture();
+}
+
+void CustomSlider::DragBy(double units, RelativeDrag& state)
+{
+    if (!dragging_)
+        dragStart_ = model_.value;
+    SetValue(model_.Dragged(dragStart_, units, state));
+}
+
+void CustomSlider::SetFine(bool fine)
+{
+    trackFine_ = fine;
+    if (const auto value = drag_.SetFine(model_, fine))
+        SetValue(*value);
+}
+
+void CustomSlider::LoseGesture()
+{
+    if (dragging_ || IsHeld())
+        EndDrag();
+    CustomController::LoseGesture();
+}
+
+void CustomSlider::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return CustomController::mousePressEvent(event);
+    if (rect().isEmpty())
+        return event->ignore();
+    if (IsLocked())
+        return; // goes to nobody
+    setFocus(Qt::MouseFocusReason);
+    LoseGesture(); // keys or a wheel not yet at rest
+    Press(event->pos(), event->localPos().x(), event->modifiers());
+}
+
+void CustomSlider::Press(QPoint at, double x, Qt::KeyboardModifiers modifiers)
+{
+    const bool fine = modifiers & Qt::ControlModifier;
+    dragStart_ = model_.value;
+    if (modifiers & Qt::AltModifier) {
+        if (model_.HasDefault())
+            drag_.PressReset();
+        return;
+    }
+    const SliderPart part = geometry_.HitTest(at, model_);
+    switch (part) {
+    case SliderPart::Knob:
+        drag_.GrabKnob(model_, x, fine);
+        Hover(part);
+        update();
+        StartDrag();
+        break;
+    case SliderPart::Reset:
+        drag_.PressReset();
+        update();
+        break;
+    case SliderPart::TrackBelow:
+    case SliderPart::TrackAbove:
+        drag_.HoldTrack(part == SliderPart::TrackAbove, at);
+        dragging_ = true;
+        trackFine_ = fine;
+        BeginGesture(false);
+        repeat_.start(SliderDrag::repeatInterval, this);
+        StepBy(drag_.StepsUp() ? Way::Up : Way::Down, fine ? SliderModel::Fine : SliderModel::Tick);
+        break;
+    case SliderPart::None:
+        break;
+    }
+}
+
+void CustomSlider::mouseMoveEvent(QMouseEvent* event)
+{
+    if (IsHeld() && !(event->buttons() & Qt::LeftButton))
+        LoseGesture();
+    const bool fine = event->modifiers() & Qt::ControlModifier;
+    switch (drag_.GetKind()) {
+    case SliderDrag::Kind::Knob:
+        if (const auto value = drag_.MoveTo(model_, event->localPos().x(), fine))
+            SetValue(*value);
+        break;
+    case SliderDrag::Kind::Track:
+        drag_.PointTo(event->pos());
+        trackFine_ = fine;
+        break;
+    case SliderDrag::Kind::Reset:
+        Hover(geometry_.IsOverReset(event->pos(), model_) ? SliderPart::Reset : SliderPart::None);
+        break;
+    case SliderDrag::Kind::Idle:
+        if (!dragging_)
+            Hover(geometry_.HitTest(event->pos(), model_));
+        break;
+    }
+}
+
+void CustomSlider::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return CustomController::mouseReleaseEvent(event);
+    const QPointer<CustomSlider> alive(this);
+    const bool reset = drag_.GetKind() == SliderDrag::Kind::Reset && model_.HasDefault();
+    if (reset &&
+        (event->modifiers() & Qt::AltModifier || geometry_.IsOverReset(event->pos(), model_))) {
+        BeginGesture(false);
+        SetValue(model_.defaultValue);
+    }
+    if (alive && IsHeld())
+        EndDrag();
+    if (!alive)
+        return;
+    Hover(geometry_.HitTest(event->pos(), model_));
+    update();
+}
+
+void CustomSlider::leaveEvent(QEvent* event)
+{
+    if (!IsHeld())
+        Hover(SliderPart::None);
+    CustomController::leaveEvent(event);
+}
+
+void CustomSlider::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != repeat_.timerId())
+        return CustomController::timerEvent(event);
+    if (!drag_.RepeatTick())
+        return;
+    BeginGesture(true);
+    const int level = trackFine_ ? SliderModel::Fine : SliderModel::Tick;
+    if (drag_.StepsUp())
+        StepUp(level, false);
+    else
+        StepDown(level, false);
+}
+
+void CustomSlider::Hover(SliderPart part)
+{
+    if (part == hover_)
+        return;
+    if ((part == SliderPart::Reset) != (hover_ == SliderPart::Reset))
+        track_ = QPixmap();
+    hover_ = part;
+    update();
+}
+
+void CustomSlider::RepaintKnob()
+{
+    const int pixel = SliderGeometry::KnobPixel(model_);
+    const QRect before = geometry_.KnobDirtyRect(shownPixel_);
+    shownPixel_ = pixel;
+    if (!isVisible())
+        return;
+    const QRect after = geometry_.KnobDirtyRect(pixel);
+    if (before.intersects(after))
+        return update(before | after);
+    update(before);
+    update(after);
+}
+
+void CustomSlider::RepaintAll()
+{
+    track_ = QPixmap();
+    shownPixel_ = SliderGeometry::KnobPixel(model_);
+    update();
+}
+
+void CustomSlider::FollowLayout()
+{
+    geometry_ = skin_.GeometryIn(size());
+    model_.SetTrack(skin_.PixelLow(size()), skin_.PixelHigh(size()));
+    RepaintAll();
+}
+
+void CustomSlider::SetKnobImages(const char* normal, const char* highlighted)
+{
+    skin_.SetKnob(normal, highlighted);
+    skin_.Load(devicePixelRatioF());
+    FollowLayout();
+}
+
+void CustomSlider::SetGradients(const Gradient* first, const Gradient* second)
+{
+    if (skin_.SetGradients(first, second))
+        RepaintAll();
+}
+
+void CustomSlider::SetResetPosition(MxPoint position)
+{
+    skin_.SetResetPosition(ToQPoint(position));
+    FollowLayout();
+}
+
+void CustomSlider::SetStateColor(const QColor& color)
+{
+    if (color == stateColor_)
+        return;
+    stateColor_ = color;
+    RepaintAll();
+}
+
+SliderTrackState CustomSlider::TrackState() const
+{
+    SliderTrackState state;
+    state.ticks = model_.TickPixels(tickMarksApart);
+    state.centreTick = IsCentred() ? PixelCentre() : -1.0;
+    state.resetPixel = model_.HasDefault() ? SliderGeometry::ResetPixel(model_) : -1;
+    if (trackOpaque_)
+        state.background = BackgroundColor().ToQColor();
+    state.stateColor = stateColor_;
+    state.resetLit = IsResetHovered();
+    state.focused = hasFocus();
+    state.enabled = isEnabled();
+    return state;
+}
+
+void CustomSlider::paintEvent(QPaintEvent* event)
+{
+    const double ratio = devicePixelRatioF();
+    if (skin_.Load(ratio))
+        FollowLayout();
+    const bool opaque = testAttribute(Qt::WA_OpaquePaintEvent);
+    if (track_.isNull() || opaque != trackOpaque_) {
+        trackOpaque_ = opaque;
+        track_ = skin_.PaintTrack(size(), TrackState());
+    }
+    QPainter painter(this);
+    for (const QRect& part : event->region())
+        painter.drawPixmap(QRectF(part), track_,
+                           QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
+    if (!isEnabled())
+        painter.setOpacity(dimmed);
+    const QRect knob = geometry_.KnobRect(SliderGeometry::KnobPixel(model_));
+    painter.drawPixmap(knob.topLeft(), skin_.Knob(dragging_ || (IsKnobHovered() && !IsLocked())));
+}
+
+void CustomSlider::changeEvent(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::EnabledChange:
+    case QEvent::PaletteChange:
+    case QEvent::StyleChange:
+        RepaintAll();
+        break;
+    default:
+        break;
+    }
+    CustomController::changeEvent(event);
+}
+
+void CustomSlider::focusInEvent(QFocusEvent* event)
+{
+    RepaintAll();
+    CustomController::focusInEvent(event);
+}
+
+void CustomSlider::focusOutEvent(QFocusEvent* event)
+{
+    RepaintAll();
+    CustomController::focusOutEvent(event);
+}
+
+void CustomSlider::resizeEvent(QResizeEvent* event)
+{
+    FollowLayout();
+    CustomController::resizeEvent(event);
+}
+
+QSize CustomSlider::sizeHint() const
+{
+    return {usualWidth, minimumSizeHint().height()};
+}
+
+QSize CustomSlider::minimumSizeHint() const
+{
+    return skin_.MinimumSize();
+}
+
+} // namespace Marlox
