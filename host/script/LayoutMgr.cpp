@@ -23,6 +23,8 @@ bool IsHiddenOnPurpose(const QWidget& widget)
 LayoutExtent ReadExtent(int hint, int minimumHint, int minimum, int maximum,
                         QSizePolicy::Policy policy)
 {
+    const bool shrinks = int(policy) & int(QSizePolicy::ShrinkFlag);
+    const bool grows = int(policy) & int(QSizePolicy::GrowFlag) || policy == QSizePolicy::Ignored;
     const int preferred = std::max(hint, minimumHint);
     LayoutExtent extent;
     if (minimum > 0)
