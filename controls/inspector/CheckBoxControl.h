@@ -1,0 +1,17 @@
+#pragma once
+
+#include "framework/GenericInputControl.h"
+
+namespace Marlox {
+
+/// A check box for a number that is 0 or 1.
+class CheckBoxControl final : public GenericInputControl {
+public:
+    using GenericInputControl::GenericInputControl;
+    std::size_t SizeOf() const override;
+
+protected:
+    GenericEditor* MakeEditor(Input& input) override;
+};
+
+} // namespace Marlox

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "framework/GenericInputControl.h"
+
+namespace Marlox {
+
+/// The curve of a logarithmic conversion.
+class LogControl final : public GenericInputControl {
+public:
+    using GenericInputControl::GenericInputControl;
+    std::size_t SizeOf() const override;
+};
+
+} // namespace Marlox

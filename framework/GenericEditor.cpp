@@ -1,0 +1,221 @@
+#include "framework/GenericEditor.h"
+
+#include "framework/GenericInputControl.h"
+#include "system/document/MarloxDoc.h"
+#include "system/widgets/CustomCheckBox.h"
+#include "system/widgets/MxLineEdit.h"
+#include "system/widgets/TimeCodeEdit.h"
+
+#include <functional>
+#include <limits>
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+
+namespace Marlox {
+
+namespace {
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("GenericEditor", text);
+}
+
+/// A number field that calls `commit` when the user entered a value and brackets its drags.
+TimeCodeEdit* MakeNumberEdit(GenericInputControl& control,
+                             std::function<void(TimeCodeEdit&)> commit)
+{
+    auto* edit = new TimeCodeEdit;
+    QObject::connect(edit, &TimeCodeEdit::editingFinished, edit,
+                     [edit, commit = std::move(commit)] { commit(*edit); });
+    QObject::connect(edit, &TimeCodeEdit::StartDrag, &control, &InputControl::OnEditStartDrag);
+    QObject::connect(edit, &TimeCodeEdit::EndDrag, &control, &InputControl::OnEditEndDrag);
+    return edit;
+}
+
+class NumberEditor final : public GenericEditor {
+public:
+    NumberEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
+    {
+        edit_ = MakeNumberEdit(control, [this](TimeCodeEdit& edit) { OnEdited(edit); });
+        Append(edit_, "edit");
+    }
+
+    void ReadAttributes() override
+    {
+        constexpr double any = std::numeric_limits<double>::max();
+        const bool time = Flag(IC_Time);
+        const MarloxDoc* document = input_.GetDoc();
+        edit_->SetRange(input_.GetAttrD(IAD_Minimum, -any), input_.GetAttrD(IAD_Maximum, any));
+        edit_->SetInteger(input_.GetAttrB(IA_Integer));
+        edit_->SetTimeMode(time, document ? document->FrameRate() : 24.0);
+        edit_->SetEditDisabled(Flag(IC_EditDisabled));
+    }
+
+    void ShowValue(const Parameter& value) override { edit_->SetValue(NumberOf(&value)); }
+
+private:
+    void OnEdited(TimeCodeEdit& edit)
+    {
+        if (edit.IsExpressionText())
+            control_.SendExpression(input_, edit.ExpressionText());
+        else
+            Send(MakeRef<Number>(edit.GetValue()));
+    }
+
+    TimeCodeEdit* edit_;
+};
+
+class PointEditor final : public GenericEditor {
+public:
+    PointEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
+    {
+        const auto edited = [this](TimeCodeEdit& edit) { OnEdited(edit); };
+        x_ = MakeNumberEdit(control, edited);
+        y_ = MakeNumberEdit(control, edited);
+        x_->setAccessibleName(input.GetName() + " X");
+        y_->setAccessibleName(input.GetName() + " Y");
+        Append(x_, "edit");
+        Append(y_, "edity");
+    }
+
+    void ReadAttributes() override
+    {
+        x_->SetEditDisabled(Flag(IC_EditDisabled));
+        y_->SetEditDisabled(Flag(IC_EditDisabled));
+    }
+
+    void ShowValue(const Parameter& value) override
+    {
+        if (const auto* point = dynamic_cast<const Point*>(&value)) {
+            x_->SetValue(point->X());
+            y_->SetValue(point->Y());
+            z_ = point->Z();
+        }
+    }
+
+private:
+    void OnEdited(TimeCodeEdit& edit)
+    {
+        if (edit.IsExpressionText())
+            edit.MarkUnreadable(tr("A point takes one expression for both numbers: add it from the "
+                                   "context menu"));
+        else
+            Send(MakeRef<Point>(x_->GetValue(), y_->GetValue(), z_));
+    }
+
+    TimeCodeEdit* x_;
+    TimeCodeEdit* y_;
+    double z_ = 0.0;
+};
+
+class TextEditor final : public GenericEditor {
+public:
+    TextEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
+    {
+        edit_ = new MxLineEdit;
+        connect(edit_, &MxLineEdit::Committed, this,
+                [this](const QString& text) { Send(MakeRef<Text>(text.toStdString())); });
+        Append(edit_, "edit");
+    }
+
+    void ReadAttributes() override { ApplyReadOnly(); }
+
+    void ShowValue(const Parameter& value) override
+    {
+        const auto* text = dynamic_cast<const Text*>(&value);
+        const QString shown = text ? QString::fromStdString(text->GetValue()) : QString();
+        severalLines_ = shown.contains('\n');
+        ApplyReadOnly();
+        if (edit_->CommittedText() != shown)
+            edit_->setText(shown);
+    }
+
+private:
+    /// One line can't hold several: typing in it would lose the breaks.
+    void ApplyReadOnly()
+    {
+        edit_->setReadOnly(severalLines_ || Flag(IC_EditDisabled));
+        edit_->setToolTip(severalLines_ ? tr("A text of several lines: shown, not edited here")
+                                        : QString());
+    }
+
+    MxLineEdit* edit_;
+    bool severalLines_ = false;
+};
+
+class CheckEditor final : public GenericEditor {
+public:
+    CheckEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
+    {
+        box_ = new CustomCheckBox;
+        box_->setAccessibleName(input.GetName());
+        connect(box_, &QCheckBox::clicked, this,
+                [this](bool on) { Send(MakeRef<Number>(on ? 1.0 : 0.0)); });
+        Append(box_, "check");
+    }
+
+    void ShowValue(const Parameter& value) override { box_->setChecked(NumberOf(&value) != 0.0); }
+
+private:
+    CustomCheckBox* box_;
+};
+
+template <class Editor>
+GenericEditor* MakeA(GenericInputControl& control, Input& input)
+{
+    return new Editor(control, input);
+}
+
+constexpr struct {
+    const char* dataType;
+    GenericEditor* (*make)(GenericInputControl&, Input&);
+} editors[] = {
+    {CLSID_DataType_Number, MakeA<NumberEditor>},
+    {CLSID_DataType_Point, MakeA<PointEditor>},
+    {CLSID_DataType_Text, MakeA<TextEditor>},
+};
+
+} // namespace
+
+GenericEditor::GenericEditor(GenericInputControl& control, Input& input)
+    : QWidget(&control), control_(control), input_(input)
+{
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(4);
+}
+
+GenericEditor* GenericEditor::Make(GenericInputControl& control, Input& input)
+{
+    for (const auto& editor : editors) {
+        if (input.GetDataType() == MxID(editor.dataType))
+            return editor.make(control, input);
+    }
+    return nullptr;
+}
+
+GenericEditor* GenericEditor::MakeCheckBox(GenericInputControl& control, Input& input)
+{
+    return new CheckEditor(control, input);
+}
+
+void GenericEditor::Append(QWidget* widget, const char* name)
+{
+    widget->setObjectName(name);
+    layout()->addWidget(widget);
+    if (!focusProxy())
+        setFocusProxy(widget);
+}
+
+bool GenericEditor::Flag(u32 tag) const
+{
+    return control_.GetAttrB(tag, input_.GetAttrB(tag));
+}
+
+void GenericEditor::Send(const Ref<Parameter>& value)
+{
+    control_.SendValue(input_, *value); // may end this editor's life
+}
+
+} // namespace Marlox
