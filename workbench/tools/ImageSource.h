@@ -1,0 +1,20 @@
+#pragma once
+
+#include "system/document/Operator.h"
+
+namespace Marlox {
+
+/// Brings an image file or a numbered sequence into the document. A relative path counts from the
+/// document's folder. Frame t shows the file of frame floor(t) + Frame Offset.
+class ImageSource final : public Operator {
+public:
+    explicit ImageSource(const Registry* record);
+    std::unique_ptr<ToolProcess> Prepare(double time) const override;
+    std::size_t SizeOf() const override { return sizeof(*this); }
+};
+
+/// What stands in for a frame whose file is missing: a message, the nearest frame before it (or the
+/// first), or a transparent picture of the same size. A damaged file is always a message.
+enum class MissingFrame { Error, Hold, Black };
+
+} // namespace Marlox

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "system/base/HostClassIds.h"
+#include "system/base/HostTags.h"
+#include "system/document/Operator.h"
+
+#include <string>
+
+namespace Marlox {
+
+// The slider control's own creation tags, as its reference has them.
+inline constexpr u32 IC_TickFreq = 0x10050000;   // number of tick marks; 0: chosen by the slider
+inline constexpr u32 SLCS_LowName = 0x30050000;  // texts under the low end,
+inline constexpr u32 SLCS_MidName = 0x30050001;  // the middle
+inline constexpr u32 SLCS_HighName = 0x30050002; // and the high end
+
+/// What a number input with a slider needs; further tags follow in the list given to AddSlider.
+struct SliderSpec {
+    const char* id;
+    const char* name;
+    double low; // slider's range
+    double high;
+    double normal;    // default
+    const char* help; // one sentence for the tooltip
+};
+
+/// Adds a number input shown as a slider.
+Input& AddSlider(Operator& tool, const SliderSpec& spec, const TagList& further = {});
+/// A whole number from 0 to the number of names less one, named under the slider's ends and middle.
+Input& AddChoice(Operator& tool, const char* id, const char* name, const char* help,
+                 std::initializer_list<const char*> names, int normal);
+/// A flag, 0 or 1.
+Input& AddFlag(Operator& tool, const char* id, const char* name, const char* help, bool normal);
+/// The main image input, id "Input".
+Input& AddImageInput(Operator& tool);
+
+/// The number of the tool's input at `time`.
+double NumberAt(const Operator& tool, const char* id, double time);
+int WholeAt(const Operator& tool, const char* id, double time);
+
+/// The message of a tool that has nothing to work on.
+QString NoInputText();
+
+/// A process's cache key: its values with all digits, separated by blanks.
+std::string KeyOf(std::initializer_list<double> values);
+
+} // namespace Marlox

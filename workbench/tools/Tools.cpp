@@ -1,0 +1,48 @@
+#include "workbench/tools/Tools.h"
+
+#include "system/base/Registry.h"
+#include "workbench/tools/Blur.h"
+#include "workbench/tools/BrightnessContrast.h"
+#include "workbench/tools/ImageSource.h"
+#include "workbench/tools/Transform.h"
+
+namespace Marlox {
+
+namespace {
+
+template <class Tool>
+Object* create(const Registry* record, const ScriptVal&, const TagList&)
+{
+    return new Tool(record);
+}
+
+/// The record of one tool class, with what it points to.
+template <class Tool>
+struct ToolClass {
+    ToolClass(const char* classID, const char* name, const char* category)
+        : info{1, classID, "", category, nullptr},
+          tags{{REG_RegInit, &Object::RegInit},  {REG_RegCleanup, &Object::RegCleanup},
+               {REG_Kind, u32(ClassKind::Tool)}, {REG_ScriptInfo, static_cast<const void*>(&info)},
+               {REG_Create, &create<Tool>},      {REG_DisplayName, name},
+               {REG_Category, category},         {}},
+          record(classID, tags)
+    {
+    }
+
+    ScriptInfo info;
+    TagPair tags[8];
+    Registry record;
+};
+
+} // namespace
+
+void RegisterTools()
+{
+    static const ToolClass<ImageSource> imageSource("ImageSource", "Image Source", "Input");
+    static const ToolClass<BrightnessContrast> grade("BrightnessContrast", "Brightness Contrast",
+                                                     "Colour");
+    static const ToolClass<Blur> blur("Blur", "Blur", "Filter");
+    static const ToolClass<Transform> transform("Transform", "Transform", "Transform");
+}
+
+} // namespace Marlox

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace Marlox {
+
+/// Registers the workbench's tools with the host (ClassKind::Tool): "ImageSource",
+/// "BrightnessContrast", "Blur", "Transform". Call once at start-up; they stay until the end.
+void RegisterTools();
+
+} // namespace Marlox

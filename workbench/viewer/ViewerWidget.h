@@ -1,0 +1,134 @@
+#pragma once
+
+#include "system/evaluation/Renderer.h"
+#include "workbench/viewer/DisplayConverter.h"
+#include "workbench/viewer/ViewTransform.h"
+
+#include <array>
+#include <memory>
+
+#include <QOpenGLWidget>
+
+namespace Marlox {
+
+class MarloxDoc;
+class MessageBar;
+class ProgressPlate;
+class ViewerPainter;
+
+/// What lies under the cursor, from the image's floats.
+struct Probe {
+    bool inView = false;   // the cursor is over the viewer and there is an image
+    bool hasPixel = false; // within the data window
+    int x = 0;             // full-resolution pixels, y down, from the display window's top left
+    int y = 0;
+    std::array<float, 4> rgba{};
+};
+
+/// The viewer: shows what the document's renderer made. The wheel zooms around the cursor (Ctrl in
+/// finer, Shift in coarser steps), the middle button or Space with the left button moves the image,
+/// F fits it, 1 shows actual pixels. A failed render leaves the last good image and shows the
+/// message above it. Widget positions are device-independent pixels; everything else goes through
+/// View().
+class ViewerWidget : public QOpenGLWidget {
+    Q_OBJECT
+    Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
+    Q_PROPERTY(double exposure READ Exposure WRITE SetExposure NOTIFY SettingsChanged)
+    Q_PROPERTY(double gamma READ Gamma WRITE SetGamma NOTIFY SettingsChanged)
+    Q_PROPERTY(QString message READ Message)
+public:
+    explicit ViewerWidget(MarloxDoc& document, QWidget* parent = nullptr);
+    ~ViewerWidget() override;
+
+    const ViewTransform& View() const { return view_; }
+    double Zoom() const { return view_.Zoom(); } // device pixels for each image pixel
+    void SetZoom(double zoom);                   // around the middle
+    void ZoomBy(double factor);
+    void Fit();
+    /// Positions in the widget and in normalised image coordinates (0 to 1, y up).
+    QPointF ImageToWidget(QPointF normalised) const;
+    QPointF WidgetToImage(QPointF position) const;
+    /// The drawing context for overlays, as the image is shown now.
+    PreviewInfo GetPreviewInfo() const;
+
+    const DisplaySettings& Settings() const { return settings_; }
+    void SetSettings(const DisplaySettings& settings);
+    ChannelView Channels() const { return settings_.channels; }
+    void SetChannelView(ChannelView channels);
+    double Exposure() const { return settings_.exposure; } // stops
+    void SetExposure(double stops);
+    double Gamma() const { return settings_.gamma; }
+    void SetGamma(double gamma);
+    const DisplayTransform& Transform() const { return converter_.Transform(); }
+
+    bool IsCheckerShown() const { return checker_; }
+    void ShowChecker(bool shown); // behind transparent parts
+    bool AreWindowsShown() const { return windows_; }
+    void ShowWindows(bool shown); // frame of the display window, outline of the data window
+
+    /// The image on show; null before the first. It stays when a render fails.
+    const Ref<Image>& ShownImage() const { return shown_.image; }
+    QString Message() const; // the error on show; empty: none
+    Probe ProbeAt(QPointF position) const;
+    /// Whether everything that was rendered is also on show.
+    bool IsSettled() const;
+    /// What the viewer shows, pixel by pixel at the screen's ratio, with the bars over it.
+    QImage Screenshot();
+
+signals:
+    void ViewChanged();     // zoom or position
+    void SettingsChanged(); // exposure, gamma, channels, display, checker, windows
+    void ImageShown();
+    void ProbeChanged(const Marlox::Probe& probe);
+
+protected:
+    void initializeGL() override;
+    void paintGL() override;
+    bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    void OnFinished(const RenderResult& result);
+    void OnConverted(const DisplayedImage& displayed);
+    void Reconvert();
+    void SetMessage(const QString& text);
+    void ChangeView();
+    void ChangeSettings();
+    void TrackPointer(QPointF position);
+    void EndPan();
+    void ShowPanCursor();
+    void PlaceBars();
+
+    MarloxDoc& document_;
+    DisplayConverter converter_;
+    DisplaySettings settings_;
+    ViewTransform view_;
+    DisplayedImage shown_;
+    Ref<Image> wanted_; // rendered last, perhaps still being converted
+    std::unique_ptr<ViewerPainter> painter_;
+    MessageBar* message_;
+    ProgressPlate* progress_;
+    bool checker_ = true;
+    bool windows_ = true;
+    bool spaceHeld_ = false;
+    bool panning_ = false;
+    QPointF panFrom_; // widget position of the last move
+    QPointF pointer_{-1.0, -1.0};
+    double wheelRest_ = 0.0; // eighths of a degree not yet used
+};
+
+/// Full-resolution display window of an image, which may be a proxy of an image shown before with
+/// display window `known` (empty: none): a proxy's windows are rounded to its larger pixels.
+MxRect FullDisplayWindow(const Image::Format& format, const MxRect& known);
+
+} // namespace Marlox
+
+Q_DECLARE_METATYPE(Marlox::Probe)
