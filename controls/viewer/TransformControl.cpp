@@ -13,6 +13,7 @@ struct TransformFacts : GenericOverlayFacts {
     using Class = TransformControl;
     static constexpr char name[] = "TransformControl";
     static constexpr RecordFacts records[] = {{"TransformControl", "TransformControl"}};
+    static constexpr FurtherTag furtherTags[] = {{0x10000065, 1}};
 };
 
 } // namespace
