@@ -160,7 +160,7 @@ void ControlWnd::paintEvent(QPaintEvent* event)
     for (const Private::Row& row : d_->rows) {
         const QRect mark = d_->MarkOf(row);
         if (row.state != Private::State::Plain && mark.intersects(event->rect()))
-            painter.fillRect(mark, Private::ColorOf(row.state));
+            painter.fillRect(mark, d_->ColorOf(row.state));
     }
 }
 

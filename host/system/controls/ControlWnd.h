@@ -52,6 +52,8 @@ signals:
     void HeightChanged(int height);
     /// Another tool is shown, also when the shown one was removed from its document (null then).
     void OperatorChanged(Marlox::Operator* tool);
+    /// A control wrote `value` (as accepted) at `time`; `final`: its gesture is over.
+    void ValueWritten(Marlox::Input* input, Marlox::Parameter* value, double time, bool final);
 
 protected:
     bool event(QEvent* event) override;

@@ -3,9 +3,9 @@
 #include "system/controls/ControlWndPrivate.h"
 #include "system/controls/InputControlPrivate.h"
 #include "system/resources/Resources.h"
+#include "system/widgets/WidgetLook.h"
 
 #include <algorithm>
-#include <array>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -121,11 +121,10 @@ void ControlWnd::Private::UpdateState(Row& row)
     const double time = row.control->CurrentTime();
     for (const Input* input : inputs) {
         const bool keyed = input->IsAnimated() && input->IsKeyAt(time);
-        const State own = input->HasExpression()              ? State::Expression
-                          : !input->GetState().source.empty() ? State::Connected
-                          : keyed                             ? State::Keyed
-                          : input->IsAnimated()               ? State::Animated
-                                                              : State::Plain;
+        const State own = input->HasExpression() ? State::Expression
+                          : keyed                ? State::Keyed
+                          : input->IsAnimated()  ? State::Animated
+                                                 : State::Plain;
         state = std::max(state, own);
         if (input == inputs.front() && own == State::Expression)
             keys = KeyFrameIndicator::State::Expression;
@@ -141,21 +140,19 @@ void ControlWnd::Private::UpdateState(Row& row)
         page.update(MarkOf(row));
 }
 
-QColor ControlWnd::Private::ColorOf(State state)
+QColor ControlWnd::Private::ColorOf(State state) const
 {
-    struct Row {
-        const char* name;
-        MxColor fallback;
-    };
-    static constexpr std::array<Row, 5> colors{{
-        {"System.FlatColour", {41, 41, 41}},
-        {"System.AnimatedColour", {94, 126, 150}},
-        {"System.KeyedColour", {86, 156, 214}},
-        {"System.ConnectedColour", {120, 170, 120}},
-        {"Controls.ExpressionColour", {230, 215, 135}},
-    }};
-    const Row& row = colors[std::size_t(state)];
-    return LookPack::Global().Color(row.name, row.fallback).ToQColor();
+    switch (state) {
+    case State::Plain:
+        break;
+    case State::Animated:
+        return WidgetLook::Mix(page.palette().color(QPalette::Window), WidgetLook::Accent(), 0.5);
+    case State::Keyed:
+        return WidgetLook::Accent();
+    case State::Expression:
+        return LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor();
+    }
+    return Qt::transparent;
 }
 
 void ControlWnd::Private::RefreshMoving()

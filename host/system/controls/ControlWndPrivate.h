@@ -27,7 +27,7 @@ public:
     static constexpr int scrollPause = 300; // ms without wheel that end a scroll of the page
 
     /// What moves the values of a row; the strongest one is shown.
-    enum class State { Plain, Animated, Keyed, Connected, Expression };
+    enum class State { Plain, Animated, Keyed, Expression };
 
     struct Row {
         InputControl* control = nullptr; // null: a line that says why there is none
@@ -60,7 +60,7 @@ public:
     void UpdateState(Row& row);
     /// The time changed. (Expressions that follow other inputs are told by the document.)
     void RefreshMoving();
-    static QColor ColorOf(State state);
+    QColor ColorOf(State state) const;
 
     ControlWnd& page;
     Ref<Operator> tool;

@@ -82,6 +82,7 @@ void ControlWnd::Private::ConnectDocument()
             page.SetOperator(nullptr);
     };
     QObject::connect(document, &MarloxDoc::ToolAboutToBeRemoved, &page, leave);
+    QObject::connect(document, &QObject::destroyed, &page, [this] { page.SetOperator(nullptr); });
     QObject::connect(document, &MarloxDoc::Cleared, &page, [this] {
         if (tool && !tool->GetDoc())
             page.SetOperator(nullptr);

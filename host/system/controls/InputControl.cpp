@@ -193,13 +193,17 @@ bool InputControl::AddInput(Input* input, TagList*)
     d_->seen.push_back({input->GetExpression(), input->GetState().source});
     input->AddControl(this);
     input->AddNotify(this, MxID());
-    if (list.size() == 1) {
-        setObjectName(input->GetID().ToString());
-        setAccessibleName(input->GetName());
-        setToolTip(QString::fromUtf8(input->GetAttrS(IAS_Help)));
-    }
+    if (list.size() == 1)
+        Describe(*input);
     ApplyEnabled();
     return true;
+}
+
+void InputControl::Describe(const Input& main)
+{
+    setObjectName(main.GetID().ToString());
+    setAccessibleName(main.GetName());
+    setToolTip(QString::fromUtf8(main.GetAttrS(IAS_Help)));
 }
 
 bool InputControl::RemoveInput(Input* input, TagList*)
@@ -416,6 +420,8 @@ bool InputControl::HandleEvent(Object* sender, const MxID& event, TagList& tags)
         TagList all(input.Attributes());
         MergeTags(all, d_->laterChanges);
         SetAttrsTagList(&input, all);
+        if (&input == inputs_.list.front())
+            Describe(input);
         Refresh(input);
         RecalcControlSize();
         return true;

@@ -6,6 +6,7 @@
 #include "system/base/ScriptServices.h"
 #include "system/controls/Layout.h"
 #include "system/controls/Menu.h"
+#include "system/controls/UndoGesture.h"
 #include "system/document/Operator.h"
 
 #include <memory>
@@ -20,6 +21,7 @@ namespace Marlox {
 class Container;
 class ControlWnd;
 class KeyFrameIndicator;
+class MxLineEdit;
 class TimeCodeEdit;
 
 using InputList = std::vector<Input*>;
@@ -129,6 +131,10 @@ public:
     /// The same from a ResData.
     LayoutObj* LoadLayout(const char* resourceName, bool stretch, LayoutCallback callback,
                           void* context);
+    /// The same as the CreateExpressionEdit above for a place in the layout, which then costs
+    /// nothing until the input has an expression. Controls that name no place get it in the layout
+    /// object "expression" if that is a container, else below themselves.
+    bool CreateExpressionEdit(int index, LayoutObj* place, TagList* tags);
     LayoutObj* FindLayoutObj(const MxID& name) const;
     static LayoutObj* FindLayoutObj(LayoutObj* root, const MxID& name);
     LayoutObj* GetLayout() const { return layout_; }
@@ -175,7 +181,7 @@ public:
     bool TabStop() const { return tabStop_; }
     bool ControlDisabled() const { return disabled_; }
     bool IsRowHidden() const; // IC_Hidden: takes no room
-    int UndoDepth() const { return undoOpen_ ? 1 : 0; }
+    int UndoDepth() const { return undo_.IsOpen() ? 1 : 0; }
 
 protected:
     bool event(QEvent* event) override;
@@ -197,6 +203,8 @@ private:
     };
     class Private;
     void Refresh(Input& input); // reads the value anew and passes it on
+    void Describe(const Input& main);
+    MxLineEdit* MakeExpressionLine(const Input& input);
     void ApplyEnabled();
 
     const Registry* record_;
@@ -206,7 +214,7 @@ private:
     LayoutObj* layout_ = nullptr;
     bool tabStop_ = true;
     bool disabled_ = false;
-    bool undoOpen_ = false;
+    UndoGesture undo_;
     std::unique_ptr<Private> d_;
 };
 

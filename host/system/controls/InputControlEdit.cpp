@@ -43,36 +43,27 @@ bool InputControl::SetInputs(Parameter* value, double time, unsigned int index, 
     const Ref<Parameter> accepted = input->Accepted(*value);
     if (!accepted)
         return false;
-    const bool gesture = undoOpen_;
+    const bool gesture = undo_.IsOpen();
     SetUndo(index, tags);
     const bool written = input->SetValue(*accepted, time);
     if (!gesture || final)
         ResetUndo(tags);
+    if (written && window_)
+        emit window_->ValueWritten(input, accepted.Get(), time, !gesture || final);
     return written;
 }
 
 void InputControl::SetUndo(unsigned int index, TagList*)
 {
-    MarloxDoc* document = GetDoc();
-    if (undoOpen_ || !document)
-        return;
     const Input* input = FindInputByIndex(index);
-    document->Undo().Begin(
-        QStringLiteral("Adjust %1").arg(input ? input->GetName() : owner_->GetName()));
-    undoOpen_ = true;
-    d_->undoDoc = document;
-    d_->undoDepth = document->Undo().Depth();
+    if (MarloxDoc* document = GetDoc())
+        undo_.Begin(document,
+                    QStringLiteral("Adjust %1").arg(input ? input->GetName() : owner_->GetName()));
 }
 
 void InputControl::ResetUndo(TagList*)
 {
-    if (!undoOpen_)
-        return;
-    undoOpen_ = false;
-    // Undo and clearing the document close groups by themselves.
-    MarloxDoc* document = d_->undoDoc;
-    if (document && document->Undo().Depth() >= d_->undoDepth)
-        document->Undo().End();
+    undo_.End();
 }
 
 void InputControl::EndGesture()

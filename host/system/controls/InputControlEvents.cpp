@@ -82,9 +82,9 @@ bool InputControl::eventFilter(QObject* watched, QEvent* event)
             EndGesture();
         break;
     case QEvent::ContextMenu:
-        // A field that is being typed in keeps its menu of text editing.
+        // A field that is being edited keeps its menu of text editing.
         if (auto* field = qobject_cast<QLineEdit*>(watched);
-            field && !field->isModified() && field->objectName() != QLatin1String("expression")) {
+            field && !field->isModified() && !field->hasSelectedText()) {
             auto* menu = static_cast<QContextMenuEvent*>(event);
             QContextMenuEvent ours(menu->reason(), field->mapTo(this, menu->pos()),
                                    menu->globalPos(), menu->modifiers());

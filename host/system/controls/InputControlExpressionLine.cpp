@@ -4,6 +4,8 @@
 #include "system/controls/ControlWnd.h"
 #include "system/controls/InputControlPrivate.h"
 
+#include <functional>
+
 namespace Marlox {
 
 namespace {
@@ -17,6 +19,8 @@ QWidget* LastInTabOrder(QWidget* parent)
         last = next;
     return last;
 }
+
+using Test = std::function<bool(const MxLineEdit& line, const Input& input)>;
 
 void ShowState(MxLineEdit& line, const Input& input)
 {
@@ -33,71 +37,95 @@ void ShowState(MxLineEdit& line, const Input& input)
 
 bool InputControl::CreateExpressionEdit(int index, Container* container, TagList*)
 {
-    Input* input = FindInputByIndex(unsigned(index));
-    if (!input || !container || d_->PlaceOf(unsigned(index)))
-        return false;
-    d_->places.push_back({unsigned(index), container, {}, {}});
-    if (input->HasExpression())
-        AddExpressionEdit(input, nullptr);
-    return true;
+    return container && d_->AddPlace(*this, {.index = unsigned(index), .container = container});
 }
 
 bool InputControl::CreateExpressionEdit(int index, MxRect& rect, TagList*)
 {
-    Input* input = FindInputByIndex(unsigned(index));
-    if (!input || rect.IsEmpty() || d_->PlaceOf(unsigned(index)))
+    return !rect.IsEmpty() && d_->AddPlace(*this, {.index = unsigned(index), .rect = rect});
+}
+
+bool InputControl::CreateExpressionEdit(int index, LayoutObj* place, TagList*)
+{
+    return place && place->IsContainer() &&
+           d_->AddPlace(*this, {.index = unsigned(index), .object = place});
+}
+
+bool InputControl::Private::AddPlace(InputControl& self, ExpressionPlace place)
+{
+    Input* input = self.FindInputByIndex(place.index);
+    if (!input || PlaceOf(place.index))
         return false;
-    d_->places.push_back({unsigned(index), {}, rect, {}});
+    places.push_back(std::move(place));
     if (input->HasExpression())
-        AddExpressionEdit(input, nullptr);
+        self.AddExpressionEdit(input, nullptr);
     return true;
+}
+
+/// The place of an input that the control named, or one found for it.
+InputControl::Private::ExpressionPlace* InputControl::Private::PlaceFor(InputControl& self,
+                                                                        unsigned int index)
+{
+    if (!PlaceOf(index)) {
+        LayoutObj* object = self.FindLayoutObj("expression");
+        if (object && object->IsContainer())
+            places.push_back({.index = index, .object = object});
+        else
+            places.push_back({.index = index, .container = self.window_->PlaceBelow(self)});
+    }
+    ExpressionPlace* place = PlaceOf(index);
+    if (place->object && !place->container)
+        place->container = qobject_cast<Container*>(place->object->Widget());
+    return place;
+}
+
+MxLineEdit* InputControl::MakeExpressionLine(const Input& input)
+{
+    const auto index = unsigned(input.GetAttr(IA_ControlIndex));
+    auto* line = new MxLineEdit(QString::fromStdString(input.GetExpression()));
+    line->setObjectName(QStringLiteral("expression"));
+    line->setAccessibleName(tr("Expression of %1").arg(input.GetName()));
+    const auto showTrue = [this, index](const Test& isShown) {
+        const Input* shown = FindInputByIndex(index);
+        const auto* place = d_->PlaceOf(index);
+        if (shown && place && place->line && isShown(*place->line, *shown))
+            ShowState(*place->line, *shown);
+    };
+    connect(line, &MxLineEdit::Committed, this, [this, index, showTrue](const QString& text) {
+        SetExpressions(index, text.toUtf8().data());
+        showTrue([](const auto&, const auto&) { return true; }); // what was refused does not stay
+    });
+    // Escape brought the committed text back, and with it what is wrong with it.
+    connect(line, &QLineEdit::textChanged, this, [showTrue] {
+        showTrue([](const MxLineEdit& edit, const Input& shown) {
+            return edit.text() == QString::fromStdString(shown.GetExpression());
+        });
+    });
+    return line;
 }
 
 void InputControl::AddExpressionEdit(Input* input, TagList*)
 {
     if (!input || !window_)
         return;
-    const auto index = unsigned(input->GetAttr(IA_ControlIndex));
-    Private::ExpressionPlace* place = d_->PlaceOf(index);
-    if (!place || (!place->container && place->rect.IsEmpty())) {
-        std::erase_if(d_->places, [index](const auto& gone) { return gone.index == index; });
-        d_->places.push_back({index, window_->PlaceBelow(*this), {}, {}});
-        place = &d_->places.back();
-    }
-    if (!place->line) {
-        auto* line = new MxLineEdit(QString::fromStdString(input->GetExpression()));
-        line->setObjectName(QStringLiteral("expression"));
-        line->setAccessibleName(tr("Expression of %1").arg(input->GetName()));
-        place->line = line;
+    Private::ExpressionPlace& place =
+        *d_->PlaceFor(*this, unsigned(input->GetAttr(IA_ControlIndex)));
+    if (!place.line) {
         QWidget* last = LastInTabOrder(this);
-        if (place->container)
-            place->container->AddWidget(line);
-        else {
-            line->setParent(this);
-            line->setGeometry(ToQRect(place->rect));
+        place.line = MakeExpressionLine(*input);
+        if (place.container) {
+            place.container->AddWidget(place.line);
+        } else {
+            place.line->setParent(this);
+            place.line->setGeometry(ToQRect(place.rect));
         }
-        QWidget::setTabOrder(last, line);
-        connect(line, &MxLineEdit::Committed, this, [this, index](const QString& text) {
-            SetExpressions(index, text.toUtf8().data());
-            // What was refused does not stay.
-            if (const Input* shown = FindInputByIndex(index))
-                if (const auto* kept = d_->PlaceOf(index); kept && kept->line)
-                    ShowState(*kept->line, *shown);
-        });
-        connect(line, &QLineEdit::textChanged, this, [this, index](const QString& text) {
-            // Escape brought the committed text back, and with it what is wrong with it.
-            const Input* shown = FindInputByIndex(index);
-            const auto* kept = d_->PlaceOf(index);
-            if (shown && kept && kept->line &&
-                text == QString::fromStdString(shown->GetExpression()))
-                kept->line->SetError(shown->ExpressionError());
-        });
-    }
-    if (!place->line->isHidden())
+        QWidget::setTabOrder(last, place.line);
+    } else if (!place.line->isHidden()) {
         return;
-    if (place->container)
-        place->container->show();
-    place->line->show();
+    }
+    if (place.container)
+        place.container->show();
+    place.line->show();
     RecalcControlSize();
 }
 

@@ -22,9 +22,10 @@ public:
     /// Where the expression line of an input goes, and the line once it was needed.
     struct ExpressionPlace {
         unsigned int index = 0;
-        QPointer<Container> container; // null: `rect` of the control itself
-        MxRect rect;
-        QPointer<MxLineEdit> line;
+        LayoutObj* object = nullptr;     // where the container is made when it is needed
+        QPointer<Container> container{}; // neither: `rect` of the control itself
+        MxRect rect{};
+        QPointer<MxLineEdit> line{};
     };
 
     ExpressionPlace* PlaceOf(unsigned int index)
@@ -36,6 +37,9 @@ public:
         return nullptr;
     }
 
+    bool AddPlace(InputControl& self, ExpressionPlace place);
+    ExpressionPlace* PlaceFor(InputControl& self, unsigned int index);
+
     TagList attributes;     // what the control was made from, strings copied
     TagList laterChanges;   // what SetAttrsTagList gave since; wins over the inputs' attributes
     Ref<Operator> owner;    // keeps the tool and its inputs while they are attached
@@ -45,8 +49,6 @@ public:
     bool hidden = false;
     bool stretch = false;
 
-    QPointer<MarloxDoc> undoDoc; // where the undo group is open
-    int undoDepth = 0;           // groups open there, ours included
     bool editDragging = false;
     bool proxyOn = false;
 };

@@ -44,7 +44,6 @@ PreviewControl::PreviewControl(const Registry* record, const ScriptVal&, const T
 
 PreviewControl::~PreviewControl()
 {
-    PreviewControl::ResetUndo(nullptr);
     for (Input* input : inputs_) {
         input->RemoveNotify(this);
         input->RemoveControl(this);
@@ -103,7 +102,7 @@ u64 PreviewControl::DoTagList(unsigned int command, TagList& tags)
                    : 0;
     case OpenUndo:
         SetUndo(index, &tags);
-        return undoOpen_ ? 1 : 0;
+        return undo_.IsOpen() ? 1 : 0;
     case CloseUndo:
         ResetUndo(&tags);
         return 1;
@@ -189,7 +188,7 @@ bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index
     if (!accepted)
         return false;
     const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
-    const bool gesture = undoOpen_;
+    const bool gesture = undo_.IsOpen();
     SetUndo(index, tags);
     const bool written = input->SetValue(*accepted, time);
     if (!gesture)
@@ -199,25 +198,15 @@ bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index
 
 void PreviewControl::SetUndo(unsigned int index, TagList*)
 {
-    MarloxDoc* document = GetDoc();
-    if (undoOpen_ || !document)
-        return;
     const Input* input = FindInputByIndex(index);
-    document->Undo().Begin(
-        QStringLiteral("Adjust %1").arg(input ? input->GetName() : owner_->GetName()));
-    undoOpen_ = true;
-    undoDoc_ = document;
-    undoDepth_ = document->Undo().Depth();
+    if (MarloxDoc* document = GetDoc())
+        undo_.Begin(document,
+                    QStringLiteral("Adjust %1").arg(input ? input->GetName() : owner_->GetName()));
 }
 
 void PreviewControl::ResetUndo(TagList*)
 {
-    if (!undoOpen_)
-        return;
-    undoOpen_ = false;
-    // Undo and clearing the document close groups by themselves.
-    if (undoDoc_ && undoDoc_->Undo().Depth() >= undoDepth_)
-        undoDoc_->Undo().End();
+    undo_.End();
 }
 
 bool PreviewControl::HandleEvent(Object* sender, const MxID& event, TagList& tags)

@@ -2,12 +2,11 @@
 
 #include "system/base/LockableObject.h"
 #include "system/base/Registry.h"
-#include "system/document/MarloxDoc.h"
+#include "system/controls/UndoGesture.h"
+#include "system/document/Operator.h"
 #include "system/viewer/PreviewInfo.h"
 
 #include <vector>
-
-#include <QPointer>
 
 namespace Marlox {
 
@@ -108,9 +107,7 @@ private:
     std::vector<bool> connected_; // for each input, as the overlay was last told
     TagList attributes_;
     bool active_ = false;
-    bool undoOpen_ = false;
-    int undoDepth_ = 0;
-    QPointer<MarloxDoc> undoDoc_;
+    UndoGesture undo_;
 };
 
 /// Overlay that shows a value at a fixed place of the view rather than of the image.

@@ -1,0 +1,39 @@
+#include "system/controls/UndoGesture.h"
+
+#include "system/document/MarloxDoc.h"
+
+namespace Marlox {
+
+UndoGesture::UndoGesture() = default;
+
+UndoGesture::~UndoGesture()
+{
+    End();
+}
+
+void UndoGesture::Begin(MarloxDoc* document, const QString& text)
+{
+    if (HasGroup() || !document)
+        return;
+    document->Undo().Begin(text);
+    document_ = document;
+    depth_ = document->Undo().Depth();
+    open_ = true;
+}
+
+void UndoGesture::End()
+{
+    const bool closes = HasGroup();
+    open_ = false;
+    if (closes)
+        document_->Undo().End();
+    document_ = nullptr;
+}
+
+bool UndoGesture::HasGroup() const
+{
+    // Undo and clearing the document close groups by themselves.
+    return open_ && document_ && document_->Undo().Depth() >= depth_;
+}
+
+} // namespace Marlox
