@@ -36,6 +36,11 @@ void ElideLabel::SetText(const QString& text)
     update();
 }
 
+QString ElideLabel::ShownText() const
+{
+    return fontMetrics().elidedText(text_, ElideModeOf(elideMode_), width());
+}
+
 void ElideLabel::SetElideMode(int mode)
 {
     elideMode_ = mode;
@@ -51,7 +56,7 @@ void ElideLabel::SetAlignment(Qt::Alignment alignment)
 QSize ElideLabel::sizeHint() const
 {
     const QFontMetrics metrics = fontMetrics();
-    return {metrics.horizontalAdvance(text_), metrics.height()};
+    return {metrics.horizontalAdvance(text_) + 1, metrics.height()}; // widths are rounded
 }
 
 QSize ElideLabel::minimumSizeHint() const
@@ -63,8 +68,7 @@ void ElideLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setPen(WidgetLook::Text(*this));
-    painter.drawText(rect(), int(alignment_),
-                     fontMetrics().elidedText(text_, ElideModeOf(elideMode_), width()));
+    painter.drawText(rect(), int(alignment_), ShownText());
 }
 
 bool ElideLabel::event(QEvent* event)

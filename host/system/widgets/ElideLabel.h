@@ -17,6 +17,8 @@ public:
 
     QString Text() const { return text_; }
     void SetText(const QString& text);
+    /// The text as it is drawn at the present width.
+    QString ShownText() const;
     void SetElideMode(int mode);
     void SetAlignment(Qt::Alignment alignment);
     QSize sizeHint() const override;

@@ -1,0 +1,404 @@
+// What number fields read and write, without a window.
+#include "system/widgets/Arithmetic.h"
+#include "system/widgets/NumberEntry.h"
+#include "system/widgets/NumberFormat.h"
+#include "system/widgets/ScrubDrag.h"
+
+#include <cmath>
+#include <limits>
+
+#include <QtTest>
+
+using namespace Marlox;
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+} // namespace
+
+class NumberTextTest : public QObject {
+    Q_OBJECT
+private slots:
+    void Reads_data();
+    void Reads();
+    void Refuses_data();
+    void Refuses();
+    void NestingIsBounded();
+    void ReadsTimes_data();
+    void ReadsTimes();
+    void Formats_data();
+    void Formats();
+    void FormatsTimes_data();
+    void FormatsTimes();
+    void WrittenNumbersReadBack();
+    void EntryAccepts();
+    void EntryReadsExpressions();
+    void EntryStepsSuitTheRange();
+    void DigitAtCursor_data();
+    void DigitAtCursor();
+    void DragStartsAtTheThreshold();
+    void DragChangesFactorWithoutAJump();
+    void DragTurnsBackAtOnce();
+};
+
+void NumberTextTest::Reads_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("result"); // with 40 shown
+    const auto row = [](const char* text, double result) { QTest::newRow(text) << text << result; };
+    row("1920/2", 960);
+    row("(1+2)*3", 9);
+    row("1 + 2 * 3 - 4 / 2", 5);
+    row("8/4/2", 1);
+    row("2^3^2", 512);
+    row("-2^2", -4);
+    row("2^-1", 0.5);
+    row("5--3", 8);
+    row(" ( ( 7 ) ) ", 7);
+    // Numbers alone, with either decimal mark.
+    row("-5", -5);
+    row("+5", 5);
+    row("1.25", 1.25);
+    row("1,25", 1.25);
+    row(".5", 0.5);
+    row("5.", 5);
+    row("1,5+2.5", 4);
+    row("1e-3", 0.001);
+    row("1.5E+2", 150);
+    // On the shown value.
+    row("*2", 80);
+    row("/2", 20);
+    row("*2+1", 81);
+    row("+=5", 45);
+    row("-=3", 37);
+    row("*=1+1", 80);
+    row("/=4", 10);
+    row("+= 2*3", 46);
+    row("+10%", 44);
+    row("-10%", 36);
+    row("-10%+1", 37);
+    row("50%", 20);
+    row("*50%", 20);
+    row("+=10%", 44);
+    // Percent within a sum or a product.
+    row("200+10%", 220);
+    row("200-10%", 180);
+    row("80*50%", 40);
+    row("(100+10%)*2", 220);
+    // As copied from elsewhere.
+    QTest::newRow("minus sign") << QString::fromUtf8("\u22125") << -5.0;
+    QTest::newRow("times sign") << QString::fromUtf8("2\u00d73") << 6.0;
+    QTest::newRow("division sign") << QString::fromUtf8("6\u00f73") << 2.0;
+    QTest::newRow("narrow blank") << QString::fromUtf8("6\u202f+\u00a01") << 7.0;
+}
+
+void NumberTextTest::Reads()
+{
+    QFETCH(QString, text);
+    QFETCH(double, result);
+    const ArithmeticResult read = EvaluateArithmetic(text, 40.0);
+    QVERIFY2(read.value.has_value(), qPrintable(read.error));
+    QVERIFY2(std::abs(*read.value - result) < 1e-12, qPrintable(QString::number(*read.value)));
+}
+
+void NumberTextTest::Refuses_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("at");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char* text, int at, const char* reason) {
+        QTest::newRow(*text ? text : "blank") << text << at << reason;
+    };
+    row("", 0, "A number is missing at the end.");
+    row("5+", 2, "A number is missing at the end.");
+    row("(1+2", 4, "A closing bracket is missing.");
+    row("1+2)", 3, "There is a closing bracket too many.");
+    row("1 920", 2, "An operator such as + or * is missing here.");
+    row("5x", 1, "An operator such as + or * is missing here.");
+    row("1e", 1, "An operator such as + or * is missing here.");
+    row("abc", 0, "A number is expected where \"a\" stands.");
+    row("2+*3", 2, "A number is expected where \"*\" stands.");
+    row(".", 0, "A number is expected where \".\" stands.");
+    row("1.2.3", 0, "This number has more than one decimal point or comma.");
+    row("1,234.5", 0, "This number has more than one decimal point or comma.");
+    row("1/0", 3, "This divides by zero.");
+    row("/=0", 3, "This divides by zero.");
+    row("1e308*10", 8, "The result is too large.");
+    row("(0-8)^0.5", 9, "This power of a negative number does not exist.");
+    row("1:12", 1, "An operator such as + or * is missing here."); // no time without a rate
+}
+
+void NumberTextTest::Refuses()
+{
+    QFETCH(QString, text);
+    QFETCH(int, at);
+    QFETCH(QString, reason);
+    const ArithmeticResult read = EvaluateArithmetic(text, 40.0);
+    QVERIFY(!read.value);
+    QCOMPARE(read.error, reason);
+    QCOMPARE(read.errorAt, at);
+}
+
+void NumberTextTest::NestingIsBounded()
+{
+    const auto nested = [](int depth) {
+        return QString(depth, u'(') + u'1' + QString(depth, u')');
+    };
+    QCOMPARE(EvaluateArithmetic(nested(50), 0.0).value, std::optional(1.0));
+    for (const QString& text : {nested(100000), QString(100000, u'-') + u'1'}) {
+        const ArithmeticResult read = EvaluateArithmetic(text, 0.0);
+        QVERIFY(!read.value);
+        QCOMPARE(read.error, QString("There are too many brackets in each other."));
+    }
+}
+
+void NumberTextTest::ReadsTimes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<double>("frames"); // NaN: refused
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    QTest::newRow("full") << "00:01:02:03" << 24.0 << 62.0 * 24 + 3;
+    QTest::newRow("seconds") << "1:12" << 24.0 << 36.0;
+    QTest::newRow("drop-frame mark") << "00:00:01;05" << 30.0 << 35.0;
+    QTest::newRow("beyond a part") << "90:00" << 25.0 << 2250.0;
+    QTest::newRow("part of a frame") << "0:01.5" << 24.0 << 1.5;
+    QTest::newRow("rate in thousands") << "1:00" << 23.976 << 24.0;
+    QTest::newRow("negative") << "-1:00" << 24.0 << -24.0;
+    QTest::newRow("frames") << "100" << 24.0 << 100.0;
+    QTest::newRow("sum") << "1:00+12" << 24.0 << 36.0;
+    QTest::newRow("later") << "+=1:00" << 24.0 << 64.0;
+    QTest::newRow("too many parts") << "1:2:3:4:5" << 24.0 << none;
+    QTest::newRow("empty part") << "1::3" << 24.0 << none;
+    QTest::newRow("fraction of a second") << "1.5:03" << 24.0 << none;
+}
+
+void NumberTextTest::ReadsTimes()
+{
+    QFETCH(QString, text);
+    QFETCH(double, rate);
+    QFETCH(double, frames);
+    const ArithmeticResult read = EvaluateArithmetic(text, 40.0, rate);
+    QCOMPARE(read.value.has_value(), !std::isnan(frames));
+    if (read.value)
+        QCOMPARE(*read.value, frames);
+    else
+        QCOMPARE(read.error, QString("Times are written as hours:minutes:seconds:frames."));
+}
+
+void NumberTextTest::Formats_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<int>("precision");
+    QTest::addColumn<QString>("text");
+    const auto row = [](double value, int precision, const char* text) {
+        QTest::addRow("%s, %d", text, precision) << value << precision << text;
+    };
+    row(0.5, -1, "0.5");
+    row(0.5, 4, "0.5");
+    row(2.0, 3, "2");
+    row(100.0, 0, "100");
+    row(0.1 + 0.2, -1, "0.3");
+    row(1.0 / 3.0, -1, "0.3333333333");
+    row(2.0 / 3.0, 2, "0.67");
+    row(123456.789, -1, "123456.789");
+    row(1234567890.125, -1, "1234567890.125");
+    row(-1.25, 1, "-1.2"); // as the double lies: halves to even
+    row(0.0004, 3, "0");
+    row(-0.0004, 3, "0");
+    row(-0.0, -1, "0");
+    row(1e-9, -1, "0.000000001");
+    row(1e-12, -1, "1e-12");
+    row(-2.5e-20, -1, "-2.5e-20");
+    row(1e-12, 6, "0");
+    row(1e14, -1, "100000000000000");
+    row(1e15, -1, "1e15");
+    row(1.5e300, 3, "1.5e300");
+    row(infinity, 2, "inf");
+    row(-infinity, -1, "-inf");
+    row(std::numeric_limits<double>::quiet_NaN(), -1, "nan");
+}
+
+void NumberTextTest::Formats()
+{
+    QFETCH(double, value);
+    QFETCH(int, precision);
+    QFETCH(QString, text);
+    QCOMPARE(FormatNumber(value, precision), text);
+}
+
+void NumberTextTest::FormatsTimes_data()
+{
+    QTest::addColumn<double>("frames");
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("zero") << 0.0 << 24.0 << "00:00:00:00";
+    QTest::newRow("all parts") << ((1.0 * 60 + 2) * 60 + 3) * 25 + 4 << 25.0 << "01:02:03:04";
+    QTest::newRow("negative") << -25.0 << 24.0 << "-00:00:01:01";
+    QTest::newRow("part of a frame") << 1.5 << 24.0 << "00:00:00:01.5";
+    QTest::newRow("rounded up to a frame") << 23.999 << 24.0 << "00:00:01:00";
+    QTest::newRow("no negative zero") << -0.001 << 24.0 << "00:00:00:00";
+    QTest::newRow("many hours") << 360000.0 * 24 << 24.0 << "100:00:00:00";
+    QTest::newRow("rate in thousands") << 24.0 << 23.976 << "00:00:01:00";
+    QTest::newRow("no rate") << 5.0 << 0.0 << "00:00:05:00";
+    QTest::newRow("beyond all times") << 1e20 << 24.0 << "1e20";
+    QTest::newRow("infinite") << infinity << 24.0 << "inf";
+}
+
+void NumberTextTest::FormatsTimes()
+{
+    QFETCH(double, frames);
+    QFETCH(double, rate);
+    QFETCH(QString, text);
+    QCOMPARE(FormatTimeCode(frames, rate), text);
+}
+
+void NumberTextTest::WrittenNumbersReadBack()
+{
+    // Every text a field shows must be one it takes, and come to the same value again.
+    for (const double value : {0.0, 1e-10, 0.1, 1.0 / 3.0, -7.25, 1e14 + 0.5, 3.5e-200, 1.25e250}) {
+        const ArithmeticResult read = EvaluateArithmetic(FormatNumber(value), 0.0);
+        QVERIFY2(read.value, qPrintable(FormatNumber(value)));
+        QVERIFY2(std::abs(*read.value - value) <= std::max(1e-10, std::abs(value) * 1e-14),
+                 qPrintable(FormatNumber(value)));
+    }
+    for (const double frames : {0.0, 1.0, 100.25, -86400.0, 5e6})
+        QCOMPARE(ParseTimeCode(FormatTimeCode(frames, 24.0), 24.0), std::optional(frames));
+}
+
+void NumberTextTest::EntryAccepts()
+{
+    NumberEntry entry;
+    entry.minimum = -1.5;
+    entry.maximum = 2.5;
+    QCOMPARE(entry.Accepted(7.0), 2.5);
+    QCOMPARE(entry.Accepted(-7.0), -1.5);
+    entry.integer = true;
+    QCOMPARE(entry.Accepted(7.0), 2.0); // the whole numbers of the range, not its ends
+    QCOMPARE(entry.Accepted(-7.0), -1.0);
+    QCOMPARE(entry.Accepted(0.5), 1.0);
+    QCOMPARE(entry.Accepted(-0.5), -1.0);
+    entry.minimum = 0.2;
+    entry.maximum = 0.8;
+    QCOMPARE(entry.Accepted(7.0), 0.8);
+}
+
+void NumberTextTest::EntryReadsExpressions()
+{
+    using Kind = NumberEntry::Reading::Kind;
+    QStringList asked;
+    const auto isExpression = [&asked](const QString& text) {
+        asked << text;
+        return text.contains("time");
+    };
+    NumberEntry entry;
+    entry.value = 8.0;
+    entry.maximum = 100.0;
+    NumberEntry::Reading read = entry.Read(" =*2 ", isExpression);
+    QCOMPARE(read.kind, Kind::Number);
+    QCOMPARE(read.value, 16.0);
+    QCOMPARE(entry.Read("1000", isExpression).value, 100.0);
+    QCOMPARE(entry.Read("   ", isExpression).kind, Kind::Nothing);
+    QVERIFY(asked.isEmpty()); // arithmetic is never taken for an expression
+
+    read = entry.Read("= time*2", isExpression);
+    QCOMPARE(read.kind, Kind::Expression);
+    QCOMPARE(read.text, QString("time*2"));
+    read = entry.Read("  3+x", isExpression);
+    QCOMPARE(read.kind, Kind::Unreadable);
+    QCOMPARE(read.errorAt, 4); // counted in the text as typed
+    QCOMPARE(entry.Read("time", {}).kind, Kind::Unreadable);
+}
+
+void NumberTextTest::EntryStepsSuitTheRange()
+{
+    NumberEntry entry;
+    QCOMPARE(entry.Step(), 0.1);
+    entry.minimum = 0.0;
+    entry.maximum = 1.0;
+    QCOMPARE(entry.Step(), 0.01);
+    entry.maximum = 500.0;
+    QCOMPARE(entry.Step(), 1.0);
+    entry.maximum = 0.0; // nothing between the ends
+    QCOMPARE(entry.Step(), 0.1);
+    entry.integer = true;
+    QCOMPARE(entry.Step(), 1.0);
+    QCOMPARE(NumberEntry::Moved(0.1, 0.2), 0.3);
+}
+
+void NumberTextTest::DigitAtCursor_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("cursor");
+    QTest::addColumn<int>("power"); // 99: no digit there
+    QTest::newRow("last whole") << "120" << 3 << 0;
+    QTest::newRow("first whole") << "120" << 1 << 2;
+    QTest::newRow("in front") << "120" << 0 << 2;
+    QTest::newRow("behind the point") << "12.5" << 3 << 0;
+    QTest::newRow("first decimal") << "12.5" << 4 << -1;
+    QTest::newRow("behind the sign") << "-12.5" << 1 << 1;
+    QTest::newRow("bare decimals") << ".25" << 0 << -1;
+    QTest::newRow("exponent") << "1e5" << 3 << 99;
+    QTest::newRow("word") << "inf" << 1 << 99;
+    QTest::newRow("empty") << "" << 0 << 99;
+}
+
+void NumberTextTest::DigitAtCursor()
+{
+    QFETCH(QString, text);
+    QFETCH(int, cursor);
+    QFETCH(int, power);
+    DigitAt digit;
+    QCOMPARE(DigitAt::Find(text, cursor, digit), power != 99);
+    if (power == 99)
+        return;
+    QCOMPARE(digit.power, power);
+    // Behind the digit the same digit is found again.
+    DigitAt again;
+    QVERIFY(DigitAt::Find(text, digit.CursorIn(text), again));
+    QCOMPARE(again.power, power);
+}
+
+void NumberTextTest::DragStartsAtTheThreshold()
+{
+    ScrubDrag drag(100.0);
+    QVERIFY(!drag.MoveTo(103.0, 1.0));
+    QVERIFY(!drag.HasStarted());
+    drag.MoveTo(104.0, 1.0);
+    QVERIFY(drag.HasStarted());
+    QCOMPARE(drag.Movement(), 0.0);
+    drag.MoveTo(105.0, 1.0);
+    QCOMPARE(drag.Movement(), 1.0);
+    drag.MoveTo(90.0, 1.0);
+    QCOMPARE(drag.Movement(), -14.0);
+
+    ScrubDrag leftwards(100.0);
+    leftwards.MoveTo(50.0, 10.0);
+    QCOMPARE(leftwards.Movement(), -460.0);
+}
+
+void NumberTextTest::DragChangesFactorWithoutAJump()
+{
+    ScrubDrag drag(0.0);
+    drag.MoveTo(24.0, 1.0);
+    QVERIFY(!drag.MoveTo(24.0, ScrubDrag::Factor(true, false)));
+    QCOMPARE(drag.Movement(), 20.0);
+    drag.MoveTo(25.0, ScrubDrag::Factor(true, false));
+    QCOMPARE(drag.Movement(), 30.0);
+    drag.MoveTo(35.0, ScrubDrag::Factor(false, true));
+    QCOMPARE(drag.Movement(), 31.0);
+    QCOMPARE(ScrubDrag::Factor(true, true), 1.0);
+}
+
+void NumberTextTest::DragTurnsBackAtOnce()
+{
+    ScrubDrag drag(0.0);
+    drag.MoveTo(104.0, 1.0);
+    drag.Correct(60.0); // what was dragged met its end there
+    drag.MoveTo(103.0, 1.0);
+    QCOMPARE(drag.Movement(), 59.0);
+}
+
+QTEST_APPLESS_MAIN(NumberTextTest)
+#include "NumberTextTest.moc"
