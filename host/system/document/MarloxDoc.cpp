@@ -2,6 +2,7 @@
 
 #include "system/base/Registry.h"
 #include "system/document/Autosave.h"
+#include "system/document/ExpressionNames.h"
 #include "system/document/Preferences.h"
 #include "system/evaluation/Renderer.h"
 
@@ -196,6 +197,22 @@ void MarloxDoc::Rename(Operator& tool, const QString& name)
     }
     emit ToolChanged(&tool);
     TellExpressions(nullptr);
+}
+
+void MarloxDoc::RenameInExpressions(const QString& from, const QString& to)
+{
+    for (const Ref<Operator>& tool : tools_) {
+        const auto isOwnName = [&tool](const std::string& name) {
+            return tool->FindInput(MxID(std::string_view(name))) != nullptr;
+        };
+        for (const Ref<Input>& input : tool->Inputs()) {
+            if (!input->HasExpression())
+                continue;
+            Input::State state = input->GetState();
+            state.expression = RenameToolInExpression(state.expression, from, to, isOwnName);
+            input->ChangeTo(std::move(state), Input::EvenIfLocked);
+        }
+    }
 }
 
 void MarloxDoc::SetCurrentTime(double time)

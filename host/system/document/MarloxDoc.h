@@ -130,6 +130,7 @@ private:
     void Take(Operator& tool);
     void Reorder(Operator& tool, int position);
     void Rename(Operator& tool, const QString& name);
+    void RenameInExpressions(const QString& from, const QString& to);
     void ApplyFrameRange(double first, double last);
     void ApplyFrameRate(double framesPerSecond);
     void BypassConnections(const Operator& tool);

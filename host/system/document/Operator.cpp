@@ -47,9 +47,12 @@ bool Operator::SetName(const QString& name)
     MarloxDoc* document = document_;
     const QString before = name_;
     const auto self = Ref<Operator>::Share(this);
+    document->Undo().Begin(tr("Rename %1").arg(before));
+    document->RenameInExpressions(before, next);
     document->Rename(*this, next);
     document->PushStep([=] { document->Rename(*self, before); },
-                       [=] { document->Rename(*self, next); }, tr("Rename %1").arg(before));
+                       [=] { document->Rename(*self, next); }, QString());
+    document->Undo().End();
     return true;
 }
 

@@ -25,7 +25,8 @@ public:
     MxID GetToolType() const; // class id
     QString GetName() const { return name_; }
     /// Names are unique in a document: a taken one gets the next free number ("Blur" becomes
-    /// "Blur1", "Blur1" becomes "Blur2"). Connections follow the new name. False: empty or locked.
+    /// "Blur1", "Blur1" becomes "Blur2"). Connections and expressions follow the new name. False:
+    /// empty or locked.
     bool SetName(const QString& name);
     bool IsLocked() const { return locked_; }
     bool SetLocked(bool locked);

@@ -52,6 +52,8 @@ public:
     void Clear();
     /// Whether steps of open groups have changed something that is no entry yet.
     bool HasOpenChanges() const;
+    /// Whether an undo or redo is under way.
+    bool IsReplaying() const { return replaying_; }
     /// For views and for signals; entries are only pushed through this class.
     QUndoStack& Stack() { return stack_; }
 

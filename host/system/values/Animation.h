@@ -38,7 +38,7 @@ public:
     /// key.
     Ref<Parameter> Evaluate(double time) const;
 
-    friend bool operator==(const Animation&, const Animation&);
+    friend MARLOXSYSTEM_EXPORT bool operator==(const Animation&, const Animation&);
 
 private:
     std::map<double, Key> keys_;

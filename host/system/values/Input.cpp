@@ -39,6 +39,14 @@ std::vector<const Input*>& evaluations()
     return stack;
 }
 
+class Evaluation {
+public:
+    explicit Evaluation(const Input* input) { evaluations().push_back(input); }
+    ~Evaluation() { evaluations().pop_back(); }
+    Evaluation(const Evaluation&) = delete;
+    Evaluation& operator=(const Evaluation&) = delete;
+};
+
 bool isEqual(const Ref<Parameter>& a, const Ref<Parameter>& b)
 {
     return a == b || (a && b && a->IsEqual(*b));
@@ -156,12 +164,12 @@ Ref<Parameter> Input::EvaluateExpression(double time) const
     QString error;
     Ref<Parameter> value;
     looped_ = false;
-    running.push_back(this);
-    if (ScriptServices* services = ScriptServices::Installed())
+    if (ScriptServices* services = ScriptServices::Installed()) {
+        const Evaluation evaluation(this);
         value = services->Evaluate(*this, state_.expression, time, &error);
-    else
+    } else {
         error = tr("Expressions need the script library, which is not loaded.");
-    running.pop_back();
+    }
 
     if (looped_)
         error = tr("The expression refers to itself.");

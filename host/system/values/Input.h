@@ -41,7 +41,7 @@ public:
         std::string expression; // empty: none
         std::string source;     // name of the upstream tool; empty: not connected
 
-        friend bool operator==(const State&, const State&);
+        friend MARLOXSYSTEM_EXPORT bool operator==(const State&, const State&);
     };
 
     /// Flags of SetValue.
