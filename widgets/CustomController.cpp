@@ -103,6 +103,7 @@ void CustomController::focusInEvent(QFocusEvent* event)
 {
     // Only the focused widget takes wheel events, so only it has to know where others go.
     qApp->installEventFilter(this);
+    foreignWheel_.invalidate(); // a scroll that the user left for this widget has ended
     CustomControl::focusInEvent(event);
 }
 

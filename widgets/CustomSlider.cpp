@@ -25,9 +25,7 @@ CustomSlider::CustomSlider(QWidget* parent) : CustomController(parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setToolTip(tr("Drag the knob; Ctrl makes it fine.\n"
-                  "Arrow keys and wheel step, Shift coarsely, Ctrl finely.\n"
-                  "Alt+click resets."));
+    SetHelp({});
     skin_.Load(devicePixelRatioF());
     FollowLayout();
 }
@@ -47,7 +45,7 @@ void CustomSlider::SetValue(double v)
 
 void CustomSlider::ShowValue(double v)
 {
-    if (std::isfinite(v))
+    if (std::isfinite(v) && v != model_.value)
         Store(v);
 }
 
@@ -64,13 +62,16 @@ void CustomSlider::Store(double v)
 
 void CustomSlider::SetRange(double low, double high, bool notify)
 {
+    if (!notify) {
+        model_.SetRange(low, high);
+        track_ = QPixmap();
+        return;
+    }
     const std::vector<double> marks = model_.TickPixels(tickMarksApart);
     const bool moved = model_.SetRange(low, high);
     const bool marksMoved = marks != model_.TickPixels(tickMarksApart);
     if (moved || marksMoved)
         track_ = QPixmap();
-    if (!notify)
-        return;
     const bool resetMoved = moved && !geometry_.resetSize.isEmpty() && model_.HasDefault() &&
                             model_.value != model_.defaultValue;
     if (resetMoved || marksMoved)
@@ -341,6 +342,13 @@ void CustomSlider::FollowLayout()
     geometry_ = skin_.GeometryIn(size());
     model_.SetTrack(skin_.PixelLow(size()), skin_.PixelHigh(size()));
     RepaintAll();
+}
+
+void CustomSlider::SetHelp(const QString& help)
+{
+    const QString use = tr("Drag the knob, with Ctrl finely. Arrow keys and wheel step, with Shift "
+                           "coarsely, with Ctrl finely. Alt+click resets.");
+    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 
 void CustomSlider::SetKnobImages(const char* normal, const char* highlighted)

@@ -91,6 +91,9 @@ public:
     /// or below the requested range.
     void DragBy(double units, RelativeDrag& state);
 
+    /// One sentence on what is edited, for the tooltip, above how the slider is used.
+    void SetHelp(const QString& help);
+
     // Looks.
     void SetKnobImages(const char* normal, const char* highlighted);
     void SetGradients(const Gradient* first, const Gradient* second = nullptr);

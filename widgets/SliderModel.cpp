@@ -223,6 +223,8 @@ double SliderModel::SteppedUp(int level) const
 double SliderModel::Dragged(double start, double units, RelativeDrag& state) const
 {
     const double unit = std::pow(10.0, DecadeOf(requestedHigh_ - requestedLow_) - 3.0);
+    if (units == 0.0)
+        return start; // taken back: not even the bounds touch it
     const double wanted = start + units * unit;
     const double clamped = Clamped(wanted);
     if (clamped != wanted) {

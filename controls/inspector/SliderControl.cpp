@@ -1,0 +1,459 @@
+#include "controls/inspector/SliderControl.h"
+
+#include "framework/ControlClass.h"
+#include "system/controls/ControlWnd.h"
+#include "system/document/MarloxDoc.h"
+#include "system/widgets/ElideLabel.h"
+#include "system/widgets/TimeCodeEdit.h"
+#include "widgets/CustomSlider.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <optional>
+
+namespace Marlox {
+
+namespace {
+
+/// What all sliders share, filled when the first is made and kept by the declaration below.
+struct SharedValues {
+    ScriptVal layout;
+    std::optional<MxPoint> resetPosition;
+};
+SharedValues& shared();
+const ResColor& expressionColor();
+
+struct KnobStyle {
+    int number;
+    const char* normal;
+    const char* highlighted;
+};
+constexpr KnobStyle plainKnob{0, "Controls.Slider.Knob.1", "Controls.Slider.Knob.2"};
+constexpr KnobStyle knobStyles[] = {
+    {6, "Controls.Color.Knob.2.1", "Controls.Color.Knob.2.2"},
+    {7, "Controls.Color.Knob.3.1", "Controls.Color.Knob.3.2"},
+    {8, "Controls.Color.Knob.4.1", "Controls.Color.Knob.4.2"},
+    {9, "Controls.Color.Knob.5.1", "Controls.Color.Knob.5.2"},
+};
+
+constexpr int elided = 1;
+constexpr int notElided = 3;
+
+void fillShared()
+{
+    SharedValues& values = shared();
+    if (values.resetPosition)
+        return;
+    values.layout = ResData::LayoutOf("Controls.Slider.Layout");
+    const ScriptVal reset = ResData::ValueOf("Controls.Slider.Data").Get("Reset");
+    values.resetPosition.emplace(int(std::lround(reset.At(1).ToNumber())),
+                                 int(std::lround(reset.At(2).ToNumber())));
+}
+
+void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
+{
+    // The widgets bear the names of their places.
+    const QString name = object.Name().ToString();
+    if (name.isEmpty() || object.IsContainer())
+        return;
+    if (auto* widget = static_cast<SliderControl*>(control)->findChild<QWidget*>(
+            name, Qt::FindDirectChildrenOnly))
+        object.SetWidget(widget);
+}
+
+/// Adds a pair that outlives the list it comes from.
+void addOwned(TagList& list, const TagPair& pair)
+{
+    const u32 tag = u32(pair.tag);
+    if (TypeOfTag(tag) == TagType::String && pair.value.text)
+        list.AddCopy(tag, pair.value.text);
+    else
+        list.Add(tag, pair.value);
+}
+
+template <class Widget, class... Arguments>
+Widget* makeNamed(const char* name, Arguments... arguments)
+{
+    auto* widget = new Widget(arguments...);
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
+} // namespace
+
+SliderControl::SliderControl(const Registry* record, const ScriptVal& creator,
+                             const TagList& attributes)
+    : InputControl(record, creator, attributes),
+      label_(makeNamed<ElideLabel>("label", this, elided)),
+      lowLabel_(makeNamed<ElideLabel>("minlabel", this, notElided)),
+      midLabel_(makeNamed<ElideLabel>("midlabel", this, notElided)),
+      highLabel_(makeNamed<ElideLabel>("maxlabel", this, notElided)),
+      slider_(makeNamed<CustomSlider>("slider", this)), edit_(makeNamed<TimeCodeEdit>("edit", this))
+{
+    fillShared();
+    lowLabel_->SetAlignment(Qt::AlignLeft | Qt::AlignTop);
+    midLabel_->SetAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    highLabel_->SetAlignment(Qt::AlignRight | Qt::AlignTop);
+    for (ElideLabel* label : {lowLabel_, midLabel_, highLabel_})
+        label->hide();
+    connect(slider_, SIGNAL(ValueChanged(float64)), this, SLOT(OnValueChanged(float64)));
+    connect(edit_, SIGNAL(editingFinished()), this, SLOT(OnValueEdit()));
+    connect(edit_, &TimeCodeEdit::StartDrag, this, &SliderControl::OnEditStartDrag);
+    connect(edit_, &TimeCodeEdit::EndDrag, this, &SliderControl::OnEditEndDrag);
+    for (const TagPair* pair = attributes.First(); pair; pair = attributes.Next(pair))
+        addOwned(creation_, *pair);
+    ReadTags(creation_);
+}
+
+SliderControl::~SliderControl()
+{
+    slider_->SetOwner(nullptr);
+    edit_->disconnect(this);
+}
+
+std::size_t SliderControl::SizeOf() const
+{
+    return sizeof(*this);
+}
+
+// Attributes -------------------------------------------------------------------------------------
+
+bool SliderControl::CopyAttr(u64 tag, void* out)
+{
+    // Without an input the base knows better: what was set since is not read before one comes.
+    if (Inputs().empty() && InputControl::CopyAttr(tag, out))
+        return true;
+    const auto text = [out](const std::string& value) {
+        *static_cast<const char**>(out) = value.c_str();
+        return true;
+    };
+    switch (tag) {
+    case IC_TickFreq:
+        *static_cast<int64*>(out) = settings_.tickFreq;
+        return true;
+    case SLCS_LowName:
+        return text(settings_.lowName);
+    case SLCS_MidName:
+        return text(settings_.midName);
+    case SLCS_HighName:
+        return text(settings_.highName);
+    default:
+        return InputControl::CopyAttr(tag, out);
+    }
+}
+
+bool SliderControl::SetAttrsTagList(Input* input, const TagList& tags)
+{
+    if (!InputControl::SetAttrsTagList(input, tags))
+        return false;
+    if (!Inputs().empty() && input != Inputs().front())
+        return true; // another one joins: what is shown stays the first's
+    TagList all(creation_);
+    for (const TagPair* pair = tags.First(); pair; pair = tags.Next(pair))
+        all.Set(u32(pair->tag), pair->value);
+    ReadTags(all);
+    if (IsOpen()) {
+        ApplyToSlider();
+        ApplyToEdit();
+    }
+    return true;
+}
+
+void SliderControl::ReadTags(const TagList& tags)
+{
+    const SliderSettings before = std::exchange(settings_, SliderSettings(tags));
+    knobStyleDirty_ = knobStyleDirty_ || before.knobStyle != settings_.knobStyle;
+    labelsDirty_ = true; // the input's name may be another too
+}
+
+// Life cycle -------------------------------------------------------------------------------------
+
+bool SliderControl::AddInput(Input* input, TagList* tags)
+{
+    if (!InputControl::AddInput(input, tags))
+        return false;
+    if (input != Inputs().front())
+        return true;
+    inputId_ = unsigned(input->GetAttr(IA_ControlIndex));
+    label_->SetText(input->GetName());
+    labelsDirty_ = true;
+    if (const Ref<Parameter> value = input->GetValue(CurrentTime())) {
+        NotifyChanged(input, value.Get(), nullptr);
+        hasValue_ = true;
+    }
+    return true;
+}
+
+bool SliderControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
+{
+    if (!InputControl::Open(window, rect, tags))
+        return false;
+    slider_->SetOwner(this);
+    ApplyToSlider();
+    ApplyKnobStyle();
+    ReadShownValue();
+    ApplyLabels();
+    label_->setFocusProxy(slider_);
+    slider_->ShowValue(shown_);
+    slider_->SetResetPosition(*shared().resetPosition);
+    slider_->show();
+    ApplyToEdit();
+    edit_->SetValue(shown_, settings_.precision);
+    edit_->show();
+    edit_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
+    edit_->SetDragTarget([this](double movement, double& accumulated) {
+        CustomSlider::RelativeDrag state{accumulated, true};
+        slider_->DragBy(movement, state);
+        accumulated = state.movement;
+    });
+    if (!CreateLayout(shared().layout, false, attachWidget, this)) {
+        for (QWidget* widget : std::initializer_list<QWidget*>{label_, slider_, edit_, lowLabel_,
+                                                               midLabel_, highLabel_})
+            widget->hide(); // the line that tells the fault has the place
+        return true;
+    }
+    if (LayoutObj* place = FindLayoutObj("expression"))
+        CreateExpressionEdit(int(inputId_), place, nullptr);
+    ShowInputState();
+    return true;
+}
+
+void SliderControl::Close(TagList* tags)
+{
+    edit_->CancelDrag();
+    slider_->SetOwner(nullptr); // ends a gesture
+    InputControl::Close(tags);
+}
+
+/// The value of the input shown, found under the inputs' read lock.
+void SliderControl::ReadShownValue()
+{
+    const auto find = [this]() -> Input* {
+        const ReadLock lock(InputsLock());
+        for (Input* input : Inputs()) {
+            if (unsigned(input->GetAttr(IA_ControlIndex)) == inputId_)
+                return input;
+        }
+        return nullptr;
+    };
+    const Input* input = find();
+    const Ref<Parameter> value = input ? input->GetValue(CurrentTime()) : nullptr;
+    if (!value)
+        return;
+    shown_ = NumberOf(value.Get(), shown_);
+    hasValue_ = true;
+}
+
+void SliderControl::ApplyToSlider()
+{
+    slider_->SetInteger(settings_.integer);
+    slider_->SetGamma(settings_.gamma);
+    slider_->SetRange(settings_.range.low, settings_.range.high, false);
+    slider_->SetSteps(settings_.fineStep, settings_.plainStep);
+    slider_->SetCentred(false);
+    slider_->SetTickFreq(settings_.tickFreq); // may centre by itself
+    if (settings_.centred && !slider_->SetCentre(settings_.centre))
+        slider_->SetTickFreq(settings_.tickFreq);
+    slider_->SetDefaultValue(settings_.defaultValue);
+    slider_->SetSnapValue(settings_.snapValue);
+}
+
+void SliderControl::ApplyToEdit()
+{
+    edit_->SetEditDisabled(settings_.editDisabled);
+    edit_->SetInteger(settings_.integer);
+    const MarloxDoc* document = GetDoc();
+    edit_->SetTimeMode(settings_.time, document ? document->FrameRate() : 24.0);
+    edit_->SetRange(settings_.allowed.low, settings_.allowed.high);
+}
+
+void SliderControl::ApplyKnobStyle()
+{
+    const auto* style =
+        std::find_if(std::begin(knobStyles), std::end(knobStyles),
+                     [this](const KnobStyle& row) { return row.number == settings_.knobStyle; });
+    const KnobStyle& chosen = style != std::end(knobStyles) ? *style : plainKnob;
+    slider_->SetKnobImages(chosen.normal, chosen.highlighted);
+    knobStyleDirty_ = false;
+}
+
+void SliderControl::ApplyLabels()
+{
+    const Input* input = Inputs().empty() ? nullptr : Inputs().front();
+    const QString name = input ? input->GetName() : QString();
+    label_->SetText(name);
+    label_->setVisible(!settings_.nameHidden);
+    slider_->setAccessibleName(name);
+    edit_->setAccessibleName(name);
+    slider_->SetHelp(QString::fromStdString(settings_.help));
+    const auto show = [](ElideLabel& label, const std::string& text) {
+        label.SetText(QString::fromStdString(text));
+        label.setVisible(!text.empty());
+    };
+    show(*lowLabel_, settings_.lowName);
+    show(*midLabel_, settings_.midName);
+    show(*highLabel_, settings_.highName);
+    // Names may lie behind the slider: let them show through.
+    slider_->setAttribute(Qt::WA_OpaquePaintEvent, !settings_.HasRangeNames());
+    labelsDirty_ = false;
+}
+
+void SliderControl::ShowInputState()
+{
+    const Input* input = FindInputByIndex(inputId_);
+    QColor color;
+    if (input && input->HasExpression())
+        color = expressionColor().Color().ToQColor();
+    else if (input && input->IsAnimated())
+        color = LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor();
+    slider_->SetStateColor(color);
+}
+
+// Values in --------------------------------------------------------------------------------------
+
+void SliderControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
+{
+    if (!value)
+        return InputControl::NotifyChanged(input, value, tags);
+    bool told = false;
+    const bool shown = input && unsigned(input->GetAttr(IA_ControlIndex)) == inputId_;
+    const double v = NumberOf(value, shown_);
+    if (shown && HasValueChanged(settings_.IsWhole(), v, shown_, settings_.Tolerance())) {
+        shown_ = v;
+        hasValue_ = true;
+        InputControl::NotifyChanged(input, value, tags);
+        told = true;
+    }
+    if (settings_.range != seenRange_ && !told)
+        InputControl::NotifyChanged(input, value, tags);
+    seenRange_ = settings_.range;
+}
+
+void SliderControl::UpdateDisplay(Input* input, TagList* tags)
+{
+    if (!IsOpen())
+        return;
+    edit_->SetValue(shown_, settings_.precision);
+    slider_->ShowValue(shown_);
+    if (knobStyleDirty_)
+        ApplyKnobStyle();
+    if (labelsDirty_) {
+        ApplyLabels();
+        slider_->update();
+        RecalcControlSize();
+    }
+    ShowInputState();
+    InputControl::UpdateDisplay(input, tags);
+}
+
+void SliderControl::OnDisconnect(Input* input, TagList* tags)
+{
+    // What came through the connection stays, as a plain number.
+    if (input)
+        input->SetValue(*AutoNumber(new Number(shown_)), TimeNone, Input::ReplaceAll);
+    InputControl::OnDisconnect(input, tags);
+}
+
+Input* SliderControl::GetInputFrom(QWidget* widget, TagList* tags)
+{
+    const bool ours = widget && (widget == this || isAncestorOf(widget));
+    Input* input = ours ? FindInputByIndex(inputId_) : nullptr;
+    return input ? input : InputControl::GetInputFrom(widget, tags);
+}
+
+// Values out -------------------------------------------------------------------------------------
+
+void SliderControl::OnValueChanged(float64 v)
+{
+    const auto alive = Ref<SliderControl>::Share(this); // what follows may close the page
+    if (!settings_.time)
+        v = settings_.OnGrid(v);
+    if (HasValueChanged(settings_.IsWhole(), v, shown_, settings_.Tolerance())) {
+        // Within a gesture the undo entry is opened here, at its first real change, and closed by
+        // whoever ends the gesture.
+        if (slider_->InGesture() || editDragging_)
+            SetUndo(inputId_, nullptr);
+        SetInputs(AutoNumber(new Number(v)).Get(), CurrentTime(), inputId_, false, nullptr);
+    }
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void SliderControl::OnValueEdit()
+{
+    const auto alive = Ref<SliderControl>::Share(this);
+    if (!edit_->IsExpressionText())
+        return OnValueChanged(edit_->GetValue());
+    QByteArray expression = edit_->ExpressionText().toUtf8();
+    SetExpressions(inputId_, expression.data());
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void SliderControl::OnEditStartDrag()
+{
+    editDragging_ = true;
+    InputControl::OnEditStartDrag();
+    slider_->StartDrag();
+}
+
+void SliderControl::OnEditEndDrag()
+{
+    editDragging_ = false;
+    slider_->EndDrag();
+    InputControl::OnEditEndDrag();
+}
+
+// Registration -----------------------------------------------------------------------------------
+
+namespace {
+
+struct SliderFacts : InspectorFacts {
+    using Class = SliderControl;
+    static constexpr char name[] = "SliderControl";
+    static constexpr RecordFacts records[] = {{CLSID_InputControl_Slider, "SliderControl"}};
+    static constexpr TagMapEntry tagNames[] = {{"IC_TickFreq", IC_TickFreq},
+                                               {"SLCS_LowName", SLCS_LowName},
+                                               {"SLCS_MidName", SLCS_MidName},
+                                               {"SLCS_HighName", SLCS_HighName},
+                                               {}};
+    struct Resources {
+        ResDIB knob{"Controls.Slider.Knob.1", 0};
+        ResDIB knobHighlighted{"Controls.Slider.Knob.2", 0};
+        ResDIB knob6{"Controls.Color.Knob.2.1", 0};
+        ResDIB knob6Highlighted{"Controls.Color.Knob.2.2", 0};
+        ResDIB knob7{"Controls.Color.Knob.3.1", 0};
+        ResDIB knob7Highlighted{"Controls.Color.Knob.3.2", 0};
+        ResDIB knob8{"Controls.Color.Knob.4.1", 0};
+        ResDIB knob8Highlighted{"Controls.Color.Knob.4.2", 0};
+        ResDIB knob9{"Controls.Color.Knob.5.1", 0};
+        ResDIB knob9Highlighted{"Controls.Color.Knob.5.2", 0};
+        ResDIB reset{"Controls.Slider.Reset", 0};
+        ResDIB track{"Controls.Slider.Track", 0};
+        ResColor expression{"Controls.ExpressionColour", {230, 215, 135}, {9, 9, 9}};
+        ResData layout{"Controls.Slider.Layout"};
+        ResData data{"Controls.Slider.Data"};
+    };
+    using ScriptVals = SharedValues;
+};
+
+} // namespace
+
+template <>
+ControlClass<SliderFacts> controlClass<SliderFacts>{};
+MARLOX_SCRIPT_CASTS(SliderControl)
+
+namespace {
+
+SharedValues& shared()
+{
+    return controlClass<SliderFacts>.scriptVals;
+}
+
+const ResColor& expressionColor()
+{
+    return controlClass<SliderFacts>.resources.expression;
+}
+
+} // namespace
+
+} // namespace Marlox
