@@ -220,6 +220,9 @@ void LayoutNode::ReadHints(const QWidget& widget)
                                  widget.maximumWidth(), policy.horizontalPolicy());
     box_.content[1] = ReadExtent(hint.height(), minimumHint.height(), widget.minimumHeight(),
                                  widget.maximumHeight(), policy.verticalPolicy());
+    // The layout's own text is shown whole before anybody else gets more than the minimum.
+    if (type_ == LayoutDescription::Type::Label && ownsWidget_)
+        box_.content[0].minimum = box_.content[0].preferred;
 }
 
 void LayoutNode::MinimumSize(int& width, int& height) const

@@ -15,14 +15,15 @@ int Sum(int a, int b)
 }
 
 /// Turns real sizes into whole ones by rounding the edges between them, so that no gap opens. A
-/// size between two whole numbers stays between them.
+/// size between two whole numbers stays between them: the small addition keeps edges in the middle
+/// of a pixel from falling to one side or the other by the error of a sum.
 void RoundEdges(std::span<const double> sizes, std::vector<int>& rounded)
 {
     double edge = 0.0;
     double before = 0.0;
     for (double size : sizes) {
         edge += size;
-        const double after = std::floor(edge + 0.5);
+        const double after = std::floor(edge + 0.5 + 1e-6);
         rounded.push_back(int(after - before));
         before = after;
     }
@@ -125,13 +126,12 @@ LayoutExtent LayoutBox::MeasureLeaf(int axis) const
     return {minimum, 0, std::max(minimum, maximum)};
 }
 
-/// The spacing between shown children; spacers stand within a gap instead of making two.
 int LayoutBox::Gaps() const
 {
-    int solid = 0;
+    int count = 0;
     for (const LayoutBox* child : children)
-        solid += child->shown && child->kind != Kind::Spacer;
-    return solid > 1 ? (solid - 1) * spacing : 0;
+        count += child->shown;
+    return count > 1 ? (count - 1) * spacing : 0;
 }
 
 LayoutExtent LayoutBox::MeasureGroup(int axis) const
@@ -205,19 +205,11 @@ void LayoutBox::ArrangeGroup()
         unused -= size;
     const Align own = align[main] == Align::Fill ? Align::Start : align[main];
     int at = Place(main == 0 ? area.left : area.top, std::max(unused, 0), 0, own).first;
-    bool solidBefore = false;
     auto size = sizes.begin();
     for (LayoutBox* child : children) {
-        if (!child->shown) {
-            child->Arrange(main == 0 ? MxRect(at, area.top, at, area.bottom)
-                                     : MxRect(area.left, at, area.right, at));
-            continue;
-        }
-        const bool solid = child->kind != Kind::Spacer;
-        if (solid && solidBefore)
+        if (child->shown && size != sizes.begin())
             at += spacing;
-        solidBefore = solidBefore || solid;
-        const int end = at + *size++;
+        const int end = at + (child->shown ? *size++ : 0);
         child->Arrange(main == 0 ? MxRect(at, area.top, end, area.bottom)
                                  : MxRect(area.left, at, area.right, end));
         at = end;

@@ -42,7 +42,7 @@ struct LayoutBox {
 
     Kind kind = Kind::Leaf;
     double weight = 1.0;                  // along the parent's direction
-    int spacing = 0;                      // between shown children; spacers stand within it
+    int spacing = 0;                      // between shown children
     std::array<int, 4> margins{};         // of groups: left, top, right, bottom
     std::array<LayoutExtent, 2> limits{}; // given from outside; `preferred` is not used
     std::array<Align, 2> align{Align::Fill, Align::Fill};

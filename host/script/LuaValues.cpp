@@ -13,6 +13,7 @@ namespace {
 
 constexpr int maximumDepth = 100;
 constexpr std::size_t maximumBytes = std::size_t(64) << 20; // a table that is shared counts anew
+constexpr std::size_t tableBytes = 200;                     // what an empty one takes, about
 
 /// One conversion out of the interpreter.
 class Reader {
@@ -101,6 +102,7 @@ bool Reader::ReadTable(int index, ScriptVal& value)
         return Refuse("tables are nested too deep, or a table contains itself");
     std::vector<Positioned> list;
     std::vector<ScriptVal::Field> fields;
+    bytes_ += tableBytes;
     ++depth_;
     const bool read = ReadEntries(index, list, fields);
     --depth_;

@@ -51,7 +51,11 @@ bool RunForValue(const std::string& text, ScriptVal& value, std::string& error)
         error = lua_gettop(state) == 0 ? "no value is returned" : "more than one value is returned";
         return false;
     }
-    return ReadScriptVal(state, 1, value, nullptr, error);
+    ScriptVal read;
+    if (!ReadScriptVal(state, 1, read, nullptr, error))
+        return false;
+    value = std::move(read);
+    return true;
 }
 
 } // namespace
