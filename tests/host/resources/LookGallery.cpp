@@ -1,10 +1,10 @@
-// Shows Qt's widgets in the look of a look pack and writes the picture, for the eye of whoever works
-// on it. QT_SCALE_FACTOR=2 gives it as a dense screen shows it.
+// Shows Qt's widgets in the look of a look pack and writes the picture, for the eye of whoever
+// works on it. QT_SCALE_FACTOR=2 gives it as a dense screen shows it.
 //   marlox-look-gallery <look pack> <picture.png>
 
+#include "script/ScriptSystem.h"
 #include "system/resources/LookStyle.h"
 #include "system/resources/Resources.h"
-#include "script/ScriptLibrary.h"
 
 #include <cstdio>
 
@@ -97,7 +97,8 @@ QWidget* Fields()
     progress->setValue(53);
     auto* selected = new QLineEdit("Selected text");
     selected->setObjectName("focus");
-    QWidget* all[] = {selected, empty, disabled, combo, typed, new QDoubleSpinBox, slider, progress};
+    QWidget* all[] = {selected,           empty,  disabled, combo, typed,
+                      new QDoubleSpinBox, slider, progress};
     int place = 0;
     for (QWidget* widget : all) {
         grid->addWidget(widget, place / 2, place % 2);
@@ -131,8 +132,11 @@ QWidget* Lists()
 
 QMenu* FillMenu(QMenu* menu)
 {
-    menu->addAction(Icon("Icons.Workbench.Undo"), "&Undo", [] {}, QKeySequence::Undo);
-    menu->addAction("&Redo", [] {}, QKeySequence::Redo)->setEnabled(false);
+    menu->addAction(
+        Icon("Icons.Workbench.Undo"), "&Undo", [] {}, QKeySequence::Undo);
+    menu->addAction(
+            "&Redo", [] {}, QKeySequence::Redo)
+        ->setEnabled(false);
     menu->addSeparator();
     QAction* check = menu->addAction("Show &handles");
     check->setCheckable(true);

@@ -2,6 +2,7 @@
 // it.
 //   marlox-look-sheet <look pack> <picture.png> [part of the names]
 
+#include "script/ScriptSystem.h"
 #include "system/resources/Resources.h"
 
 #include <cstdio>
@@ -73,6 +74,7 @@ int main(int argc, char** argv)
         return 2;
     }
     const QGuiApplication application(argc, argv);
+    InstallScripting();
     QString error;
     if (!LookPack::Global().Use(QFile::decodeName(argv[1]), &error)) {
         std::fprintf(stderr, "%s\n", qPrintable(error));
