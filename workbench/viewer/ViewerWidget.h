@@ -7,6 +7,7 @@
 #include <array>
 #include <memory>
 
+#include <QColor>
 #include <QOpenGLWidget>
 
 namespace Marlox {
@@ -23,6 +24,7 @@ struct Probe {
     int x = 0;             // full-resolution pixels, y down, from the display window's top left
     int y = 0;
     std::array<float, 4> rgba{};
+    QColor shown; // as it is on the screen, over black
 };
 
 /// The viewer: shows what the document's renderer made. The wheel zooms around the cursor (Ctrl in
@@ -68,8 +70,8 @@ public:
 
     /// The image on show; null before the first. It stays when a render fails.
     const Ref<Image>& ShownImage() const { return shown_.image; }
-    QString Message() const; // the error on show; empty: none
-    Probe ProbeAt(QPointF position) const;
+    QString Message() const;               // the error on show; empty: none
+    Probe ProbeAt(QPointF position) const; // in the widget
     /// Whether everything that was rendered is also on show.
     bool IsSettled() const;
     /// What the viewer shows, pixel by pixel at the screen's ratio, with the bars over it.
@@ -96,16 +98,18 @@ protected:
     void leaveEvent(QEvent* event) override;
 
 private:
+    void ConnectRenderer();
     void OnFinished(const RenderResult& result);
     void OnConverted(const DisplayedImage& displayed);
-    void Reconvert();
     void SetMessage(const QString& text);
     void ChangeView();
-    void ChangeSettings();
+    void SetViewSize();
     void TrackPointer(QPointF position);
     void EndPan();
     void ShowPanCursor();
     void PlaceBars();
+    void ReleasePainter();
+    QPointF ToDevice(QPointF position) const { return position * devicePixelRatioF(); }
 
     MarloxDoc& document_;
     DisplayConverter converter_;
@@ -116,13 +120,13 @@ private:
     std::unique_ptr<ViewerPainter> painter_;
     MessageBar* message_;
     ProgressPlate* progress_;
+    bool isLoaded_ = false; // the shown picture is in the textures
     bool checker_ = true;
     bool windows_ = true;
     bool spaceHeld_ = false;
     bool panning_ = false;
     QPointF panFrom_; // widget position of the last move
     QPointF pointer_{-1.0, -1.0};
-    double wheelRest_ = 0.0; // eighths of a degree not yet used
 };
 
 /// Full-resolution display window of an image, which may be a proxy of an image shown before with

@@ -1,0 +1,59 @@
+#include "workbench/viewer/DisplayConverter.h"
+
+#include <QMetaObject>
+
+namespace Marlox {
+
+struct DisplayConverter::Job {
+    Ref<Image> image;
+    DisplaySettings settings;
+    std::atomic<bool> cancelled{false};
+    QImage picture;
+    QString error;
+};
+
+DisplayConverter::DisplayConverter(QObject* parent) : QObject(parent)
+{
+    pool_.setMaxThreadCount(1);
+}
+
+DisplayConverter::~DisplayConverter()
+{
+    if (running_)
+        running_->cancelled = true;
+    pool_.waitForDone();
+}
+
+void DisplayConverter::Request(Ref<Image> image, const DisplaySettings& settings)
+{
+    pending_ = std::make_shared<Job>();
+    pending_->image = std::move(image);
+    pending_->settings = settings;
+    // The running one goes on: while values are dragged each picture that is ready should show.
+    if (!running_)
+        Start();
+}
+
+void DisplayConverter::Start()
+{
+    running_ = std::move(pending_);
+    pool_.start([this, job = running_] {
+        job->picture = transform_.Apply(*job->image, job->settings, &job->cancelled, &job->error);
+        // Not delivered to a converter that is gone: its destructor waits and drops the event.
+        QMetaObject::invokeMethod(
+            this, [this, job] { Finish(job); }, Qt::QueuedConnection);
+    });
+}
+
+void DisplayConverter::Finish(std::shared_ptr<Job> job)
+{
+    running_.reset();
+    if (pending_)
+        Start();
+    if (!job->error.isEmpty())
+        emit Failed(job->error);
+    else if (!job->cancelled)
+        emit Converted({job->image, job->picture});
+}
+
+} // namespace Marlox

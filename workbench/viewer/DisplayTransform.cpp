@@ -1,0 +1,220 @@
+// The adapter that shows images through OpenColorIO.
+
+#include "workbench/viewer/DisplayTransform.h"
+
+#include "system/evaluation/Process.h"
+#include "workbench/images/ColorConfig.h"
+
+#include <OpenColorIO/OpenColorIO.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <mutex>
+#include <vector>
+
+namespace Marlox {
+
+namespace {
+
+namespace ocio = OCIO_NAMESPACE;
+
+/// Light beyond this shows as white whatever the exposure; infinities would upset the curves.
+constexpr float brightest = 1.0e9f;
+
+ocio::ConstTransformRcPtr exposureOf(double stops)
+{
+    const double factor = std::exp2(stops);
+    const double scale[] = {factor, factor, factor, 1.0};
+    double matrix[16];
+    double offset[4];
+    ocio::MatrixTransform::Scale(matrix, offset, scale);
+    auto transform = ocio::MatrixTransform::Create();
+    transform->setMatrix(matrix);
+    return transform;
+}
+
+/// One colour channel, or the luminance, on all three.
+ocio::ConstTransformRcPtr channelsOf(const ocio::Config& config, ChannelView view)
+{
+    std::array<int, 4> hot{0, 0, 0, 0};
+    if (view == ChannelView::Luminance)
+        hot = {1, 1, 1, 0};
+    else
+        hot[std::size_t(view) - std::size_t(ChannelView::Red)] = 1;
+    double luma[3];
+    config.getDefaultLumaCoefs(luma);
+    double matrix[16];
+    double offset[4];
+    ocio::MatrixTransform::View(matrix, offset, hot.data(), luma);
+    auto transform = ocio::MatrixTransform::Create();
+    transform->setMatrix(matrix);
+    transform->setOffset(offset);
+    return transform;
+}
+
+ocio::ConstTransformRcPtr gammaOf(double gamma)
+{
+    const double exponent = 1.0 / std::max(gamma, 0.01);
+    auto transform = ocio::ExponentTransform::Create();
+    transform->setValue({exponent, exponent, exponent, 1.0});
+    return transform;
+}
+
+unsigned char byteOf(float value)
+{
+    if (!(value > 0.0f)) // not-a-numbers too
+        return 0;
+    return value >= 1.0f ? 255 : static_cast<unsigned char>(value * 255.0f + 0.5f);
+}
+
+float finite(float value)
+{
+    return value == value ? std::clamp(value, -brightest, brightest) : 0.0f;
+}
+
+void alphaRow(const float* from, int width, unsigned char* to)
+{
+    for (int x = 0; x < width; ++x, from += 4, to += 4) {
+        to[0] = to[1] = to[2] = byteOf(from[3]);
+        to[3] = 255;
+    }
+}
+
+void colorRow(const ocio::ConstCPUProcessorRcPtr& processor, const float* from, int width,
+              bool keepAlpha, std::vector<float>& scratch, unsigned char* to)
+{
+    scratch.resize(std::size_t(width) * 4);
+    std::transform(from, from + std::ptrdiff_t(width) * 4, scratch.begin(), finite);
+    ocio::PackedImageDesc strip(scratch.data(), width, 1, 4);
+    processor->apply(strip);
+    for (std::size_t i = 0; i < scratch.size(); i += 4) {
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            to[i + channel] = byteOf(scratch[i + channel]);
+        to[i + 3] = keepAlpha ? byteOf(from[i + 3]) : 255;
+    }
+}
+
+} // namespace
+
+struct DisplayTransform::Config {
+    explicit Config(ocio::ConstConfigRcPtr loaded) : colors(std::move(loaded)) {}
+
+    ocio::ConstCPUProcessorRcPtr Processor(const DisplaySettings& settings) const
+    {
+        const std::scoped_lock lock(mutex);
+        if (last && lastSettings == settings)
+            return last;
+        last = Make(settings);
+        lastSettings = settings;
+        return last;
+    }
+
+    ocio::ConstCPUProcessorRcPtr Make(const DisplaySettings& settings) const
+    {
+        const std::string display = settings.display.isEmpty() ? colors->getDefaultDisplay()
+                                                               : settings.display.toStdString();
+        const std::string view = settings.view.isEmpty() ? colors->getDefaultView(display.c_str())
+                                                         : settings.view.toStdString();
+        auto toDisplay = ocio::DisplayViewTransform::Create();
+        toDisplay->setSrc(ocio::ROLE_SCENE_LINEAR);
+        toDisplay->setDisplay(display.c_str());
+        toDisplay->setView(view.c_str());
+        auto pipeline = ocio::LegacyViewingPipeline::Create();
+        pipeline->setDisplayViewTransform(toDisplay);
+        if (settings.exposure != 0.0)
+            pipeline->setLinearCC(exposureOf(settings.exposure));
+        if (settings.channels != ChannelView::Color)
+            pipeline->setChannelView(channelsOf(*colors, settings.channels));
+        if (settings.gamma != 1.0)
+            pipeline->setDisplayCC(gammaOf(settings.gamma));
+        return pipeline->getProcessor(colors)->getDefaultCPUProcessor();
+    }
+
+    ocio::ConstConfigRcPtr colors;
+    mutable std::mutex mutex;
+    mutable ocio::ConstCPUProcessorRcPtr last; // making one takes longer than a small picture
+    mutable DisplaySettings lastSettings;
+};
+
+DisplayTransform::DisplayTransform() : DisplayTransform(QString::fromLocal8Bit(qgetenv("OCIO"))) {}
+
+DisplayTransform::DisplayTransform(const QString& configFile)
+{
+    if (!configFile.isEmpty()) {
+        try {
+            auto colors = ocio::Config::CreateFromFile(configFile.toLocal8Bit().constData());
+            colors->validate();
+            auto users = std::make_shared<Config>(colors);
+            users->Make({}); // a configuration that cannot show anything is of no use
+            config_ = users;
+            return;
+        } catch (const std::exception& fault) {
+            problem_ = QString("The colour configuration %1 cannot be used: %2")
+                           .arg(configFile, QString::fromUtf8(fault.what()).simplified());
+        }
+    }
+    config_ = std::make_shared<Config>(BuiltInColorConfig());
+}
+
+QStringList DisplayTransform::Displays() const
+{
+    QStringList names;
+    for (int i = 0; i < config_->colors->getNumDisplays(); ++i)
+        names << config_->colors->getDisplay(i);
+    return names;
+}
+
+QStringList DisplayTransform::Views(const QString& display) const
+{
+    const std::string name =
+        display.isEmpty() ? config_->colors->getDefaultDisplay() : display.toStdString();
+    QStringList names;
+    for (int i = 0; i < config_->colors->getNumViews(name.c_str()); ++i)
+        names << config_->colors->getView(name.c_str(), i);
+    return names;
+}
+
+QImage DisplayTransform::Apply(const Image& image, const DisplaySettings& settings,
+                               const std::atomic<bool>* cancelled, QString* error) const
+{
+    if (image.IsEmpty() || image.GetFormat().dataWindow.IsEmpty())
+        return {};
+    QImage picture(image.Width(), image.Height(), QImage::Format_RGBA8888_Premultiplied);
+    if (picture.isNull()) {
+        if (error)
+            *error = "There is not enough memory to show the picture.";
+        return {};
+    }
+    try {
+        const bool isAlpha = settings.channels == ChannelView::Alpha;
+        const auto processor =
+            isAlpha ? ocio::ConstCPUProcessorRcPtr() : config_->Processor(settings);
+        const bool keepAlpha = settings.channels == ChannelView::Color;
+        unsigned char* bits = picture.bits(); // detached once, before the threads
+        const std::ptrdiff_t stride = picture.bytesPerLine();
+        RenderContext context;
+        context.ForRows(image.Height(), [&](int first, int last) {
+            std::vector<float> scratch;
+            for (int y = first; y < last; ++y) {
+                if (cancelled && *cancelled) {
+                    context.Cancel();
+                    return;
+                }
+                if (isAlpha)
+                    alphaRow(image.Row(y), image.Width(), bits + y * stride);
+                else
+                    colorRow(processor, image.Row(y), image.Width(), keepAlpha, scratch,
+                             bits + y * stride);
+            }
+        });
+        return context.IsCancelled() ? QImage() : picture;
+    } catch (const std::exception& fault) {
+        if (error)
+            *error = QString("The picture cannot be shown: %1")
+                         .arg(QString::fromUtf8(fault.what()).simplified());
+        return {};
+    }
+}
+
+} // namespace Marlox

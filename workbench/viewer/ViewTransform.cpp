@@ -1,0 +1,90 @@
+#include "workbench/viewer/ViewTransform.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Marlox {
+
+void ViewTransform::SetView(double width, double height)
+{
+    const QPointF grown((width - viewWidth_) / 2.0, (height - viewHeight_) / 2.0);
+    viewWidth_ = std::max(width, 1.0);
+    viewHeight_ = std::max(height, 1.0);
+    if (fitted_)
+        Fit();
+    else
+        Place(origin_ + grown);
+}
+
+void ViewTransform::SetImage(const MxRect& displayWindow, double pixelAspect)
+{
+    window_ = displayWindow.IsEmpty() ? MxRect(0, 0, 1, 1) : displayWindow;
+    pixelAspect_ = pixelAspect > 0.0 ? pixelAspect : 1.0;
+    if (fitted_)
+        Fit();
+}
+
+void ViewTransform::Fit()
+{
+    fitted_ = true;
+    const double across = viewWidth_ / (window_.Width() * pixelAspect_);
+    const double down = viewHeight_ / window_.Height();
+    zoom_ = std::clamp(std::min(across, down), minimumZoom, maximumZoom);
+    const QPointF middle((window_.left + window_.right) / 2.0 * zoom_ * pixelAspect_,
+                         (window_.top + window_.bottom) / 2.0 * zoom_);
+    Place(Middle() - middle);
+}
+
+void ViewTransform::ZoomTo(double zoom, QPointF anchor)
+{
+    const QPointF under = ToImage(anchor);
+    fitted_ = false;
+    zoom_ = std::clamp(zoom, minimumZoom, maximumZoom);
+    Place(anchor - QPointF(under.x() * zoom_ * pixelAspect_, under.y() * zoom_));
+}
+
+void ViewTransform::PanBy(QPointF distance)
+{
+    fitted_ = false;
+    Place(origin_ + distance);
+}
+
+void ViewTransform::Place(QPointF origin)
+{
+    origin_ = {std::round(origin.x()), std::round(origin.y())};
+}
+
+QPointF ViewTransform::ToView(QPointF image) const
+{
+    return origin_ + QPointF(image.x() * zoom_ * pixelAspect_, image.y() * zoom_);
+}
+
+QPointF ViewTransform::ToImage(QPointF view) const
+{
+    const QPointF from = view - origin_;
+    return {from.x() / (zoom_ * pixelAspect_), from.y() / zoom_};
+}
+
+QRectF ViewTransform::ToView(const MxRect& image) const
+{
+    return {ToView(QPointF(image.left, image.top)), ToView(QPointF(image.right, image.bottom))};
+}
+
+PreviewInfo ViewTransform::Info(double devicePixelRatio) const
+{
+    const QRectF frame = ToView(window_);
+    PreviewInfo info;
+    info.imageLeft = frame.left();
+    info.imageTop = frame.top();
+    info.imageWidth = frame.width();
+    info.imageHeight = frame.height();
+    info.pixelWidth = window_.Width();
+    info.pixelHeight = window_.Height();
+    info.pixelAspect = pixelAspect_;
+    info.view = {0, 0, int(viewWidth_), int(viewHeight_)};
+    info.controlScale = devicePixelRatio;
+    info.pickRadius = int(std::lround(6.0 * devicePixelRatio));
+    return info;
+}
+
+} // namespace Marlox
