@@ -45,6 +45,15 @@ void Watch(QWidget* child, QObject* watcher)
     }
 }
 
+/// Qt gives widgets with Qt::WheelFocus the focus before they get the event. Their policy is known
+/// once they are polished.
+void TakeWheelFocus(QObject* child)
+{
+    auto* widget = qobject_cast<QWidget*>(child);
+    if (widget && widget->focusPolicy() == Qt::WheelFocus)
+        widget->setFocusPolicy(Qt::StrongFocus);
+}
+
 } // namespace
 
 bool InputControl::event(QEvent* event)
@@ -59,6 +68,8 @@ void InputControl::childEvent(QChildEvent* event)
 {
     if (event->type() == QEvent::ChildAdded && event->child()->isWidgetType())
         Watch(static_cast<QWidget*>(event->child()), this);
+    else if (event->type() == QEvent::ChildPolished)
+        TakeWheelFocus(event->child());
     QWidget::childEvent(event);
 }
 
@@ -95,6 +106,9 @@ bool InputControl::eventFilter(QObject* watched, QEvent* event)
     case QEvent::ChildAdded:
         if (QObject* child = static_cast<QChildEvent*>(event)->child(); child->isWidgetType())
             Watch(static_cast<QWidget*>(child), this);
+        break;
+    case QEvent::ChildPolished:
+        TakeWheelFocus(static_cast<QChildEvent*>(event)->child());
         break;
     default:
         break;

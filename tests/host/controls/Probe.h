@@ -1,0 +1,86 @@
+#pragma once
+
+#include "system/controls/ControlWnd.h"
+#include "system/document/MarloxDoc.h"
+#include "system/viewer/PreviewControl.h"
+
+#include <functional>
+
+#include <QStringList>
+
+namespace Marlox {
+
+/// What a ProbeControl is to do; set before the page is opened.
+struct ProbeSettings {
+    QString refuseInput; // id that AddInput refuses
+    bool refuseOpen = false;
+    bool spin = false;            // opens with a focusable child
+    const char* layout = nullptr; // resource to load
+    std::string layoutText;       // or the description itself
+    int minimumHeight = 24;
+    int minimumWidth = 60;
+    int maximumWidth = 10000;
+};
+
+/// An inspector control that writes down what it is told.
+class ProbeControl : public InputControl {
+public:
+    using InputControl::InputControl;
+    ~ProbeControl() override;
+
+    static ProbeSettings settings;
+    static QStringList log;
+    static QStringList TakeLog() { return std::exchange(log, {}); }
+    static constexpr unsigned int OwnEntry = FirstOwnMenuId + 1;
+
+    double shown = 0.0; // last value notified
+    int displays = 0;
+    int sizesAsked = 0;
+    int sizesSet = 0;
+    QWidget* child = nullptr;
+    std::function<void()> onUpdate;
+
+    using InputControl::SetAttrsTagList;
+    std::size_t SizeOf() const override { return sizeof(*this); }
+    bool AttachInput(Operator* owner, const TagList& tags, Input*& input, u64 a, u64 b) override;
+    bool DetachInput(Input*& input) override;
+    bool SetAttrsTagList(Input* input, const TagList& tags) override;
+    bool AddInput(Input* input, TagList* tags) override;
+    bool RemoveInput(Input* input, TagList* tags) override;
+    bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
+    void Close(TagList* tags) override;
+    bool GetMinSize(int& width, int& height, TagList* tags) override;
+    bool GetMaxSize(int& width, int& height, TagList* tags) override;
+    bool SetSize(int& width, int& height, TagList* tags) override;
+    void NotifyChanged(Input* input, Parameter* value, TagList* tags) override;
+    void UpdateDisplay(Input* input, TagList* tags) override;
+    using InputControl::OnConnect;
+    using InputControl::OnDisconnect;
+    void OnConnect(Input* input, TagList* tags) override;
+    void OnDisconnect(Input* input, TagList* tags) override;
+    void AddToMenu(Menu* menu, TagList& tags) override;
+    using InputControl::HandleMenu;
+    bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
+};
+
+/// Adds the inputs of every ProbeTool that is made from then on.
+using ProbeInputs = std::function<void(Operator& tool)>;
+void SetProbeInputs(ProbeInputs inputs);
+/// Attributes of an input shown by a ProbeControl, and more.
+TagList ProbeAttributes(const char* name, std::initializer_list<TagPair> more = {});
+/// A tool of the document whose inputs are Number "a", "b", ... each with a ProbeControl of its
+/// own.
+Operator* AddProbeTool(MarloxDoc& document, int numbers);
+/// The control of an input on a page.
+ProbeControl* ProbeOf(const ControlWnd& page, const char* inputID);
+
+/// An overlay that writes down what it is told.
+class ProbeOverlay : public PreviewControl {
+public:
+    using PreviewControl::PreviewControl;
+    QStringList log;
+    void NotifyChanged(Input* input, Parameter* value, TagList* tags) override;
+    void UpdateDisplay(Input* input, TagList* tags) override;
+};
+
+} // namespace Marlox
