@@ -134,7 +134,22 @@ void LuaState::OnCount(lua_State* state, lua_Debug*)
 bool LuaState::Call(lua_State* thread, int arguments, const Limits& limits, int handler)
 {
     const Run run(*this, thread, limits);
-    return lua_pcall(thread, arguments, LUA_MULTRET, handler) == 0;
+    const int base = lua_gettop(thread) - arguments - 1;
+    // Runs within runs may each be too short to be looked at while they go on without end.
+    const char* reason = Exceeded();
+    if (!reason) {
+        if (lua_pcall(thread, arguments, LUA_MULTRET, handler) != 0)
+            return false;
+        // What was stopped further in must not pass as a result out here.
+        if (!stopped_)
+            return true;
+        reason = Exceeded();
+    }
+    stopped_ = true;
+    enforced_ = false;
+    lua_settop(thread, base);
+    lua_pushstring(thread, reason);
+    return false;
 }
 
 bool LuaState::Load(lua_State* thread, const std::string& text, const std::string& chunkName,
