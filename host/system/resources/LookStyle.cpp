@@ -8,7 +8,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPushButton>
 #include <QStyleOption>
 #include <QTabBar>
 #include <QToolTip>
@@ -66,6 +65,7 @@ constexpr Metric metrics[] = {
     {QStyle::PM_ButtonShiftHorizontal, 0},
     {QStyle::PM_ButtonShiftVertical, 0},
     {QStyle::PM_ButtonIconSize, 16},
+    {QStyle::PM_MessageBoxIconSize, 32},
     {QStyle::PM_SmallIconSize, 16},
     {QStyle::PM_ToolBarIconSize, 16},
     {QStyle::PM_ListViewIconSize, 16},
@@ -256,6 +256,8 @@ void LookStyle::polish(QWidget* widget)
     if (qobject_cast<QTabBar*>(widget) || qobject_cast<QLineEdit*>(widget) ||
         qobject_cast<QAbstractSpinBox*>(widget)) {
         widget->setAttribute(Qt::WA_Hover);
+    } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+        LookPaint::UseRoomyRows(*combo);
     }
 }
 

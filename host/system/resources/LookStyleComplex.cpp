@@ -1,7 +1,9 @@
 #include "system/resources/LookStyle_p.h"
 
+#include <QComboBox>
 #include <QPainter>
 #include <QStyleOption>
+#include <QStyledItemDelegate>
 
 namespace Marlox {
 
@@ -52,6 +54,36 @@ QRect ScrollPart(const QStyleOptionSlider& bar, QStyle::SubControl part, int sho
     }
 }
 
+/// Qt's own delegate for these lists packs the rows as tight as the font allows.
+class ComboRows : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return IsSeparator(index) ? QSize(size.width(), 9) : size;
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override
+    {
+        if (IsSeparator(index)) {
+            painter->fillRect(option.rect.left() + 4, option.rect.center().y(),
+                              option.rect.width() - 8, 1, option.palette.color(QPalette::Mid));
+        } else {
+            QStyledItemDelegate::paint(painter, option, index);
+        }
+    }
+
+private:
+    /// As QComboBox::insertSeparator marks it.
+    static bool IsSeparator(const QModelIndex& index)
+    {
+        return index.data(Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+    }
+};
+
 /// A group box is a title over a line, and what is below; no frame around it.
 QRect GroupBoxPart(const QRect& rect, QStyle::SubControl part, bool titled, bool checkable)
 {
@@ -70,6 +102,14 @@ QRect GroupBoxPart(const QRect& rect, QStyle::SubControl part, bool titled, bool
 }
 
 } // namespace
+
+void LookPaint::UseRoomyRows(QComboBox& combo)
+{
+    const QAbstractItemDelegate* present = combo.itemDelegate();
+    if (present && present->inherits("QComboBoxDelegate")) {
+        combo.setItemDelegate(new ComboRows(&combo));
+    }
+}
 
 QRect LookStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
                                 SubControl subControl, const QWidget* widget) const

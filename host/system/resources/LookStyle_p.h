@@ -5,6 +5,7 @@
 #include <QPalette>
 #include <QProxyStyle>
 
+class QComboBox;
 class QStyleOptionButton;
 class QStyleOptionHeader;
 class QStyleOptionMenuItem;
@@ -106,6 +107,8 @@ void Line(QPainter& painter, const QRect& rect, Qt::Edge edge, const QColor& col
 /// A small triangle in the middle of `rect` that points up, down, left or right.
 void Arrow(QPainter& painter, const QRect& rect, Qt::ArrowType direction, const QColor& color);
 void Tick(QPainter& painter, const QRect& rect, const QColor& color);
+/// Gives the list of a combo box rows as high as other lists', unless it has a delegate of its own.
+void UseRoomyRows(QComboBox& combo);
 
 } // namespace LookPaint
 
