@@ -22,6 +22,8 @@ public:
     bool RunFile(const QString& path, const QStringList& arguments, QString* error);
     /// One line or block; an expression's value is printed.
     bool RunText(const QString& text, QString* error);
+    /// The status that the last file ended with: its own (os.exit), or 0 or 1.
+    int ExitCode() const { return exitCode_; }
     bool IsRunning() const;
     /// Ends the running script with an error at its next instruction.
     void Interrupt();
@@ -33,6 +35,7 @@ signals:
 private:
     class Private;
     std::unique_ptr<Private> d_;
+    int exitCode_ = 0;
 };
 
 } // namespace Marlox

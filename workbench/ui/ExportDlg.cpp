@@ -124,14 +124,14 @@ void ExportDlg::Start()
 bool ExportDlg::RenderFrame(int frame, QString* error)
 {
     const std::unique_ptr<RenderJob> job = RenderJob::Take(session_.Document(), double(frame), 1.0);
-    const QString path = Sequence::FramePath(pattern_->text().trimmed(), frame);
+    const QString path = Sequence::FromPattern(pattern_->text().trimmed()).FramePath(frame);
     auto done = std::async(std::launch::async, [&job, &path, error] {
         const RenderResult result = job->Run();
         if (!result.image) {
             *error = result.error;
             return false;
         }
-        return WriteImage(path, *result.image, error);
+        return WriteImage(*result.image, path, error);
     });
     while (done.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready) {
         QCoreApplication::processEvents();

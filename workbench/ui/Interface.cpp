@@ -17,6 +17,7 @@ int RunInterface(QApplication& application, const InterfaceOptions& options)
     ApplyLook(application);
     application.setWindowIcon(WorkbenchIcon("Application"));
     MainWindow window;
+    window.GetSession().SetPlugins(options.plugins);
     window.show();
     if (options.script.isEmpty()) {
         QTimer::singleShot(0, &window, [&window, &options] {
@@ -41,6 +42,8 @@ int RunInterface(QApplication& application, const InterfaceOptions& options)
         } else if (!window.Scripts().RunFile(options.script, options.scriptArguments, &error)) {
             std::fprintf(stderr, "%s\n", qUtf8Printable(error));
             status = 1;
+        } else {
+            status = window.Scripts().ExitCode();
         }
         application.exit(status);
     });

@@ -10,6 +10,7 @@
 #include "workbench/ui/PreferencesDlg.h"
 #include "workbench/ui/TimelinePanel.h"
 #include "workbench/ui/ToolPanel.h"
+#include "workbench/ui/ViewerBar.h"
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <QApplication>
@@ -55,6 +56,14 @@ MainWindow::MainWindow(QWidget* parent)
         statusBar()->showMessage(text, 10000);
         console_->Append(text, true);
     });
+    connect(&document, &MarloxDoc::Cleared, this, [this, &document] {
+        for (const QString& note : document.LoadNotes())
+            console_->Append(note);
+        if (!document.LoadNotes().isEmpty())
+            statusBar()->showMessage(document.LoadNotes().join(' '), 10000);
+    });
+    connect(&document, &MarloxDoc::AutosaveFailed, this,
+            [this](const QString& error) { statusBar()->showMessage(error, 10000); });
     ShowTitle();
 
     const Preferences& preferences = MarloxDoc::GetPreferences();
@@ -77,6 +86,7 @@ void MainWindow::BuildDocks()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(viewer_, 1);
+    layout->addWidget(new ViewerBar(*viewer_));
     layout->addWidget(timeline_);
     setCentralWidget(middle);
 
@@ -181,9 +191,7 @@ void MainWindow::OfferRecovery()
         return;
     }
     QString error;
-    if (session_.Recover(files.first(), &error))
-        QFile::remove(files.first());
-    else
+    if (!session_.Recover(files.first(), &error))
         ShowError(this, error);
 }
 

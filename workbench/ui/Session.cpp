@@ -137,7 +137,7 @@ Operator* Session::DuplicateTool(Operator& tool, QString* error)
     if (copy) {
         for (const Ref<Input>& input : tool.Inputs()) {
             if (Input* other = copy->FindInput(input->GetID()))
-                other->ChangeState(input->GetState());
+                other->RestoreInputState(input->GetState());
         }
     }
     document_->EndUndo(copy != nullptr);

@@ -11,6 +11,8 @@
 
 namespace Marlox {
 
+class PluginHost;
+
 /// What the workbench works on: the one open document, the selected tool, and what menus, scripts
 /// and the command line do with them, without any dialog. Errors come back as text. User-interface
 /// thread.
@@ -49,6 +51,10 @@ public:
     void Play(bool on);
     bool IsPlaying() const { return playTimer_ != 0; }
 
+    /// The process's plug-ins, for scripts; null: none. Not owned.
+    PluginHost* Plugins() const { return plugins_; }
+    void SetPlugins(PluginHost* plugins) { plugins_ = plugins; }
+
     QStringList RecentFiles() const;
     void AddRecentFile(const QString& path);
 
@@ -65,6 +71,7 @@ private:
 
     std::unique_ptr<MarloxDoc> document_;
     Operator* selected_ = nullptr;
+    PluginHost* plugins_ = nullptr;
     int playTimer_ = 0;
     double playStart_ = 0.0; // frame at which playing began
     class Clock;

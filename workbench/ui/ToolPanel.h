@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+class QMenu;
 class QTreeView;
 
 namespace Marlox {
@@ -17,7 +18,7 @@ public:
     explicit ToolPanel(Session& session, QWidget* parent = nullptr);
 
     /// Fills a menu with one entry for each registered tool class.
-    static void FillAddMenu(class QMenu& menu, Session& session, QWidget* messageParent);
+    static void FillAddMenu(QMenu& menu, Session& session, QWidget* messageParent);
 
 public slots:
     void RemoveSelected();

@@ -1,0 +1,157 @@
+// Controls of the inspector, and the log of what they wrote.
+
+#include "system/controls/ControlWnd.h"
+#include "workbench/scripting/Bindings.h"
+#include "workbench/scripting/ScriptLog.h"
+#include "workbench/ui/InspectorPanel.h"
+#include "workbench/ui/MainWindow.h"
+
+#include <QCoreApplication>
+
+namespace Marlox {
+
+namespace {
+
+InputControl* findControl(ScriptContext& context, const QString& name)
+{
+    context.window.Inspector().Page().RecalcSizes();
+    QCoreApplication::processEvents(); // rows that are placed later
+    for (const Ref<InputControl>& control : context.window.Inspector().Page().Controls()) {
+        const ReadLock lock(control->InputsLock());
+        for (const Input* input : control->Inputs()) {
+            if (input->GetID().ToString() == name || input->GetName() == name)
+                return control.Get();
+        }
+    }
+    return nullptr;
+}
+
+QString plainText(QString text)
+{
+    return text.remove('&');
+}
+
+ScriptVal menuTable(const std::vector<Menu::Entry>& entries)
+{
+    ScriptVal list = ScriptVal::MakeTable();
+    for (const Menu::Entry& entry : entries) {
+        ScriptVal row = ScriptVal::MakeTable();
+        row.Set("text", plainText(entry.text).toStdString());
+        row.Set("id", int(entry.id));
+        row.Set("enabled", entry.enabled);
+        row.Set("checked", entry.checked);
+        if (!entry.children.empty())
+            row.Set("children", menuTable(entry.children));
+        list.Append(row);
+    }
+    return list;
+}
+
+const Menu::Entry* findEntry(const std::vector<Menu::Entry>& entries, const QString& path)
+{
+    for (const Menu::Entry& entry : entries) {
+        const QString text = plainText(entry.text);
+        if (text == path && !text.isEmpty() && entry.children.empty())
+            return &entry;
+        if (!entry.children.empty() && path.startsWith(text + '/')) {
+            if (const Menu::Entry* found = findEntry(entry.children, path.mid(text.size() + 1)))
+                return found;
+        }
+    }
+    return nullptr;
+}
+
+void runEntry(ScriptContext& context, ScriptCall& call)
+{
+    InputControl& control = call.Self<InputControl>();
+    Menu menu;
+    control.BuildMenu(menu);
+    const QString path = call.String(1);
+    const Menu::Entry* entry = findEntry(menu.Entries(), path);
+    if (!entry)
+        throw ScriptError(QString("the menu has no entry \"%1\"").arg(path));
+    if (!entry->enabled)
+        throw ScriptError(QString("the menu entry \"%1\" is disabled").arg(path));
+    u64 data = 0;
+    TagList tags;
+    static_cast<Object&>(control).HandleMenu(entry->id, &data, tags);
+    RunEvents(context, 0.0);
+}
+
+void listLayout(const LayoutObj* object, ScriptVal& names)
+{
+    if (!object)
+        return;
+    if (!object->Name().IsEmpty())
+        names.Append(object->Name().c_str());
+    for (const LayoutObj* child : object->Children())
+        listLayout(child, names);
+}
+
+QWidget* layoutWidget(const InputControl& control, const MxID& name)
+{
+    const LayoutObj* object = control.FindLayoutObj(name);
+    if (!object)
+        throw ScriptError(std::string("the layout has no object \"") + name.c_str() + "\"");
+    return object->Widget();
+}
+
+void addControlClass(ScriptContext& context)
+{
+    ScriptClass& control = context.engine.AddClass<InputControl>("Control", "Widget");
+    control.Method("class", [](ScriptCall& call) {
+        call.Return(call.Self<InputControl>().GetRegistry()->ClassID().ToString());
+    });
+    control.Method("widget", [](ScriptCall& call) {
+        call.ReturnObject(layoutWidget(call.Self<InputControl>(), MxID(call.Text(1).c_str())));
+    });
+    control.Method("layout", [](ScriptCall& call) {
+        ScriptVal names = ScriptVal::MakeTable();
+        listLayout(call.Self<InputControl>().GetLayout(), names);
+        call.Return(names);
+    });
+    control.Method("inputs", [](ScriptCall& call) {
+        const InputControl& self = call.Self<InputControl>();
+        const ReadLock lock(self.InputsLock());
+        call.ReturnObjects(self.Inputs());
+    });
+    control.Method("menu", [](ScriptCall& call) {
+        Menu menu;
+        call.Self<InputControl>().BuildMenu(menu);
+        call.Return(menuTable(menu.Entries()));
+    });
+    control.Method("run", [&context](ScriptCall& call) { runEntry(context, call); });
+    control.Method("fault",
+                   [](ScriptCall& call) { call.Return(call.Self<InputControl>().Fault()); });
+}
+
+} // namespace
+
+void AddControlBindings(ScriptContext& context)
+{
+    addControlClass(context);
+    context.engine.AddFunction("control", [&context](ScriptCall& call) {
+        InputControl* found = call.IsText(1)
+                                  ? findControl(context, call.String(1))
+                                  : findControl(context, call.Object<Input>(1).GetID().ToString());
+        call.ReturnObject(found);
+    });
+    context.engine.AddFunction("controls", [&context](ScriptCall& call) {
+        std::vector<InputControl*> list;
+        for (const Ref<InputControl>& control : context.window.Inspector().Page().Controls())
+            list.push_back(control.Get());
+        call.ReturnObjects(list);
+    });
+    ScriptLog& log = context.log;
+    context.engine.AddFunction("log.values",
+                               [&log](ScriptCall& call) { call.Return(log.Values()); });
+    context.engine.AddFunction("log.undo", [&log](ScriptCall& call) {
+        ScriptVal list = ScriptVal::MakeTable();
+        for (const QString& text : log.UndoTexts())
+            list.Append(text.toStdString());
+        call.Return(list);
+    });
+    context.engine.AddFunction("log.clear", [&log](ScriptCall&) { log.Clear(); });
+}
+
+} // namespace Marlox

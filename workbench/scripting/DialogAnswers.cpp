@@ -1,0 +1,77 @@
+#include "workbench/scripting/DialogAnswers.h"
+
+#include "script/ScriptEngine.h"
+
+#include <QApplication>
+#include <QDialog>
+
+namespace Marlox {
+
+namespace {
+
+constexpr int interval = 20; // milliseconds
+
+} // namespace
+
+DialogAnswers::DialogAnswers()
+{
+    timer_.setInterval(interval);
+    connect(&timer_, &QTimer::timeout, this, &DialogAnswers::Look);
+}
+
+void DialogAnswers::Queue(ScriptFunction answer)
+{
+    answers_.push_back(std::move(answer));
+}
+
+void DialogAnswers::Start()
+{
+    answers_.clear();
+    problem_.clear();
+    timer_.start();
+}
+
+void DialogAnswers::Stop()
+{
+    timer_.stop();
+    answers_.clear();
+}
+
+QString DialogAnswers::TakeProblem()
+{
+    return std::exchange(problem_, {});
+}
+
+void DialogAnswers::Look()
+{
+    QWidget* dialog = QApplication::activePopupWidget();
+    if (!dialog)
+        dialog = QApplication::activeModalWidget();
+    if (!dialog || dialog == seen_ || !dialog->isVisible())
+        return;
+    const QPointer<QWidget> alive(dialog);
+    const QPointer<QWidget> outer = seen_;
+    seen_ = dialog;
+    if (answers_.empty()) {
+        problem_ = tr("nobody answered the dialog \"%1\"").arg(dialog->windowTitle());
+    } else {
+        const ScriptFunction answer = std::move(answers_.front());
+        answers_.pop_front();
+        const QPointer<QWidget> before = std::exchange(current_, dialog);
+        const ScriptResult result = answer();
+        current_ = before;
+        if (!result.ok)
+            problem_ = result.Error();
+    }
+    // Whatever happened, the script must come out of the dialog again.
+    if (alive && alive->isVisible() && !problem_.isEmpty()) {
+        if (auto* modal = qobject_cast<QDialog*>(alive.data()))
+            modal->reject();
+        else
+            alive->close();
+    }
+    if (!alive || !alive->isVisible())
+        seen_ = outer;
+}
+
+} // namespace Marlox

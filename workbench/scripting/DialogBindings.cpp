@@ -1,0 +1,115 @@
+// Answers to modal dialogs.
+
+#include "workbench/scripting/Bindings.h"
+#include "workbench/scripting/DialogAnswers.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSpinBox>
+
+namespace Marlox {
+
+namespace {
+
+bool isField(const QWidget& widget)
+{
+    return !widget.objectName().isEmpty() && !widget.objectName().startsWith("qt_") &&
+           (qobject_cast<const QLineEdit*>(&widget) || qobject_cast<const QComboBox*>(&widget) ||
+            qobject_cast<const QAbstractSpinBox*>(&widget) ||
+            (qobject_cast<const QAbstractButton*>(&widget) &&
+             static_cast<const QAbstractButton&>(widget).isCheckable()));
+}
+
+QString textOf(const QDialog& dialog)
+{
+    if (const auto* box = qobject_cast<const QMessageBox*>(&dialog))
+        return (box->text() + ' ' + box->informativeText()).trimmed();
+    QStringList texts;
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        texts.append(label->text());
+    return texts.join('\n');
+}
+
+/// Sets a field as a user would: what listens to edits hears of it.
+void fill(QWidget& field, const ScriptVal& value)
+{
+    const QString text = value.IsNumber() ? QString::number(value.ToNumber(), 'g', 17)
+                                          : QString::fromStdString(value.ToString());
+    if (auto* edit = qobject_cast<QLineEdit*>(&field)) {
+        edit->setText(text);
+        emit edit->textEdited(text);
+    } else if (auto* combo = qobject_cast<QComboBox*>(&field)) {
+        const int index = value.IsNumber() ? int(value.ToNumber()) - 1 : combo->findText(text);
+        if (index < 0 || index >= combo->count())
+            throw ScriptError(QString("\"%1\" has no choice \"%2\"").arg(field.objectName(), text));
+        combo->setCurrentIndex(index);
+        emit combo->activated(index);
+    } else if (auto* spin = qobject_cast<QSpinBox*>(&field)) {
+        spin->setValue(int(value.ToNumber()));
+    } else if (auto* real = qobject_cast<QDoubleSpinBox*>(&field)) {
+        real->setValue(value.ToNumber());
+    } else if (auto* button = qobject_cast<QAbstractButton*>(&field)) {
+        if (button->isChecked() != value.ToBool())
+            button->click();
+    }
+}
+
+void addDialogClass(ScriptContext& context)
+{
+    ScriptClass& dialog = context.engine.AddClass<QDialog>("Dialog", "Widget");
+    dialog.Method("text", [](ScriptCall& call) { call.Return(textOf(call.Self<QDialog>())); });
+    dialog.Method("title",
+                  [](ScriptCall& call) { call.Return(call.Self<QDialog>().windowTitle()); });
+    dialog.Method("fields", [](ScriptCall& call) {
+        ScriptVal names = ScriptVal::MakeTable();
+        for (const QWidget* child : call.Self<QDialog>().findChildren<QWidget*>()) {
+            if (isField(*child))
+                names.Append(child->objectName().toStdString());
+        }
+        call.Return(names);
+    });
+    dialog.Method("fill", [](ScriptCall& call) {
+        QDialog& self = call.Self<QDialog>();
+        const QString name = call.String(1);
+        if (auto* files = qobject_cast<QFileDialog*>(&self); files && name == "file")
+            return files->selectFile(call.String(2));
+        QWidget* field = self.findChild<QWidget*>(name);
+        if (!field)
+            throw ScriptError(QString("the dialog has no field \"%1\"").arg(name));
+        fill(*field, call.Value(2));
+    });
+    dialog.Method("accept", [](ScriptCall& call) { call.Self<QDialog>().accept(); });
+    dialog.Method("cancel", [](ScriptCall& call) { call.Self<QDialog>().reject(); });
+    dialog.Method("press", [](ScriptCall& call) {
+        const QString text = call.String(1);
+        for (QAbstractButton* button : call.Self<QDialog>().findChildren<QAbstractButton*>()) {
+            if (button->text().remove('&') == text)
+                return button->click();
+        }
+        throw ScriptError(QString("the dialog has no button \"%1\"").arg(text));
+    });
+}
+
+} // namespace
+
+void AddDialogBindings(ScriptContext& context)
+{
+    addDialogClass(context);
+    context.engine.AddFunction(
+        "dialogs.queue", [&context](ScriptCall& call) { context.answers.Queue(call.Function(1)); });
+    context.engine.AddFunction("dialogs.current", [&context](ScriptCall& call) {
+        call.ReturnObject(context.answers.Current());
+    });
+    context.engine.RunText("function answer(run)\n"
+                           "  dialogs.queue(function() run(dialogs.current()) end)\n"
+                           "end",
+                           "answer");
+}
+
+} // namespace Marlox

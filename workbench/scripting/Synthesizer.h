@@ -1,0 +1,49 @@
+#pragma once
+
+#include <optional>
+
+#include <QEvent>
+#include <QPointF>
+#include <QPointer>
+#include <QString>
+#include <Qt>
+
+class QWidget;
+
+namespace Marlox {
+
+/// Makes mouse, wheel and key events that take the way real ones do: through the window, with
+/// grabs, focus, shortcuts and modal dialogs. Positions are device-independent pixels of the
+/// widget. Throws ScriptError for a widget that cannot get the event (hidden, behind a modal
+/// dialog).
+class Synthesizer {
+public:
+    void Press(QWidget& widget, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers held);
+    void Move(QWidget& widget, QPointF at, Qt::KeyboardModifiers held);
+    void Release(QWidget& widget, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers held);
+    void DoubleClick(QWidget& widget, QPointF at, Qt::MouseButton button,
+                     Qt::KeyboardModifiers held);
+    /// `steps` of 15 degrees, upwards positive; fractions as touchpads send them.
+    void Wheel(QWidget& widget, QPointF at, double steps, Qt::KeyboardModifiers held);
+    enum class KeyAction { Click, Press, Release };
+    /// To the widget with the keyboard focus in `widget`'s window.
+    void Key(QWidget& widget, int key, const QString& text, Qt::KeyboardModifiers held,
+             KeyAction action);
+    void Type(QWidget& widget, const QString& text);
+
+    /// A key by name ("Left", "A", "Ctrl"); nothing if there is none of that name.
+    static std::optional<int> KeyOf(const QString& name);
+    /// Releases buttons that a failed script left pressed.
+    void Reset();
+
+private:
+    void Mouse(QWidget& widget, QPointF at, Qt::MouseButton button, QEvent::Type type,
+               Qt::KeyboardModifiers held);
+
+    Qt::MouseButtons buttons_;
+    QPointer<QWidget> lastWidget_;
+    QPointF lastAt_;
+    int timestamp_ = 1000; // milliseconds
+};
+
+} // namespace Marlox
