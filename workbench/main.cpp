@@ -1,5 +1,6 @@
 // The workbench's program: what the command line asks for, with or without a window.
 
+#include "script/ScriptSystem.h"
 #include "workbench/cli/BatchRender.h"
 #include "workbench/cli/Listing.h"
 #include "workbench/cli/Options.h"
@@ -132,6 +133,9 @@ int main(int argc, char** argv)
                         Failed);
     const auto application = makeApplication(argc, argv, options->action);
     std::setlocale(LC_NUMERIC, "C"); // files and scripts are the same everywhere
+    InstallScripting();
     RegisterTools();
-    return run(*application, *options);
+    const int status = run(*application, *options);
+    UninstallScripting();
+    return status;
 }

@@ -10,7 +10,7 @@ namespace {
 
 namespace ocio = OCIO_NAMESPACE;
 
-constexpr char linearName[] = "scene_linear";
+constexpr char linearName[] = "Linear Rec.709";
 constexpr char srgbName[] = "sRGB";
 constexpr char filmLogName[] = "film_log";
 
