@@ -6,11 +6,11 @@
 #include "system/widgets/MxLineEdit.h"
 #include "system/widgets/TimeCodeEdit.h"
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 
 #include <QCoreApplication>
-#include <QHBoxLayout>
 
 namespace Marlox {
 
@@ -25,7 +25,7 @@ QString tr(const char* text)
 TimeCodeEdit* MakeNumberEdit(GenericInputControl& control,
                              std::function<void(TimeCodeEdit&)> commit)
 {
-    auto* edit = new TimeCodeEdit;
+    auto* edit = new TimeCodeEdit(&control);
     QObject::connect(edit, &TimeCodeEdit::editingFinished, edit,
                      [edit, commit = std::move(commit)] { commit(*edit); });
     QObject::connect(edit, &TimeCodeEdit::StartDrag, &control, &InputControl::OnEditStartDrag);
@@ -38,7 +38,7 @@ public:
     NumberEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
         edit_ = MakeNumberEdit(control, [this](TimeCodeEdit& edit) { OnEdited(edit); });
-        Append(edit_, "edit");
+        Append("edit", edit_);
     }
 
     void ReadAttributes() override
@@ -75,8 +75,8 @@ public:
         y_ = MakeNumberEdit(control, edited);
         x_->setAccessibleName(input.GetName() + " X");
         y_->setAccessibleName(input.GetName() + " Y");
-        Append(x_, "edit");
-        Append(y_, "edity");
+        Append("edit", x_);
+        Append("edity", y_);
     }
 
     void ReadAttributes() override
@@ -113,10 +113,10 @@ class TextEditor final : public GenericEditor {
 public:
     TextEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
-        edit_ = new MxLineEdit;
-        connect(edit_, &MxLineEdit::Committed, this,
-                [this](const QString& text) { Send(MakeRef<Text>(text.toStdString())); });
-        Append(edit_, "edit");
+        edit_ = new MxLineEdit(&control);
+        QObject::connect(edit_, &MxLineEdit::Committed, edit_,
+                         [this](const QString& text) { Send(MakeRef<Text>(text.toStdString())); });
+        Append("edit", edit_);
     }
 
     void ReadAttributes() override { ApplyReadOnly(); }
@@ -148,11 +148,11 @@ class CheckEditor final : public GenericEditor {
 public:
     CheckEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
-        box_ = new CustomCheckBox;
+        box_ = new CustomCheckBox(&control);
         box_->setAccessibleName(input.GetName());
-        connect(box_, &QCheckBox::clicked, this,
-                [this](bool on) { Send(MakeRef<Number>(on ? 1.0 : 0.0)); });
-        Append(box_, "check");
+        QObject::connect(box_, &QCheckBox::clicked, box_,
+                         [this](bool on) { Send(MakeRef<Number>(on ? 1.0 : 0.0)); });
+        Append("checkbox", box_);
     }
 
     void ShowValue(const Parameter& value) override { box_->setChecked(NumberOf(&value) != 0.0); }
@@ -162,14 +162,14 @@ private:
 };
 
 template <class Editor>
-GenericEditor* MakeA(GenericInputControl& control, Input& input)
+std::unique_ptr<GenericEditor> MakeA(GenericInputControl& control, Input& input)
 {
-    return new Editor(control, input);
+    return std::make_unique<Editor>(control, input);
 }
 
 constexpr struct {
     const char* dataType;
-    GenericEditor* (*make)(GenericInputControl&, Input&);
+    std::unique_ptr<GenericEditor> (*make)(GenericInputControl&, Input&);
 } editors[] = {
     {CLSID_DataType_Number, MakeA<NumberEditor>},
     {CLSID_DataType_Point, MakeA<PointEditor>},
@@ -178,15 +178,20 @@ constexpr struct {
 
 } // namespace
 
-GenericEditor::GenericEditor(GenericInputControl& control, Input& input)
-    : QWidget(&control), control_(control), input_(input)
+GenericEditor::~GenericEditor()
 {
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(4);
+    for (const Part& part : parts_)
+        delete part.widget;
 }
 
-GenericEditor* GenericEditor::Make(GenericInputControl& control, Input& input)
+bool GenericEditor::Has(const QWidget* widget) const
+{
+    return std::any_of(parts_.begin(), parts_.end(), [widget](const Part& part) {
+        return part.widget == widget || (widget && part.widget->isAncestorOf(widget));
+    });
+}
+
+std::unique_ptr<GenericEditor> GenericEditor::Make(GenericInputControl& control, Input& input)
 {
     for (const auto& editor : editors) {
         if (input.GetDataType() == MxID(editor.dataType))
@@ -195,17 +200,16 @@ GenericEditor* GenericEditor::Make(GenericInputControl& control, Input& input)
     return nullptr;
 }
 
-GenericEditor* GenericEditor::MakeCheckBox(GenericInputControl& control, Input& input)
+std::unique_ptr<GenericEditor> GenericEditor::MakeCheckBox(GenericInputControl& control,
+                                                           Input& input)
 {
-    return new CheckEditor(control, input);
+    return std::make_unique<CheckEditor>(control, input);
 }
 
-void GenericEditor::Append(QWidget* widget, const char* name)
+void GenericEditor::Append(const char* name, QWidget* widget)
 {
     widget->setObjectName(name);
-    layout()->addWidget(widget);
-    if (!focusProxy())
-        setFocusProxy(widget);
+    parts_.push_back({name, widget});
 }
 
 bool GenericEditor::Flag(u32 tag) const
@@ -215,7 +219,7 @@ bool GenericEditor::Flag(u32 tag) const
 
 void GenericEditor::Send(const Ref<Parameter>& value)
 {
-    control_.SendValue(input_, *value); // may end this editor's life
+    control_.SendValue(input_, *value);
 }
 
 } // namespace Marlox

@@ -2,36 +2,54 @@
 
 #include "system/values/Input.h"
 
+#include <memory>
+#include <vector>
+
 #include <QWidget>
 
 namespace Marlox {
 
 class GenericInputControl;
-class TimeCodeEdit;
 
-/// The widgets with which a GenericInputControl shows and edits one input.
-class GenericEditor : public QWidget {
+/// The widgets with which a GenericInputControl shows and edits one input. They are children of the
+/// control, made and deleted with this object.
+class GenericEditor {
 public:
-    GenericEditor(GenericInputControl& control, Input& input);
+    /// A widget and its name in the row's layout, by which scripts find it.
+    struct Part {
+        const char* name;
+        QWidget* widget;
+    };
 
+    GenericEditor(GenericInputControl& control, Input& input) : control_(control), input_(input) {}
+    virtual ~GenericEditor();
+    GenericEditor(const GenericEditor&) = delete;
+    GenericEditor& operator=(const GenericEditor&) = delete;
+
+    const std::vector<Part>& Parts() const { return parts_; }
+    bool Has(const QWidget* widget) const;
     /// Fits the widgets to the attributes of the input: bounds, whole numbers, times.
     virtual void ReadAttributes() {}
     virtual void ShowValue(const Parameter& value) = 0;
 
     /// The editor for the input's kind of value; null for kinds that have none.
-    static GenericEditor* Make(GenericInputControl& control, Input& input);
+    static std::unique_ptr<GenericEditor> Make(GenericInputControl& control, Input& input);
     /// A check box for a number: 0 is off, anything else on.
-    static GenericEditor* MakeCheckBox(GenericInputControl& control, Input& input);
+    static std::unique_ptr<GenericEditor> MakeCheckBox(GenericInputControl& control, Input& input);
 
 protected:
-    /// Appends a widget named `name` (so that scripts find it) to the row.
-    void Append(QWidget* widget, const char* name);
+    /// Appends a widget, from the left.
+    void Append(const char* name, QWidget* widget);
+    /// Writes what the user entered; may end this object's life.
     void Send(const Ref<Parameter>& value);
     /// A flag of the control, else of the input's own attributes.
     bool Flag(u32 tag) const;
 
     GenericInputControl& control_;
     Input& input_;
+
+private:
+    std::vector<Part> parts_;
 };
 
 } // namespace Marlox

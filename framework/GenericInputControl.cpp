@@ -2,13 +2,51 @@
 
 #include "framework/GenericOperations.h"
 #include "framework/UndoScope.h"
+#include "system/controls/Layout.h"
+#include "system/widgets/Container.h"
 #include "system/widgets/ElideLabel.h"
 
-#include <QGridLayout>
+#include <string>
 
 namespace Marlox {
 
 namespace {
+
+// Pixels; as the look's layouts have them, so that rows of all kinds stand in line.
+constexpr int rowSpacing = 2;
+constexpr int rowHeight = 24;
+constexpr int labelWidth = 110;
+
+ScriptVal Item(const std::string& name)
+{
+    ScriptVal item = ScriptVal::MakeTable();
+    item.Append("Item");
+    item.Set("name", name);
+    item.Set("minheight", rowHeight);
+    return item;
+}
+
+/// Adds the description of one row: the label, the editor's parts, and below them the place of the
+/// expression line.
+void AppendRow(ScriptVal& layout, const std::string& number,
+               const std::vector<GenericEditor::Part>& parts)
+{
+    ScriptVal label = Item("label" + number);
+    label.Set("weight", 0);
+    label.Set("minwidth", labelWidth);
+    label.Set("maxwidth", labelWidth);
+    ScriptVal row = ScriptVal::MakeTable();
+    row.Append("HGroup");
+    row.Set("spacing", 8);
+    row.Append(label);
+    for (const GenericEditor::Part& part : parts)
+        row.Append(Item(part.name + number));
+    ScriptVal expression = ScriptVal::MakeTable();
+    expression.Append("Container");
+    expression.Set("name", "expression" + number);
+    layout.Append(row);
+    layout.Append(expression);
+}
 
 bool GetValues(Object& self, const ScriptVal&, ScriptVal& result)
 {
@@ -91,7 +129,7 @@ bool GenericInputControl::AddInput(Input* input, TagList* tags)
     if (!InputControl::AddInput(input, tags))
         return false;
     if (!RowOf(input))
-        rows_.push_back({input, input->GetValue(CurrentTime())});
+        rows_.push_back({input, input->GetValue(CurrentTime()), nullptr, nullptr});
     if (IsOpen())
         BuildRows();
     return true;
@@ -101,13 +139,7 @@ bool GenericInputControl::RemoveInput(Input* input, TagList* tags)
 {
     if (!InputControl::RemoveInput(input, tags))
         return false;
-    std::erase_if(rows_, [&](const Row& row) {
-        if (row.input == input) {
-            delete row.label;
-            delete row.editor;
-        }
-        return row.input == input;
-    });
+    std::erase_if(rows_, [input](const Row& row) { return row.input == input; });
     if (IsOpen())
         BuildRows();
     return true;
@@ -135,16 +167,13 @@ void GenericInputControl::UpdateDisplay(Input* input, TagList* tags)
 Input* GenericInputControl::GetInputFrom(QWidget* widget, TagList* tags)
 {
     for (const Row& row : rows_) {
-        const bool inRow =
-            row.editor && widget &&
-            (widget == row.label || widget == row.editor || row.editor->isAncestorOf(widget));
-        if (inRow)
+        if (row.editor && widget && (widget == row.label.get() || row.editor->Has(widget)))
             return row.input;
     }
     return InputControl::GetInputFrom(widget, tags);
 }
 
-GenericEditor* GenericInputControl::MakeEditor(Input& input)
+std::unique_ptr<GenericEditor> GenericInputControl::MakeEditor(Input& input)
 {
     return GenericEditor::Make(*this, input);
 }
@@ -167,31 +196,60 @@ GenericInputControl::Row* GenericInputControl::RowOf(const Input* input)
 void GenericInputControl::BuildRows()
 {
     RemoveWidgets();
-    auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(4);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 2);
+    ScriptVal layout = ScriptVal::MakeTable();
+    layout.Append("VGroup");
+    layout.Set("spacing", rowSpacing);
     for (Row& row : rows_) {
         row.editor = MakeEditor(*row.input);
         if (!row.editor)
             continue;
-        row.label = new ElideLabel(this);
-        row.label->setObjectName("label");
-        row.label->setFocusProxy(row.editor);
-        const int line = grid->rowCount();
-        grid->addWidget(row.label, line, 0);
-        grid->addWidget(row.editor, line, 1);
+        row.label = std::make_unique<ElideLabel>(this);
+        row.label->setFocusProxy(row.editor->Parts().front().widget);
         ReadAttributes(row);
+        AppendRow(layout, RowNumber(row), row.editor->Parts());
     }
-    if (grid->count() == 0) {
-        title_ = new ElideLabel(this);
-        title_->setObjectName("label");
+    if (layout.Length() == 1) {
+        title_ = std::make_unique<ElideLabel>(this);
         title_->SetText(Title());
-        grid->addWidget(title_, 0, 0, 1, 2);
+        layout.Append(Item("label"));
     }
+    CreateLayout(layout, false, nullptr, nullptr);
+    PlaceWidgets();
     UpdateDisplay(nullptr, nullptr);
     RecalcControlSize();
+}
+
+void GenericInputControl::PlaceWidgets()
+{
+    const auto place = [this](const std::string& name, QWidget* widget) {
+        widget->setObjectName(QString::fromStdString(name));
+        if (LayoutObj* object = FindLayoutObj(MxID(name)))
+            object->SetWidget(widget);
+    };
+    if (title_)
+        place("label", title_.get());
+    for (const Row& row : rows_) {
+        if (!row.editor)
+            continue;
+        const std::string number = RowNumber(row);
+        place("label" + number, row.label.get());
+        for (const GenericEditor::Part& part : row.editor->Parts())
+            place(part.name + number, part.widget);
+        LayoutObj* expression = FindLayoutObj(MxID("expression" + number));
+        if (auto* container = expression ? qobject_cast<Container*>(expression->Widget()) : nullptr)
+            CreateExpressionEdit(int(IndexOf(*row.input, IA_ControlIndex)), container, nullptr);
+    }
+}
+
+std::string GenericInputControl::RowNumber(const Row& row) const
+{
+    std::size_t number = 0;
+    for (const Row& each : rows_) {
+        number += each.editor ? 1 : 0;
+        if (&each == &row)
+            break;
+    }
+    return number > 1 ? std::to_string(number) : std::string();
 }
 
 void GenericInputControl::ReadAttributes(const Row& row)
@@ -205,12 +263,12 @@ void GenericInputControl::ReadAttributes(const Row& row)
 
 void GenericInputControl::RemoveWidgets()
 {
+    delete GetLayout();
     for (Row& row : rows_) {
-        delete std::exchange(row.label, nullptr);
-        delete std::exchange(row.editor, nullptr);
+        row.label.reset();
+        row.editor.reset();
     }
-    delete std::exchange(title_, nullptr);
-    delete layout();
+    title_.reset();
 }
 
 } // namespace Marlox

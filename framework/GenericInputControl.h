@@ -2,16 +2,20 @@
 
 #include "framework/ControlClass.h"
 #include "framework/GenericEditor.h"
+#include "system/widgets/ElideLabel.h"
 
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace Marlox {
 
-class ElideLabel;
-
 /// Base of the inspector controls that have no behaviour of their own yet: the name, and one plain
 /// editing row for each attached Number, Point or Text input. Values are written as one undo entry
 /// each; typing an expression into a number gives the input that expression.
+///
+/// Layout objects: "label", "edit" (of points "edity", too) and "expression"; those of the second
+/// row and further have its number appended ("edit2").
 class GenericInputControl : public InputControl {
 public:
     GenericInputControl(const Registry* record, const ScriptVal& creator,
@@ -36,25 +40,27 @@ public:
 
 protected:
     /// The editor of one input, a child of this control; null: the input gets no row.
-    virtual GenericEditor* MakeEditor(Input& input);
+    virtual std::unique_ptr<GenericEditor> MakeEditor(Input& input);
     /// What the control is called when it has no row.
     QString Title() const;
-    ElideLabel* TitleLabel() const { return title_; } // null when closed or with rows
+    ElideLabel* TitleLabel() const { return title_.get(); } // null when closed or with rows
 
 private:
     struct Row {
         Input* input;
         Ref<Parameter> value;
-        ElideLabel* label = nullptr; // both null while closed
-        GenericEditor* editor = nullptr;
+        std::unique_ptr<ElideLabel> label; // both null while closed, or without an editor
+        std::unique_ptr<GenericEditor> editor;
     };
     Row* RowOf(const Input* input);
     void BuildRows();
+    void PlaceWidgets();
+    std::string RowNumber(const Row& row) const; // "" for the first, "2", "3" ...
     void ReadAttributes(const Row& row);
     void RemoveWidgets();
 
     std::vector<Row> rows_;
-    ElideLabel* title_ = nullptr;
+    std::unique_ptr<ElideLabel> title_;
 };
 
 /// Facts of a class that is registered but behaves only as its generic base does. Its script

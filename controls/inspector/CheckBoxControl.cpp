@@ -7,7 +7,7 @@ std::size_t CheckBoxControl::SizeOf() const
     return sizeof(*this);
 }
 
-GenericEditor* CheckBoxControl::MakeEditor(Input& input)
+std::unique_ptr<GenericEditor> CheckBoxControl::MakeEditor(Input& input)
 {
     return input.GetDataType() == MxID(CLSID_DataType_Number)
                ? GenericEditor::MakeCheckBox(*this, input)

@@ -11,7 +11,7 @@ public:
     std::size_t SizeOf() const override;
 
 protected:
-    GenericEditor* MakeEditor(Input& input) override;
+    std::unique_ptr<GenericEditor> MakeEditor(Input& input) override;
 };
 
 } // namespace Marlox

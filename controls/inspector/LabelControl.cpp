@@ -53,7 +53,7 @@ std::size_t LabelControl::SizeOf() const
     return sizeof(*this);
 }
 
-GenericEditor* LabelControl::MakeEditor(Input&)
+std::unique_ptr<GenericEditor> LabelControl::MakeEditor(Input&)
 {
     return nullptr;
 }

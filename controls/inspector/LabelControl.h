@@ -19,7 +19,7 @@ public:
     bool GetMinSize(int& width, int& height, TagList* tags) override;
 
 protected:
-    GenericEditor* MakeEditor(Input& input) override;
+    std::unique_ptr<GenericEditor> MakeEditor(Input& input) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
