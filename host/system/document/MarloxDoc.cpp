@@ -33,6 +33,9 @@ MarloxDoc::MarloxDoc(QObject* parent)
     : QObject(parent), undo_(std::make_unique<UndoHistory>()),
       renderer_(std::make_unique<Renderer>(*this))
 {
+    // By the names that the signals give them: for queued connections and for scripts.
+    qRegisterMetaType<Operator*>("Marlox::Operator*");
+    qRegisterMetaType<Input*>("Marlox::Input*");
     connect(&undo_->Stack(), &QUndoStack::cleanChanged, this,
             [this](bool clean) { emit ModifiedChanged(!clean); });
 }
