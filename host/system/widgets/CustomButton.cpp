@@ -6,6 +6,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyleOption>
 
 namespace Marlox {
 
@@ -61,33 +62,37 @@ QSize CustomButton::minimumSizeHint() const
 void CustomButton::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    const bool hot = isEnabled() && underMouse();
-    const bool on = isDown() || isChecked();
-    const QColor ink = WidgetLook::Text(*this);
-    const QColor ground = palette().color(QPalette::Button);
-    const QRect area = rect();
-    if (!text().isEmpty() || normal_.isEmpty()) {
-        const double lift = on ? 0.22 : hot ? 0.12 : 0.06;
-        painter.fillRect(area, WidgetLook::Mix(ground, ink, lift));
-    }
+    QStyleOptionButton option;
+    option.initFrom(this);
+    option.features = QStyleOptionButton::Flat;
+    option.state |= isDown() ? QStyle::State_Sunken : QStyle::State_Raised;
+    option.state.setFlag(QStyle::State_On, isChecked());
+    if (!text().isEmpty())
+        option.features = QStyleOptionButton::None; // words alone would not look like a button
+    style()->drawPrimitive(QStyle::PE_PanelButtonCommand, &option, &painter, this);
+
     const QSize bitmap = BitmapSize(normal_);
     const int words = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-    int x = text().isEmpty()
-                ? (width() - bitmap.width()) / 2
-                : (width() - words - (bitmap.isEmpty() ? 0 : bitmap.width() + gap)) / 2;
+    const int beside = bitmap.isEmpty() || text().isEmpty() ? 0 : gap;
+    int x = (width() - bitmap.width() - beside - words) / 2;
     if (!bitmap.isEmpty()) {
-        const QByteArray& name = hot || on ? highlighted_ : normal_;
-        painter.setOpacity(isEnabled() ? 1.0 : 0.4);
-        painter.drawPixmap(x, (height() - bitmap.height()) / 2,
-                           ResDIB::PixmapOf(name, devicePixelRatioF()));
+        const bool highlight = isEnabled() && (underMouse() || isDown() || isChecked());
+        painter.setOpacity(isEnabled() ? 1.0 : 0.35);
+        painter.drawPixmap(
+            x, (height() - bitmap.height()) / 2,
+            ResDIB::PixmapOf(highlight ? highlighted_ : normal_, devicePixelRatioF()));
         painter.setOpacity(1.0);
-        x += bitmap.width() + gap;
+        x += bitmap.width() + beside;
     }
-    painter.setPen(ink);
+    const auto group = isEnabled() ? QPalette::Active : QPalette::Disabled;
+    painter.setPen(palette().color(group, QPalette::ButtonText));
+    const int mnemonic = style()->styleHint(QStyle::SH_UnderlineShortcut, &option, this)
+                             ? int(Qt::TextShowMnemonic)
+                             : int(Qt::TextHideMnemonic);
     painter.drawText(QRect(x, 0, width() - x, height()),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, text());
+                     int(Qt::AlignLeft | Qt::AlignVCenter) | mnemonic, text());
     if (hasFocus())
-        WidgetLook::DrawFocusRing(painter, area);
+        WidgetLook::DrawFocusRing(painter, rect());
 }
 
 void CustomButton::keyPressEvent(QKeyEvent* event)

@@ -4,7 +4,7 @@
 
 #include <QHelpEvent>
 #include <QPainter>
-#include <QPainterPath>
+#include <QStyleOption>
 #include <QToolTip>
 
 namespace Marlox {
@@ -53,32 +53,18 @@ QSize CustomCheckBox::minimumSizeHint() const
 void CustomCheckBox::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.rect = BoxRect();
+    style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &painter, this);
     const QColor ink = WidgetLook::Text(*this);
-    const bool hot = isEnabled() && (underMouse() || isDown());
-    const QRect box = BoxRect();
-    painter.fillRect(box, palette().color(QPalette::Base));
-    WidgetLook::DrawFrame(painter, box,
-                          WidgetLook::Mix(palette().color(QPalette::Window), ink, hot ? 0.8 : 0.5));
-    const QColor mark = isEnabled() ? WidgetLook::Accent() : ink;
-    if (checkState() == Qt::PartiallyChecked) {
-        painter.fillRect(QRect(box.x() + 3, box.center().y(), boxSide - 6, 2), mark);
-    } else if (isChecked()) {
-        QPainterPath tick;
-        tick.moveTo(box.x() + 3.0, box.y() + 7.2);
-        tick.lineTo(box.x() + 5.8, box.y() + 10.0);
-        tick.lineTo(box.x() + 11.0, box.y() + 3.8);
-        painter.setPen(QPen(mark, 2.0, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawPath(tick);
-    }
     painter.setPen(ink);
     const QString shown =
         fontMetrics().elidedText(text(), Qt::ElideRight, TextRect().width(), Qt::TextShowMnemonic);
     painter.drawText(TextRect(), int(Qt::AlignLeft | Qt::AlignVCenter) | int(Qt::TextShowMnemonic),
                      shown);
     if (hasFocus())
-        WidgetLook::DrawFocusRing(painter, box.adjusted(-2, -2, 2, 2));
+        WidgetLook::DrawFocusRing(painter, BoxRect().adjusted(-3, -3, 3, 3), 4.0);
 }
 
 bool CustomCheckBox::hitButton(const QPoint& at) const

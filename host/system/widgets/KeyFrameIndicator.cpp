@@ -4,9 +4,11 @@
 #include "system/widgets/WidgetLook.h"
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QToolTip>
 
 namespace Marlox {
 
@@ -139,6 +141,15 @@ void KeyFrameIndicator::keyPressEvent(QKeyEvent* event)
         return;
     }
     QAbstractButton::keyPressEvent(event);
+}
+
+bool KeyFrameIndicator::event(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), StateText(state_), this);
+        return true;
+    }
+    return QAbstractButton::event(event);
 }
 
 } // namespace Marlox

@@ -38,6 +38,7 @@ signals:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    bool event(QEvent* event) override; // a tooltip, where its owner gave none
 
 private:
     State state_ = State::None;

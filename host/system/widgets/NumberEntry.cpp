@@ -16,6 +16,14 @@ int PointIn(const QString& text)
     return point < 0 ? text.size() : point;
 }
 
+/// A thousandth of the range's power of ten; 0.01 for no or an empty range.
+double StepOfRange(double minimum, double maximum)
+{
+    const double span = maximum - minimum;
+    return std::isfinite(span) && span > 0.0 ? std::pow(10.0, std::floor(std::log10(span)) - 3.0)
+                                             : 0.01;
+}
+
 bool IsDigit(QChar c)
 {
     return c >= u'0' && c <= u'9';
@@ -38,6 +46,11 @@ NumberEntry::Reading NumberEntry::Read(const QString& text,
         return {Reading::Kind::Expression, 0.0, plain, -1};
     const int skipped = text.indexOf(plain);
     return {Reading::Kind::Unreadable, 0.0, result.error, skipped + result.errorAt};
+}
+
+bool NumberEntry::Holds(double number) const
+{
+    return value == number || (std::isnan(value) && std::isnan(number));
 }
 
 QString NumberEntry::TextOf(double number) const
@@ -65,12 +78,13 @@ double NumberEntry::Moved(double number, double change)
 
 double NumberEntry::Step() const
 {
-    if (integer || time)
-        return 1.0;
-    const double span = maximum - minimum;
-    if (!std::isfinite(span) || span <= 0.0)
-        return 0.1;
-    return std::pow(10.0, std::floor(std::log10(span)) - 2.0);
+    return integer || time ? 1.0 : 10.0 * StepOfRange(minimum, maximum);
+}
+
+double NumberEntry::DragStep() const
+{
+    const double step = StepOfRange(minimum, maximum);
+    return integer || time ? std::max(step, 0.1) : step;
 }
 
 bool DigitAt::Find(const QString& text, int cursor, DigitAt& found)

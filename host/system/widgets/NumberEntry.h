@@ -33,6 +33,8 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
     /// expression. A leading "=" is allowed. Blank text is Nothing.
     Reading Read(const QString& text, const ExpressionTest& isExpression) const;
 
+    /// Whether the value is `number` exactly; NaN is NaN.
+    bool Holds(double number) const;
     /// The value as it is shown.
     QString Text() const { return TextOf(value); }
     QString TextOf(double number) const;
@@ -45,8 +47,9 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
     /// One step of an arrow key or the wheel without a digit to step: a hundredth of the range's
     /// power of ten (0.01 for 0 to 1), 0.1 without a range, 1 for whole numbers and times.
     double Step() const;
-    /// The change for each unit of a drag: a tenth of Step, so that fine drags keep a decimal more.
-    double DragStep() const { return Step() / 10.0; }
+    /// The change for each unit of a drag: a thousandth of the range's power of ten, 0.01 without a
+    /// range; for whole numbers and times at least 0.1.
+    double DragStep() const;
 };
 
 /// The digit of a written number that the arrow keys step.

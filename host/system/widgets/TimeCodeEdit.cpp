@@ -1,36 +1,24 @@
 #include "system/widgets/TimeCodeEdit.h"
 
-#include "system/base/ScriptServices.h"
 #include "system/document/Preferences.h"
 #include "system/widgets/TimeCodeEdit_p.h"
 #include "system/widgets/WidgetAccess.h"
-#include "system/widgets/WidgetLook.h"
 
 #include <algorithm>
-#include <cmath>
-
-#include <QAccessible>
-#include <QFocusEvent>
-#include <QPainter>
 
 namespace Marlox {
 
 namespace {
 
-constexpr int textMargin = 4; // pixels beside the text, frame included
+constexpr int textMargin = 6; // beside the text, frame included
+constexpr int rowHeight = 24;
 constexpr int usualDigits = 8;
-
-bool IsSame(double a, double b)
-{
-    return a == b || (std::isnan(a) && std::isnan(b));
-}
 
 } // namespace
 
 TimeCodeEdit::TimeCodeEdit(QWidget* parent) : QWidget(parent), d_(new Private(*this))
 {
     setFocusPolicy(Qt::StrongFocus);
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -52,7 +40,7 @@ double TimeCodeEdit::GetValue() const
 
 void TimeCodeEdit::SetValue(double value, int precision)
 {
-    const bool same = IsSame(value, d_->entry.value);
+    const bool same = d_->entry.Holds(value);
     d_->entry.value = value;
     d_->entry.precision = precision;
     const bool typing = d_->editor && hasFocus();
@@ -226,7 +214,7 @@ QSize TimeCodeEdit::sizeHint() const
 {
     const QFontMetrics metrics = fontMetrics();
     return {metrics.horizontalAdvance(u'0') * usualDigits + 2 * textMargin,
-            std::max(22, metrics.height() + 6)};
+            std::max(rowHeight, metrics.height() + 6)};
 }
 
 QSize TimeCodeEdit::minimumSizeHint() const
@@ -234,189 +222,6 @@ QSize TimeCodeEdit::minimumSizeHint() const
     const QFontMetrics metrics = fontMetrics();
     return {metrics.horizontalAdvance(u'0') * usualDigits / 2 + 2 * textMargin,
             metrics.height() + 4};
-}
-
-void TimeCodeEdit::paintEvent(QPaintEvent*)
-{
-    QPainter painter(this);
-    const QPalette colors = palette();
-    const auto group = isEnabled() ? QPalette::Active : QPalette::Disabled;
-    const QColor ground = colors.color(group, QPalette::Base);
-    const QColor ink = colors.color(group, QPalette::Text);
-    const bool wrong = IsUnreadable();
-    painter.fillRect(rect(), ground);
-    if (!d_->editor) {
-        const QRect area = d_->TextRect();
-        const QString shown = fontMetrics().elidedText(d_->text, Qt::ElideRight, area.width());
-        painter.setPen(wrong          ? WidgetLook::ErrorText()
-                       : d_->readOnly ? WidgetLook::Mix(ground, ink, 0.75)
-                                      : ink);
-        painter.drawText(area, int(d_->alignment) | int(Qt::TextSingleLine), shown);
-    }
-    if (wrong)
-        WidgetLook::DrawFrame(painter, rect(), WidgetLook::ErrorText());
-    else if (hasFocus())
-        WidgetLook::DrawFocusRing(painter, rect(), 0.0);
-    else if (!d_->readOnly && isEnabled())
-        WidgetLook::DrawFrame(painter, rect(),
-                              WidgetLook::Mix(ground, ink, underMouse() ? 0.35 : 0.16));
-}
-
-// The state.
-
-void TimeCodeEdit::Private::ShowText(const QString& shown)
-{
-    expression.clear();
-    SetProblem({});
-    if (editor && editor->text() != shown) {
-        const bool all = editor->selectedText() == editor->text();
-        const int cursor = editor->cursorPosition();
-        editor->setText(shown);
-        if (all)
-            editor->selectAll();
-        else
-            editor->setCursorPosition(cursor);
-    }
-    if (shown == text)
-        return;
-    text = shown;
-    if (!editor)
-        field.update();
-    if (QAccessible::isActive()) {
-        QAccessibleValueChangeEvent changed(&field, entry.value);
-        QAccessible::updateAccessibility(&changed);
-    }
-    emit field.textChanged(text);
-}
-
-void TimeCodeEdit::Private::ShowValue()
-{
-    typed = false;
-    ShowText(entry.Text());
-}
-
-bool TimeCodeEdit::Private::Commit()
-{
-    if (!typed)
-        return true;
-    const auto isExpression = [](const QString& typedText) {
-        ScriptServices* services = ScriptServices::Installed();
-        return services && services->IsExpression(typedText);
-    };
-    using Kind = NumberEntry::Reading::Kind;
-    const NumberEntry::Reading reading = entry.Read(text, isExpression);
-    if (reading.kind == Kind::Unreadable) {
-        SetProblem(reading.text);
-        if (editor)
-            editor->setCursorPosition(reading.errorAt);
-        return false;
-    }
-    if (reading.kind == Kind::Number)
-        entry.value = reading.value;
-    if (reading.kind != Kind::Expression) {
-        ShowValue();
-    } else {
-        typed = false;
-        SetProblem({});
-        expression = reading.text;
-    }
-    if (reading.kind != Kind::Nothing)
-        emit field.editingFinished();
-    return true;
-}
-
-void TimeCodeEdit::Private::SetProblem(const QString& reason)
-{
-    if (reason == problem)
-        return;
-    if (problem.isEmpty())
-        plainToolTip = field.toolTip();
-    problem = reason;
-    field.setToolTip(reason.isEmpty() ? plainToolTip : reason);
-    field.setAccessibleDescription(reason);
-    ColorEditor();
-    field.update();
-}
-
-bool TimeCodeEdit::Private::SetAndSend(double value)
-{
-    if (IsSame(value, entry.value))
-        return true;
-    const QPointer<TimeCodeEdit> alive(&field);
-    entry.value = value;
-    ShowValue();
-    emit alive->editingFinished();
-    return alive;
-}
-
-// The line edit.
-
-QLineEdit& TimeCodeEdit::Private::OpenEditor()
-{
-    if (editor)
-        return *editor;
-    editor = new QLineEdit(text, &field);
-    editor->setFrame(false);
-    editor->setFocusProxy(&field);
-    editor->setAttribute(Qt::WA_TransparentForMouseEvents);
-    editor->setReadOnly(readOnly);
-    editor->setAlignment(alignment);
-    cursorPlaced = false;
-    digit.reset();
-    ColorEditor();
-    PlaceEditor();
-    connect(editor, &QLineEdit::textEdited, &field, [this](const QString& now) {
-        text = now;
-        typed = true;
-        expression.clear();
-        SetProblem({});
-        emit field.textChanged(now);
-    });
-    connect(editor, &QLineEdit::cursorPositionChanged, &field, &TimeCodeEdit::updateMicroFocus);
-    editor->show();
-    if (field.hasFocus()) {
-        // It has the focus through the field and would not learn of it: no blinking cursor.
-        QFocusEvent focusIn(QEvent::FocusIn, Qt::OtherFocusReason);
-        editor->event(&focusIn);
-    }
-    if (field.underMouse())
-        field.setCursor(Qt::IBeamCursor);
-    field.update();
-    return *editor;
-}
-
-void TimeCodeEdit::Private::CloseEditor()
-{
-    if (!editor)
-        return;
-    editor->hide();
-    editor->deleteLater();
-    editor.clear();
-    cursorPlaced = false;
-    digit.reset();
-    field.update();
-}
-
-void TimeCodeEdit::Private::PlaceEditor()
-{
-    // A frameless line edit keeps 2 pixels beside its text.
-    if (editor)
-        editor->setGeometry(field.rect().adjusted(textMargin - 2, 1, 2 - textMargin, -1));
-}
-
-void TimeCodeEdit::Private::ColorEditor()
-{
-    if (!editor)
-        return;
-    QPalette colors;
-    if (!problem.isEmpty())
-        colors.setColor(QPalette::Text, WidgetLook::ErrorText());
-    editor->setPalette(colors);
-}
-
-QRect TimeCodeEdit::Private::TextRect() const
-{
-    return field.rect().adjusted(textMargin, 1, -textMargin, -1);
 }
 
 } // namespace Marlox

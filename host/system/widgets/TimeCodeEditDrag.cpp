@@ -146,8 +146,9 @@ void TimeCodeEdit::Private::ApplyMovement()
     const QPointer<TimeCodeEdit> alive(&field);
     const double movement = drag->Movement();
     if (target) {
+        const DragTarget running = target; // outlives the field, should the target delete it
         double state = movement;
-        target(movement, state);
+        running(movement, state);
         if (alive && drag && state != movement)
             drag->Correct(state);
         return;
@@ -163,8 +164,9 @@ void TimeCodeEdit::Private::RevertDrag()
 {
     const QPointer<TimeCodeEdit> alive(&field);
     if (target) {
+        const DragTarget running = target;
         double state = 0.0;
-        target(0.0, state);
+        running(0.0, state);
     } else {
         SetAndSend(dragStartValue);
     }

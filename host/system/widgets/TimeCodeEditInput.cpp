@@ -84,6 +84,10 @@ bool TimeCodeEdit::event(QEvent* event)
         key.setAccepted(!d_->editor && StartsNumber(key));
         return true;
     }
+    if (event->type() == QEvent::ToolTip && d_->IsCut() && !IsUnreadable()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        return true;
+    }
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && !d_->readOnly) {
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
                            tr("Drag sideways to change: Shift is coarse, Ctrl fine, Escape cancels."
@@ -282,8 +286,9 @@ void TimeCodeEdit::focusOutEvent(QFocusEvent* event)
     if (d_->editor)
         d_->editor->event(event);
     if (event->reason() == Qt::PopupFocusReason)
-        return; // the text's menu: typing goes on
-    Commit();
+        return;          // the text's menu: typing goes on
+    if (!IsUnreadable()) // marked text was tried, and typing clears the mark
+        Commit();
     if (alive && event->reason() != Qt::ActiveWindowFocusReason)
         d_->CloseEditor();
 }

@@ -11,6 +11,7 @@
 #include <QBasicTimer>
 #include <QLineEdit>
 #include <QPointer>
+#include <QStyleOption>
 
 namespace Marlox {
 
@@ -33,7 +34,10 @@ public:
     void PlaceEditor();
     void ColorEditor();
     void Forward(QMouseEvent& event); // to the line edit, in its coordinates
-    QRect TextRect() const;
+    QStyleOptionFrame Frame() const;
+    QRect TextRect(const QStyleOptionFrame& frame) const;
+    QString ShownText(const QStyleOptionFrame& frame) const; // shortened where it does not fit
+    bool IsCut() const;
 
     // The drag.
     void DragTo(double screenX, Qt::KeyboardModifiers modifiers);

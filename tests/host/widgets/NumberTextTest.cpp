@@ -324,6 +324,9 @@ void NumberTextTest::EntryStepsSuitTheRange()
     QCOMPARE(entry.Step(), 0.1);
     entry.integer = true;
     QCOMPARE(entry.Step(), 1.0);
+    QCOMPARE(entry.DragStep(), 0.1); // ten pixels for a whole number
+    entry.maximum = 5000.0;
+    QCOMPARE(entry.DragStep(), 1.0); // yet long ranges are crossed in one sweep
     QCOMPARE(NumberEntry::Moved(0.1, 0.2), 0.3);
 }
 

@@ -2,6 +2,7 @@
 #include "system/widgets/TimeCodeEdit.h"
 #include "system/base/ScriptServices.h"
 #include "system/document/Preferences.h"
+#include "system/resources/LookStyle.h"
 #include "system/values/Parameter.h"
 
 #include <memory>
@@ -103,6 +104,7 @@ public:
 class TimeCodeEditTest : public QObject {
     Q_OBJECT
 private slots:
+    void initTestCase() { ApplyLook(*qApp); }
     void TypingCommitsOnlyWhenAsked();
     void LeavingCommits();
     void UnreadableTextStaysMarked();
@@ -128,6 +130,7 @@ private slots:
     void DestroyedWithItsParents();
     void ListenerMayDelete();
     void ReadOnlyTakesNothing();
+    void OpeningMovesNoText();
     void SpeaksToScreenReaders();
 };
 
@@ -305,7 +308,8 @@ void TimeCodeEditTest::ExpressionIsHandedOver()
     QVERIFY(stage.field->IsUnreadable());
     stage.field->SetValue(0.25, 3);
     stage.other->setFocus();
-    QCOMPARE(stage.finished, 1 + 1); // the marked text was tried again on leaving
+    QCOMPARE(stage.finished, 1); // what was refused is not tried again by leaving
+    QCOMPARE(stage.field->text(), QString("=time/24"));
     stage.field->SetValue(0.75, 3);
     QVERIFY(!stage.field->IsExpressionText());
     QCOMPARE(stage.field->text(), QString("0.75"));
@@ -650,6 +654,40 @@ void TimeCodeEditTest::ReadOnlyTakesNothing()
     QCOMPARE(stage.finished + stage.started, 0);
     stage.field->selectAll(); // yet can be copied
     QCOMPARE(stage.field->selectedText(), QString("0.5"));
+}
+
+void TimeCodeEditTest::OpeningMovesNoText()
+{
+    Stage stage;
+    stage.field->SetValue(0.25, 3);
+    const auto inside = [&stage] {
+        return stage.field->grab().toImage().copy(3, 3, 60, 18); // without frame and cursor
+    };
+    const QImage painted = inside();
+    stage.field->setFocus();
+    stage.field->setCursorPosition(4);
+    stage.field->findChild<QLineEdit*>()->end(false);
+    const QRect cursor = stage.field->inputMethodQuery(Qt::ImCursorRectangle).toRect();
+    QVERIFY(cursor.x() > 10);
+    const QRect text(0, 0, cursor.x() - 6, 18);
+    QCOMPARE(inside().copy(text), painted.copy(text));
+
+    // Marked text has its colour in both.
+    const auto hasErrorColor = [&inside] {
+        const QImage image = inside();
+        for (int i = 0; i < image.width() * image.height(); ++i) {
+            const QRgb pixel = image.pixel(i % image.width(), i / image.width());
+            if (qRed(pixel) - qGreen(pixel) > 50)
+                return true;
+        }
+        return false;
+    };
+    QVERIFY(!hasErrorColor());
+    stage.field->MarkUnreadable("No.");
+    QVERIFY(hasErrorColor());
+    stage.other->setFocus();
+    QVERIFY(!stage.field->findChild<QLineEdit*>()->isVisible());
+    QVERIFY(hasErrorColor());
 }
 
 void TimeCodeEditTest::SpeaksToScreenReaders()
