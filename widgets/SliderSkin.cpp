@@ -129,7 +129,7 @@ QPixmap SliderSkin::PaintTrack(QSize widget, const SliderTrackState& state) cons
     if (HasGradient())
         FillWithGradients(painter, track.adjusted(1, 1, -1, -1));
     PaintMarks(painter, track, state);
-    if (state.resetPixel >= 0 && !reset_.isNull()) {
+    if (state.resetPixel >= 0 && state.enabled && !reset_.isNull()) {
         painter.setOpacity(painter.opacity() * (state.resetLit ? 1.0 : restingReset));
         painter.drawPixmap(GeometryIn(widget).ResetRect(state.resetPixel).topLeft(), reset_);
     }
@@ -159,15 +159,15 @@ void SliderSkin::PaintMarks(QPainter& painter, const QRect& track,
                             const SliderTrackState& state) const
 {
     const double line = std::max(1.0, std::round(ratio_)) / ratio_;
-    const auto crisp = [this](double x) { return std::round(x * ratio_) / ratio_; };
     const QRect inner = track.adjusted(1, 1, -1, -1);
     QColor tick = lookColor("System.LineColour", {72, 72, 72});
     if (HasGradient())
         tick = QColor(0, 0, 0, 128);
     for (const double x : state.ticks) {
         const bool centre = std::abs(x - state.centreTick) < 0.5;
+        // Where the knob stands at that value: on a whole pixel.
         const int length = centre ? inner.height() : std::min(tickLength, inner.height());
-        painter.fillRect(QRectF(crisp(x), inner.top() + inner.height() - length, line, length),
+        painter.fillRect(QRectF(std::round(x), inner.top() + inner.height() - length, line, length),
                          tick);
     }
     if (state.stateColor.isValid())

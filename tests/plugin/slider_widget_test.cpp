@@ -1,0 +1,472 @@
+#include "plugin/SliderStage.h"
+
+#include "script/ScriptSystem.h"
+#include "system/resources/Resources.h"
+
+#include <cmath>
+#include <random>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QMouseEvent>
+#include <QtTest>
+
+using namespace Marlox;
+
+/// The drawn slider by itself, in an active window, 200 pixels wide.
+class SliderWidgetTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { InstallScripting(); }
+    void init();
+    void SignalsChangesOnly();
+    void RepaintsTwoRectangles();
+    void RepaintsRangesSparingly();
+    void LeavesNoTrails_data();
+    void LeavesNoTrails();
+    void FillsTheTrackWithGradients();
+    void PressesGoWhereTheyBelong();
+    void DragsTheKnob();
+    void CtrlAnchorsAnew();
+    void StepsOnTheTrack();
+    void RepeatsOnTheTrack();
+    void ResetsToTheDefault();
+    void TellsWhatIsHovered();
+    void StepsByKeys_data();
+    void StepsByKeys();
+    void LeavesOtherKeysAlone();
+    void TurnsWithTheWheel();
+    void LeavesForeignScrollsAlone();
+    void DragsForOthers();
+    void SpeaksToAssistants();
+
+private:
+    QList<double> Signalled() { return std::exchange(signalled_, {}); }
+    std::unique_ptr<QWidget> window_;
+    CustomSlider* slider_ = nullptr;
+    QWidget* other_ = nullptr; // takes focus too
+    QList<double> signalled_;
+};
+
+void SliderWidgetTest::init()
+{
+    window_ = std::make_unique<QWidget>();
+    slider_ = new CustomSlider(window_.get());
+    slider_->SetSteps(0.001, 0.01);
+    slider_->SetTickFreq(11);
+    slider_->setGeometry(10, 10, 200, 24);
+    other_ = new QWidget(window_.get());
+    other_->setFocusPolicy(Qt::StrongFocus);
+    other_->setGeometry(10, 40, 20, 20);
+    window_->resize(220, 64);
+    window_->show();
+    window_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    slider_->setFocus();
+    slider_->ShowValue(0.5);
+    QVERIFY(slider_->metaObject()->indexOfSignal("ValueChanged(float64)") >= 0);
+    connect(slider_, &CustomSlider::ValueChanged, [this](double v) { signalled_ += v; });
+    signalled_.clear();
+}
+
+void SliderWidgetTest::SignalsChangesOnly()
+{
+    slider_->SetValue(0.25);
+    slider_->SetValue(0.25);
+    slider_->ShowValue(0.75);
+    slider_->SetValue(NAN);
+    QCOMPARE(Signalled(), QList<double>{0.25});
+    QCOMPARE(slider_->property("value").toDouble(), 0.75);
+    slider_->StartDrag();
+    slider_->ShowValue(0.75); // a redisplay is not the drag's first value
+    slider_->SetValue(0.75);
+    slider_->SetValue(0.75);
+    slider_->EndDrag();
+    QCOMPARE(Signalled(), QList<double>{0.75});
+    slider_->SetValue(3.0); // beyond the end: kept, shown at the end
+    QCOMPARE(slider_->Value(), 3.0);
+    QCOMPARE(slider_->KnobPixel(), slider_->PixelHigh());
+    QCOMPARE(slider_->PixelCentre(), (slider_->PixelLow() + slider_->PixelHigh()) / 2);
+}
+
+void SliderWidgetTest::RepaintsTwoRectangles()
+{
+    PaintWatch watch(*slider_);
+    const auto dirty = [this] {
+        const QSize knob = ResDIB::SizeOf("Controls.Slider.Knob.1");
+        const int x = int(slider_->KnobPixel()) - knob.width() / 2;
+        const int top = int(std::lround((24 - (knob.height() - 1)) / 2.0 - 0.1));
+        return QRect(x - 1, top, knob.width() + 1, knob.height() - 1);
+    };
+    const QRect before = dirty();
+    slider_->SetValue(0.9);
+    QRegion painted = watch.Take();
+    QCOMPARE(painted.rectCount(), 2);
+    QCOMPARE(painted, QRegion(before) + dirty());
+    const QRect middle = dirty();
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Home);
+    QCOMPARE(watch.Take(), QRegion(middle) + dirty());
+    slider_->hide();
+    slider_->SetValue(0.3);
+    QCOMPARE(watch.Take(), QRegion());
+    slider_->show();
+    QTest::qWait(50);
+    QCOMPARE(watch.Take(), QRegion(slider_->rect()));
+}
+
+void SliderWidgetTest::RepaintsRangesSparingly()
+{
+    PaintWatch watch(*slider_);
+    slider_->SetRange(0.0, 2.0, true); // counted ticks stay where they are
+    QCOMPARE(watch.Take().rectCount(), 2);
+    slider_->SetRange(0.0, 4.0, false);
+    QVERIFY(watch.Take().isEmpty());
+    slider_->SetDefaultValue(1.0);
+    watch.Take();
+    slider_->SetRange(0.0, 8.0, true);
+    QCOMPARE(watch.Take(), QRegion(slider_->rect())); // the reset mark moves alone
+    slider_->SetValue(1.0);
+    watch.Take();
+    slider_->SetRange(0.0, 4.0, true);
+    QCOMPARE(watch.Take().rectCount(), 2); // it moves under the knob
+    slider_->SetTickFreq(0);
+    watch.Take();
+    slider_->SetRange(0.0, 3.0, true);
+    QCOMPARE(watch.Take(), QRegion(slider_->rect()));
+}
+
+void SliderWidgetTest::LeavesNoTrails_data()
+{
+    QTest::addColumn<bool>("opaque");
+    QTest::newRow("opaque") << true;
+    QTest::newRow("showing through") << false;
+}
+
+void SliderWidgetTest::LeavesNoTrails()
+{
+    QFETCH(bool, opaque);
+    slider_->setAttribute(Qt::WA_OpaquePaintEvent, opaque);
+    slider_->SetDefaultValue(0.4);
+    const double ratio = window_->devicePixelRatioF();
+    QImage kept(window_->size() * ratio, QImage::Format_RGB32); // what a screen would still show
+    kept.setDevicePixelRatio(ratio);
+    window_->render(&kept);
+    PaintWatch watch(*slider_);
+    std::mt19937 random(3);
+    for (int i = 0; i < 40; ++i) {
+        slider_->SetValue(double(random() % 1001) / 1000.0);
+        if (i % 7 == 0)
+            slider_->SetRange(0.0, 1.0 + double(random() % 3), true);
+        const QRegion painted = watch.Take().translated(slider_->pos());
+        window_->render(&kept, painted.boundingRect().topLeft(), painted);
+    }
+    QImage fresh = kept;
+    window_->render(&fresh);
+    QCOMPARE(kept, fresh);
+}
+
+void SliderWidgetTest::FillsTheTrackWithGradients()
+{
+    const Gradient bright({{0.0, {-1.0, 0.0, 0.0, 1.0}}, {1.0, {3.0, 1.0, 0.5, 1.0}}});
+    const Gradient grey({{0.0, {0.2, 0.2, 0.2, 1.0}}, {1.0, {1.0, 1.0, 1.0, 1.0}}});
+    const auto check = [&](const Gradient* second) {
+        slider_->SetGradients(&bright, second);
+        slider_->ShowValue(0.0);
+        const QImage image = slider_->grab().toImage();
+        const double ratio = image.devicePixelRatio();
+        const int left = int(2 * ratio); // one pixel of margin, one of border
+        const int width = int((slider_->width() - 4) * ratio);
+        for (int column = int(20 * ratio); column < width; ++column) {
+            double position = double(column) / width;
+            const Gradient* gradient = &bright;
+            if (second) {
+                gradient = position < 0.5 ? &bright : second;
+                position = std::fmod(2.0 * position, 1.0);
+            }
+            const GradientColor color = gradient->QuickEvaluate(position);
+            const MxColor wanted = MxColor::FromDoubles(color.red, color.green, color.blue);
+            const QColor seen = image.pixelColor(left + column, image.height() / 2);
+            QCOMPARE(MxColor(seen.red(), seen.green(), seen.blue()), wanted);
+        }
+    };
+    check(nullptr);
+    check(&grey);
+}
+
+void SliderWidgetTest::PressesGoWhereTheyBelong()
+{
+    const auto taken = [this](QWidget& widget, Qt::MouseButton button) {
+        QMouseEvent press(QEvent::MouseButtonPress, KnobOf(*slider_), button, button,
+                          Qt::NoModifier);
+        static_cast<QObject&>(widget).event(&press);
+        return press.isAccepted();
+    };
+    other_->setFocus();
+    QVERIFY(!taken(*slider_, Qt::RightButton));
+    QVERIFY(!slider_->IsDragging() && !slider_->hasFocus());
+    slider_->SetLocked(true);
+    QVERIFY(taken(*slider_, Qt::LeftButton)); // swallowed
+    QVERIFY(!slider_->IsDragging() && !slider_->hasFocus());
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Home);
+    QCOMPARE(slider_->Value(), 0.5);
+    slider_->SetLocked(false);
+    QVERIFY(taken(*slider_, Qt::LeftButton));
+    QVERIFY(slider_->IsDragging() && slider_->hasFocus() && slider_->InGesture());
+    slider_->SetLocked(true); // ends what is under way
+    QVERIFY(!slider_->IsDragging() && !slider_->InGesture());
+    CustomSlider empty;
+    empty.resize(0, 10);
+    QVERIFY(!taken(empty, Qt::LeftButton));
+    QVERIFY(Signalled().isEmpty());
+}
+
+void SliderWidgetTest::DragsTheKnob()
+{
+    const QPointF start = KnobOf(*slider_) + QPointF(2, 0);
+    Pointer::Press(*slider_, start);
+    QVERIFY(Signalled().isEmpty());
+    QVERIFY(slider_->property("hoverKnob").toBool());
+    Pointer::Move(*slider_, start);
+    QCOMPARE(Signalled(), QList<double>{0.5});
+    Pointer::Move(*slider_, start + QPointF(0, 30));
+    QVERIFY(Signalled().isEmpty()); // x is what counts
+    Pointer::Move(*slider_, start + QPointF(19, 0));
+    QCOMPARE(Signalled(), QList<double>{slider_->Model().Scale().Rounded(
+                              slider_->PixelToValue(slider_->ValueToPixel(0.5) + 19), false)});
+    // The keyboard must wait.
+    const double dragged = slider_->Value();
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_End);
+    Pointer::Key(*slider_, QEvent::KeyRelease, Qt::Key_End);
+    QCOMPARE(slider_->Value(), dragged);
+    QVERIFY(slider_->InGesture());
+    Pointer::Release(*slider_, start + QPointF(19, 0));
+    QVERIFY(!slider_->IsDragging() && !slider_->InGesture());
+    Pointer::Move(*slider_, start + QPointF(50, 0), Qt::NoModifier, Qt::NoButton);
+    QCOMPARE(slider_->Value(), dragged);
+    // A release that was lost shows at the next move.
+    Pointer::Press(*slider_, KnobOf(*slider_));
+    Pointer::Move(*slider_, start, Qt::NoModifier, Qt::NoButton);
+    QVERIFY(!slider_->InGesture());
+    QCOMPARE(slider_->Value(), dragged);
+}
+
+void SliderWidgetTest::CtrlAnchorsAnew()
+{
+    const QPointF start = KnobOf(*slider_);
+    Pointer::Press(*slider_, start);
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Control, Qt::ControlModifier);
+    Pointer::Move(*slider_, start + QPointF(7, 0), Qt::ControlModifier);
+    const double fine = slider_->Value();
+    QVERIFY(fine > 0.5 && fine < 0.505);
+    Signalled();
+    Pointer::Key(*slider_, QEvent::KeyRelease, Qt::Key_Control);
+    Pointer::Release(*slider_, start + QPointF(7, 0));
+    QCOMPARE(slider_->Value(), fine);
+    QVERIFY(Signalled().isEmpty());
+}
+
+void SliderWidgetTest::StepsOnTheTrack()
+{
+    const QPointF right(slider_->PixelHigh() - 1, slider_->height() / 2.0);
+    Pointer::Press(*slider_, right);
+    QCOMPARE(slider_->Value(), 0.6);
+    QVERIFY(slider_->IsDragging());
+    Pointer::Move(*slider_, right - QPointF(4, 0)); // moves no knob
+    Pointer::Release(*slider_, right);
+    Pointer::Press(*slider_, {slider_->PixelLow() + 1, right.y()}, Qt::ControlModifier);
+    Pointer::Release(*slider_, right);
+    QCOMPARE(Signalled(), (QList<double>{0.6, 0.599}));
+    QVERIFY(!slider_->InGesture());
+}
+
+void SliderWidgetTest::RepeatsOnTheTrack()
+{
+    slider_->ShowValue(0.0);
+    const QPointF at(slider_->ValueToPixel(0.35), slider_->height() / 2.0);
+    Pointer::Press(*slider_, at);
+    QTest::qWait(200); // within the wait
+    QCOMPARE(Signalled(), QList<double>{0.1});
+    // Then on until the knob is there, and no further.
+    QTRY_COMPARE(slider_->KnobPixel(), std::round(slider_->ValueToPixel(0.4)));
+    QTest::qWait(200);
+    QCOMPARE(Signalled().size(), 3);
+    Pointer::Move(*slider_, {slider_->ValueToPixel(0.55), at.y()});
+    QTRY_VERIFY(slider_->Value() > 0.45);
+    Pointer::Release(*slider_, at);
+    Signalled();
+    QTest::qWait(200);
+    QVERIFY(Signalled().isEmpty());
+}
+
+void SliderWidgetTest::ResetsToTheDefault()
+{
+    const QPointF away(slider_->PixelHigh() - 30, -20);
+    Pointer::Press(*slider_, away, Qt::AltModifier); // no default: nothing
+    Pointer::Release(*slider_, away, Qt::AltModifier);
+    QVERIFY(Signalled().isEmpty());
+    slider_->SetDefaultValue(0.2);
+    const QPointF mark(slider_->ValueToPixel(0.2), slider_->height() / 2.0);
+    Pointer::Press(*slider_, mark);
+    QVERIFY(!slider_->IsDragging());
+    Pointer::Release(*slider_, away); // let go elsewhere
+    QVERIFY(Signalled().isEmpty());
+    Pointer::Press(*slider_, mark);
+    Pointer::Release(*slider_, mark + QPointF(6, 2));
+    QCOMPARE(Signalled(), QList<double>{0.2});
+    slider_->ShowValue(0.9);
+    Pointer::Press(*slider_, KnobOf(*slider_), Qt::AltModifier);
+    QVERIFY(!slider_->IsDragging());
+    Pointer::Release(*slider_, away, Qt::AltModifier);
+    QCOMPARE(Signalled(), QList<double>{0.2});
+    QVERIFY(!slider_->InGesture());
+}
+
+void SliderWidgetTest::TellsWhatIsHovered()
+{
+    slider_->SetDefaultValue(0.2);
+    const auto hovered = [this](double x) {
+        Pointer::Move(*slider_, {x, slider_->height() / 2.0}, Qt::NoModifier, Qt::NoButton);
+        return QString("%1%2%3")
+            .arg(slider_->property("hoverKnob").toInt())
+            .arg(slider_->property("hoverReset").toInt())
+            .arg(slider_->property("hoverTrack").toInt());
+    };
+    PaintWatch watch(*slider_);
+    QCOMPARE(hovered(slider_->KnobPixel() + 3), QString("100"));
+    QCOMPARE(watch.Take(), QRegion(slider_->rect()));
+    QCOMPARE(hovered(slider_->KnobPixel() + 4), QString("100"));
+    QVERIFY(watch.Take().isEmpty());
+    QCOMPARE(hovered(slider_->ValueToPixel(0.2)), QString("010"));
+    QCOMPARE(hovered(slider_->ValueToPixel(0.9)), QString("001"));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(slider_, &leave);
+    QVERIFY(!slider_->IsTrackHovered());
+}
+
+void SliderWidgetTest::StepsByKeys_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<double>("value");
+    const Qt::KeyboardModifiers no = Qt::NoModifier;
+    const Qt::KeyboardModifiers ctrl = Qt::ControlModifier;
+    const Qt::KeyboardModifiers shift = Qt::ShiftModifier;
+    QTest::newRow("Home") << int(Qt::Key_Home) << no << 0.0;
+    QTest::newRow("End") << int(Qt::Key_End) << no << 1.0;
+    QTest::newRow("Left") << int(Qt::Key_Left) << no << 0.49;
+    QTest::newRow("Right") << int(Qt::Key_Right) << no << 0.51;
+    QTest::newRow("Page Down") << int(Qt::Key_PageDown) << no << 0.49;
+    QTest::newRow("Page Up") << int(Qt::Key_PageUp) << no << 0.51;
+    QTest::newRow("Ctrl+Right") << int(Qt::Key_Right) << ctrl << 0.501;
+    QTest::newRow("Shift+Left") << int(Qt::Key_Left) << shift << 0.4;
+    QTest::newRow("Ctrl+Shift+Left") << int(Qt::Key_Left) << (ctrl | shift) << 0.499;
+}
+
+void SliderWidgetTest::StepsByKeys()
+{
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(double, value);
+    Pointer::Key(*slider_, QEvent::KeyPress, key, modifiers);
+    QCOMPARE(slider_->Value(), value);
+    QVERIFY(slider_->InGesture());
+    Pointer::Key(*slider_, QEvent::KeyRelease, key, modifiers, true);
+    QVERIFY(slider_->InGesture()); // that was the keyboard's repeat
+    Pointer::Key(*slider_, QEvent::KeyRelease, key, modifiers);
+    QVERIFY(!slider_->InGesture());
+}
+
+void SliderWidgetTest::LeavesOtherKeysAlone()
+{
+    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_A, Qt::Key_Escape}) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        static_cast<QObject*>(slider_)->event(&event);
+        QVERIFY(!event.isAccepted());
+    }
+    // Shift alone, while it is down.
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Shift);
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Right);
+    Pointer::Key(*slider_, QEvent::KeyRelease, Qt::Key_Shift);
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Right);
+    QCOMPARE(Signalled(), (QList<double>{0.6, 0.61}));
+    // Nothing is told at the end, nor where a typed value lies beyond it.
+    slider_->ShowValue(5.0);
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_Right);
+    QVERIFY(Signalled().isEmpty());
+    Pointer::Key(*slider_, QEvent::KeyPress, Qt::Key_End);
+    QCOMPARE(Signalled(), QList<double>{1.0});
+}
+
+void SliderWidgetTest::TurnsWithTheWheel()
+{
+    Pointer::Wheel(*slider_, 120);
+    Pointer::Wheel(*slider_, -120, Qt::ControlModifier);
+    Pointer::Wheel(*slider_, 240, Qt::ShiftModifier);
+    QCOMPARE(Signalled(), (QList<double>{0.51, 0.509, 0.609, 0.709}));
+    for (int i = 0; i < 7; ++i)
+        Pointer::Wheel(*slider_, 40); // a touchpad's
+    QCOMPARE(Signalled().size(), 2);
+    Pointer::Wheel(*slider_, -80); // turning back starts anew
+    QVERIFY(Signalled().isEmpty());
+    Pointer::Wheel(*slider_, -40);
+    QCOMPARE(Signalled().size(), 1);
+    QVERIFY(slider_->InGesture());
+    QTRY_VERIFY(!slider_->InGesture());
+    other_->setFocus();
+    Pointer::Wheel(*slider_, 120);
+    QVERIFY(Signalled().isEmpty());
+    QVERIFY(!slider_->hasFocus());
+}
+
+void SliderWidgetTest::LeavesForeignScrollsAlone()
+{
+    Pointer::Wheel(*other_, 120); // the panel is scrolled, then this comes under the pointer
+    Pointer::Wheel(*slider_, 120);
+    QVERIFY(Signalled().isEmpty());
+    QTest::qWait(CustomController::wheelPause + 50);
+    Pointer::Wheel(*slider_, 120);
+    QCOMPARE(Signalled().size(), 1);
+    Pointer::Wheel(*slider_, 120, Qt::NoModifier, Qt::ScrollUpdate); // began elsewhere
+    QVERIFY(Signalled().isEmpty());
+    Pointer::Wheel(*slider_, 0, Qt::NoModifier, Qt::ScrollBegin);
+    Pointer::Wheel(*slider_, 120, Qt::NoModifier, Qt::ScrollUpdate);
+    QCOMPARE(Signalled().size(), 1);
+}
+
+void SliderWidgetTest::DragsForOthers()
+{
+    CustomSlider::RelativeDrag state{0.0, true};
+    slider_->StartDrag();
+    slider_->DragBy(state.movement = 100.0, state);
+    slider_->DragBy(state.movement = 900.0, state);
+    QCOMPARE(state.movement, 500.0); // where the end was met
+    slider_->DragBy(state.movement -= 100.0, state);
+    slider_->DragBy(0.0, state);
+    slider_->EndDrag();
+    QCOMPARE(Signalled(), (QList<double>{0.6, 1.0, 0.9, 0.5}));
+}
+
+void SliderWidgetTest::SpeaksToAssistants()
+{
+    slider_->setAccessibleName("Gain");
+    QAccessibleInterface* access = QAccessible::queryAccessibleInterface(slider_);
+    QVERIFY(access);
+    QCOMPARE(access->role(), QAccessible::Slider);
+    QCOMPARE(access->text(QAccessible::Name), QString("Gain"));
+    QCOMPARE(access->text(QAccessible::Value), QString("0.5"));
+    QVERIFY(access->state().focusable && access->state().focused);
+    QAccessibleValueInterface* value = access->valueInterface();
+    QVERIFY(value);
+    QCOMPARE(value->minimumValue().toDouble(), 0.0);
+    QCOMPARE(value->maximumValue().toDouble(), 1.0);
+    QCOMPARE(value->minimumStepSize().toDouble(), 0.01);
+    value->setCurrentValue(0.25);
+    access->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
+    value->setCurrentValue(7.0);
+    slider_->SetLocked(true);
+    value->setCurrentValue(0.1);
+    QCOMPARE(Signalled(), (QList<double>{0.25, 0.26, 1.0}));
+}
+
+QTEST_MAIN(SliderWidgetTest)
+#include "slider_widget_test.moc"
