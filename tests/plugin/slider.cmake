@@ -22,3 +22,5 @@ target_include_directories(slider_parts PRIVATE ${PROJECT_SOURCE_DIR}/tests)
 target_link_libraries(slider_parts PUBLIC marloxscript Qt5::Test)
 marlox_test(slider_widget_test
     SOURCES ${CMAKE_CURRENT_LIST_DIR}/slider_widget_test.cpp LIBS slider_parts marloxscript)
+marlox_test(slider_control_test
+    SOURCES ${CMAKE_CURRENT_LIST_DIR}/slider_control_test.cpp LIBS slider_parts marloxscript)
