@@ -106,9 +106,10 @@ int run(QCoreApplication& application, const Options& options)
     }
     loadPluginsForInterface(plugins, options);
     InterfaceOptions interface;
-    interface.files = options.files.mid(0, 1);
+    interface.files = options.files;
     interface.script = options.script;
-    interface.scriptArguments = options.files.mid(1);
+    interface.scriptArguments = options.scriptArguments;
+    interface.plugins = &plugins;
     interface.offerRecovery = options.recovery;
     return RunInterface(static_cast<QApplication&>(application), interface);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "script/FFI.h"
 #include "system/base/ScriptVal.h"
 
 #include <optional>
@@ -19,9 +20,9 @@ ScriptVal FromVariant(const QVariant& value);
 std::optional<QVariant> ToVariant(const ScriptVal& value, int type);
 
 /// The Qt property `name` of an object; nothing if it has none that can be read.
-std::optional<ScriptVal> ReadQtProperty(const QObject& object, const char* name);
+MARLOXSCRIPT_EXPORT std::optional<ScriptVal> ReadQtProperty(const QObject& object, const char* name);
 
 /// Why a Qt property can't be set; null when it was.
-const char* WriteQtProperty(QObject& object, const char* name, const ScriptVal& value);
+MARLOXSCRIPT_EXPORT const char* WriteQtProperty(QObject& object, const char* name, const ScriptVal& value);
 
 } // namespace Marlox

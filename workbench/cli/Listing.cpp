@@ -1,7 +1,6 @@
 #include "workbench/cli/Listing.h"
 
 #include "script/FFI.h"
-#include "system/base/HostTags.h"
 #include "system/base/PluginLibrary.h"
 #include "system/resources/Resources.h"
 
@@ -86,11 +85,15 @@ std::string furtherTagsOf(const Registry& record)
     return text.empty() ? "-" : text;
 }
 
-bool isGeneric(const Object& object)
+/// Classes without a behaviour of their own have a script operation that says so.
+bool isGeneric(const Registry& record)
 {
-    TagList facts;
-    object.GetObjectInfo(facts);
-    return facts.GetBool(INFO_Generic);
+    const ScriptInfo* info = record.GetScriptInfo();
+    for (const ScriptOperation* row = info ? info->operations : nullptr; row && row->name; ++row) {
+        if (std::string_view(row->name) == "IsGeneric")
+            return true;
+    }
+    return false;
 }
 
 std::string lineOf(const Registry& record)
@@ -103,7 +106,7 @@ std::string lineOf(const Registry& record)
         hex(u64(record.Kind())),
         object ? scriptTypeOf(record, *object) : "none",
         furtherTagsOf(record),
-        object && !isGeneric(*object) ? "specified" : "generic",
+        isGeneric(record) ? "generic" : "specified",
     };
     std::string line;
     for (const std::string& column : columns)

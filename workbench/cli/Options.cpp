@@ -1,5 +1,7 @@
 #include "workbench/cli/Options.h"
 
+#include <algorithm>
+
 #include <QCommandLineParser>
 
 namespace Marlox {
@@ -40,6 +42,19 @@ void describe(QCommandLineParser& parser)
                        noRecoveryOption});
     parser.addPositionalArgument("file", "Document, image or sequence (shot.####.exr) to open.",
                                  "[file]");
+}
+
+/// Behind "--script FILE" the arguments are the script's own, whatever they look like.
+int endOfOurs(const QStringList& arguments)
+{
+    const int at = arguments.indexOf("--script");
+    if (at >= 0)
+        return std::min(at + 2, int(arguments.size()));
+    for (int i = 0; i < arguments.size(); ++i) {
+        if (arguments[i].startsWith("--script="))
+            return i + 1;
+    }
+    return arguments.size();
 }
 
 bool refuse(QString* error, const QString& reason)
@@ -103,11 +118,13 @@ std::optional<Options> Options::Parse(const QStringList& arguments, QString* err
 {
     QCommandLineParser parser;
     describe(parser);
-    if (!parser.parse(arguments)) {
+    const int end = endOfOurs(arguments);
+    if (!parser.parse(arguments.mid(0, end))) {
         refuse(error, parser.errorText());
         return {};
     }
     Options options;
+    options.scriptArguments = arguments.mid(end);
     options.files = parser.positionalArguments();
     options.script = parser.value(scriptOption);
     options.plugins = parser.values(pluginOption);

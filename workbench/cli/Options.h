@@ -13,9 +13,10 @@ struct Options {
     enum class Action { Interface, Help, Version, ListControls, ListResources, Render };
 
     Action action = Action::Interface;
-    QStringList files;   // document, image or sequence to open first; then arguments of the script
-    QString script;      // run in the open application; empty: none
-    QStringList plugins; // further ones to load
+    QStringList files;           // document, image or sequence to open
+    QString script;              // run in the open application; empty: none
+    QStringList scriptArguments; // everything behind the script's name, as it stands
+    QStringList plugins;         // further ones to load
     bool recovery = true;
 
     // Action::Render

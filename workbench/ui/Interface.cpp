@@ -1,6 +1,7 @@
 #include "workbench/ui/Interface.h"
 
 #include "system/resources/LookStyle.h"
+#include "workbench/samples/Samples.h"
 #include "workbench/scripting/ScriptHost.h"
 #include "workbench/ui/Icons.h"
 #include "workbench/ui/MainWindow.h"
@@ -12,6 +13,19 @@
 
 namespace Marlox {
 
+namespace {
+
+/// Something to try the controls on; without samples the document stays empty.
+void OpenSample(MainWindow& window)
+{
+    const QString folder = Samples::Folder();
+    QString error;
+    if (!folder.isEmpty())
+        window.GetSession().Open(folder + '/' + Samples::documentName, &error);
+}
+
+} // namespace
+
 int RunInterface(QApplication& application, const InterfaceOptions& options)
 {
     ApplyLook(application);
@@ -22,8 +36,9 @@ int RunInterface(QApplication& application, const InterfaceOptions& options)
     if (options.script.isEmpty()) {
         QTimer::singleShot(0, &window, [&window, &options] {
             if (!options.files.isEmpty())
-                window.OpenPath(options.files.first());
-            else if (options.offerRecovery)
+                return window.OpenPath(options.files.first());
+            OpenSample(window);
+            if (options.offerRecovery)
                 window.OfferRecovery();
         });
         return application.exec();
