@@ -10,7 +10,7 @@ function(marlox_image_library name header package)
         message(FATAL_ERROR "${name} was not found; its Debian package is ${package}. "
             "MARLOX_WORKBENCH=OFF builds the libraries and the plug-in without it.")
     endif()
-    add_library(Marlox::${name} UNKNOWN IMPORTED)
+    add_library(Marlox::${name} UNKNOWN IMPORTED GLOBAL)
     set_target_properties(Marlox::${name} PROPERTIES
         IMPORTED_LOCATION ${${name}_LIBRARY}
         INTERFACE_INCLUDE_DIRECTORIES ${${name}_INCLUDE_DIR})

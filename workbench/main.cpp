@@ -26,13 +26,13 @@ int complain(const QString& text, int status)
     return status;
 }
 
-/// Rendering needs no display at all; the other actions make widgets, if only to ask them
-/// something.
+/// Only the window needs a display. The list of controls makes one of each, if only to ask it.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, Options::Action action)
 {
-    if (action == Options::Action::Render)
+    const bool listsControls = action == Options::Action::ListControls;
+    if (action != Options::Action::Interface && !listsControls)
         return std::make_unique<QCoreApplication>(argc, argv);
-    if (action != Options::Action::Interface)
+    if (listsControls)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

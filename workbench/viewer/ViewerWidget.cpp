@@ -77,6 +77,8 @@ ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
 ViewerWidget::~ViewerWidget()
 {
     ReleasePainter();
+    if (context()) // goes with the base, when there is nothing left here to release
+        context()->disconnect(this);
 }
 
 void ViewerWidget::ConnectRenderer()

@@ -8,9 +8,6 @@
 /// IC, ICD, ICS the same for controls.
 namespace Marlox {
 
-// Group 001: what Object::GetObjectInfo tells.
-inline constexpr u32 INFO_Generic = 0x10010000; // no behaviour of its own yet, only a plain form
-
 // Group 003: input attributes.
 inline constexpr u32 IA_ControlIndex = 0x10030007;  // index of the input within its control, from 0
 inline constexpr u32 IA_OverlayIndex = 0x10030009;  // the same within its viewer overlay
