@@ -10,6 +10,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 namespace Marlox {
 
@@ -208,17 +209,35 @@ Ref<Image> oriented(const Ref<Image>& image, int orientation)
     return upright;
 }
 
-/// JPEG decoders fill up a file that breaks off and call it a picture.
+/// Whether a JPEG file lacks its end mark.
+bool lacksEnd(QFile& file)
+{
+    const qint64 tail = std::min<qint64>(file.size(), 65536);
+    file.seek(file.size() - tail);
+    return !file.read(tail).contains("\xff\xd9");
+}
+
+/// Whether a DPX file is smaller than its header tells; all bits set mean that it does not tell.
+bool isSmallerThanTold(QFile& file)
+{
+    const QByteArray header = file.read(20);
+    const bool isBigEndian = header.startsWith("SDPX");
+    const char* field = header.constData() + 16;
+    const quint32 told =
+        isBigEndian ? qFromBigEndian<quint32>(field) : qFromLittleEndian<quint32>(field);
+    return header.size() < 20 || (told != 0xffffffffu && qint64(told) > file.size());
+}
+
+/// The decoders of some formats fill up a file that breaks off and call it a picture.
 bool isCutOff(const QString& path, const char* format)
 {
-    if (qstrcmp(format, "jpeg") != 0)
+    const bool isJpeg = qstrcmp(format, "jpeg") == 0;
+    if (!isJpeg && qstrcmp(format, "dpx") != 0)
         return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return true;
-    const qint64 tail = std::min<qint64>(file.size(), 65536);
-    file.seek(file.size() - tail);
-    return !file.read(tail).contains("\xff\xd9");
+    return isJpeg ? lacksEnd(file) : isSmallerThanTold(file);
 }
 
 Ref<Image> readFile(const QString& path, QString* error, RenderContext* context)

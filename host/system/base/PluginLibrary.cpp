@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <cxxabi.h>
 #include <dlfcn.h>
+#include <elf.h>
 #include <filesystem>
 #include <fstream>
+#include <link.h>
 
 namespace Marlox {
 
@@ -63,12 +65,35 @@ std::string loaderReason(const std::string& path, std::string said)
     return "not a usable library: " + said;
 }
 
-bool isLibrary(const std::string& path)
+/// The beginning of the file as a `Header`; false if the file is shorter.
+template <class Header>
+bool readAt(std::ifstream& file, std::uint64_t place, Header& header)
 {
-    std::ifstream file(path, std::ios::binary);
-    std::array<char, 4> magic{};
-    file.read(magic.data(), magic.size());
-    return file && std::string_view(magic.data(), magic.size()) == "\177ELF";
+    file.seekg(std::streamoff(place));
+    return bool(file.read(reinterpret_cast<char*>(&header), sizeof(header)));
+}
+
+bool isLibrary(std::ifstream& file)
+{
+    std::array<char, SELFMAG> magic{};
+    return readAt(file, 0, magic) && std::string_view(magic.data(), magic.size()) == ELFMAG;
+}
+
+/// Whether all that is to be mapped is there: the loader crashes on a file that breaks off.
+bool isWhole(std::ifstream& file, std::uint64_t size)
+{
+    ElfW(Ehdr) header{};
+    if (!readAt(file, 0, header))
+        return false;
+    if (header.e_phentsize != sizeof(ElfW(Phdr)))
+        return true; // of another kind of machine: the loader says so
+    for (unsigned i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment{};
+        if (!readAt(file, header.e_phoff + i * sizeof(segment), segment) ||
+            segment.p_offset > size || segment.p_filesz > size - segment.p_offset)
+            return false;
+    }
+    return header.e_shoff + std::uint64_t(header.e_shnum) * header.e_shentsize <= size;
 }
 
 /// A plain name would be looked for in the system's folders instead of the current one.
@@ -93,8 +118,11 @@ std::unique_ptr<PluginLibrary> PluginLibrary::Load(const std::string& path, std:
     std::error_code fault;
     if (!std::filesystem::is_regular_file(path, fault))
         return fail(error, path, "there is no such file"), nullptr;
-    if (!isLibrary(path))
+    std::ifstream file(path, std::ios::binary);
+    if (!isLibrary(file))
         return fail(error, path, "it is not a library"), nullptr;
+    if (!isWhole(file, std::filesystem::file_size(path, fault)))
+        return fail(error, path, "not a usable library: the file breaks off"), nullptr;
     const std::string full = absolute(path);
     const PlainMessages plain;
     if (void* present = dlopen(full.c_str(), RTLD_NOW | RTLD_NOLOAD)) {

@@ -1,0 +1,368 @@
+#include "workbench/tools/Tools.h"
+#include "TestPictures.h"
+#include "script/ScriptSystem.h"
+#include "system/document/MarloxDoc.h"
+#include "workbench/images/ImageFile.h"
+#include "workbench/images/ImageScale.h"
+
+#include <cmath>
+#include <limits>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace Marlox;
+using namespace Marlox::Testing;
+
+namespace {
+
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+
+bool isNear(Rgba a, Rgba b, float tolerance = 1e-5f)
+{
+    for (std::size_t i = 0; i < 4; ++i) {
+        if (!(std::abs(a[i] - b[i]) <= tolerance))
+            return false;
+    }
+    return true;
+}
+
+/// One tool on its own, with values by input id.
+class Bench {
+public:
+    explicit Bench(const char* toolType) : tool_(document_.AddTool(toolType)) {}
+
+    Bench& Set(const char* input, double value)
+    {
+        tool_->FindInput(input)->SetValue(Number(value), TimeNone, Input::ReplaceAll);
+        return *this;
+    }
+    Bench& Set(const char* input, const QString& text)
+    {
+        tool_->FindInput(input)->SetValue(Text(text.toStdString()), TimeNone, Input::ReplaceAll);
+        return *this;
+    }
+    Ref<Image> Run(const Ref<Image>& upstream = {}, double time = 0.0, double scale = 1.0)
+    {
+        RenderContext context;
+        context.time = time;
+        context.scale = scale;
+        error.clear();
+        return tool_->Prepare(time)->Run(upstream, context, error);
+    }
+    std::string Key(double time = 0.0) const { return tool_->Prepare(time)->CacheKey(); }
+    Operator& Tool() { return *tool_; }
+    MarloxDoc& Document() { return document_; }
+
+    QString error;
+
+private:
+    MarloxDoc document_;
+    Operator* tool_;
+};
+
+double total(const Image& image, std::size_t channel)
+{
+    double sum = 0.0;
+    const MxRect window = image.GetFormat().dataWindow;
+    for (int y = window.top; y < window.bottom; ++y) {
+        for (int x = window.left; x < window.right; ++x)
+            sum += double(At(image, x, y)[channel]);
+    }
+    return sum;
+}
+
+/// Variance across of what one bright pixel became.
+double variance(const Image& image, double middle)
+{
+    double sum = 0.0;
+    const MxRect window = image.GetFormat().dataWindow;
+    for (int y = window.top; y < window.bottom; ++y) {
+        for (int x = window.left; x < window.right; ++x)
+            sum += double(At(image, x, y)[0]) * (x - middle) * (x - middle);
+    }
+    return sum / total(image, 0);
+}
+
+Ref<Image> dot(int size)
+{
+    return Picture(size, size, [size](int x, int y) {
+        const bool hit = x == size / 2 && y == size / 2;
+        return hit ? Rgba{8.0f, 4.0f, 2.0f, 1.0f} : Rgba{};
+    });
+}
+
+} // namespace
+
+class ToolsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        InstallScripting();
+        RegisterTools();
+    }
+    void cleanupTestCase() { UninstallScripting(); }
+
+    void newToolsPassPicturesThrough_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::newRow("grade") << "BrightnessContrast";
+        QTest::newRow("transform") << "Transform";
+    }
+    void newToolsPassPicturesThrough()
+    {
+        QFETCH(QString, tool);
+        Bench bench(qPrintable(tool));
+        const auto image = Plain(3, 2, {-1.0f, notANumber, 70000.0f, 0.0f});
+        QVERIFY(bench.Run(image) == image);
+        QVERIFY(!bench.Run());
+        QVERIFY(bench.error.contains("no image"));
+    }
+
+    void slidersSayWhatTheyAre()
+    {
+        for (const char* type : {"ImageSource", "BrightnessContrast", "Blur", "Transform"}) {
+            Bench bench(type);
+            for (const Ref<Input>& input : bench.Tool().Inputs()) {
+                if (input->GetDataType() != MxID(CLSID_DataType_Number))
+                    continue;
+                const double low = input->GetAttrD(IAD_LowScale);
+                const double high = input->GetAttrD(IAD_HighScale);
+                const double normal = input->GetNumber(0.0, -1e9);
+                QVERIFY2(low < high && normal >= low && normal <= high, input->GetID().c_str());
+                QVERIFY(*input->GetAttrS(IAS_Help) != '\0');
+                if (input->GetAttrB(IC_Centred)) {
+                    const double centre = input->GetAttrD(ICD_Centre, 1e9);
+                    QVERIFY(centre > low && centre < high);
+                }
+            }
+        }
+    }
+
+    void grades_data()
+    {
+        QTest::addColumn<QStringList>("inputs");
+        QTest::addColumn<QList<double>>("values");
+        QTest::addColumn<QList<double>>("expected"); // of 0.5, 0.25, -0.5 with alpha 1
+        QTest::newRow("gain") << QStringList{"Gain"} << QList<double>{3}
+                              << QList<double>{1.5, 0.75, -1.5};
+        QTest::newRow("lift") << QStringList{"Lift"} << QList<double>{0.2}
+                              << QList<double>{0.6, 0.4, -0.2};
+        QTest::newRow("gamma") << QStringList{"Gamma"} << QList<double>{2}
+                               << QList<double>{std::sqrt(0.5), 0.5, -0.5};
+        QTest::newRow("contrast") << QStringList{"Contrast", "Pivot"} << QList<double>{1, 0.25}
+                                  << QList<double>{0.75, 0.25, -1.25};
+        const double luma = 0.2126 * 0.5 + 0.7152 * 0.25 - 0.0722 * 0.5;
+        QTest::newRow("grey") << QStringList{"Saturation"} << QList<double>{0}
+                              << QList<double>{luma, luma, luma};
+        QTest::newRow("posterise") << QStringList{"Posterise"} << QList<double>{4}
+                                   << QList<double>{2.0 / 3.0, 1.0 / 3.0, -2.0 / 3.0};
+        QTest::newRow("clips") << QStringList{"Gain", "ClipBlack", "ClipWhite"}
+                               << QList<double>{3, 1, 1} << QList<double>{1, 0.75, 0};
+        QTest::newRow("order") << QStringList{"Gain", "Gamma", "Contrast", "Pivot"}
+                               << QList<double>{2, 2, 1, 0} << QList<double>{2, std::sqrt(2.0), -2};
+    }
+    void grades()
+    {
+        QFETCH(QStringList, inputs);
+        QFETCH(QList<double>, values);
+        QFETCH(QList<double>, expected);
+        Bench bench("BrightnessContrast");
+        const std::string before = bench.Key();
+        for (int i = 0; i < inputs.size(); ++i)
+            bench.Set(qPrintable(inputs[i]), values[i]);
+        QVERIFY(bench.Key() != before);
+        const Rgba wanted{float(expected[0]), float(expected[1]), float(expected[2]), 1.0f};
+        QVERIFY(isNear(At(*bench.Run(Plain(5, 3, {0.5f, 0.25f, -0.5f, 1.0f})), 4, 2), wanted));
+        // The same colour under half the cover.
+        const Rgba half = At(*bench.Run(Plain(5, 3, {0.25f, 0.125f, -0.25f, 0.5f})), 0, 0);
+        QVERIFY(isNear(half, {wanted[0] / 2, wanted[1] / 2, wanted[2] / 2, 0.5f}));
+    }
+
+    void gradingLeavesEmptyPartsEmpty()
+    {
+        Bench bench("BrightnessContrast");
+        bench.Set("Lift", 0.5).Set("Gain", 2.0).Set("ClipWhite", 1.0);
+        QCOMPARE(At(*bench.Run(Plain(1, 1, {0, 0, 0, 0})), 0, 0), (Rgba{0, 0, 0, 0}));
+        QVERIFY(std::isnan(At(*bench.Run(Plain(1, 1, {notANumber, 0, 0, 1})), 0, 0)[0]));
+    }
+
+    void blurSpreadsExactly_data()
+    {
+        QTest::addColumn<double>("size");
+        QTest::addColumn<int>("passes");
+        for (const double size : {0.5, 3.0, 9.7}) {
+            for (const int passes : {1, 3, 6})
+                QTest::addRow("%g, %d", size, passes) << size << passes;
+        }
+    }
+    void blurSpreadsExactly()
+    {
+        QFETCH(double, size);
+        QFETCH(int, passes);
+        Bench bench("Blur");
+        bench.Set("XSize", size).Set("YSize", 2.0).Set("Passes", passes);
+        const auto image = bench.Run(dot(9));
+        QVERIFY(std::abs(total(*image, 0) - 8.0) < 1e-4);
+        QVERIFY(std::abs(total(*image, 3) - 1.0) < 1e-4);
+        QVERIFY(std::abs(variance(*image, 4.0) - size * size / 4.0) < 1e-3 * size * size);
+        QCOMPARE(image->GetFormat().displayWindow, MxRect(0, 0, 9, 9));
+        QVERIFY(image->GetFormat().dataWindow.left < 0);
+        QCOMPARE(At(*image, 4 - 2, 4), At(*image, 4 + 2, 4));
+    }
+
+    void blurKeepsEdgesAndSurvivesWildValues()
+    {
+        Bench bench("Blur");
+        bench.Set("RepeatEdges", 1.0);
+        const auto even = bench.Run(Plain(12, 7, {2.0f, 1.0f, 0.5f, 1.0f}));
+        QCOMPARE(even->GetFormat().dataWindow, MxRect(0, 0, 12, 7));
+        QVERIFY(isNear(At(*even, 0, 0), {2.0f, 1.0f, 0.5f, 1.0f}));
+        bench.Set("RepeatEdges", 0.0).Set("XSize", 2.0).Set("YSize", 0.0);
+        const auto wild = bench.Run(Picture(40, 1, [](int x, int) {
+            return Rgba{x == 5 ? notANumber : 1.0f,
+                        x == 5 ? std::numeric_limits<float>::infinity() : 1.0f,
+                        x == 5 ? 1e30f : 1.0f, 1.0f};
+        }));
+        QVERIFY(isNear(At(*wild, 25, 0), {1, 1, 1, 1}));
+        bench.Set("XSize", 0.0);
+        const auto image = dot(5);
+        QVERIFY(bench.Run(image) == image);
+    }
+
+    void blurIsTheSameOnProxies()
+    {
+        Bench bench("Blur");
+        bench.Set("XSize", 16.0).Set("YSize", 16.0);
+        const auto image = Picture(64, 64, [](int x, int y) {
+            return x >= 24 && x < 40 && y >= 24 && y < 40 ? Rgba{1, 1, 1, 1} : Rgba{};
+        });
+        RenderContext context;
+        const auto proxy = bench.Run(ReducedImage(image, 4, context));
+        const auto reduced = ReducedImage(bench.Run(image), 4, context);
+        QCOMPARE(proxy->GetFormat().scale, 0.25);
+        for (int i = -4; i < 20; ++i)
+            QVERIFY(isNear(At(*proxy, i, 8), At(*reduced, i, 8), 0.03f));
+    }
+
+    void transformMovesWholePixelsExactly_data()
+    {
+        QTest::addColumn<int>("filter");
+        QTest::newRow("nearest") << 0;
+        QTest::newRow("bilinear") << 1;
+        QTest::newRow("bicubic") << 2;
+    }
+    void transformMovesWholePixelsExactly()
+    {
+        QFETCH(int, filter);
+        Bench bench("Transform");
+        bench.Set("CentreX", 0.5 + 0.25).Set("CentreY", 0.5 + 0.5).Set("Filter", filter);
+        const auto image = Picture(8, 4, [](int x, int y) {
+            return Rgba{float(x), float(y), -1.0f, 1.0f};
+        });
+        const auto moved = bench.Run(image); // 2 to the right, 2 up
+        for (int y = 0; y < 4; ++y) {
+            for (int x = 0; x < 8; ++x)
+                QVERIFY(isNear(At(*moved, x, y), At(*image, x - 2, y + 2)));
+        }
+        QVERIFY(isNear(At(*moved, 9, 1), At(*image, 7, 3))); // beyond the display window
+    }
+
+    void transformTurnsAndScales()
+    {
+        const auto image = Picture(8, 8, [](int x, int y) {
+            return Rgba{float(x), float(y), 0.0f, 1.0f};
+        });
+        Bench bench("Transform");
+        bench.Set("Angle", 90.0);
+        // Counterclockwise: what was at the right comes to the top.
+        QVERIFY(isNear(At(*bench.Run(image), 2, 0), {7, 2, 0, 1}, 1e-4f));
+        bench.Set("Angle", 360.0);
+        QVERIFY(bench.Run(image) == image);
+        bench.Set("Angle", 0.0).Set("Size", 0.5);
+        QVERIFY(isNear(At(*bench.Run(image), 4, 4), {4.5f, 4.5f, 0, 1}, 1e-4f));
+        QVERIFY(isNear(At(*bench.Run(image), 0, 4), {}));
+        bench.Set("Size", 1.0).Set("Aspect", 2.0);
+        QVERIFY(isNear(At(*bench.Run(image), 4, 1), {3.75f, 1.0f, 0, 1}, 1e-4f));
+        bench.Set("Aspect", 1.0).Set("Size", 0.0);
+        QVERIFY(isNear(At(*bench.Run(image), 4, 4), {}));
+        bench.Set("Size", 1000.0);
+        const auto window = bench.Run(image)->GetFormat().dataWindow;
+        QCOMPARE(window, MxRect(-4, -4, 12, 12));
+    }
+
+    void transformTurnsSquarePixels()
+    {
+        Image::Format wide;
+        wide.pixelAspect = 2.0;
+        const auto image = Picture(
+            8, 8,
+            [](int x, int) {
+                return x == 6 ? Rgba{1, 1, 1, 1} : Rgba{};
+            },
+            wide);
+        Bench bench("Transform");
+        bench.Set("Angle", 90.0).Set("Filter", 0.0);
+        // The column 2 to 3 wide pixels right of the middle comes 4 to 6 pixel heights above it.
+        const auto turned = bench.Run(image);
+        for (const auto& [y, light] : {std::pair(-3, 0.0f), {-2, 1.0f}, {-1, 1.0f}, {0, 0.0f}})
+            QCOMPARE(At(*turned, 4, y)[0], light);
+    }
+
+    void sourcesReadFramesAndProxies()
+    {
+        for (const int frame : {3, 4, 6}) {
+            QString error;
+            const QString path =
+                folder_.filePath(QString("in.%1.exr").arg(frame, 4, 10, QChar('0')));
+            QVERIFY(WriteImage(*Plain(8, 6, {float(frame), 0, 0, 1}), path, &error));
+        }
+        Bench bench("ImageSource");
+        QVERIFY(!bench.Run());
+        QVERIFY(!bench.error.isEmpty());
+        bench.Set("File", folder_.filePath("in.####.exr"));
+        QCOMPARE(At(*bench.Run({}, 3.0), 0, 0)[0], 3.0f);
+        QVERIFY(bench.Key(3.0) != bench.Key(4.0));
+        bench.Set("FrameOffset", 2.0);
+        const auto proxy = bench.Run({}, 4.0, 0.5);
+        QCOMPARE(proxy->GetFormat().displayWindow, MxRect(0, 0, 4, 3));
+        QCOMPARE(At(*proxy, 3, 2)[0], 6.0f);
+
+        bench.Set("FrameOffset", 0.0);
+        QVERIFY(!bench.Run({}, 5.0));
+        QVERIFY(bench.error.contains(folder_.filePath("in.0005.exr")));
+        bench.Set("MissingFrames", 1.0);
+        QCOMPARE(At(*bench.Run({}, 5.0), 0, 0)[0], 4.0f);
+        QCOMPARE(At(*bench.Run({}, 1.0), 0, 0)[0], 3.0f);
+        bench.Set("MissingFrames", 2.0);
+        const auto black = bench.Run({}, 5.0);
+        QCOMPARE(black->GetFormat().displayWindow, MxRect(0, 0, 8, 6));
+        QVERIFY(black->GetFormat().dataWindow.IsEmpty());
+        bench.Set("File", folder_.filePath("gone.####.exr"));
+        QVERIFY(!bench.Run({}, 1.0));
+        QVERIFY(bench.error.contains("gone.0001.exr"));
+    }
+
+    void sourcesNoticeFilesWrittenAnewAndDocumentsMoved()
+    {
+        QString error;
+        const QString path = folder_.filePath("again.exr");
+        QVERIFY(WriteImage(*Plain(2, 2, {1, 0, 0, 1}), path, &error));
+        Bench bench("ImageSource");
+        bench.Set("File", "again.exr");
+        QVERIFY(bench.Document().Save(folder_.filePath("a.marlox"), &error));
+        QCOMPARE(At(*bench.Run(), 0, 0)[0], 1.0f);
+        const std::string before = bench.Key();
+        QVERIFY(WriteImage(*Plain(3, 2, {2, 0, 0, 1}), path, &error));
+        QVERIFY(bench.Key() != before);
+        QCOMPARE(At(*bench.Run(), 0, 0)[0], 2.0f);
+    }
+
+private:
+    QTemporaryDir folder_;
+};
+
+QTEST_GUILESS_MAIN(ToolsTest)
+#include "ToolsTest.moc"

@@ -1,0 +1,17 @@
+marlox_test(workbench-image-files SOURCES ImageFilesTest.cpp TestPictures.h
+    LIBS workbench-core Marlox::OpenImageIO)
+marlox_test(workbench-tools SOURCES ToolsTest.cpp TestPictures.h LIBS workbench-core)
+marlox_test(workbench-display SOURCES DisplayTest.cpp TestPictures.h LIBS workbench-core)
+marlox_test(workbench-command-line SOURCES CommandLineTest.cpp TestPictures.h LIBS workbench-core)
+add_dependencies(workbench-command-line marlox-workbench marloxcontrols)
+
+marlox_test(workbench-plugin-library SOURCES PluginLibraryTest.cpp UNLOADS)
+foreach(plugin Working Unresolved Silent)
+    add_library(test-plugin-${plugin} MODULE plugins/${plugin}.cpp)
+    target_link_libraries(test-plugin-${plugin} PRIVATE marloxsystem)
+    target_compile_options(test-plugin-${plugin} PRIVATE -fno-gnu-unique)
+    string(TOUPPER ${plugin} name)
+    target_compile_definitions(workbench-plugin-library PRIVATE
+        TEST_PLUGIN_${name}="$<TARGET_FILE:test-plugin-${plugin}>")
+    add_dependencies(workbench-plugin-library test-plugin-${plugin})
+endforeach()
