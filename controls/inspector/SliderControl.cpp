@@ -266,6 +266,7 @@ void SliderControl::ApplyToEdit()
     const MarloxDoc* document = GetDoc();
     edit_->SetTimeMode(settings_.time, document ? document->FrameRate() : 24.0);
     edit_->SetRange(settings_.allowed.low, settings_.allowed.high);
+    edit_->SetStep(settings_.plainStep);
 }
 
 void SliderControl::ApplyKnobStyle()

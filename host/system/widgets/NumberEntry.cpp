@@ -78,13 +78,15 @@ double NumberEntry::Moved(double number, double change)
 
 double NumberEntry::Step() const
 {
-    return integer || time ? 1.0 : 10.0 * StepOfRange(minimum, maximum);
+    if (integer || time)
+        return std::max(1.0, step);
+    return step > 0.0 ? step : 10.0 * StepOfRange(minimum, maximum);
 }
 
 double NumberEntry::DragStep() const
 {
-    const double step = StepOfRange(minimum, maximum);
-    return integer || time ? std::max(step, 0.1) : step;
+    const double perUnit = step > 0.0 ? step / 10.0 : StepOfRange(minimum, maximum);
+    return integer || time ? std::max(0.1, perUnit) : perUnit;
 }
 
 bool DigitAt::Find(const QString& text, int cursor, DigitAt& found)

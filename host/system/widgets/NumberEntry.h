@@ -21,6 +21,8 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
     double minimum = -std::numeric_limits<double>::infinity(); // what typing is clamped to
     double maximum = std::numeric_limits<double>::infinity();
 
+    double step = 0.0; // of an arrow key without a digit to step; 0: what suits the range
+
     struct Reading {
         enum class Kind { Nothing, Number, Expression, Unreadable } kind = Kind::Nothing;
         double value = 0.0; // of a number: rounded and clamped
@@ -44,8 +46,8 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
 
     /// The sum of a value and a step, without the trace that binary fractions leave (0.1 + 0.2).
     static double Moved(double number, double change);
-    /// One step of an arrow key or the wheel without a digit to step: a hundredth of the range's
-    /// power of ten (0.01 for 0 to 1), 0.1 without a range, 1 for whole numbers and times.
+    /// One step of an arrow key or the wheel without a digit to step: `step`, or a hundredth of the
+    /// range's power of ten (0.01 for 0 to 1), 0.1 without a range, 1 for whole numbers and times.
     double Step() const;
     /// The change for each unit of a drag: a thousandth of the range's power of ten, 0.01 without a
     /// range; for whole numbers and times at least 0.1.

@@ -84,6 +84,11 @@ void TimeCodeEdit::SetRange(double minimum, double maximum)
     d_->entry.maximum = maximum;
 }
 
+void TimeCodeEdit::SetStep(double step)
+{
+    d_->entry.step = step;
+}
+
 double TimeCodeEdit::Minimum() const
 {
     return d_->entry.minimum;

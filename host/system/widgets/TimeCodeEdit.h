@@ -50,6 +50,9 @@ public:
     /// Times are shown as frames, or as "hh:mm:ss:ff" when preferences say so; both can be typed.
     void SetTimeMode(bool time, double framesPerSecond = 24.0);
     void SetRange(double minimum, double maximum); // what typing and own steps are clamped to
+    /// The step of arrow keys and wheel where no digit is chosen, and ten units of an own drag. 0
+    /// (at first): a hundredth of the range's power of ten.
+    void SetStep(double step);
     double Minimum() const;
     double Maximum() const;
     void SetEditDisabled(bool disabled) { setReadOnly(disabled); }

@@ -327,6 +327,11 @@ void NumberTextTest::EntryStepsSuitTheRange()
     QCOMPARE(entry.DragStep(), 0.1); // ten pixels for a whole number
     entry.maximum = 5000.0;
     QCOMPARE(entry.DragStep(), 1.0); // yet long ranges are crossed in one sweep
+    entry.step = 0.05;               // as given, but for whole numbers
+    QCOMPARE(entry.Step(), 1.0);
+    entry.integer = false;
+    QCOMPARE(entry.Step(), 0.05);
+    QCOMPARE(entry.DragStep(), 0.005);
     QCOMPARE(NumberEntry::Moved(0.1, 0.2), 0.3);
 }
 
