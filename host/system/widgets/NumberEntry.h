@@ -49,8 +49,8 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
     /// One step of an arrow key or the wheel without a digit to step: `step`, or a hundredth of the
     /// range's power of ten (0.01 for 0 to 1), 0.1 without a range, 1 for whole numbers and times.
     double Step() const;
-    /// The change for each unit of a drag: a thousandth of the range's power of ten, 0.01 without a
-    /// range; for whole numbers and times at least 0.1.
+    /// The change for each unit of a drag: a tenth of `step`, or a thousandth of the range's power
+    /// of ten, 0.01 without a range; for whole numbers and times at least 0.1.
     double DragStep() const;
 };
 
