@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 // Documents as files: one script table, UTF-8, numbers in the C locale with 17 digits.
@@ -178,9 +179,11 @@ void MarloxDoc::Clear()
 
 void MarloxDoc::SetFilePath(const QString& path)
 {
-    if (path == path_)
+    // The working folder may be another one when the document is saved.
+    const QString absolute = path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
+    if (absolute == path_)
         return;
-    path_ = path;
+    path_ = absolute;
     emit FilePathChanged(path_);
 }
 
@@ -276,7 +279,11 @@ bool MarloxDoc::Save(const QString& path, QString* error)
         tell(error, tr("The document \"%1\" could not be saved: %2").arg(shown(path), fault));
         return false;
     }
-    undo_->Stack().setClean();
+    // In the middle of a gesture the file holds what no entry of the history leads to.
+    if (undo_->HasOpenChanges())
+        undo_->Stack().resetClean();
+    else
+        undo_->Stack().setClean();
     if (autosave_)
         autosave_->RemoveCopy();
     SetFilePath(path);

@@ -23,8 +23,17 @@ public:
 
     bool IsCancelled() const { return cancelled_.load(std::memory_order_relaxed); }
     void Cancel() { cancelled_ = true; }
-    /// 0 to 1, for the tool being processed.
-    void SetProgress(double fraction) { progress_ = fraction; }
+    /// 0 to 1, for the part of the tool being processed that SetPart told.
+    void SetProgress(double fraction) { progress_ = from_ + (to_ - from_) * fraction; }
+    /// The part of the tool's work that comes next, within 0 to 1: a process that goes over the
+    /// rows twice says (0, 0.5) before the first and (0.5, 1) before the second. The whole unless
+    /// told.
+    void SetPart(double from, double to)
+    {
+        from_ = from;
+        to_ = to;
+        progress_ = from;
+    }
     double Progress() const { return progress_.load(std::memory_order_relaxed); }
 
     /// Runs `body(first, last)` for pieces of [0, count) on all cores and waits; skips what is left
@@ -35,6 +44,8 @@ public:
 private:
     std::atomic<bool> cancelled_{false};
     std::atomic<double> progress_{0.0};
+    std::atomic<double> from_{0.0};
+    std::atomic<double> to_{1.0};
 };
 
 /// One tool's work in one render, with its values inside. Runs on a render thread; touches no host

@@ -204,7 +204,7 @@ RenderResult RenderJob::Run(RenderCache* cache)
         if (!needed[i] || images[i])
             continue;
         current_ = int(i);
-        context_.SetProgress(0.0);
+        context_.SetPart(0.0, 1.0);
         images[i] = RunStep(steps_[i], images, result.error);
         if (!images[i])
             break;

@@ -408,6 +408,12 @@ private slots:
         document_->EndUndo(false);
         QVERIFY(!document_->IsModified());
         QCOMPARE(changed.count(), 4);
+        document_->StartUndo("Drag"); // saved in its middle: no entry leads back to the file
+        document_->Tools()[0]->FindInput("Gain")->SetValue(Number(3), 0);
+        QVERIFY(document_->Save(pathOf("clean.marlox"), nullptr));
+        document_->EndUndo(true);
+        history().Undo();
+        QVERIFY(document_->IsModified());
         document_->Clear();
         QVERIFY(!document_->IsModified() && document_->Tools().empty());
         QVERIFY(document_->FilePath().isEmpty() && !history().CanUndo());
