@@ -3,6 +3,7 @@
 #include "system/controls/InputControl.h"
 
 #include <QEvent>
+#include <QImage>
 
 namespace Marlox {
 
@@ -69,6 +70,21 @@ MxColor CustomControl::BackgroundColor() const
         return owner_->GetBackgroundColor();
     const QColor color = palette().color(QPalette::Window);
     return {color.red(), color.green(), color.blue()};
+}
+
+QImage* CustomControl::PaintedImage(QPoint& offset, int& ratio) const
+{
+    QPoint origin;
+    QPaintDevice* device = redirected(&origin);
+    if (sharedPainter() || !device || device->devType() != QInternal::Image)
+        return nullptr;
+    auto* image = static_cast<QImage*>(device);
+    const double exactRatio = image->devicePixelRatioF();
+    ratio = int(exactRatio);
+    offset = -origin * ratio;
+    const bool plain = image->format() == QImage::Format_RGB32 ||
+                       image->format() == QImage::Format_ARGB32_Premultiplied;
+    return plain && ratio == exactRatio && ratio == devicePixelRatioF() ? image : nullptr;
 }
 
 bool CustomControl::event(QEvent* event)

@@ -57,6 +57,12 @@ protected:
     virtual void LoseGesture() { FinishGesture(); }
     /// What is behind the widget.
     MxColor BackgroundColor() const;
+    /// During a paint event: the image that it goes to, for widgets that only copy pixels and are
+    /// repainted for each step of a drag (opening a QPainter costs more than their pixels do). Null
+    /// where it has to be a QPainter: another one is at work, or the target is none of 32-bit
+    /// pixels, `ratio` whole ones for each of the widget's. `offset` is the image's pixel of the
+    /// widget's origin. Only the event's region may be written.
+    QImage* PaintedImage(QPoint& offset, int& ratio) const;
 
     bool event(QEvent* event) override;
 

@@ -1,6 +1,7 @@
 #include "widgets/CustomSlider.h"
 
 #include "widgets/CustomSliderAccessible.h"
+#include "widgets/PixelCopy.h"
 
 #include <cmath>
 
@@ -64,14 +65,14 @@ void CustomSlider::SetRange(double low, double high, bool notify)
 {
     if (!notify) {
         model_.SetRange(low, high);
-        track_ = QPixmap();
+        track_ = QImage();
         return;
     }
     const std::vector<double> marks = model_.TickPixels(tickMarksApart);
     const bool moved = model_.SetRange(low, high);
     const bool marksMoved = marks != model_.TickPixels(tickMarksApart);
     if (moved || marksMoved)
-        track_ = QPixmap();
+        track_ = QImage();
     const bool resetMoved = moved && !geometry_.resetSize.isEmpty() && model_.HasDefault() &&
                             model_.value != model_.defaultValue;
     if (resetMoved || marksMoved)
@@ -311,7 +312,7 @@ void CustomSlider::Hover(SliderPart part)
     if (part == hover_)
         return;
     if ((part == SliderPart::Reset) != (hover_ == SliderPart::Reset))
-        track_ = QPixmap();
+        track_ = QImage();
     hover_ = part;
     update();
 }
@@ -326,13 +327,12 @@ void CustomSlider::RepaintKnob()
     const QRect after = geometry_.KnobDirtyRect(pixel);
     if (before.intersects(after))
         return update(before | after);
-    update(before);
-    update(after);
+    update(QRegion(before) + after);
 }
 
 void CustomSlider::RepaintAll()
 {
-    track_ = QPixmap();
+    track_ = QImage();
     shownPixel_ = SliderGeometry::KnobPixel(model_);
     update();
 }
@@ -403,14 +403,41 @@ void CustomSlider::paintEvent(QPaintEvent* event)
         trackOpaque_ = opaque;
         track_ = skin_.PaintTrack(size(), TrackState());
     }
+    QPoint offset;
+    int whole = 1;
+    QImage* image = opaque && isEnabled() ? PaintedImage(offset, whole) : nullptr;
+    if (image) {
+        CopyTo(*image, offset, whole, event->region());
+        return;
+    }
     QPainter painter(this);
-    for (const QRect& part : event->region())
-        painter.drawPixmap(QRectF(part), track_,
-                           QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
+    PaintTo(painter, event->region());
+}
+
+const QImage& CustomSlider::ShownKnob() const
+{
+    return skin_.Knob(dragging_ || (IsKnobHovered() && !IsLocked()));
+}
+
+void CustomSlider::PaintTo(QPainter& painter, const QRegion& region) const
+{
+    const double ratio = track_.devicePixelRatioF();
+    for (const QRect& part : region)
+        painter.drawImage(QRectF(part), track_,
+                          QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
     if (!isEnabled())
         painter.setOpacity(dimmed);
-    const QRect knob = geometry_.KnobRect(SliderGeometry::KnobPixel(model_));
-    painter.drawPixmap(knob.topLeft(), skin_.Knob(dragging_ || (IsKnobHovered() && !IsLocked())));
+    painter.drawImage(geometry_.KnobRect(SliderGeometry::KnobPixel(model_)).topLeft(), ShownKnob());
+}
+
+void CustomSlider::CopyTo(QImage& image, QPoint offset, int ratio, const QRegion& region) const
+{
+    const QPoint knob = geometry_.KnobRect(SliderGeometry::KnobPixel(model_)).topLeft() * ratio;
+    for (const QRect& part : region) {
+        const QRect pixels(part.topLeft() * ratio, part.size() * ratio);
+        CopyPixels(image, offset, track_, QPoint(), pixels);
+        BlendPixels(image, offset, ShownKnob(), knob, pixels);
+    }
 }
 
 void CustomSlider::changeEvent(QEvent* event)

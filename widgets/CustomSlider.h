@@ -160,13 +160,16 @@ private:
     void Hover(SliderPart part);
     void FollowLayout();
     SliderTrackState TrackState() const;
+    void PaintTo(QPainter& painter, const QRegion& region) const;
+    void CopyTo(QImage& image, QPoint offset, int ratio, const QRegion& region) const;
+    const QImage& ShownKnob() const;
 
     SliderModel model_;
     SliderDrag drag_;
     SliderSkin skin_;
     SliderGeometry geometry_;
     SliderPart hover_ = SliderPart::None;
-    QPixmap track_; // null: to be made
+    QImage track_; // what stands still; null: to be made
     QColor stateColor_;
     QBasicTimer repeat_;
     double dragStart_ = 0.0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace Marlox {
 
@@ -15,6 +16,14 @@ double digitsAbove(double pixels)
 double power(double base, double exponent)
 {
     return std::copysign(std::pow(std::abs(base), exponent), base);
+}
+
+/// Powers of ten that doubles hold exactly come from a table: it is asked for each step of a drag.
+double powerOfTen(double exponent)
+{
+    static constexpr double table[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
+    return exponent >= 0.0 && exponent < double(std::size(table)) ? table[int(exponent)]
+                                                                  : std::pow(10.0, exponent);
 }
 
 } // namespace
@@ -102,7 +111,7 @@ double SliderScale::Rounded(double value, bool fine) const
         return value;
     const double digits = PrecisionDigits(value) + (fine ? 1.0 : 0.0);
     // Whole powers of ten only, which doubles hold exactly: 12300 stays 12300, not 12300.000000002.
-    const double unit = std::pow(10.0, std::abs(digits));
+    const double unit = powerOfTen(std::abs(digits));
     return digits >= 0.0 ? std::round(value * unit) / unit : std::round(value / unit) * unit;
 }
 

@@ -32,9 +32,12 @@ QColor toQColor(const GradientColor& color)
                             unit(color.alpha));
 }
 
-QPixmap withoutLastRow(const QPixmap& bitmap, double ratio)
+/// The rows of a knob that are drawn, and repainted when it moves.
+QImage withoutLastRow(const QPixmap& bitmap, double ratio)
 {
-    return bitmap.copy(0, 0, bitmap.width(), bitmap.height() - int(std::ceil(ratio)));
+    return bitmap.copy(0, 0, bitmap.width(), bitmap.height() - int(std::ceil(ratio)))
+        .toImage()
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 } // namespace
@@ -115,10 +118,10 @@ QSize SliderSkin::MinimumSize() const
             std::max(knobSize_.height(), trackSize_.height())};
 }
 
-QPixmap SliderSkin::PaintTrack(QSize widget, const SliderTrackState& state) const
+QImage SliderSkin::PaintTrack(QSize widget, const SliderTrackState& state) const
 {
-    QPixmap picture(
-        QSize(int(std::ceil(widget.width() * ratio_)), int(std::ceil(widget.height() * ratio_))));
+    QImage picture(int(std::ceil(widget.width() * ratio_)),
+                   int(std::ceil(widget.height() * ratio_)), QImage::Format_ARGB32_Premultiplied);
     picture.setDevicePixelRatio(ratio_);
     picture.fill(state.background.isValid() ? state.background : Qt::transparent);
     QPainter painter(&picture);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <QColor>
+#include <QImage>
 #include <QMargins>
 #include <QPixmap>
 
@@ -49,9 +50,10 @@ public:
     double PixelHigh(QSize widget) const;
     QSize MinimumSize() const;
 
-    const QPixmap& Knob(bool highlighted) const { return highlighted ? knobLit_ : knob_; }
+    /// Pictures of 32-bit premultiplied pixels.
+    const QImage& Knob(bool highlighted) const { return highlighted ? knobLit_ : knob_; }
     /// Everything but the knob.
-    QPixmap PaintTrack(QSize widget, const SliderTrackState& state) const;
+    QImage PaintTrack(QSize widget, const SliderTrackState& state) const;
 
 private:
     void FillWithGradients(QPainter& painter, const QRect& inner) const;
@@ -65,8 +67,8 @@ private:
 
     double ratio_ = 0.0; // 0: nothing loaded
     unsigned generation_ = 0;
-    QPixmap knob_;
-    QPixmap knobLit_;
+    QImage knob_;
+    QImage knobLit_;
     QPixmap track_;
     QPixmap reset_;
     QSize knobSize_;
