@@ -23,6 +23,10 @@ endif()
 
 set(MARLOX_WARNINGS -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual
     -Wimplicit-fallthrough)
+# GCC 12 warns of its own string templates when it optimises.
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    list(APPEND MARLOX_WARNINGS -Wno-restrict)
+endif()
 if(MARLOX_WERROR)
     list(APPEND MARLOX_WARNINGS -Werror)
 endif()
