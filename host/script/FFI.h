@@ -18,7 +18,7 @@ namespace Marlox {
 
 /// One tag name that scripts may write, ended by an entry without a name. Some tags keep an id
 /// whose type digit does not tell what they carry: these entries name the type of their value.
-struct TagMapEntry {
+struct MARLOXSCRIPT_EXPORT TagMapEntry {
     const char* name = nullptr;
     u32 tag = 0;
     TagType type = TagType(0); // 0: as the tag's id says

@@ -2,8 +2,11 @@
 
 #include "script/CLocale.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include <lua.hpp>
@@ -14,6 +17,31 @@ namespace {
 
 constexpr int countStep = 1000; // instructions between two looks at the limits
 
+int LineOf(const std::string& message)
+{
+    const std::size_t colon = message.find(':');
+    return colon != std::string::npos ? std::atoi(message.c_str() + colon + 1) : 0;
+}
+
+/// Which of the compiler's two messages tells the fault of a text: the one for it as an expression,
+/// or as statements.
+bool LooksLikeStatements(const std::string& text, const std::string& asExpression,
+                         const std::string& asStatements)
+{
+    // The wrong reading fails early.
+    if (LineOf(asExpression) != LineOf(asStatements))
+        return LineOf(asStatements) > LineOf(asExpression);
+    constexpr std::string_view starts[] = {"break", "do",     "for",    "function", "if",
+                                           "local", "repeat", "return", "while"};
+    const std::size_t start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
+    const std::size_t end = text.find_first_not_of("abcdefghijklmnopqrstuvwxyz", start);
+    const std::string word = text.substr(start, end - start);
+    if (std::find(std::begin(starts), std::end(starts), word) != std::end(starts))
+        return true;
+    return asExpression.find("'<eof>' expected") != std::string::npos &&
+           asStatements.find("'=' expected") == std::string::npos;
+}
+
 } // namespace
 
 /// One protected call: the outermost one sets the limits.
@@ -22,7 +50,7 @@ public:
     Run(LuaState& owner, lua_State* thread, const Limits& limits)
         : owner_(owner), enforced_(owner.enforced_)
     {
-        if (owner.depth_++ == 0) {
+        if (owner.depth_ == 0) {
             if (limits.bytes != 0 && owner.used_ > limits.bytes / 2)
                 lua_gc(owner.state_, LUA_GCCOLLECT, 0);
             owner.limits_ = limits;
@@ -31,6 +59,7 @@ public:
             owner.cancelled_ = false;
             owner.stopped_ = false;
         }
+        ++owner.depth_; // last: from now on another thread may cancel
         lua_sethook(thread, &LuaState::OnCount, LUA_MASKCOUNT, owner.stopped_ ? 1 : countStep);
         owner.enforced_ = owner.limits_.bytes != 0;
     }
@@ -173,8 +202,9 @@ bool LuaState::LoadValue(lua_State* thread, const std::string& text, const std::
         lua_remove(thread, -2);
         return true;
     }
-    // The message that fits what the text looks like.
-    lua_remove(thread, text.find("return") != std::string::npos ? -2 : -1);
+    const bool statements =
+        LooksLikeStatements(text, lua_tostring(thread, -2), lua_tostring(thread, -1));
+    lua_remove(thread, statements ? -2 : -1);
     return false;
 }
 

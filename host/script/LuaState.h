@@ -51,7 +51,7 @@ public:
     void Cancel() { cancelled_ = true; }
     bool IsRunning() const { return depth_ > 0; }
     std::size_t UsedBytes() const { return used_; }
-    /// Called every few thousand instructions of a running script, outside of limits.
+    /// Called every thousand instructions of a running script, outside of limits. Must not throw.
     void SetIdle(void (*idle)(void*), void* context);
 
     /// Scope of native code that a script called: it may allocate without limit.
@@ -78,7 +78,7 @@ private:
     Limits limits_;
     bool enforced_ = false;
     bool stopped_ = false;
-    int depth_ = 0;
+    std::atomic<int> depth_{0};
     std::int64_t instructions_ = 0;
     Clock::time_point deadline_;
     std::atomic<bool> cancelled_{false};

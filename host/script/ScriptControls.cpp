@@ -239,8 +239,7 @@ void Create(ScriptCall& call)
 void CreateUserControl(ScriptCall& call)
 {
     const ScriptVal table = call.Table(1);
-    ScriptVal attributes = table;
-    attributes = table.Clone();
+    ScriptVal attributes = table.Clone();
     attributes.Set("Control", ScriptVal());
     attributes.Set("Name", ScriptVal());
     if (!table.Get("Control").IsString() || !table.Get("Name").IsString())
@@ -292,7 +291,8 @@ void GetAttributes(ScriptCall& call)
     const AttributeNames names = NamesOf(object);
     std::vector<std::string> wanted;
     if (call.Has(1)) {
-        for (const ScriptVal& name : call.Table(1).Elements())
+        const ScriptVal list = call.Table(1);
+        for (const ScriptVal& name : list.Elements())
             wanted.push_back(name.ToString());
     } else {
         wanted = names.All();

@@ -92,18 +92,23 @@ ScriptEngine::Private::Private(ScriptEngine& owner)
     lua_pushcfunction(state, LuaFunction<&Private::Exit>);
     lua_setfield(state, -2, "exit");
     lua_settop(state, 0);
-    interpreter.SetIdle(
-        [](void* self) {
-            if (const auto& run = static_cast<Private*>(self)->idle)
-                run();
-        },
-        this);
+    interpreter.SetIdle([](void* self) { static_cast<Private*>(self)->RunIdle(); }, this);
 }
 
 ScriptEngine::Private::~Private()
 {
     alive.reset();
     objects.ReleaseAll();
+}
+
+void ScriptEngine::Private::RunIdle() noexcept
+{
+    try {
+        if (idle)
+            idle();
+    } catch (...) { // nothing may fly through the interpreter's frames
+        interpreter.Cancel();
+    }
 }
 
 ScriptEngine::Private& ScriptEngine::Private::Of(lua_State* state)
@@ -393,7 +398,7 @@ ScriptClass& ScriptEngine::AddClass(const std::string& name, const std::string& 
 
 std::vector<std::string> ScriptEngine::Names() const
 {
-    std::vector<std::string> names;
+    std::vector<std::string> names = {"cast", "isvalid", "uncast"};
     for (const Private::Function& function : d_->functions)
         names.push_back(function.name);
     for (const ScriptClass& known : d_->objects.Classes()) {

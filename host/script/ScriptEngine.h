@@ -15,14 +15,14 @@ namespace Marlox {
 class ScriptObjects;
 
 /// How a run of a script ended.
-struct ScriptResult {
+struct MARLOXSCRIPT_EXPORT ScriptResult {
     bool ok = true;
     QString message;               // the reason, without the place
     QString file;                  // where it failed: a file or the name given to the text
     int line = 0;                  // 0: nowhere in a script
     QString traceback;             // the calls that led there, a line each, innermost first
     std::optional<int> exitCode;   // the script asked to end the program (os.exit)
-    std::vector<ScriptVal> values; // results; nil for what values can't hold
+    std::vector<ScriptVal> values; // results; nil for what values can't hold, objects not owned
     QStringList texts;             // the same as `print` shows them
 
     /// "file:12: reason", or "" when all went well.
@@ -65,7 +65,7 @@ public:
     void Interrupt();
     /// The longest that a run may take, waiting included; 0: any time.
     void SetTimeLimit(std::chrono::milliseconds limit);
-    /// Called every few thousand instructions of a running script.
+    /// Called every thousand instructions of a running script. One that throws stops the script.
     void SetIdle(std::function<void()> idle);
     /// What `print` writes, a line each; to the standard output unless set.
     void SetPrint(std::function<void(const QString&)> print);

@@ -48,6 +48,7 @@ public:
     std::shared_ptr<ScriptEngine*> alive;
 
 private:
+    void RunIdle() noexcept;
     void ReadResults(int from, ScriptResult& result);
     LuaState::Limits Limits() const;
 };
