@@ -176,8 +176,6 @@ void CustomSlider::EndDrag()
 
 void CustomSlider::DragBy(double units, RelativeDrag& state)
 {
-    if (!dragging_)
-        dragStart_ = model_.value;
     SetValue(model_.Dragged(dragStart_, units, state));
 }
 

@@ -44,6 +44,8 @@ QImage withoutLastRow(const QPixmap& bitmap, double ratio)
 
 void SliderSkin::SetKnob(const char* normal, const char* highlighted)
 {
+    if (knobName_ == normal && knobLitName_ == highlighted)
+        return;
     knobName_ = normal;
     knobLitName_ = highlighted;
     ratio_ = 0.0;

@@ -9,20 +9,23 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <optional>
 
 namespace Marlox {
 
 namespace {
 
-/// What all sliders share, filled when the first is made and kept by the declaration below.
+/// What all sliders share, filled when the first is made (and when another look is in use since)
+/// and kept by the declaration below.
 struct SharedValues {
     ScriptVal layout;
     std::optional<MxPoint> resetPosition;
+    unsigned generation = 0; // of the look they come from
 };
 SharedValues& shared();
 const ResColor& expressionColor();
+
+constexpr char layoutName[] = "Controls.Slider.Layout";
 
 struct KnobStyle {
     int number;
@@ -43,9 +46,11 @@ constexpr int notElided = 3;
 void fillShared()
 {
     SharedValues& values = shared();
-    if (values.resetPosition)
+    const unsigned generation = LookPack::Global().Generation();
+    if (values.resetPosition && values.generation == generation)
         return;
-    values.layout = ResData::LayoutOf("Controls.Slider.Layout");
+    values.generation = generation;
+    values.layout = ResData::LayoutOf(layoutName);
     const ScriptVal reset = ResData::ValueOf("Controls.Slider.Data").Get("Reset");
     values.resetPosition.emplace(int(std::lround(reset.At(1).ToNumber())),
                                  int(std::lround(reset.At(2).ToNumber())));
@@ -207,7 +212,10 @@ bool SliderControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
         slider_->DragBy(movement, state);
         accumulated = state.movement;
     });
-    if (!CreateLayout(shared().layout, false, attachWidget, this)) {
+    const ScriptVal& layout = shared().layout;
+    const bool built = layout.IsTable() ? CreateLayout(layout, false, attachWidget, this)
+                                        : LoadLayout(layoutName, false, attachWidget, this);
+    if (!built) {
         for (QWidget* widget : std::initializer_list<QWidget*>{label_, slider_, edit_, lowLabel_,
                                                                midLabel_, highLabel_})
             widget->hide(); // the line that tells the fault has the place
@@ -431,7 +439,7 @@ struct SliderFacts : InspectorFacts {
         ResDIB reset{"Controls.Slider.Reset", 0};
         ResDIB track{"Controls.Slider.Track", 0};
         ResColor expression{"Controls.ExpressionColour", {230, 215, 135}, {9, 9, 9}};
-        ResData layout{"Controls.Slider.Layout"};
+        ResData layout{layoutName};
         ResData data{"Controls.Slider.Data"};
     };
     using ScriptVals = SharedValues;
