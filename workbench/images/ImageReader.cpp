@@ -106,17 +106,16 @@ bool hearProgress(void* context, float done)
 }
 
 bool readChannels(OIIO::ImageInput& input, int first, int count, float* target, int width,
-                  RenderContext* context)
+                  RenderContext& context)
 {
     const OIIO::stride_t pixel = 4 * sizeof(float);
     return input.read_image(0, 0, first, first + count, OIIO::TypeFloat, target, pixel,
-                            pixel * width, OIIO::AutoStride, context ? hearProgress : nullptr,
-                            context);
+                            pixel * width, OIIO::AutoStride, hearProgress, &context);
 }
 
 /// Fills the pixels, in one pass where the channels lie side by side.
 bool readPixels(OIIO::ImageInput& input, const ChannelMap& map, Image& image,
-                RenderContext* context)
+                RenderContext& context)
 {
     float* pixels = image.Row(0);
     const auto sideBySide = [&map](int count) {
@@ -250,22 +249,24 @@ Ref<Image> readFile(const QString& path, QString* error, RenderContext* context)
     const OIIO::ImageSpec spec = input->spec();
     const ChannelMap map = channelsOf(spec);
     auto image = MakeRef<Image>(formatOf(spec));
-    const bool read = readPixels(*input, map, *image, context);
+    RenderContext alone;
+    RenderContext& work = context ? *context : alone;
+    work.SetPart(0.0, 0.8);
+    const bool read = readPixels(*input, map, *image, work);
     const std::string reason = input->geterror();
-    if (context && context->IsCancelled())
+    if (work.IsCancelled())
         return {};
     if (!read)
         return fail(error, path, libraryReason(reason, path)), nullptr;
 
     const Finish finish{map[Green] == map[Red], map[Alpha] >= 0,
                         spec.get_int_attribute("oiio:UnassociatedAlpha") != 0, encodingOf(spec)};
-    RenderContext alone;
-    RenderContext& rows = context ? *context : alone;
-    rows.ForRows(image->Height(), [&](int first, int last) {
+    work.SetPart(0.8, 1.0);
+    work.ForRows(image->Height(), [&](int first, int last) {
         for (int y = first; y < last; ++y)
             finish.Row(image->Row(y), image->Width());
     });
-    if (rows.IsCancelled())
+    if (work.IsCancelled())
         return {};
     const int orientation = spec.get_int_attribute("Orientation", 1);
     return orientation > 1 && orientation <= 8 ? oriented(image, orientation) : image;

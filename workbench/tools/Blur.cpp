@@ -176,8 +176,10 @@ public:
         Ref<Image> image = upstream;
         if (image->GetFormat().dataWindow.IsEmpty())
             return image;
+        context.SetPart(0.0, 0.5);
         if (across.passes > 0)
             image = blurRows(*image, across, repeatEdges_, context);
+        context.SetPart(0.5, 1.0);
         if (down.passes > 0 && !context.IsCancelled())
             image = blurColumns(*image, down, repeatEdges_, context);
         return context.IsCancelled() ? Ref<Image>() : image;

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <mutex>
+#include <stdexcept>
 #include <vector>
 
 namespace Marlox {
@@ -116,6 +117,8 @@ struct DisplayTransform::Config {
                                                                : settings.display.toStdString();
         const std::string view = settings.view.isEmpty() ? colors->getDefaultView(display.c_str())
                                                          : settings.view.toStdString();
+        if (view.empty())
+            throw std::runtime_error("the colour configuration has no display \"" + display + "\"");
         auto toDisplay = ocio::DisplayViewTransform::Create();
         toDisplay->setSrc(ocio::ROLE_SCENE_LINEAR);
         toDisplay->setDisplay(display.c_str());
