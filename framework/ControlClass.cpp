@@ -11,8 +11,9 @@ bool MapControlTags(const TagMapEntry* tagNames, const MxID& call, bool toScript
     return scriptval_maptags(tagNames, toScript, values, tags);
 }
 
-/// Where all exported ffi_<class>_uncast names lead (see controls/CMakeLists.txt).
-extern "C" ScriptObject* marlox_uncast(ScriptObject* self)
+/// Where all exported ffi_<class>_uncast names lead (see controls/CMakeLists.txt); they take over
+/// its visibility, while it is itself hidden when the library is linked.
+extern "C" Q_DECL_EXPORT ScriptObject* marlox_uncast(ScriptObject* self)
 {
     return self;
 }

@@ -84,6 +84,15 @@ bool LabelControl::GetMinSize(int& width, int& height, TagList* tags)
     return true;
 }
 
+bool LabelControl::GetMaxSize(int& width, int& height, TagList* tags)
+{
+    if (variant_ == Variant::Label || variant_ == Variant::Nest)
+        return GenericInputControl::GetMaxSize(width, height, tags);
+    width = QWIDGETSIZE_MAX; // the layout, whose title is hidden, would say 0
+    height = gapHeight;
+    return true;
+}
+
 void LabelControl::paintEvent(QPaintEvent* event)
 {
     GenericInputControl::paintEvent(event);

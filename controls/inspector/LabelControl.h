@@ -16,6 +16,7 @@ public:
 
     std::size_t SizeOf() const override;
     bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
+    bool GetMaxSize(int& width, int& height, TagList* tags) override;
     bool GetMinSize(int& width, int& height, TagList* tags) override;
 
 protected:
