@@ -170,10 +170,6 @@ Rgb over(Rgb behind, const Cover& cover)
     return Mix(behind, cover.color, cover.alpha);
 }
 
-struct Background {
-    Ref<Image> land; // premultiplied by the cover in alpha
-};
-
 Ref<Image> makeImage()
 {
     Image::Format format;
