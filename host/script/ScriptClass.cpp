@@ -32,15 +32,6 @@ ScriptClass& ScriptClass::Property(const std::string& name, ScriptNative get, Sc
     return *this;
 }
 
-bool ScriptClass::IsKindOf(const ScriptClass& other) const
-{
-    for (const ScriptClass* at = this; at; at = at->base_) {
-        if (at == &other)
-            return true;
-    }
-    return false;
-}
-
 const ScriptClass::Member* ScriptClass::Find(const std::string& name) const
 {
     for (const ScriptClass* at = this; at; at = at->base_) {

@@ -29,7 +29,6 @@ public:
     ScriptClass& Property(const std::string& name, ScriptNative get, ScriptNative set = {});
 
     const std::string& Name() const { return name_; }
-    bool IsKindOf(const ScriptClass& other) const;
     bool Matches(RefObject* host, QObject* qt) const { return match_(host, qt); }
     /// Names of everything offered here and by the bases, in alphabetical order.
     std::vector<std::string> MemberNames() const;

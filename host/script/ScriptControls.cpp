@@ -5,9 +5,12 @@
 #include "system/controls/InputControl.h"
 #include "system/viewer/PreviewControl.h"
 
-#include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <optional>
+
+#include <cxxabi.h>
 
 namespace Marlox {
 
@@ -267,17 +270,43 @@ const char* NameOfKind(ClassKind kind)
     return "other";
 }
 
+/// Classes that have no behaviour of their own yet say so by an operation.
+bool IsSpecified(const Registry& record)
+{
+    const ScriptInfo* info = record.GetScriptInfo();
+    const ScriptOperation* at = info ? info->operations : nullptr;
+    while (at && at->name && std::strcmp(at->name, "IsGeneric") != 0)
+        ++at;
+    return !at || !at->name;
+}
+
+/// The C++ class of a record without a script type, from an instance; empty if none can be made.
+std::string ClassNameOf(const Registry& record)
+{
+    const Ref<Object> instance(IsControl(record) ? ClassRegistry::Global().Create(record.ClassID())
+                                                 : nullptr);
+    if (!instance)
+        return {};
+    const std::unique_ptr<char, void (*)(void*)> plain(
+        abi::__cxa_demangle(typeid(*instance).name(), nullptr, nullptr, nullptr), std::free);
+    const std::string name = plain ? plain.get() : "";
+    return name.substr(name.rfind(':') + 1);
+}
+
 void ListClasses(ScriptCall& call)
 {
     const TypeIndex types;
     ScriptVal list = ScriptVal::MakeTable();
     for (const Registry* record : ClassRegistry::Global().Records()) {
+        const FFIType* type = types.TypeOf(*record);
         ScriptVal row = ScriptVal::MakeTable();
         row.Set("id", ScriptVal(record->ClassID().c_str()));
+        row.Set("class", ScriptVal(type ? type->cName : ClassNameOf(*record)));
         row.Set("parent", ScriptVal(record->Parent().c_str()));
         row.Set("kind", ScriptVal(NameOfKind(record->Kind())));
-        if (const FFIType* type = types.TypeOf(*record))
-            row.Set("script", ScriptVal(type->scriptName));
+        row.Set("specified", ScriptVal(IsSpecified(*record)));
+        if (type)
+            row.Set("type", ScriptVal(type->scriptName));
         if (const TagPair* name = record->Find(REG_DisplayName))
             row.Set("name", ScriptVal(name->value.text));
         list.Append(std::move(row));

@@ -32,8 +32,10 @@ struct MARLOXSCRIPT_EXPORT ScriptResult {
 /// An interpreter for an application's scripts: Lua 5.1 with its standard libraries, the functions
 /// and classes that the application adds, and access to all registered control classes:
 ///
-/// - classes(): a list of {id, parent, kind, script, name}; `script` is the name of the script
-/// type;
+/// - classes(): a list of {id, class, parent, kind, type, specified, name}: class id, C++ class,
+/// class
+///   id of the parent, family ("InputControl"), script type (none: nil), whether it has a behaviour
+///   of its own, and the name for people, if it has one;
 /// - create(class, {Attribute = value, ...}): a control, by class id or script type;
 /// - usercontrol{Control = class, Name = text, Attribute = value, ...}: a control as users describe
 ///   one, with the name that is shown for it;

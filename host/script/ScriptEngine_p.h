@@ -22,8 +22,9 @@ public:
     /// Calls the function below its arguments on top of the stack; takes both off it.
     ScriptResult CallTop(int arguments);
     ScriptResult RunSource(const std::string& source, const std::string& chunkName, bool value);
-    /// Pushes the table of the dotted name's front part (made when missing) and returns the rest.
-    std::string PushTableOf(const std::string& name);
+    /// Pushes the table of the dotted name's front part and returns the rest. One that is missing
+    /// is made, or else an empty one stands for it.
+    std::string PushTableOf(const std::string& name, bool make = true);
     /// The text that `print` shows for the value at a stack position.
     std::string TextAt(int index);
 

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <string>
+#include <vector>
 
 #include <QPointer>
 
@@ -68,6 +69,8 @@ private:
     const ScriptClass& ClassOf(RefObject* host, QObject* qt) const;
     void Push(lua_State* state, RefObject* host, QObject* qt);
     ScriptHandle& Alive(lua_State* state);
+    const ScriptClass::Member* FindMember(const ScriptHandle& handle,
+                                          const std::string& name) const;
 
     static int Index(lua_State* state);
     static int SetIndex(lua_State* state);
@@ -78,8 +81,9 @@ private:
 
     ScriptEngine& engine_;
     std::deque<ScriptClass> classes_;
-    ScriptHandle list_; // of all handles: the ring's own link
-    int known_;         // object to handle, weak
+    std::vector<const ScriptClass*> common_; // of all Qt objects, of all host objects
+    ScriptHandle list_;                      // of all handles: the ring's own link
+    int known_;                              // object to handle, weak
 };
 
 /// Pushes a host object for an interpreter of an engine; the number of values pushed, 0 for a

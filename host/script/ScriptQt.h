@@ -20,9 +20,11 @@ ScriptVal FromVariant(const QVariant& value);
 std::optional<QVariant> ToVariant(const ScriptVal& value, int type);
 
 /// The Qt property `name` of an object; nothing if it has none that can be read.
-MARLOXSCRIPT_EXPORT std::optional<ScriptVal> ReadQtProperty(const QObject& object, const char* name);
+MARLOXSCRIPT_EXPORT std::optional<ScriptVal> ReadQtProperty(const QObject& object,
+                                                            const char* name);
 
 /// Why a Qt property can't be set; null when it was.
-MARLOXSCRIPT_EXPORT const char* WriteQtProperty(QObject& object, const char* name, const ScriptVal& value);
+MARLOXSCRIPT_EXPORT const char* WriteQtProperty(QObject& object, const char* name,
+                                                const ScriptVal& value);
 
 } // namespace Marlox

@@ -38,7 +38,8 @@ ControlWnd::~ControlWnd()
 
 void ControlWnd::SetOperator(Operator* tool)
 {
-    if (tool == operator_ && (tool || !d_->tool))
+    d_->suspended = nullptr;
+    if (tool == operator_)
         return;
     d_->Release();
     d_->Show(tool);
@@ -97,10 +98,10 @@ MxColor ControlWnd::BackgroundColor() const
 void ControlWnd::ReleaseAll()
 {
     for (ControlWnd* page : Pages()) {
-        const Ref<Operator> tool = page->d_->tool;
+        if (page->d_->tool)
+            page->d_->suspended = page->d_->tool;
         page->d_->Release();
         page->d_->released.clear();
-        page->d_->suspended = tool;
     }
 }
 

@@ -54,7 +54,6 @@ std::vector<ControlWnd::Private::Group> ControlWnd::Private::Groups() const
 void ControlWnd::Private::Show(Operator* shown)
 {
     page.operator_ = shown;
-    suspended = nullptr;
     if (shown) {
         tool = Ref<Operator>::Share(shown);
         document = shown->GetDoc();

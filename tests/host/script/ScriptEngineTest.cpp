@@ -187,6 +187,8 @@ void ScriptEngineTest::RunsTextAndFiles()
     QCOMPARE(engine_->GetGlobal("counter").ToNumber(), 7.0); // globals stay
     engine_->SetGlobal("settings.size", ScriptVal(4));
     QCOMPARE(Value("settings.size * string.len('abc')").ToNumber(), 12.0);
+    QVERIFY(engine_->GetGlobal("none.size").IsNil());
+    QVERIFY(Value("none == nil").ToBool()); // asking makes nothing
 
     QTemporaryDir folder;
     const QString path = folder.filePath("a script.lua");
@@ -518,7 +520,8 @@ void ScriptEngineTest::ListsAndCreatesControls()
     QCOMPARE(list.At(1).Get("id").ToString(), std::string("EditControl"));
     QCOMPARE(list.At(1).Get("parent").ToString(), std::string("InputControl"));
     QCOMPARE(list.At(2).Get("kind").ToString(), std::string("PreviewControl"));
-    QCOMPARE(list.At(2).Get("script").ToString(), std::string("MarkControl")); // by its class
+    QCOMPARE(list.At(2).Get("type").ToString(), std::string("MarkControl")); // by its class
+    QVERIFY(list.At(1).Get("specified").ToBool());
     QCOMPARE(MarkControl::alive, 0);
 
     QVERIFY(engine_
@@ -589,7 +592,11 @@ void ScriptEngineTest::RefusesWrongAttributes()
 void ScriptEngineTest::ReadsAndWritesAttributes()
 {
     const Load plugin;
+    // As an application has it: attributes are there whatever it made of controls.
+    engine_->AddClass<QWidget>("Widget");
+    engine_->AddClass<InputControl>("Control", "Widget");
     QVERIFY(engine_->RunText("edit = create('EditControl', {ECS_Low = 'low'})").ok);
+    QVERIFY(Value("tostring(edit)").ToString().starts_with("Control: "));
     QVERIFY(engine_->RunText("edit:SetAttrs{ECS_Low = 'other', IAD_Maximum = 2.5}").ok);
     QCOMPARE(mappedCall, MxID("SetAttrs"));
     const ScriptVal read = Value("edit:GetAttrs{'ECS_Low', 'IAD_Maximum', 'EC_Ticks'}");
