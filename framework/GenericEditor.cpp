@@ -73,10 +73,8 @@ public:
         const auto edited = [this](TimeCodeEdit& edit) { OnEdited(edit); };
         x_ = MakeNumberEdit(control, edited);
         y_ = MakeNumberEdit(control, edited);
-        x_->setAccessibleName(input.GetName() + " X");
-        y_->setAccessibleName(input.GetName() + " Y");
-        Append("edit", x_);
-        Append("edity", y_);
+        Append("edit", x_, " X");
+        Append("edity", y_, " Y");
     }
 
     void ReadAttributes() override
@@ -149,7 +147,6 @@ public:
     CheckEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
         box_ = new CustomCheckBox(&control);
-        box_->setAccessibleName(input.GetName());
         QObject::connect(box_, &QCheckBox::clicked, box_,
                          [this](bool on) { Send(MakeRef<Number>(on ? 1.0 : 0.0)); });
         Append("checkbox", box_);
@@ -206,9 +203,10 @@ std::unique_ptr<GenericEditor> GenericEditor::MakeCheckBox(GenericInputControl& 
     return std::make_unique<CheckEditor>(control, input);
 }
 
-void GenericEditor::Append(const char* name, QWidget* widget)
+void GenericEditor::Append(const char* name, QWidget* widget, const char* which)
 {
     widget->setObjectName(name);
+    widget->setAccessibleName(input_.GetName() + which);
     parts_.push_back({name, widget});
 }
 

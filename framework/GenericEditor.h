@@ -38,8 +38,9 @@ public:
     static std::unique_ptr<GenericEditor> MakeCheckBox(GenericInputControl& control, Input& input);
 
 protected:
-    /// Appends a widget, from the left.
-    void Append(const char* name, QWidget* widget);
+    /// Appends a widget, from the left. Screen readers call it after the input and `which` of its
+    /// numbers it is.
+    void Append(const char* name, QWidget* widget, const char* which = "");
     /// Writes what the user entered; may end this object's life.
     void Send(const Ref<Parameter>& value);
     /// A flag of the control, else of the input's own attributes.

@@ -89,8 +89,9 @@ void GenericInputControl::SendValue(Input& input, Parameter& value)
     if (!row || (row->value && row->value->IsEqual(value)))
         return;
     const unsigned int index = IndexOf(input, IA_ControlIndex);
+    const bool final = UndoDepth() == 0; // else a drag is under way
     const UndoScope undo(*this, index);
-    SetInputs(&value, CurrentTime(), index, true, nullptr);
+    SetInputs(&value, CurrentTime(), index, final, nullptr);
     UpdateDisplay(&input, nullptr); // a refused value goes from the editor, too
 }
 

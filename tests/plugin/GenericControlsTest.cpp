@@ -85,6 +85,7 @@ private slots:
     void LifeCycle_data();
     void LifeCycle();
     void EditsWriteOneUndoEntryEach();
+    void DragIsOneUndoEntry();
     void TypedExpressionBecomesTheInputs();
     void ValuesComeBack();
     void SeveralLinesAreNotLost();
@@ -203,6 +204,30 @@ void GenericControlsTest::EditsWriteOneUndoEntryEach()
         QVERIFY2(Control()->GetInputFrom(Find<QWidget>(name), nullptr), name);
     }
     QCOMPARE(Control()->GetInputFrom(Find<QWidget>("edity2"), nullptr), tool_->FindInput("Center"));
+}
+
+void GenericControlsTest::DragIsOneUndoEntry()
+{
+    OpenTool("ScrewControl");
+    auto* edit = Find<TimeCodeEdit>("edit");
+    const int before = UndoCount();
+    const QPoint start = edit->rect().center();
+    const auto move = [edit](const QPoint& to) {
+        QMouseEvent event(QEvent::MouseMove, to, edit->mapToGlobal(to), Qt::NoButton,
+                          Qt::MiddleButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(edit, &event);
+    };
+    QTest::mousePress(edit, Qt::MiddleButton, Qt::NoModifier, start);
+    for (int x = 1; x <= 40; ++x)
+        move(start + QPoint(x, 0));
+    const double reached = tool_->FindInput("Gain")->GetNumber(0.0);
+    QVERIFY(reached > 0.25);
+    QTest::mouseRelease(edit, Qt::MiddleButton, Qt::NoModifier, start + QPoint(40, 0));
+    QCOMPARE(tool_->FindInput("Gain")->GetNumber(0.0), reached);
+    QCOMPARE(UndoCount(), before + 1);
+    QCOMPARE(Control()->UndoDepth(), 0);
+    document_->Undo().Undo();
+    QCOMPARE(edit->GetValue(), 0.25);
 }
 
 void GenericControlsTest::TypedExpressionBecomesTheInputs()
