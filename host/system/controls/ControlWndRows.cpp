@@ -207,8 +207,15 @@ void ControlWnd::Private::AddKeys(Row& row, Input& first)
     row.keys->setEnabled(row.control->isEnabled());
     InputControl* control = row.control;
     QObject::connect(row.keys, &KeyFrameIndicator::Toggled, control, [control] {
-        if (!control->Inputs().empty())
-            InputMenu::ToggleKey(*control, *control->Inputs().front());
+        if (control->Inputs().empty())
+            return;
+        Input& main = *control->Inputs().front();
+        const auto index = int(main.GetAttr(IA_ControlIndex));
+        auto* line = static_cast<QWidget*>(control->GetExpressionData(index, nullptr));
+        if (!main.HasExpression())
+            InputMenu::ToggleKey(*control, main);
+        else if (line) // keys say nothing while an expression does
+            line->setFocus(Qt::OtherFocusReason);
     });
 }
 

@@ -248,6 +248,15 @@ void PreviewControl::Refresh(Input& input)
     UpdateDisplay(&input, nullptr);
 }
 
+void PreviewControl::TimeChanged()
+{
+    const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
+    for (Input* input : std::vector(inputs_)) {
+        if (input->IsAnimated() || input->HasExpression())
+            Refresh(*input);
+    }
+}
+
 void PreviewControl::NotifyChanged(Input*, Parameter*, TagList*) {}
 
 void PreviewControl::UpdateDisplay(Input*, TagList* tags)

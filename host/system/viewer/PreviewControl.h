@@ -90,6 +90,9 @@ public:
     /// Binds the overlay to a tool before its inputs are added.
     void SetOperator(Operator* owner) { owner_ = owner; }
     double CurrentTime() const;
+    /// For viewers: the document's time is another now; animated inputs and expressions are read
+    /// anew.
+    void TimeChanged();
     const std::vector<Input*>& Inputs() const { return inputs_; }
     Input* FindInputByIndex(unsigned int index) const;
     bool IsActive() const { return active_; }

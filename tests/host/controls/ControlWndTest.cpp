@@ -484,6 +484,16 @@ void ControlWndTest::releasedForUnload()
     QCOMPARE(record->LiveObjects(), 2);
 
     ControlWnd::ReleaseAll();
+    ControlWnd::ReleaseAll(); // asked by two libraries
+    ControlWnd::ReopenAll();
+    QCOMPARE(page_->GetOperator(), tool);
+
+    ControlWnd::ReleaseAll();
+    page_->SetOperator(nullptr); // the user went elsewhere meanwhile
+    ControlWnd::ReopenAll();
+    QVERIFY(!page_->GetOperator());
+    page_->SetOperator(tool);
+    ControlWnd::ReleaseAll();
     QVERIFY(document_->RemoveTool(*tool));
     ControlWnd::ReopenAll(); // the tool has gone meanwhile
     QVERIFY(!page_->GetOperator());

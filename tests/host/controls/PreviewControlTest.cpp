@@ -64,6 +64,10 @@ void PreviewControlTest::toldOfChanges()
     QVERIFY(tool_->FindInput("size")->SetValue(*MakeRef<Number>(1.0), 0.0));
     QCOMPARE(std::exchange(overlay_->log, {}), QStringList({"notify size=1", "display size"}));
     QCOMPARE(listener->heard, 1);
+    QVERIFY(tool_->FindInput("centre")->AddKey(0.0));
+    overlay_->log.clear();
+    overlay_->TimeChanged();
+    QCOMPARE(std::exchange(overlay_->log, {}), QStringList({"notify centre=0", "display centre"}));
     QVERIFY(overlay_->RemoveInput(tool_->FindInput("size"), nullptr));
     QVERIFY(!overlay_->RemoveInput(tool_->FindInput("size"), nullptr));
     QVERIFY(tool_->FindInput("size")->SetValue(*MakeRef<Number>(0.0), 0.0));

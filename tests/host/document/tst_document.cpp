@@ -509,6 +509,7 @@ private slots:
         preferences.Remove("");
         QCOMPARE(preferences.Names(), QStringList("Dialogs.Import.Position"));
         QCOMPARE(preferences.Get("Viewer.Gamma", 1).toInt(), 1);
+        QVERIFY(preferences.Flush()); // not at exit, when the folder is gone
     }
 };
 
