@@ -46,37 +46,43 @@ bool LooksLikeStatements(const std::string& text, const std::string& asExpressio
 
 } // namespace
 
+LuaState::Session::Session(LuaState& owner, const Limits& limits) : owner_(owner)
+{
+    if (owner.depth_ == 0) {
+        if (limits.bytes != 0 && owner.used_ > limits.bytes / 2)
+            lua_gc(owner.state_, LUA_GCCOLLECT, 0);
+        owner.limits_ = limits;
+        owner.instructions_ = 0;
+        owner.deadline_ = Clock::now() + limits.time;
+        owner.cancelled_ = false;
+        owner.stopped_ = false;
+    }
+    ++owner.depth_; // last: from now on another thread may cancel
+}
+
+LuaState::Session::~Session()
+{
+    if (--owner_.depth_ == 0)
+        lua_sethook(owner_.state_, &LuaState::OnCount, LUA_MASKCOUNT, countStep);
+}
+
 /// One protected call: the outermost one sets the limits.
 class LuaState::Run {
 public:
     Run(LuaState& owner, lua_State* thread, const Limits& limits)
-        : owner_(owner), enforced_(owner.enforced_)
+        : session_(owner, limits), owner_(owner), enforced_(owner.enforced_)
     {
-        if (owner.depth_ == 0) {
-            if (limits.bytes != 0 && owner.used_ > limits.bytes / 2)
-                lua_gc(owner.state_, LUA_GCCOLLECT, 0);
-            owner.limits_ = limits;
-            owner.instructions_ = 0;
-            owner.deadline_ = Clock::now() + limits.time;
-            owner.cancelled_ = false;
-            owner.stopped_ = false;
-        }
-        ++owner.depth_; // last: from now on another thread may cancel
         lua_sethook(thread, &LuaState::OnCount, LUA_MASKCOUNT, owner.stopped_ ? 1 : countStep);
         owner.enforced_ = owner.limits_.bytes != 0;
     }
 
-    ~Run()
-    {
-        owner_.enforced_ = enforced_;
-        if (--owner_.depth_ == 0)
-            lua_sethook(owner_.state_, &LuaState::OnCount, LUA_MASKCOUNT, countStep);
-    }
+    ~Run() { owner_.enforced_ = enforced_; }
 
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
 private:
+    Session session_;
     LuaState& owner_;
     bool enforced_;
     CLocale locale_;

@@ -34,6 +34,19 @@ public:
     /// The interpreter that a state (or a coroutine of it) belongs to. Only for states made here.
     static LuaState& Of(lua_State* state);
 
+    /// A run of several calls: their limits are those given here and count together, and a
+    /// Cancel() between the calls stops the next one. Within a running one it changes nothing.
+    class Session {
+    public:
+        Session(LuaState& owner, const Limits& limits);
+        ~Session();
+        Session(const Session&) = delete;
+        Session& operator=(const Session&) = delete;
+
+    private:
+        LuaState& owner_;
+    };
+
     /// Calls the function below its `arguments` on top of `thread`'s stack, in protected mode and
     /// under `limits`, with all results left on the stack, or the error value. Inside a call that
     /// runs already, the outer limits stay. True if it ended well. `handler` is the stack position

@@ -200,6 +200,11 @@ std::string ScriptEngine::Private::TextAt(int index)
 ScriptResult ScriptEngine::Private::RunSource(const std::string& source,
                                               const std::string& chunkName, bool value)
 {
+    // Compiling and running are one run to whoever stops it or asks whether one is under way.
+    const bool first = !interpreter.IsRunning();
+    const LuaState::Session session(interpreter, Limits());
+    if (first)
+        exitCode.reset();
     lua_checkstack(thread, LUA_MINSTACK);
     const bool loaded = value ? interpreter.LoadValue(thread, source, chunkName, Limits())
                               : interpreter.Load(thread, source, chunkName, Limits());

@@ -6,8 +6,8 @@ target_link_options(bench-empty-library PRIVATE -Wl,-z,now -Wl,--no-as-needed)
 target_link_libraries(bench-empty-library PRIVATE marloxscript marloxsystem Qt5::Core Qt5::Gui
     Qt5::Widgets)
 set_target_properties(bench-empty-library PROPERTIES PREFIX ""
-    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/benchmarks)
 
-marlox_bench(load_bench SOURCES ${CMAKE_CURRENT_LIST_DIR}/load_bench.cpp
+marlox_bench(load-bench SOURCES ${CMAKE_CURRENT_LIST_DIR}/load_bench.cpp
     LIBS marloxscript ${CMAKE_DL_LIBS})
-add_dependencies(load_bench bench-empty-library marloxcontrols)
+add_dependencies(load-bench bench-empty-library marloxcontrols)

@@ -36,7 +36,7 @@ void LoadControls(benchmark::State& state)
 
 void LoadEmptyLibrary(benchmark::State& state)
 {
-    load(state, MARLOX_BINARY_DIR "/bench/bench-empty-library.so");
+    load(state, MARLOX_BINARY_DIR "/benchmarks/bench-empty-library.so");
 }
 
 void LoadAndUnloadControls(benchmark::State& state)
