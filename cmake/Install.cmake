@@ -10,7 +10,7 @@ install(TARGETS marloxsystem marloxscript EXPORT MarloxTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS marloxcontrols LIBRARY DESTINATION ${MARLOX_PLUGIN_DIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/system ${PROJECT_SOURCE_DIR}/host/script
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlox FILES_MATCHING PATTERN "*.h")
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlox FILES_MATCHING PATTERN "*_p.h" EXCLUDE PATTERN "*.h")
 install(EXPORT MarloxTargets NAMESPACE Marlox:: DESTINATION ${package_dir})
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/MarloxConfig.cmake.in
     ${CMAKE_BINARY_DIR}/MarloxConfig.cmake
@@ -20,3 +20,13 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/MarloxConfigVersion.cmake
     COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/MarloxConfig.cmake ${CMAKE_BINARY_DIR}/MarloxConfigVersion.cmake
     DESTINATION ${package_dir})
+
+if(MARLOX_WORKBENCH)
+    set(desktop ${PROJECT_SOURCE_DIR}/workbench/desktop)
+    install(FILES ${desktop}/marlox-workbench.desktop
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+    install(FILES ${desktop}/marlox-workbench.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+    install(FILES ${PROJECT_SOURCE_DIR}/host/look/bitmaps/Icons.Workbench.Application.svg
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
+        RENAME marlox-workbench.svg)
+endif()

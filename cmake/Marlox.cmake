@@ -21,11 +21,14 @@ if(MARLOX_CCACHE)
     set(CMAKE_C_COMPILER_LAUNCHER ${MARLOX_CCACHE})
 endif()
 
-set(MARLOX_WARNINGS -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual
+set(MARLOX_WARNINGS -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual
     -Wimplicit-fallthrough)
-# GCC 12 warns of its own string templates when it optimises.
-if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    list(APPEND MARLOX_WARNINGS -Wno-restrict)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    list(APPEND MARLOX_WARNINGS -Wshadow=local)
+    # GCC 12 warns of its own string templates when it optimises.
+    if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+        list(APPEND MARLOX_WARNINGS -Wno-restrict)
+    endif()
 endif()
 if(MARLOX_WERROR)
     list(APPEND MARLOX_WARNINGS -Werror)

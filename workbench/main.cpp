@@ -35,6 +35,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, Option
     if (listsControls)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     return std::make_unique<QApplication>(argc, argv);
 }

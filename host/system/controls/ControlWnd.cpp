@@ -1,6 +1,6 @@
 #include "system/controls/ControlWnd.h"
 
-#include "system/controls/ControlWndPrivate.h"
+#include "system/controls/ControlWnd_p.h"
 #include "system/controls/InputMenu.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // Where the rows of an inspector page stand, and what they are told while they are shown.
 
-#include "system/controls/ControlWndPrivate.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/ControlWnd_p.h"
+#include "system/controls/InputControl_p.h"
 #include "system/resources/Resources.h"
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // How the rows of an inspector page come and go: from the attributes of the tool's inputs through
 // the controls' life cycle.
 
-#include "system/controls/ControlWndPrivate.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/ControlWnd_p.h"
+#include "system/controls/InputControl_p.h"
 #include "system/controls/InputMenu.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "system/controls/InputControl.h"
 
 #include "system/controls/ControlWnd.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/InputControl_p.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 // connections and expressions.
 
 #include "system/controls/ControlWnd.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/InputControl_p.h"
 
 #include <QLocale>
 #include <QVariant>

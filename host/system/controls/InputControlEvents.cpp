@@ -1,10 +1,10 @@
 // The widget side of an InputControl: wheel, focus, context menu, its own painting.
 
 #include "system/controls/ControlWnd.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/InputControl_p.h"
 #include "system/controls/InputMenu.h"
 #include "system/resources/Resources.h"
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

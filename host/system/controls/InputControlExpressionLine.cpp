@@ -2,7 +2,7 @@
 // it has none.
 
 #include "system/controls/ControlWnd.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/InputControl_p.h"
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 // An InputControl as a widget of the page: opening and closing, sizes, its layout.
 
 #include "system/controls/ControlWnd.h"
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/InputControl_p.h"
 #include "system/resources/Resources.h"
 
 namespace Marlox {

@@ -1,6 +1,6 @@
 #include "system/viewer/PreviewControl.h"
 
-#include "system/controls/InputControlPrivate.h"
+#include "system/controls/InputControl_p.h"
 
 #include <algorithm>
 #include <cstring>

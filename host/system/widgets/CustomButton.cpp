@@ -1,8 +1,8 @@
 #include "system/widgets/CustomButton.h"
 
 #include "system/resources/Resources.h"
-#include "system/widgets/WidgetAccess.h"
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetAccess_p.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <QKeyEvent>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "system/widgets/CustomCheckBox.h"
 
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <QHelpEvent>
 #include <QPainter>

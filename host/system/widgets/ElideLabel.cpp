@@ -1,7 +1,7 @@
 #include "system/widgets/ElideLabel.h"
 
-#include "system/widgets/WidgetAccess.h"
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetAccess_p.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <algorithm>
 #include <array>

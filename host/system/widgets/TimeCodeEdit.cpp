@@ -2,7 +2,7 @@
 
 #include "system/document/Preferences.h"
 #include "system/widgets/TimeCodeEdit_p.h"
-#include "system/widgets/WidgetAccess.h"
+#include "system/widgets/WidgetAccess_p.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // The field as it is drawn while nobody types in it.
 #include "system/widgets/TimeCodeEdit_p.h"
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <QPainter>
 #include <QPixmapCache>

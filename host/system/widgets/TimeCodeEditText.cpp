@@ -1,7 +1,7 @@
 // The field's text: showing and committing it, and the line edit it is typed in.
 #include "system/base/ScriptServices.h"
 #include "system/widgets/TimeCodeEdit_p.h"
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include <QAccessible>
 #include <QFocusEvent>

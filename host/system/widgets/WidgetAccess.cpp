@@ -1,4 +1,4 @@
-#include "system/widgets/WidgetAccess.h"
+#include "system/widgets/WidgetAccess_p.h"
 
 #include "system/widgets/CustomButton.h"
 #include "system/widgets/ElideLabel.h"

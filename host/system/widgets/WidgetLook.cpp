@@ -1,4 +1,4 @@
-#include "system/widgets/WidgetLook.h"
+#include "system/widgets/WidgetLook_p.h"
 
 #include "system/resources/Resources.h"
 
