@@ -21,14 +21,11 @@ if(MARLOX_CCACHE)
     set(CMAKE_C_COMPILER_LAUNCHER ${MARLOX_CCACHE})
 endif()
 
-set(MARLOX_WARNINGS -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual
-    -Wimplicit-fallthrough)
-if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    list(APPEND MARLOX_WARNINGS -Wshadow=local)
-    # GCC 12 warns of its own string templates when it optimises.
-    if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-        list(APPEND MARLOX_WARNINGS -Wno-restrict)
-    endif()
+set(MARLOX_WARNINGS -Wall -Wextra -Wpedantic $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough)
+# GCC 12 warns of its own string templates when it optimises.
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    list(APPEND MARLOX_WARNINGS -Wno-restrict)
 endif()
 if(MARLOX_WERROR)
     list(APPEND MARLOX_WARNINGS -Werror)
@@ -46,6 +43,6 @@ endif()
 # Every target of ours: warnings, sources seen from the project's root ("widgets/...") and from
 # host/ ("system/...", "script/..."), as the installed headers are.
 function(marlox_target name)
-    target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${MARLOX_WARNINGS}>)
+    target_compile_options(${name} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:${MARLOX_WARNINGS}>")
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
