@@ -174,7 +174,7 @@ consteval auto ControlClass<Facts>::MakeTags()
 {
     // Only the plain row of a class that scripts know has a mapper: variants use their parent's.
     constexpr bool mapped = row == 0 && scriptTypeCount > 0;
-    constexpr bool ownParent = Facts::records[row].parent != nullptr;
+    constexpr bool ownParent = *Facts::records[row].parent != '\0';
     std::array<TagPair, 8 + std::size(Facts::furtherTags) + (mapped ? 1 : 0)> made{};
     auto end = made.begin();
     *end++ = {REG_RegInit, &Class::RegInit};

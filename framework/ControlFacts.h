@@ -21,7 +21,7 @@ extern const char buildStamp[];
 struct RecordFacts {
     const char* id;
     const char* scriptType = nullptr; // null: scripts know no type of that name
-    const char* parent = nullptr;     // class id inherited from; null: that of the facts' base
+    const char* parent = "";          // class id inherited from; empty: that of the facts' base
 };
 
 /// A further pair at the end of a record. Compiling fails if the value is of another type than the
