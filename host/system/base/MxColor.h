@@ -17,9 +17,9 @@ struct MxColor {
     std::uint8_t alpha = 0;
 
     constexpr MxColor() = default;
+    /// Components from 0 to 255; others are clamped.
     constexpr MxColor(int red, int green, int blue, int alpha = 255)
-        : red(std::uint8_t(red)), green(std::uint8_t(green)), blue(std::uint8_t(blue)),
-          alpha(std::uint8_t(alpha))
+        : red(Clamped(red)), green(Clamped(green)), blue(Clamped(blue)), alpha(Clamped(alpha))
     {
     }
 
@@ -40,6 +40,12 @@ struct MxColor {
     QColor ToQColor() const { return {red, green, blue, alpha}; }
 
     friend constexpr bool operator==(const MxColor&, const MxColor&) = default;
+
+private:
+    static constexpr std::uint8_t Clamped(int component)
+    {
+        return std::uint8_t(std::clamp(component, 0, 255));
+    }
 };
 
 } // namespace Marlox

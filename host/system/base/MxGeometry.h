@@ -23,8 +23,14 @@ struct MxPointT {
 
 using MxPoint = MxPointT<int>;
 
-inline MxPoint ToMxPoint(const QPoint& point) { return {point.x(), point.y()}; }
-inline QPoint ToQPoint(const MxPoint& point) { return {point.x, point.y}; }
+inline MxPoint ToMxPoint(const QPoint& point)
+{
+    return {point.x(), point.y()};
+}
+inline QPoint ToQPoint(const MxPoint& point)
+{
+    return {point.x, point.y};
+}
 
 /// The host's integer rectangle of widget geometry, in pixels, y downwards. `right` and `bottom`
 /// are one past the last column and row, so that width is right - left.
@@ -55,7 +61,10 @@ struct MxRect {
     friend constexpr bool operator==(const MxRect&, const MxRect&) = default;
 };
 
-inline QRect ToQRect(const MxRect& r) { return {r.left, r.top, r.Width(), r.Height()}; }
+inline QRect ToQRect(const MxRect& r)
+{
+    return {r.left, r.top, r.Width(), r.Height()};
+}
 inline MxRect ToMxRect(const QRect& r)
 {
     return {r.x(), r.y(), r.x() + r.width(), r.y() + r.height()};

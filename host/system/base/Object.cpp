@@ -274,47 +274,47 @@ bool Object::_IsValid() const
 }
 
 // Reading attributes changes nothing, but the contract's CopyAttr is not const.
+bool Object::Ask(TagPair& attribute) const
+{
+    return const_cast<Object*>(this)->CopyAttr(attribute.tag, &attribute.value);
+}
 
 int64 Object::GetAttr(u32 tag, int64 missing) const
 {
     TagPair answer{tag, {}};
-    if (!const_cast<Object*>(this)->CopyAttr(tag, &answer.value))
-        return missing;
-    return answer.AsLong();
+    return !HoldsAddress(tag) && Ask(answer) ? answer.AsLong() : missing;
 }
 
 bool Object::GetAttrB(u32 tag, bool missing) const
 {
-    return GetAttr(tag, missing ? 1 : 0) != 0;
+    TagPair answer{tag, {}};
+    return !HoldsAddress(tag) && Ask(answer) ? answer.AsBool() : missing;
 }
 
 double Object::GetAttrD(u32 tag, double missing) const
 {
     TagPair answer{tag, {}};
-    if (!const_cast<Object*>(this)->CopyAttr(tag, &answer.value))
-        return missing;
-    return answer.AsDouble();
+    return !HoldsAddress(tag) && Ask(answer) ? answer.AsDouble() : missing;
 }
 
 const char* Object::GetAttrS(u32 tag, const char* missing) const
 {
-    const char* value = nullptr;
-    return const_cast<Object*>(this)->CopyAttr(tag, &value) ? value : missing;
+    TagPair answer{tag, {}};
+    return HoldsAddress(tag) && Ask(answer) && answer.value.text ? answer.value.text : missing;
 }
 
 MxID Object::GetAttrID(u32 tag, const MxID& missing) const
 {
-    const void* value = nullptr;
-    if (!const_cast<Object*>(this)->CopyAttr(tag, &value) || !value)
+    TagPair answer{tag, {}};
+    if (!HoldsAddress(tag) || !Ask(answer))
         return missing;
-    return TypeOfTag(tag) == TagType::Pointer ? *static_cast<const MxID*>(value)
-                                              : MxID(static_cast<const char*>(value));
+    return TagList{answer}.GetID(tag, missing);
 }
 
 const void* Object::GetAttrPtr(u32 tag, const void* missing) const
 {
-    const void* value = nullptr;
-    return const_cast<Object*>(this)->CopyAttr(tag, &value) ? value : missing;
+    TagPair answer{tag, {}};
+    return HoldsAddress(tag) && Ask(answer) ? answer.value.pointer : missing;
 }
 
 } // namespace Marlox

@@ -3,6 +3,7 @@
 #include "system/base/MxGeometry.h"
 #include "system/base/Ref.h"
 #include "system/base/Reuser.h"
+#include "system/base/ScriptInfo.h"
 #include "system/base/ScriptVal.h"
 #include "system/base/TagList.h"
 
@@ -18,22 +19,6 @@ namespace Marlox {
 class MarloxDoc;
 class Menu;
 class RemoteApp;
-
-/// One operation of a class that scripts can call by name through `_Do`.
-struct ScriptOperation {
-    const char* name;
-    bool (*run)(Object& self, const ScriptVal& arguments, ScriptVal& result);
-};
-
-/// What scripts are told of a class: made from (1, the class id's text, "", "") and given the
-/// class's own table of operations, ended by an entry without a name.
-struct ScriptInfo {
-    int version = 1;
-    const char* name = "";
-    const char* help = "";
-    const char* category = "";
-    const ScriptOperation* operations = nullptr;
-};
 
 /// Anything that can be handed to the script interpreter. First in every host object, so that a
 /// pointer to a control is a pointer to its ScriptObject unchanged.
@@ -132,7 +117,8 @@ public:
     virtual void GetTargetsTagList(TagList& out) const;
     virtual bool _IsValid() const;
 
-    // Attributes by tag, with a default for those the object lacks.
+    // Attributes by tag, with a default for those the object lacks and, as in a TagList, for those
+    // of another sort.
     int64 GetAttr(u32 tag, int64 missing = 0) const;
     bool GetAttrB(u32 tag, bool missing = false) const;
     double GetAttrD(u32 tag, double missing = 0.0) const;
@@ -145,6 +131,7 @@ private:
     struct Links;
     Links& OwnLinks();
     void ForgetListener(Object* listener);
+    bool Ask(TagPair& attribute) const;
     void CountIn(std::shared_ptr<std::atomic<int>> counter);
 
     const ScriptInfo* scriptInfo_ = nullptr;

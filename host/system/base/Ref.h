@@ -18,16 +18,13 @@ public:
     Ref(const Ref& other) : object_(other.object_) { Hold(); }
     Ref(Ref&& other) noexcept : object_(other.Release()) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ref(const Ref<U>& other) : object_(other.Get())
+    requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other) : object_(other.Get())
     {
         Hold();
     }
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ref(Ref<U>&& other) noexcept : object_(other.Release())
-    {
-    }
+    requires std::is_convertible_v<U*, T*> Ref(Ref<U>&& other)
+    noexcept : object_(other.Release()) {}
     ~Ref()
     {
         if (object_)

@@ -20,7 +20,8 @@ void Reuser::operator delete(void* block, std::size_t size) noexcept
 
 namespace {
 
-// Never destroyed: objects with static storage in plug-ins may outlive every static of this library.
+// Never destroyed: objects with static storage in plug-ins may outlive every static of this
+// library.
 std::pmr::synchronized_pool_resource& pool()
 {
     static auto* resource = new std::pmr::synchronized_pool_resource;

@@ -46,8 +46,8 @@ public:
                                    LayoutCallback callback, void* context, QString* error) = 0;
     /// Evaluates the expression of an input at a time (frames). Null and `error` on failure;
     /// ends after a time limit, so that no expression can hang the interface.
-    virtual Ref<Parameter> Evaluate(const Input& input, const std::string& expression,
-                                    double time, QString* error) = 0;
+    virtual Ref<Parameter> Evaluate(const Input& input, const std::string& expression, double time,
+                                    QString* error) = 0;
     /// Whether text that was typed into a number field is meant as an expression on time or other
     /// inputs rather than as a number or plain arithmetic.
     virtual bool IsExpression(const QString& text) = 0;

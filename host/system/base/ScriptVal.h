@@ -29,7 +29,11 @@ public:
     ScriptVal(double value) : value_(value) {}
     ScriptVal(int value) : value_(double(value)) {}
     ScriptVal(int64 value) : value_(double(value)) {}
-    ScriptVal(const char* value) : value_(std::string(value)) {}
+    ScriptVal(const char* value) // null makes nil
+    {
+        if (value)
+            value_ = std::string(value);
+    }
     ScriptVal(std::string value) : value_(std::move(value)) {}
     /// Not owned: whoever stores the value keeps the object alive.
     explicit ScriptVal(RefObject* object) : value_(object) {}

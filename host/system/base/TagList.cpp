@@ -111,7 +111,8 @@ void TagList::Clear()
 
 void TagList::Add(u32 tag, TagValue value)
 {
-    pairs_.push_back({tag, value});
+    if (tag != 0)
+        pairs_.push_back({tag, value});
 }
 
 void TagList::AddCopy(u32 tag, std::string text)
@@ -138,6 +139,22 @@ void TagList::SetCopy(u32 tag, std::string text)
 void TagList::Remove(u32 tag)
 {
     std::erase_if(pairs_, [tag](const TagPair& pair) { return pair.tag == tag; });
+}
+
+void TagList::Merge(const TagList& from)
+{
+    if (&from == this)
+        return;
+    for (const TagPair& pair : from.pairs_)
+        Remove(u32(pair.tag));
+    for (const TagPair& pair : from.pairs_) {
+        const TagType type = TypeOfTag(u32(pair.tag));
+        const bool isText = type == TagType::String || type == TagType::InputID;
+        if (isText && pair.value.text)
+            AddCopy(u32(pair.tag), pair.value.text);
+        else
+            Add(u32(pair.tag), pair.value);
+    }
 }
 
 const char* TagList::Keep(std::string text)
@@ -184,34 +201,44 @@ const TagPair* TagList::Next(const TagPair* previous) const
     return previous + 1 < pairs_.data() + pairs_.size() ? previous + 1 : nullptr;
 }
 
+const TagPair* TagList::FindNumber(u32 tag) const
+{
+    return HoldsAddress(tag) ? nullptr : Find(tag);
+}
+
+const TagPair* TagList::FindAddress(u32 tag) const
+{
+    return HoldsAddress(tag) ? Find(tag) : nullptr;
+}
+
 int64 TagList::GetLong(u32 tag, int64 missing) const
 {
-    const TagPair* pair = Find(tag);
+    const TagPair* pair = FindNumber(tag);
     return pair ? pair->AsLong() : missing;
 }
 
 bool TagList::GetBool(u32 tag, bool missing) const
 {
-    const TagPair* pair = Find(tag);
+    const TagPair* pair = FindNumber(tag);
     return pair ? pair->AsBool() : missing;
 }
 
 double TagList::GetDouble(u32 tag, double missing) const
 {
-    const TagPair* pair = Find(tag);
+    const TagPair* pair = FindNumber(tag);
     return pair ? pair->AsDouble() : missing;
 }
 
 const char* TagList::GetString(u32 tag, const char* missing) const
 {
-    const TagPair* pair = Find(tag);
-    return pair ? pair->value.text : missing;
+    const TagPair* pair = FindAddress(tag);
+    return pair && pair->value.text ? pair->value.text : missing;
 }
 
 MxID TagList::GetID(u32 tag, const MxID& missing) const
 {
-    const TagPair* pair = Find(tag);
-    if (!pair || pair->Bits() == 0)
+    const TagPair* pair = FindAddress(tag);
+    if (!pair || !pair->value.pointer || TypeOfTag(tag) == TagType::Object)
         return missing;
     if (TypeOfTag(tag) == TagType::Pointer)
         return *static_cast<const MxID*>(pair->value.pointer);
@@ -220,13 +247,13 @@ MxID TagList::GetID(u32 tag, const MxID& missing) const
 
 const void* TagList::GetPtr(u32 tag, const void* missing) const
 {
-    const TagPair* pair = Find(tag);
+    const TagPair* pair = FindAddress(tag);
     return pair ? pair->value.pointer : missing;
 }
 
 Object* TagList::GetObject(u32 tag, Object* missing) const
 {
-    const TagPair* pair = Find(tag);
+    const TagPair* pair = TypeOfTag(tag) == TagType::Object ? Find(tag) : nullptr;
     return pair ? static_cast<Object*>(const_cast<void*>(pair->value.pointer)) : missing;
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "system/base/MxID.h"
-#include "system/base/Types.h"
+#include "system/base/TagPair.h"
 
 #include <atomic>
-#include <bit>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -12,77 +11,6 @@
 #include <vector>
 
 namespace Marlox {
-
-class Object;
-class Registry;
-class ScriptVal;
-class TagList;
-
-/// The type of a tag's value, from the top hexadecimal digit of its id.
-enum class TagType : u32 {
-    Integer = 1, // also booleans and flags
-    Double = 2,
-    String = 3, // narrow, owned by the caller
-    Object = 4,
-    Pointer = 6, // a function, a record, a class id
-    InputID = 8,
-};
-
-constexpr TagType TypeOfTag(u32 tag)
-{
-    return TagType(tag >> 28);
-}
-constexpr u32 GroupOfTag(u32 tag)
-{
-    return (tag >> 16) & 0xfffu;
-}
-
-using RegInitFunction = bool (*)(Registry*);
-using RegCleanupFunction = void (*)(Registry*);
-using CreateFunction = Object* (*)(const Registry*, const ScriptVal&, const TagList&);
-/// Translates between a script table and a tag list for the script calls "Create", "GetAttrs",
-/// "SetAttrs" and "UserControl". `toScript` is the direction. False: the call is not one of them,
-/// or a value did not fit.
-using TagMapFunction = bool (*)(const MxID& call, bool toScript, ScriptVal& values, TagList& tags);
-
-/// The 64 bits of a tag's value. Every form is a constant expression, so that whole tables of pairs
-/// can lie in a library's constant data.
-union TagValue {
-    u64 bits;
-    const char* text;
-    const void* pointer;
-    RegInitFunction regInit;
-    RegCleanupFunction regCleanup;
-    CreateFunction create;
-    TagMapFunction tagMap;
-
-    constexpr TagValue() : bits(0) {}
-    constexpr TagValue(bool v) : bits(v ? 1 : 0) {}
-    constexpr TagValue(int v) : bits(u64(int64(v))) {}
-    constexpr TagValue(unsigned v) : bits(v) {}
-    constexpr TagValue(long v) : bits(u64(v)) {}
-    constexpr TagValue(unsigned long v) : bits(v) {}
-    constexpr TagValue(double v) : bits(std::bit_cast<u64>(v)) {}
-    constexpr TagValue(const char* v) : text(v) {}
-    constexpr TagValue(const void* v) : pointer(v) {}
-    constexpr TagValue(const Object* v) : pointer(v) {} // wherever Object lies within the class
-    constexpr TagValue(RegInitFunction v) : regInit(v) {}
-    constexpr TagValue(RegCleanupFunction v) : regCleanup(v) {}
-    constexpr TagValue(CreateFunction v) : create(v) {}
-    constexpr TagValue(TagMapFunction v) : tagMap(v) {}
-};
-static_assert(sizeof(TagValue) == 8);
-
-struct TagPair {
-    u64 tag = 0;
-    TagValue value;
-
-    u64 Bits() const { return std::bit_cast<u64>(value); }
-    // By the tag's type; a double that no integer holds becomes the nearest, a NaN 0.
-    MARLOXSYSTEM_EXPORT int64 AsLong() const;
-    MARLOXSYSTEM_EXPORT double AsDouble() const;
-    MARLOXSYSTEM_EXPORT bool AsBool() const;
-};
 
 /// An ordered list of (tag id, value) pairs, ended in memory by a pair whose tag is 0. It is how
 /// the host passes optional arguments and how a control's creation attributes arrive. The same tag
@@ -102,13 +30,15 @@ public:
 
     void Init(const TagPair* pairs);
     void Clear();
-    void Add(u32 tag, TagValue value);
+    void Add(u32 tag, TagValue value); // the tag 0 is none and adds nothing
     /// Adds a string that the list keeps a copy of.
     void AddCopy(u32 tag, std::string text);
     /// Replaces the first value of the tag, or adds it.
     void Set(u32 tag, TagValue value);
     void SetCopy(u32 tag, std::string text);
     void Remove(u32 tag);
+    /// Takes over the pairs of `from` in place of those with the same tags. Texts are copied.
+    void Merge(const TagList& from);
 
     /// False, and `out` untouched, if the tag is missing.
     bool Get(u32 tag, u64& out) const;
@@ -121,7 +51,9 @@ public:
     const TagPair* Next(const TagPair* previous) const;
     std::size_t Count() const { return pairs_.size(); }
 
-    // A missing tag yields the default; integers and doubles convert into each other.
+    // A missing tag yields the default, and so does one whose type (the top digit of its id) holds
+    // another sort of value: a number for a text, a text for a number. Integers and doubles convert
+    // into each other.
     int64 GetLong(u32 tag, int64 missing = 0) const;
     bool GetBool(u32 tag, bool missing = false) const;
     double GetDouble(u32 tag, double missing = 0.0) const;
@@ -137,6 +69,8 @@ public:
     void ReleaseLock() const;
 
 private:
+    const TagPair* FindNumber(u32 tag) const;
+    const TagPair* FindAddress(u32 tag) const;
     const char* Keep(std::string text);
     void CopyFrom(const TagList& other);
 

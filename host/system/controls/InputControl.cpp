@@ -34,21 +34,10 @@ bool CopyTagValue(const TagPair& pair, void* out)
 
 } // namespace
 
-void MergeTags(TagList& into, const TagList& from)
-{
-    for (const TagPair* pair = from.First(); pair; pair = from.Next(pair)) {
-        const u32 tag = u32(pair->tag);
-        if (TypeOfTag(tag) == TagType::String)
-            into.SetCopy(tag, from.GetString(tag, ""));
-        else
-            into.Set(tag, pair->value);
-    }
-}
-
 InputControl::InputControl(const Registry* record, const ScriptVal&, const TagList& attributes)
     : record_(record), d_(std::make_unique<Private>())
 {
-    MergeTags(d_->attributes, attributes);
+    d_->attributes.Merge(attributes);
 }
 
 InputControl::~InputControl()
@@ -74,12 +63,12 @@ MarloxDoc* InputControl::GetDoc() const
 
 bool InputControl::SetAttrsTagList(const TagList& tags)
 {
-    MergeTags(d_->laterChanges, tags);
+    d_->laterChanges.Merge(tags);
     bool accepted = true;
     for (Input* input : InputList(inputs_.list)) {
         // Controls read all their tags anew, so they get what is unchanged too.
         TagList all(input->Attributes());
-        MergeTags(all, d_->laterChanges);
+        all.Merge(d_->laterChanges);
         accepted = SetAttrsTagList(input, all) && accepted;
     }
     if (IsOpen()) {
@@ -271,7 +260,7 @@ bool InputControl::HandleEvent(Object* sender, const MxID& event, TagList& tags)
     }
     if (event == AttrsChangedEvent()) {
         TagList all(input.Attributes());
-        MergeTags(all, d_->laterChanges);
+        all.Merge(d_->laterChanges);
         SetAttrsTagList(&input, all);
         if (&input == inputs_.list.front())
             Describe(input);

@@ -76,7 +76,4 @@ private:
 /// Height of the rows of text and of plain lines in the inspector, in pixels.
 inline constexpr int InspectorLineHeight = 24;
 
-/// Appends copies of the pairs of `from`, strings included, replacing those of the same tag.
-void MergeTags(TagList& into, const TagList& from);
-
 } // namespace Marlox

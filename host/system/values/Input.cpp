@@ -19,19 +19,6 @@ QString tr(const char* text)
     return QCoreApplication::translate("Marlox::Input", text);
 }
 
-/// Copies attributes into `to`; texts are copied, for the list that brings them may go.
-void mergeAttributes(TagList& to, const TagList& from)
-{
-    for (const TagPair* pair = from.First(); pair; pair = from.Next(pair)) {
-        const u32 tag = u32(pair->tag);
-        const TagType type = TypeOfTag(tag);
-        if ((type == TagType::String || type == TagType::InputID) && pair->value.text)
-            to.SetCopy(tag, pair->value.text);
-        else
-            to.Set(tag, pair->value);
-    }
-}
-
 /// Inputs whose expressions are being evaluated, outermost first.
 std::vector<const Input*>& evaluations()
 {
@@ -90,9 +77,11 @@ private:
 Input::Input(Operator& owner, const MxID& id, const TagList& attributes)
     : owner_(owner), id_(id), dataType_(attributes.GetID(IAS_DataType, CLSID_DataType_Number))
 {
-    mergeAttributes(attributes_, attributes);
-    if (!Parameter::CreateDefault(dataType_))
+    attributes_.Merge(attributes);
+    if (!Parameter::CreateDefault(dataType_)) {
         dataType_ = CLSID_DataType_Number;
+        attributes_.Set(IAS_DataType, CLSID_DataType_Number);
+    }
     state_.value = DefaultValue();
 }
 
@@ -364,7 +353,7 @@ void Input::NotifyValueChanged()
 
 bool Input::SetAttrsTagList(const TagList& tags)
 {
-    mergeAttributes(attributes_, tags);
+    attributes_.Merge(tags);
     static const MxID event("AttrsChanged");
     TagList none;
     Notify(event, none);

@@ -1,3 +1,4 @@
+#include "system/base/MxColor.h"
 #include "system/base/Object.h"
 #include "system/base/Registry.h"
 
@@ -124,6 +125,15 @@ private slots:
         QCOMPARE(tags.GetID(textTag), MxID("Gain"));
         QCOMPARE(tags.GetObject(objectTag), static_cast<Object*>(&object));
         QCOMPARE(tags.GetDouble(0x20050009, 1.25), 1.25);
+        // Of another sort than the tag's type says: never an address made of a number.
+        QCOMPARE(tags.GetString(intTag, "none"), "none");
+        QVERIFY(!tags.GetPtr(doubleTag) && !tags.GetObject(idTag) && !tags.GetObject(textTag));
+        QCOMPARE(tags.GetID(intTag, id), id);
+        QCOMPARE(tags.GetID(objectTag, id), id);
+        QVERIFY(tags.GetLong(textTag, 8) == 8 && tags.GetDouble(objectTag, 8.0) == 8.0);
+        QVERIFY(!tags.GetBool(inputTag));
+        const char* const noText = nullptr;
+        QCOMPARE((TagList{{textTag, noText}}.GetString(textTag, "none")), "none");
         u64 untouched = 42;
         QVERIFY(!tags.Get(0x10050009, untouched) && untouched == 42);
 
@@ -152,6 +162,24 @@ private slots:
         const TagList moved = std::move(copy);
         QVERIFY(std::string(moved.GetString(textTag)).ends_with("itself"));
         QCOMPARE(moved.GetString(textTag + 1), "constant");
+    }
+
+    void tagsMerge()
+    {
+        std::string text = "one";
+        TagList tags{{intTag, 1}, {textTag, "old"}, {doubleTag, 2.5}, {intTag, 2}};
+        TagList other{{textTag, text.c_str()}, {intTag, 3}, {textTag, "two"}, {inputTag, "Blend"}};
+        other.Add(0, 5); // no tag at all
+        tags.Merge(other);
+        tags.Merge(tags);
+        text = "###";
+        std::vector<std::string> texts; // repeated tags stay so
+        for (const TagPair* pair = tags.Find(textTag); pair; pair = tags.FindNext(pair))
+            texts.push_back(pair->value.text);
+        QCOMPARE(texts, (std::vector<std::string>{"one", "two"}));
+        QCOMPARE(tags.Count(), std::size_t(5));
+        QCOMPARE(tags.GetLong(intTag), int64(3));
+        QCOMPARE(tags.GetDouble(doubleTag), 2.5);
     }
 
     void tagLocksExclude()
@@ -228,9 +256,19 @@ private slots:
         b.Set("x", true);
         QVERIFY(!(a == b)); // a type is
         QVERIFY(!(ScriptVal(0) == ScriptVal()) && !(ScriptVal("") == ScriptVal()));
+        QVERIFY(ScriptVal(static_cast<const char*>(nullptr)).IsNil());
         QCOMPARE(ScriptVal(true).ToNumber(), 1.0);
         QCOMPARE(ScriptVal("5").ToNumber(-1.0), -1.0); // texts don't convert
         QCOMPARE(ScriptVal("text").Get("field").ToString("missing"), std::string("missing"));
+    }
+
+    void coloursConvert()
+    {
+        for (int byte = 0; byte <= 255; ++byte) {
+            const MxColor color(byte, 0, 255 - byte);
+            QVERIFY(MxColor::FromDoubles(color.Red(), 0.0, color.Blue()) == color);
+        }
+        QVERIFY(MxColor::FromDoubles(-1.0, 7.0, std::nan(""), 0.5) == MxColor(-3, 300, 0, 128));
     }
 
     void recordsEnterAndLeave()
@@ -373,6 +411,11 @@ private slots:
         QCOMPARE(object.GetAttrID(textTag), MxID("Gain"));
         QCOMPARE(object.GetAttrD(0x20050009, 7.5), 7.5);
         QVERIFY(object.GetAttrB(0x10050009, true));
+        object.attributes.Set(doubleTag, 0.5);
+        QVERIFY(object.GetAttrB(doubleTag));
+        QCOMPARE(object.GetAttrS(intTag, "none"), "none");
+        QVERIFY(!object.GetAttrPtr(doubleTag) && object.GetAttrID(intTag).IsEmpty());
+        QCOMPARE(object.GetAttr(textTag, 8), int64(8));
     }
 
     void referencesCountAcrossThreads()
