@@ -15,7 +15,13 @@ constexpr LuaState::Limits limits{
     .bytes = std::size_t(256) << 20, .instructions = 50'000'000, .time = std::chrono::seconds(5)};
 constexpr char chunkName[] = "value";
 
-/// The environment of a value's script: no names but math.huge.
+/// A misspelt name must not pass for nil: what it stood for would be lost without a word.
+int RefuseName(lua_State* state)
+{
+    return luaL_error(state, "\"%s\" is no value that is known here", lua_tostring(state, 2));
+}
+
+/// The environment of a value's script: no names but math.huge and what the script itself sets.
 void PushEnvironment(lua_State* state)
 {
     lua_newtable(state);
@@ -23,6 +29,10 @@ void PushEnvironment(lua_State* state)
     lua_pushnumber(state, std::numeric_limits<double>::infinity());
     lua_setfield(state, -2, "huge");
     lua_setfield(state, -2, "math");
+    lua_newtable(state);
+    lua_pushcfunction(state, RefuseName);
+    lua_setfield(state, -2, "__index");
+    lua_setmetatable(state, -2);
 }
 
 std::string Explain(const std::string& message)

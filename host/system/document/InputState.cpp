@@ -57,6 +57,21 @@ bool readKeys(const Input& input, const ScriptVal& list, Animation& out)
     return true;
 }
 
+/// What the input could never have been given: it could not be taken away again either.
+void leaveOutUseless(const Input& input, Input::State& state, QStringList& notes)
+{
+    const auto leaveOut = [&notes](auto& field, const char* name) {
+        field = {};
+        notes += tr("it takes no %1, which was left out").arg(QLatin1String(name));
+    };
+    if (!state.source.empty() && !input.IsImage())
+        leaveOut(state.source, "Source");
+    if (!state.expression.empty() && input.IsImage())
+        leaveOut(state.expression, "Expression");
+    if (!state.animation.IsEmpty() && !input.GetAttrB(IA_Animatable, true))
+        leaveOut(state.animation, "Keys");
+}
+
 bool readText(const ScriptVal& value, std::string& out)
 {
     out = value.ToString();
@@ -113,6 +128,7 @@ std::optional<Input::State> ReadInputState(const Input& input, const ScriptVal& 
         return wrong("Expression");
     if (!readText(table.Get("Source"), state.source))
         return wrong("Source");
+    leaveOutUseless(input, state, notes);
     for (const auto& [name, value] : table.Fields()) {
         if (std::find(std::begin(knownFields), std::end(knownFields), name) ==
             std::end(knownFields))

@@ -18,7 +18,7 @@ ScriptVal WriteInputState(const Input& input);
 
 /// Reads what WriteInputState wrote, with values as the input accepts them; fields left out mean
 /// the default. Nothing and `error`, naming the field, if a field is of the wrong form. Fields that
-/// are not known are named in `notes`.
+/// are not known, or that the input takes none of, are named in `notes`.
 std::optional<Input::State> ReadInputState(const Input& input, const ScriptVal& table,
                                            QString& error, QStringList& notes);
 

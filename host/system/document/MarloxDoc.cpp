@@ -141,9 +141,9 @@ bool MarloxDoc::RemoveTool(Operator& tool)
 bool MarloxDoc::MoveTool(Operator& tool, int position)
 {
     const int from = IndexOf(tool);
-    const int to = std::clamp(position, 0, int(tools_.size()) - 1);
     if (from < 0 || tool.IsLocked())
         return false;
+    const int to = std::clamp(position, 0, int(tools_.size()) - 1);
     if (from == to)
         return true;
     const bool loopedBefore = FlowsInLoop();
@@ -165,6 +165,7 @@ void MarloxDoc::Insert(Ref<Operator> tool, int position)
 {
     Operator* added = tool.Get();
     added->document_ = this;
+    position = std::clamp(position, 0, int(tools_.size()));
     tools_.insert(tools_.begin() + position, std::move(tool));
     emit ToolAdded(added, position);
     TellExpressions(nullptr);
@@ -268,6 +269,7 @@ void MarloxDoc::ApplyFrameRate(double framesPerSecond)
 {
     frameRate_ = framesPerSecond;
     emit FrameRangeChanged(first_, last_); // the time codes of the range changed
+    TellExpressions(nullptr);
 }
 
 void MarloxDoc::StartUndo(const char* text)

@@ -2,7 +2,10 @@
 #include "system/document/Autosave.h"
 #include "system/document/MarloxDoc.h"
 
+#include <algorithm>
 #include <cmath>
+#include <set>
+#include <span>
 #include <utility>
 
 #include <QDir>
@@ -21,6 +24,8 @@ namespace {
 
 constexpr char formatName[] = "marlox document";
 constexpr int formatVersion = 1;
+constexpr const char* knownFields[] = {"Format",    "Version",     "Origin", "FrameRange",
+                                       "FrameRate", "CurrentTime", "Tools"};
 constexpr qint64 largestFile = 256 << 20; // bytes; far above any document, far below memory
 
 void tell(QString* error, const QString& text)
@@ -69,6 +74,30 @@ bool readFrameRange(const ScriptVal& table, double& first, double& last)
     return std::isfinite(first) && std::isfinite(last) && last >= first;
 }
 
+/// What the document has no use for, and what its connections look for in vain.
+void noteLeftAside(const ScriptVal& table, std::span<const Ref<Operator>> tools, QStringList& notes)
+{
+    for (const auto& [name, value] : table.Fields()) {
+        if (std::find(std::begin(knownFields), std::end(knownFields), name) ==
+            std::end(knownFields))
+            notes += MarloxDoc::tr("The field %1 is not known and was left out.")
+                         .arg(QString::fromStdString(name));
+    }
+    std::set<std::string> names;
+    for (const Ref<Operator>& tool : tools)
+        names.insert(tool->GetName().toStdString());
+    for (const Ref<Operator>& tool : tools) {
+        for (const Ref<Input>& input : tool->Inputs()) {
+            const std::string& source = input->GetState().source;
+            if (!source.empty() && !names.contains(source))
+                notes +=
+                    MarloxDoc::tr("Tool \"%1\", input \"%2\": there is no tool \"%3\" to "
+                                  "connect to.")
+                        .arg(tool->GetName(), input->GetName(), QString::fromStdString(source));
+        }
+    }
+}
+
 QString readHeader(const ScriptVal& table)
 {
     if (table.Get("Format").ToString() != formatName)
@@ -108,7 +137,7 @@ bool MarloxDoc::ReadContent(const std::string& text, Content& out, QString& erro
     if (!readNumber(table, "CurrentTime", out.time))
         return wrong("CurrentTime");
     const ScriptVal& tools = table.Get("Tools");
-    if (!(tools.IsNil() || tools.IsTable()) || !tools.Fields().empty())
+    if (!tools.IsTable() || !tools.Fields().empty())
         return wrong("Tools");
     out.origin = QString::fromStdString(table.Get("Origin").ToString());
     for (const ScriptVal& entry : tools.Elements()) {
@@ -117,6 +146,7 @@ bool MarloxDoc::ReadContent(const std::string& text, Content& out, QString& erro
             return false;
         }
     }
+    noteLeftAside(table, out.tools, out.notes);
     return true;
 }
 

@@ -12,6 +12,8 @@ namespace Marlox {
 
 namespace {
 
+constexpr const char* knownFields[] = {"Class", "Name", "Locked", "Disabled", "Inputs"};
+
 QString tr(const char* text)
 {
     return QCoreApplication::translate("Marlox::Document", text);
@@ -161,37 +163,82 @@ bool Operator::RestoreState(const ScriptVal& state)
 
 bool Operator::RestoreState(const ScriptVal& state, QString& error, QStringList& notes)
 {
-    const ScriptVal& toolClass = state.Get("Class");
-    const ScriptVal& inputs = state.Get("Inputs");
-    if (!state.IsTable() || MxID(toolClass.ToString().c_str()) != toolType_ ||
-        !(inputs.IsNil() || inputs.IsTable())) {
-        error = tr("not the settings of a %1").arg(toolType_.ToString());
+    if (!IsOwnState(state, error))
         return false;
-    }
-    if (locked_) {
-        error = tr("the tool \"%1\" is locked").arg(name_);
-        return false;
-    }
     InputStates states;
     ScriptVal unknown;
+    const QString before = name_;
     if (!document_)
         name_ = QString::fromStdString(state.Get("Name").ToString()).simplified();
-    if (!ReadInputs(inputs, states, unknown, error, notes))
+    if (!ReadInputs(state.Get("Inputs"), states, unknown, error, notes)) {
+        name_ = before;
         return false;
-    unknownInputs_ = unknown;
-    if (!document_) {
-        for (const auto& [input, inputState] : states)
-            input->RestoreInputState(inputState);
-        disabled_ = state.Get("Disabled").ToBool();
-        locked_ = state.Get("Locked").ToBool();
+    }
+    for (const auto& [field, value] : state.Fields()) {
+        if (std::find(std::begin(knownFields), std::end(knownFields), field) ==
+            std::end(knownFields))
+            notes += tr("Tool \"%1\": the field %2 is not known and was left out.")
+                         .arg(name_, QString::fromStdString(field));
+    }
+    if (document_) {
+        ChangeTo(std::move(states), std::move(unknown), state.Get("Disabled").ToBool(), notes);
         return true;
     }
-    document_->Undo().Begin(tr("Change Settings of %1").arg(name_));
-    for (auto& [input, inputState] : states)
-        input->ChangeTo(std::move(inputState));
-    DisableTool(state.Get("Disabled").ToBool());
-    document_->Undo().End();
+    unknownInputs_ = unknown;
+    for (const auto& [input, inputState] : states)
+        input->RestoreInputState(inputState);
+    disabled_ = state.Get("Disabled").ToBool();
+    locked_ = state.Get("Locked").ToBool();
     return true;
+}
+
+/// Whether the table holds settings that this tool may take over now.
+bool Operator::IsOwnState(const ScriptVal& state, QString& error) const
+{
+    const ScriptVal& inputs = state.Get("Inputs");
+    const auto isFlag = [&state](const char* field) {
+        const ScriptVal& value = state.Get(field);
+        return value.IsNil() || value.GetType() == ScriptVal::Type::Boolean;
+    };
+    if (!state.IsTable() || MxID(state.Get("Class").ToString().c_str()) != toolType_ ||
+        !(inputs.IsNil() || (inputs.IsTable() && inputs.Elements().empty())))
+        error = tr("not the settings of a %1").arg(toolType_.ToString());
+    else if (!isFlag("Locked") || !isFlag("Disabled"))
+        error = tr("the field %1 has the wrong form")
+                    .arg(QLatin1String(isFlag("Locked") ? "Disabled" : "Locked"));
+    else if (locked_)
+        error = tr("the tool \"%1\" is locked").arg(name_);
+    else
+        return true;
+    return false;
+}
+
+/// The change within a document, as one undo step. Connections that can't be made stay as they are.
+void Operator::ChangeTo(InputStates states, ScriptVal unknown, bool disabled, QStringList& notes)
+{
+    MarloxDoc& document = *document_;
+    document.Undo().Begin(tr("Change Settings of %1").arg(name_));
+    if (!(unknown == unknownInputs_)) {
+        const auto take = [self = Ref<Operator>::Share(this)](const ScriptVal& inputs) {
+            self->unknownInputs_ = inputs;
+        };
+        document.PushStep([take, before = unknownInputs_] { take(before); },
+                          [take, unknown] { take(unknown); }, QString());
+        unknownInputs_ = unknown;
+    }
+    for (auto& [input, next] : states) {
+        const std::string present = input->GetState().source;
+        const Operator* source = document.FindTool(QString::fromStdString(next.source));
+        if (next.source != present && !next.source.empty() &&
+            (!source || document.IsFedBy(*source, *this))) {
+            notes += tr("Tool \"%1\", input \"%2\": it can't be connected to \"%3\".")
+                         .arg(name_, input->GetName(), QString::fromStdString(next.source));
+            next.source = present;
+        }
+        input->ChangeTo(std::move(next));
+    }
+    DisableTool(disabled);
+    document.Undo().End();
 }
 
 } // namespace Marlox

@@ -70,6 +70,8 @@ private:
     using InputStates = std::vector<std::pair<Input*, Input::State>>;
     bool ReadInputs(const ScriptVal& table, InputStates& out, ScriptVal& unknown, QString& error,
                     QStringList& notes) const;
+    bool IsOwnState(const ScriptVal& state, QString& error) const;
+    void ChangeTo(InputStates states, ScriptVal unknown, bool disabled, QStringList& notes);
     bool SetFlag(bool Operator::*flag, bool on, const QString& text);
 
     MxID toolType_;

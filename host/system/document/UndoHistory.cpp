@@ -136,12 +136,16 @@ bool UndoHistory::HasOpenChanges() const
 
 QString UndoHistory::UndoText() const
 {
-    return stack_.undoText();
+    if (!HasOpenChanges())
+        return stack_.undoText();
+    const auto named = std::find_if(open_.begin(), open_.end(),
+                                    [](const QString& text) { return !text.isEmpty(); });
+    return named != open_.end() ? *named : stepText_;
 }
 
 QString UndoHistory::RedoText() const
 {
-    return stack_.redoText();
+    return CanRedo() ? stack_.redoText() : QString();
 }
 
 void UndoHistory::CloseAll()

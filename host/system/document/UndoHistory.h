@@ -43,6 +43,7 @@ public:
 
     bool CanUndo() const;
     bool CanRedo() const;
+    // Of what Undo and Redo would do now: an open group that changed something comes first.
     QString UndoText() const;
     QString RedoText() const;
     void Undo(); // ends open groups first

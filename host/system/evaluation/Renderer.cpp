@@ -113,6 +113,7 @@ void Renderer::Private::ListenToDocument()
     connect(&document_, &MarloxDoc::ToolMoved, &renderer_, request);
     connect(&document_, &MarloxDoc::ToolChanged, &renderer_, request);
     connect(&document_, &MarloxDoc::CurrentTimeChanged, &renderer_, request);
+    connect(&document_, &MarloxDoc::FrameRangeChanged, &renderer_, request); // and the rate
     connect(&document_, &MarloxDoc::AutoProxyChanged, &renderer_, [this](bool on) {
         if (!on)
             Request(); // what is shown is a proxy perhaps

@@ -2,6 +2,7 @@
 #include "script/ScriptSystem.h"
 #include "system/document/ExpressionNames.h"
 #include "system/document/Preferences.h"
+#include "system/evaluation/Renderer.h"
 
 #include <clocale>
 #include <limits>
@@ -227,6 +228,15 @@ private slots:
         QCOMPARE(document_->CurrentTime(), 10.0);
         QVERIFY(!document_->SetFrameRange(5, 4) && !document_->SetFrameRange(0, infinite));
         QVERIFY(document_->SetFrameRange(7, 7) && !document_->SetFrameRate(0));
+        Input* count = add(TestTools::gainClass)->FindInput("Count");
+        count->SetExpression("fps / 10");
+        QSignalSpy rendered(&document_->GetRenderer(), &Renderer::Finished);
+        QVERIFY(document_->GetRenderer().WaitUntilIdle(5000));
+        QVERIFY(document_->SetFrameRate(50));
+        QVERIFY(document_->GetRenderer().WaitUntilIdle(5000));
+        QCOMPARE(rendered.count(), 2); // expressions may use the rate
+        for (int i = 0; i < 3; ++i)
+            history().Undo();
         history().Undo();
         QCOMPARE(document_->LastFrame(), 20.0);
         history().Undo();
@@ -272,19 +282,27 @@ private slots:
         QCOMPARE(read.ToText(), document_->ToText());
     }
 
-    void unknownInputsAreKept()
+    void whatIsNotUsedIsTold()
     {
         add(TestTools::gainClass);
         QString text = QString::fromStdString(document_->ToText());
         const int at = text.indexOf("Gain = ");
         QVERIFY(at > 0);
         text.insert(at, "Sparkle = { Value = { 1, 2, deep = \"x\" }, Shine = 3 },\n");
-        text.replace("Value = 1", "Value = 1, Weight = 2");
+        text.replace("Value = 1", "Value = 1, Weight = 2, Source = \"TestGain1\"");
+        text.replace("Mask = {", "Mask = { Source = \"Gone1\",");
+        text.replace("Fixed = {", "Fixed = { Keys = { { 0, 1 } },");
+        text.replace("Class =", "Stile = 1, Class =").replace("Tools =", "Pools = 1, Tools =");
         QString error;
         QVERIFY2(document_->FromText(text.toStdString(), &error), qPrintable(error));
         QVERIFY(document_->IsModified());
         const QString notes = document_->LoadNotes().join('\n');
-        QVERIFY(notes.contains("Sparkle") && notes.contains("Weight"));
+        for (const char* name : {"Sparkle", "Weight", "Source", "Gone1", "Keys", "Stile", "Pools"})
+            QVERIFY2(notes.contains(name), qPrintable(notes));
+        const Operator& tool = *document_->Tools()[0];
+        QVERIFY(tool.FindInput("Gain")->GetState().source.empty());
+        QVERIFY(!tool.FindInput("Fixed")->IsAnimated());
+        QCOMPARE(tool.FindInput("Mask")->GetState().source, std::string("Gone1"));
         ScriptVal before, after;
         ScriptServices::Installed()->ParseValue(text.toStdString(), before, nullptr);
         ScriptServices::Installed()->ParseValue(document_->ToText(), after, nullptr);
@@ -326,6 +344,8 @@ private slots:
                               << "CurrentTime";
         QTest::newRow("tools") << head + "Tools = 5 }"
                                << "Tools";
+        QTest::newRow("no tools") << head + "Toolz = {} }"
+                                  << "Tools";
         QTest::newRow("tool") << head + "Tools = { 5 } }"
                               << "tool 1";
         QTest::newRow("class") << head + "Tools = { { Class = \"Gone\", Name = \"A\" } } }"
@@ -337,6 +357,9 @@ private slots:
                                              "{ Class = \"TestGain\", Name = \"A\" } } }"
                                    << "\"A\"";
         QTest::newRow("inputs") << tool("Inputs = 7") << "\"A\"";
+        QTest::newRow("unnamed inputs") << tool("Inputs = { {} }") << "\"A\"";
+        QTest::newRow("flag") << tool("Disabled = 1") << "Disabled";
+        QTest::newRow("misspelt") << tool("Disabled = ture") << "ture";
         QTest::newRow("input") << input("7") << "\"Gain\"";
         QTest::newRow("value") << input("{ Value = \"much\" }") << "Value";
         QTest::newRow("keys") << input("{ Keys = { { 0, 1 }, { \"x\", 1 } } }") << "Keys";
@@ -379,6 +402,30 @@ private slots:
             QVERIFY(!error.isEmpty());
         }
         QVERIFY(document_->ToText() == text);
+    }
+
+    void damagedDocumentsDoNoHarm()
+    {
+        fill();
+        const std::string text = document_->ToText();
+        int refused = 0;
+        for (std::size_t at = 0; at < text.size(); ++at) {
+            std::string damaged = text;
+            constexpr char others[] = {0, '\xff', '"', '}', '9', '\n'};
+            damaged[at] =
+                at % 2 ? others[at / 2 % sizeof others] : char(text[at] ^ 1 << at / 2 % 8);
+            MarloxDoc read;
+            QString error;
+            if (!read.FromText(damaged, &error)) {
+                ++refused;
+                QVERIFY2(!error.isEmpty() && read.Tools().empty(), damaged.c_str());
+            } else { // another text: it must come back as it was read
+                MarloxDoc again;
+                QVERIFY2(again.FromText(read.ToText(), &error), qPrintable(error));
+                QVERIFY2(again.ToText() == read.ToText(), damaged.c_str());
+            }
+        }
+        QVERIFY(refused > 0 && refused < int(text.size()));
     }
 
     void filesThatAreNotThereAreTold()
@@ -434,6 +481,19 @@ private slots:
         QCOMPARE(two->GetName(), QString("TestGain2"));
         history().Undo();
         QVERIFY(two->FindInput("Caption")->GetValue(0)->IsEqual(Text("untitled")));
+        ScriptVal inputs = state.Get("Inputs");
+        inputs.Set("Sparkle", 1);
+        ScriptVal connection;
+        connection.Set("Source", "TestGain2"); // itself
+        inputs.Set("Mask", connection);
+        QStringList notes;
+        QString error;
+        QVERIFY(two->RestoreState(state, error, notes));
+        QCOMPARE(notes.size(), 2);
+        QVERIFY(notes.join(' ').contains("TestGain2") && !two->FindInput("Mask")->GetSource());
+        QVERIFY(document_->ToText().find("Sparkle") != std::string::npos);
+        history().Undo();
+        QVERIFY(document_->ToText().find("Sparkle") == std::string::npos);
         QVERIFY(!add(TestTools::sourceClass)->RestoreState(state));
         two->SetLocked(true);
         QVERIFY(!two->RestoreState(state));

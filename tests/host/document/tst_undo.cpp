@@ -165,6 +165,7 @@ private slots:
         history_->Begin("Inner");
         Set(a_, 4);
         QVERIFY(history_->CanUndo());
+        QCOMPARE(history_->UndoText(), QString("Drag")); // what Undo would take back
         history_->Undo();
         QCOMPARE(a_, 0);
         QCOMPARE(history_->Depth(), 0);

@@ -154,7 +154,7 @@ void ScriptValuesTest::NamesLineAndFault_data()
     QTest::newRow("statement") << "return {\n x = 1 +\n}"
                                << "line 3: unexpected symbol near '}'";
     QTest::newRow("library") << "\nreturn os.time()"
-                             << "line 2: attempt to index global 'os' (a nil value)";
+                             << "line 2: \"os\" is no value that is known here";
     QTest::newRow("function") << "{x = {y = function() end}}"
                               << "x.y: a function can't be kept as a value";
     QTest::newRow("empty") << "-- nothing"
