@@ -1,6 +1,6 @@
 #include "system/viewer/PreviewControl.h"
 
-#include "system/controls/InputControl_p.h"
+#include "system/document/MarloxDoc.h"
 
 #include <algorithm>
 #include <cstring>
@@ -39,11 +39,12 @@ bool CopyText(const QString& text, char* out, int size)
 PreviewControl::PreviewControl(const Registry* record, const ScriptVal&, const TagList& attributes)
     : record_(record)
 {
-    MergeTags(attributes_, attributes);
+    attributes_.Merge(attributes);
 }
 
 PreviewControl::~PreviewControl()
 {
+    QObject::disconnect(timeChanges_);
     for (Input* input : inputs_) {
         input->RemoveNotify(this);
         input->RemoveControl(this);
@@ -67,11 +68,11 @@ MarloxDoc* PreviewControl::GetDoc() const
 
 bool PreviewControl::SetAttrsTagList(const TagList& tags)
 {
-    MergeTags(attributes_, tags);
+    attributes_.Merge(tags);
     bool accepted = true;
     for (Input* input : std::vector(inputs_)) {
         TagList all(input->Attributes());
-        MergeTags(all, attributes_);
+        all.Merge(attributes_);
         accepted = SetAttrsTagList(input, all) && accepted;
     }
     UpdateDisplay(nullptr, nullptr);
@@ -122,7 +123,7 @@ void PreviewControl::GetAvailableEvents(std::vector<MxID>& out) const
 
 Operator* PreviewControl::GetOperator(TagList*)
 {
-    return owner_;
+    return owner_.Get();
 }
 
 void PreviewControl::SetView(PreviewInfo* view, TagList*)
@@ -137,15 +138,18 @@ bool PreviewControl::SetAttrsTagList(Input* input, const TagList&)
 
 bool PreviewControl::AddInput(Input* input, TagList*)
 {
-    if (!input || (owner_ && &input->Owner() != owner_))
+    if (!input || (owner_ && &input->Owner() != owner_.Get()))
         return false;
     if (std::find(inputs_.begin(), inputs_.end(), input) != inputs_.end())
         return true;
-    owner_ = &input->Owner();
+    SetOperator(&input->Owner());
     inputs_.push_back(input);
     connected_.push_back(!input->GetState().source.empty());
     input->AddControl(this);
     input->AddNotify(this, MxID());
+    if (MarloxDoc* document = inputs_.size() == 1 ? GetDoc() : nullptr)
+        timeChanges_ = QObject::connect(document, &MarloxDoc::CurrentTimeChanged, document,
+                                        [this] { TimeChanged(); });
     return true;
 }
 
@@ -158,8 +162,10 @@ bool PreviewControl::RemoveInput(Input* input, TagList*)
     inputs_.erase(found);
     input->RemoveNotify(this);
     input->RemoveControl(this);
-    if (inputs_.empty())
+    if (inputs_.empty()) {
+        QObject::disconnect(timeChanges_);
         ResetUndo(nullptr);
+    }
     return true;
 }
 
@@ -170,6 +176,11 @@ Input* PreviewControl::FindInputByIndex(unsigned int index) const
             return input;
     }
     return nullptr;
+}
+
+void PreviewControl::SetOperator(Operator* owner)
+{
+    owner_ = Ref<Operator>::Share(owner);
 }
 
 double PreviewControl::CurrentTime() const
@@ -220,7 +231,7 @@ bool PreviewControl::HandleEvent(Object* sender, const MxID& event, TagList& tag
     Input& input = **found;
     if (event == MxID("AttrsChanged")) {
         TagList all(input.Attributes());
-        MergeTags(all, attributes_);
+        all.Merge(attributes_);
         SetAttrsTagList(&input, all);
     } else if (event != MxID("ValueChanged")) {
         return Object::HandleEvent(sender, event, tags);
@@ -251,7 +262,7 @@ void PreviewControl::Refresh(Input& input)
 void PreviewControl::TimeChanged()
 {
     const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
-    for (Input* input : std::vector(inputs_)) {
+    for (Input* input : GetDoc() ? std::vector(inputs_) : std::vector<Input*>()) {
         if (input->IsAnimated() || input->HasExpression())
             Refresh(*input);
     }

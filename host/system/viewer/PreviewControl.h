@@ -58,21 +58,26 @@ public:
     virtual void SetView(PreviewInfo* view, TagList* tags);
     virtual Operator* GetOperator(TagList* tags);
     virtual bool SetAttrsTagList(Input* input, const TagList& tags);
-    /// Binds an input: from then on its changes arrive as NotifyChanged and UpdateDisplay. False
-    /// refuses it. Everything attached must be removed before the tool ends.
+    /// Binds an input: from then on its changes, also those that come with the time, arrive as
+    /// NotifyChanged and UpdateDisplay. False refuses it.
     virtual bool AddInput(Input* input, TagList* tags);
     virtual bool RemoveInput(Input* input, TagList* tags);
     /// Writes into the input whose attribute IA_OverlayIndex is `index`, in an undo group of its
     /// own unless one is open. False: no such input, refused, or driven by an expression or
     /// connection.
     virtual bool SetInputs(Parameter* value, double time, unsigned int index, TagList* tags);
+    /// A new value (null: a connected image), to be stored; then UpdateDisplay, to show it. A null
+    /// input means all of them.
     virtual void NotifyChanged(Input* input, Parameter* value, TagList* tags);
     virtual void UpdateDisplay(Input* input, TagList* tags);
     virtual void OnConnect(Input* input, TagList* tags);
     virtual void OnDisconnect(Input* input, TagList* tags);
     virtual void SetActive(int how, TagList* tags);
     virtual void SetInactive(TagList* tags);
+    /// With the view's GL context current, one unit a view pixel.
     virtual void GLDrawControls(PreviewInfo* view, TagList* tags);
+    // Presses, moves and releases at a position in view pixels. The press answers how it takes
+    // hold.
     virtual DragType ControlDown(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
     virtual void ControlMove(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
     virtual void ControlUp(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
@@ -87,12 +92,9 @@ public:
     virtual bool GetName(char* name, int size, TagList* tags);
     virtual bool GetFullName(char* name, int size, Input* input, TagList* tags);
 
-    /// Binds the overlay to a tool before its inputs are added.
-    void SetOperator(Operator* owner) { owner_ = owner; }
+    /// Binds the overlay to a tool, which it keeps alive, before its inputs are added.
+    void SetOperator(Operator* owner);
     double CurrentTime() const;
-    /// For viewers: the document's time is another now; animated inputs and expressions are read
-    /// anew.
-    void TimeChanged();
     const std::vector<Input*>& Inputs() const { return inputs_; }
     Input* FindInputByIndex(unsigned int index) const;
     bool IsActive() const { return active_; }
@@ -103,14 +105,16 @@ protected:
 
 private:
     const Registry* record_;
-    Operator* owner_ = nullptr;
+    Ref<Operator> owner_;
     void Refresh(Input& input);
+    void TimeChanged();
 
     std::vector<Input*> inputs_;
     std::vector<bool> connected_; // for each input, as the overlay was last told
     TagList attributes_;
     bool active_ = false;
     UndoGesture undo_;
+    QMetaObject::Connection timeChanges_;
 };
 
 /// Overlay that shows a value at a fixed place of the view rather than of the image.

@@ -66,7 +66,7 @@ void PreviewControlTest::toldOfChanges()
     QCOMPARE(listener->heard, 1);
     QVERIFY(tool_->FindInput("centre")->AddKey(0.0));
     overlay_->log.clear();
-    overlay_->TimeChanged();
+    document_->SetCurrentTime(7.0);
     QCOMPARE(std::exchange(overlay_->log, {}), QStringList({"notify centre=0", "display centre"}));
     QVERIFY(overlay_->RemoveInput(tool_->FindInput("size"), nullptr));
     QVERIFY(!overlay_->RemoveInput(tool_->FindInput("size"), nullptr));
@@ -135,8 +135,16 @@ void PreviewControlTest::gestureEndsWithTheOverlay()
     overlay_->SetUndo(0, nullptr);
     overlay_ = nullptr;
     QCOMPARE(document_->Undo().Depth(), 0);
-    QVERIFY(tool_->FindInput("centre")->Controls().empty());
-    QVERIFY(tool_->FindInput("centre")->SetValue(*MakeRef<Number>(1.0), 0.0));
+    Input* centre = tool_->FindInput("centre");
+    QVERIFY(centre->Controls().empty());
+    QVERIFY(centre->AddKey(0.0));
+    document_->SetCurrentTime(3.0);
+
+    const auto last = MakeRef<ProbeOverlay>(nullptr, ScriptVal(), TagList());
+    QVERIFY(last->AddInput(centre, nullptr));
+    document_ = nullptr; // the overlay keeps the tool
+    QCOMPARE(last->Inputs().front()->GetID(), MxID("centre"));
+    QVERIFY(!last->GetDoc());
 }
 
 void PreviewControlTest::pointsThereAndBack()
