@@ -265,7 +265,10 @@ bool MarloxDoc::OpenFile(const QString& path, Content& out, QString* error) cons
 {
     QFile file(path);
     QString fault;
-    if (!file.open(QIODevice::ReadOnly))
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) // a folder or a device, which might never end
+        fault = tr("it is no file");
+    else if (!file.open(QIODevice::ReadOnly))
         fault = file.errorString();
     else if (file.size() > largestFile)
         fault = tr("it is too large for a document");

@@ -434,6 +434,7 @@ private slots:
         QVERIFY(!document_->Open(pathOf("nowhere.marlox"), &error));
         QVERIFY(error.contains("nowhere.marlox"));
         QVERIFY(!document_->Open(folder_.path(), &error));
+        QVERIFY(!document_->Open("/dev/zero", &error));
         fill();
         QVERIFY(!document_->Save(pathOf("no/such/folder.marlox"), &error));
         QVERIFY(error.contains("folder.marlox") && document_->IsModified());
