@@ -1,8 +1,8 @@
 #include "system/document/MarloxDoc.h"
 
-#include "system/base/Registry.h"
 #include "system/document/Autosave.h"
-#include "system/document/ExpressionNames.h"
+#include "system/document/DocumentFlow.h"
+#include "system/document/DocumentText.h"
 #include "system/document/Preferences.h"
 #include "system/evaluation/Renderer.h"
 
@@ -14,8 +14,10 @@
 
 namespace Marlox {
 
+namespace {
+
 /// A step made of what to do backwards and forwards.
-class MarloxDoc::FunctionStep final : public UndoStep {
+class FunctionStep final : public UndoStep {
 public:
     FunctionStep(std::function<void()> undo, std::function<void()> redo)
         : undo_(std::move(undo)), redo_(std::move(redo))
@@ -28,6 +30,8 @@ private:
     std::function<void()> undo_;
     std::function<void()> redo_;
 };
+
+} // namespace
 
 MarloxDoc::MarloxDoc(QObject* parent)
     : QObject(parent), undo_(std::make_unique<UndoHistory>()),
@@ -93,22 +97,6 @@ QString MarloxDoc::UniqueName(const QString& wanted, const Operator* except) con
     }
 }
 
-Ref<Operator> MarloxDoc::CreateTool(const MxID& toolType, QString* error)
-{
-    const Registry* record = ClassRegistry::Global().Find(toolType);
-    const bool isTool = record && record->Kind() == ClassKind::Tool;
-    const Ref<Object> made(isTool ? ClassRegistry::Global().Create(toolType) : nullptr);
-    auto* tool = dynamic_cast<Operator*>(made.Get());
-    if (tool)
-        return Ref<Operator>::Share(tool);
-    if (error) {
-        *error = isTool ? tr("the tool class \"%1\" could not make a tool")
-                        : tr("there is no tool class \"%1\"");
-        *error = error->arg(toolType.ToString());
-    }
-    return nullptr;
-}
-
 Operator* MarloxDoc::AddTool(const MxID& toolType, int position, QString* error)
 {
     const Ref<Operator> tool = CreateTool(toolType, error);
@@ -131,7 +119,7 @@ bool MarloxDoc::RemoveTool(Operator& tool)
     const auto held = Ref<Operator>::Share(&tool);
     const QString text = tr("Remove %1").arg(tool.name_);
     undo_->Begin(text);
-    BypassConnections(tool);
+    BypassConnections(*this, tool);
     Take(tool);
     PushStep([this, held, at] { Insert(held, at); }, [this, held] { Take(*held); }, text);
     undo_->End();
@@ -146,12 +134,12 @@ bool MarloxDoc::MoveTool(Operator& tool, int position)
     const int to = std::clamp(position, 0, int(tools_.size()) - 1);
     if (from == to)
         return true;
-    const bool loopedBefore = FlowsInLoop();
+    const bool loopedBefore = FlowsInLoop(*this);
     const auto order = tools_;
     const auto held = Ref<Operator>::Share(&tool);
     tools_.erase(tools_.begin() + from);
     tools_.insert(tools_.begin() + to, held);
-    const bool loops = FlowsInLoop();
+    const bool loops = FlowsInLoop(*this);
     tools_ = order;
     if (loops && !loopedBefore)
         return false;
@@ -201,22 +189,6 @@ void MarloxDoc::Rename(Operator& tool, const QString& name)
     }
     emit ToolChanged(&tool);
     TellExpressions(nullptr);
-}
-
-void MarloxDoc::RenameInExpressions(const QString& from, const QString& to)
-{
-    for (const Ref<Operator>& tool : tools_) {
-        const auto isOwnName = [&tool](const std::string& name) {
-            return tool->FindInput(MxID(std::string_view(name))) != nullptr;
-        };
-        for (const Ref<Input>& input : tool->Inputs()) {
-            if (!input->HasExpression())
-                continue;
-            Input::State state = input->GetState();
-            state.expression = RenameToolInExpression(state.expression, from, to, isOwnName);
-            input->ChangeTo(std::move(state), Input::EvenIfLocked);
-        }
-    }
 }
 
 void MarloxDoc::SetCurrentTime(double time)

@@ -15,6 +15,7 @@ namespace Marlox {
 
 class Preferences;
 class Renderer;
+struct DocumentContent;
 
 /// A document: the tools in flow order (each feeds the next, unless an input is connected to
 /// another one), time, undo, and its file. Every change of tools and inputs passes through it as an
@@ -122,28 +123,17 @@ signals:
 private:
     friend class Input;
     friend class Operator;
-    class FunctionStep;
-    struct Content;
 
     void PushStep(std::function<void()> undo, std::function<void()> redo, const QString& text);
     void Insert(Ref<Operator> tool, int position);
     void Take(Operator& tool);
     void Reorder(Operator& tool, int position);
     void Rename(Operator& tool, const QString& name);
-    void RenameInExpressions(const QString& from, const QString& to);
     void ApplyFrameRange(double first, double last);
     void ApplyFrameRate(double framesPerSecond);
-    void BypassConnections(const Operator& tool);
-    Operator* DirectFeed(const Input& input) const;
-    bool FlowsInLoop() const;
     void TellInputChanged(Input& input);
     void TellExpressions(const Input* except);
-
-    static Ref<Operator> CreateTool(const MxID& toolType, QString* error);
-    static bool ReadTool(const ScriptVal& entry, Content& out, QString& error);
-    bool ReadContent(const std::string& text, Content& out, QString& error) const;
-    void ReplaceContent(Content content);
-    bool OpenFile(const QString& path, Content& out, QString* error) const;
+    void ReplaceContent(DocumentContent content);
     std::string TextWithOrigin(const QString& origin) const;
     void SetFilePath(const QString& path);
 

@@ -1,3 +1,4 @@
+#include "system/document/DocumentFlow.h"
 #include "system/document/MarloxDoc.h"
 
 #include <algorithm>
@@ -8,27 +9,31 @@
 
 namespace Marlox {
 
+namespace {
+
 /// One step upstream, whether that tool is disabled or not. A disabled source in the order is left
 /// out: it has nothing to pass through.
-Operator* MarloxDoc::DirectFeed(const Input& input) const
+Operator* directFeed(const MarloxDoc& document, const Input& input)
 {
     if (!input.GetState().source.empty())
         return input.GetSource();
     if (input.Owner().ImageInput() != &input)
         return nullptr;
-    for (int i = IndexOf(input.Owner()) - 1; i >= 0; --i) {
-        Operator* tool = tools_[std::size_t(i)].Get();
+    for (int i = document.IndexOf(input.Owner()) - 1; i >= 0; --i) {
+        Operator* tool = document.Tools()[std::size_t(i)].Get();
         if (!tool->IsDisabled() || tool->ImageInput())
             return tool;
     }
     return nullptr;
 }
 
+} // namespace
+
 Operator* MarloxDoc::FeedOf(const Input& input) const
 {
     const Input* at = &input;
     for (std::size_t step = 0; at && step <= tools_.size(); ++step) { // a loop ends too
-        Operator* feed = DirectFeed(*at);
+        Operator* feed = directFeed(*this, *at);
         if (!feed || !feed->IsDisabled())
             return feed;
         at = feed->ImageInput();
@@ -48,7 +53,7 @@ bool MarloxDoc::IsFedBy(const Operator& tool, const Operator& upstream) const
         if (!seen.insert(at).second)
             continue;
         for (const Ref<Input>& input : at->Inputs()) {
-            const Operator* feed = input->IsImage() ? DirectFeed(*input) : nullptr;
+            const Operator* feed = input->IsImage() ? directFeed(*this, *input) : nullptr;
             if (feed)
                 open.push_back(feed);
         }
@@ -56,21 +61,23 @@ bool MarloxDoc::IsFedBy(const Operator& tool, const Operator& upstream) const
     return false;
 }
 
-bool MarloxDoc::FlowsInLoop() const
+bool FlowsInLoop(const MarloxDoc& document)
 {
-    return std::any_of(tools_.begin(), tools_.end(), [this](const Ref<Operator>& tool) {
-        return std::any_of(
-            tool->Inputs().begin(), tool->Inputs().end(), [&](const Ref<Input>& input) {
-                const Operator* feed = input->IsImage() ? DirectFeed(*input) : nullptr;
-                return feed && IsFedBy(*feed, *tool);
-            });
-    });
+    return std::any_of(
+        document.Tools().begin(), document.Tools().end(), [&document](const Ref<Operator>& tool) {
+            return std::any_of(tool->Inputs().begin(), tool->Inputs().end(),
+                               [&](const Ref<Input>& input) {
+                                   const Operator* feed =
+                                       input->IsImage() ? directFeed(document, *input) : nullptr;
+                                   return feed && document.IsFedBy(*feed, *tool);
+                               });
+        });
 }
 
-void MarloxDoc::BypassConnections(const Operator& tool)
+void BypassConnections(const MarloxDoc& document, const Operator& tool)
 {
-    Operator* feed = tool.ImageInput() ? DirectFeed(*tool.ImageInput()) : nullptr;
-    for (const Ref<Operator>& other : tools_) {
+    Operator* feed = tool.ImageInput() ? directFeed(document, *tool.ImageInput()) : nullptr;
+    for (const Ref<Operator>& other : document.Tools()) {
         for (const Ref<Input>& input : other->Inputs()) {
             if (input->GetSource() != &tool || &input->Owner() == &tool)
                 continue;

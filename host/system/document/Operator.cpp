@@ -1,6 +1,7 @@
 #include "system/document/Operator.h"
 
 #include "system/base/Registry.h"
+#include "system/document/ExpressionNames.h"
 #include "system/document/InputState.h"
 #include "system/document/MarloxDoc.h"
 
@@ -17,6 +18,22 @@ constexpr const char* knownFields[] = {"Class", "Name", "Locked", "Disabled", "I
 QString tr(const char* text)
 {
     return QCoreApplication::translate("Marlox::Document", text);
+}
+
+void renameInExpressions(const MarloxDoc& document, const QString& from, const QString& to)
+{
+    for (const Ref<Operator>& tool : document.Tools()) {
+        const auto isOwnName = [&tool](const std::string& name) {
+            return tool->FindInput(MxID(std::string_view(name))) != nullptr;
+        };
+        for (const Ref<Input>& input : tool->Inputs()) {
+            if (!input->HasExpression())
+                continue;
+            Input::State state = input->GetState();
+            state.expression = RenameToolInExpression(state.expression, from, to, isOwnName);
+            input->ChangeTo(std::move(state), Input::EvenIfLocked);
+        }
+    }
 }
 
 } // namespace
@@ -50,7 +67,7 @@ bool Operator::SetName(const QString& name)
     const QString before = name_;
     const auto self = Ref<Operator>::Share(this);
     document->Undo().Begin(tr("Rename %1").arg(before));
-    document->RenameInExpressions(before, next);
+    renameInExpressions(*document, before, next);
     document->Rename(*this, next);
     document->PushStep([=] { document->Rename(*self, before); },
                        [=] { document->Rename(*self, next); }, QString());

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace Marlox {
+
+class MarloxDoc;
+class Operator;
+
+/// Whether some tool gets its own image, directly or through others.
+bool FlowsInLoop(const MarloxDoc& document);
+/// Connects the inputs that `tool` feeds to what feeds it, as undo steps, before it goes.
+void BypassConnections(const MarloxDoc& document, const Operator& tool);
+
+} // namespace Marlox
