@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
+#include <string>
 
 #include <QApplication>
 
@@ -29,26 +30,18 @@ void load(benchmark::State& state, const char* path)
     }
 }
 
-void LoadControls(benchmark::State& state)
-{
-    load(state, MARLOX_BINARY_DIR "/lib/marloxcontrols.so");
-}
-
-void LoadEmptyLibrary(benchmark::State& state)
-{
-    load(state, MARLOX_BINARY_DIR "/benchmarks/bench-empty-library.so");
-}
+constexpr const char* controls = MARLOX_BINARY_DIR "/lib/marloxcontrols.so";
 
 void LoadAndUnloadControls(benchmark::State& state)
 {
     for (auto _ : state)
-        dlclose(dlopen(MARLOX_BINARY_DIR "/lib/marloxcontrols.so", RTLD_NOW | RTLD_LOCAL));
+        dlclose(dlopen(controls, RTLD_NOW | RTLD_LOCAL));
 }
 
 /// Through the registry, with the library loaded: what opening an inspector pays for each control.
 void CreateControl(benchmark::State& state)
 {
-    void* library = dlopen(MARLOX_BINARY_DIR "/lib/marloxcontrols.so", RTLD_NOW | RTLD_LOCAL);
+    void* library = dlopen(controls, RTLD_NOW | RTLD_LOCAL);
     const MxID id("PointControl");
     for (auto _ : state) {
         Object* made = ClassRegistry::Global().Create(id);
@@ -67,8 +60,13 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv); // a host has Qt loaded long before
     FFIType::First();                     // and the script library
-    benchmark::RegisterBenchmark("load/controls", LoadControls);
-    benchmark::RegisterBenchmark("load/empty-library", LoadEmptyLibrary);
+    benchmark::RegisterBenchmark("load/controls", load, controls);
+    for (const char* peer : {"empty-library", "classes", "unregistered"}) {
+        const std::string path = std::string(MARLOX_BINARY_DIR "/benchmarks/bench-") + peer + ".so";
+        benchmark::RegisterBenchmark(
+            (std::string("load/") + peer).c_str(),
+            [path](benchmark::State& state) { load(state, path.c_str()); });
+    }
     benchmark::RegisterBenchmark("load/controls-and-unload", LoadAndUnloadControls);
     benchmark::RegisterBenchmark("load/create-control", CreateControl);
     benchmark::Initialize(&argc, argv);
