@@ -1,6 +1,8 @@
 #include "script/FFI.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 #include <dlfcn.h>
@@ -12,38 +14,40 @@ namespace {
 /// The records of one kind in the order they were made. Constant-initialised, so that it is there
 /// before any library's records.
 template <class Record>
-struct RecordList {
-    Record* first = nullptr;
-    Record* last = nullptr;
+class RecordList {
+public:
+    Record* First() const { return records_.empty() ? nullptr : records_.front(); }
 
     void Append(Record* record) noexcept
     {
-        (last ? last->next : first) = record;
-        last = record;
+        if (records_.empty())
+            records_.reserve(128);
+        else
+            records_.back()->next = record;
+        records_.push_back(record);
     }
 
+    /// A library takes its records back in reverse: the one looked for is near the end.
     void Remove(Record* record) noexcept
     {
-        Record* previous = nullptr;
-        for (Record* at = first; at; previous = at, at = at->next) {
-            if (at != record)
-                continue;
-            (previous ? previous->next : first) = at->next;
-            if (last == at)
-                last = previous;
+        const auto found = std::find(records_.rbegin(), records_.rend(), record);
+        if (found == records_.rend())
             return;
-        }
+        if (const auto previous = std::next(found); previous != records_.rend())
+            (*previous)->next = record->next;
+        records_.erase(std::prev(found.base()));
     }
 
     template <class Matches>
     Record* Find(Matches matches) const
     {
-        for (Record* at = first; at; at = at->next) {
-            if (matches(*at))
-                return at;
-        }
-        return nullptr;
+        const auto found = std::find_if(records_.begin(), records_.end(),
+                                        [&](const Record* record) { return matches(*record); });
+        return found != records_.end() ? *found : nullptr;
     }
+
+private:
+    std::vector<Record*> records_;
 };
 
 struct TypeLink {
@@ -72,7 +76,7 @@ FFIType::~FFIType()
 
 FFIType* FFIType::First()
 {
-    return types.first;
+    return types.First();
 }
 
 FFIType* FFIType::Find(const char* scriptName)
@@ -128,7 +132,7 @@ FFIFunc::~FFIFunc()
 
 FFIFunc* FFIFunc::First()
 {
-    return functions.first;
+    return functions.First();
 }
 
 FFIFunc* FFIFunc::Find(const FFIType* type, const char* call)
@@ -174,7 +178,7 @@ FFITagMap::~FFITagMap()
 
 FFITagMap* FFITagMap::First()
 {
-    return tagMaps.first;
+    return tagMaps.First();
 }
 
 FFITagMap* FFITagMap::Find(const FFIType* type, const char* call)
