@@ -79,8 +79,10 @@ void RegistrationTest::OrderIsThatOfTheFiles()
     QDirIterator sources(MARLOX_SOURCE_DIR "/controls", {"*.cpp"}, QDir::Files,
                          QDirIterator::Subdirectories);
     while (sources.hasNext()) {
-        sources.next();
-        files += sources.fileInfo().completeBaseName();
+        QFile source(sources.next());
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        if (source.readAll().contains("\nControlClass<")) // large controls have further sources
+            files += sources.fileInfo().completeBaseName();
     }
     files.sort();
 
