@@ -60,6 +60,24 @@ QString NumberEntry::TextOf(double number) const
     return FormatNumber(integer ? std::round(number) : number, precision);
 }
 
+QString NumberEntry::ShortText(const QString& text, const FitTest& fits) const
+{
+    const int point = text.indexOf(u'.');
+    if (point < 0 || text.contains(u':') || text.contains(u'e'))
+        return text;
+    const int written = text.size() - point - 1;
+    int decimals = written;
+    if (shownDecimals >= 0) {
+        const int leadingZeros = value != 0.0 ? -int(std::floor(std::log10(std::abs(value)))) : 0;
+        decimals = std::min(decimals, std::max(shownDecimals, leadingZeros + 1));
+    }
+    QString shorter = decimals < written ? FormatNumber(value, decimals) : text;
+    while (decimals > 0 && !fits(shorter))
+        shorter = FormatNumber(value, --decimals);
+    const bool vanished = shorter == QLatin1String("0");
+    return vanished || !fits(shorter) ? text : shorter;
+}
+
 double NumberEntry::Accepted(double number) const
 {
     if (integer) {

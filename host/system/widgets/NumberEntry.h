@@ -13,10 +13,11 @@ namespace Marlox {
 /// text comes to. Values are in the field's units, times in frames.
 struct MARLOXSYSTEM_EXPORT NumberEntry {
     double value = 0.0;
-    int precision = -1;    // most decimals shown; -1: as many as it has
-    bool integer = false;  // typed values become whole
-    bool time = false;     // frames; times can be typed
-    bool timeCode = false; // shown as hh:mm:ss:ff
+    int precision = -1;     // most decimals of the text; -1: as many as it has
+    int shownDecimals = -1; // fewer while nobody types, see ShortText; -1: those of the text
+    bool integer = false;   // typed values become whole
+    bool time = false;      // frames; times can be typed
+    bool timeCode = false;  // shown as hh:mm:ss:ff
     double framesPerSecond = 24.0;
     double minimum = -std::numeric_limits<double>::infinity(); // what typing is clamped to
     double maximum = std::numeric_limits<double>::infinity();
@@ -30,6 +31,7 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
         int errorAt = -1;   // index in the typed text
     };
     using ExpressionTest = std::function<bool(const QString&)>;
+    using FitTest = std::function<bool(const QString&)>;
 
     /// Reads a typed text; one that is no arithmetic but passes `isExpression` (may be empty) is an
     /// expression. A leading "=" is allowed. Blank text is Nothing.
@@ -40,6 +42,10 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
     /// The value as it is shown.
     QString Text() const { return TextOf(value); }
     QString TextOf(double number) const;
+    /// `text`, the value's text, rounded to `shownDecimals` and then to as many decimals as pass
+    /// `fits`; a small value keeps two digits that count. What no rounding makes fit comes back
+    /// whole.
+    QString ShortText(const QString& text, const FitTest& fits) const;
     /// `number` clamped to the range and made whole where that is asked for (halves away from zero;
     /// a range without a whole number gives its nearer end).
     double Accepted(double number) const;

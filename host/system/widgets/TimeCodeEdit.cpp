@@ -5,6 +5,7 @@
 #include "system/widgets/WidgetAccess_p.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Marlox {
 
@@ -46,6 +47,12 @@ void TimeCodeEdit::SetValue(double value, int precision)
     const bool typing = d_->editor && hasFocus();
     if (!d_->typed || !(typing || same))
         d_->ShowValue();
+}
+
+void TimeCodeEdit::SetShownDecimals(int decimals)
+{
+    if (std::exchange(d_->entry.shownDecimals, decimals) != decimals)
+        update();
 }
 
 void TimeCodeEdit::SetInteger(bool integer)
@@ -190,7 +197,8 @@ void TimeCodeEdit::setAlignment(Qt::Alignment alignment)
 
 void TimeCodeEdit::selectAll()
 {
-    d_->OpenEditor().selectAll();
+    d_->OpenEditor();
+    d_->SelectAll();
 }
 
 void TimeCodeEdit::deselect()

@@ -46,6 +46,10 @@ public:
     /// signal. While the user is typing the text stays as it is, and so does text marked as
     /// unreadable until another value comes.
     void SetValue(double value, int precision = -1);
+    /// Most decimals that are drawn while nobody types (-1, at first: all of the text's). Rounding
+    /// on the screen only: text(), the line edit and the tooltip have the others. A small value
+    /// keeps two digits that count, a long one loses decimals before it is cut.
+    void SetShownDecimals(int decimals);
     void SetInteger(bool integer);
     /// Times are shown as frames, or as "hh:mm:ss:ff" when preferences say so; both can be typed.
     void SetTimeMode(bool time, double framesPerSecond = 24.0);

@@ -77,25 +77,34 @@ bool TimeCodeEdit::event(QEvent* event)
             return true;
         }
         // With nothing typed, undo is the document's.
-        if (IsUndoOrRedo(key)
-                ? d_->editor && (d_->editor->isUndoAvailable() || d_->editor->isRedoAvailable())
-                : bool(d_->editor))
+        const QLineEdit* editor = d_->editor;
+        const bool undoes =
+            d_->typed && editor && (editor->isUndoAvailable() || editor->isRedoAvailable());
+        if (IsUndoOrRedo(key) ? undoes : bool(editor))
             return d_->editor->event(event);
         key.setAccepted(!d_->editor && StartsNumber(key));
         return true;
     }
-    if (event->type() == QEvent::ToolTip && d_->IsCut() && !IsUnreadable()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
-        return true;
-    }
-    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && !d_->readOnly) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
-                           tr("Drag sideways to change: Shift is coarse, Ctrl fine, Escape cancels."
-                              "\nType a number, arithmetic (1920/2) or a change (+10%, *2, -=3)."),
-                           this);
+    if (event->type() == QEvent::ToolTip && !IsUnreadable()) {
+        const QString tip = d_->ToolTip();
+        if (tip.isEmpty())
+            return QWidget::event(event);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this);
         return true;
     }
     return QWidget::event(event);
+}
+
+QString TimeCodeEdit::Private::ToolTip() const
+{
+    QStringList lines(HiddenText());
+    lines += field.toolTip();
+    if (lines.last().isEmpty() && !readOnly)
+        lines +=
+            TimeCodeEdit::tr("Drag sideways to change: Shift is coarse, Ctrl fine, Escape cancels."
+                             "\nType a number, arithmetic (1920/2) or a change (+10%, *2, -=3).");
+    lines.removeAll({});
+    return lines.join(u'\n');
 }
 
 // Keys.
@@ -117,7 +126,7 @@ void TimeCodeEdit::keyPressEvent(QKeyEvent* event)
     } else if (IsEnter(*event)) {
         event->setAccepted(d_->typed); // else a dialog's default button may have it
         if (Commit() && alive && d_->editor) {
-            d_->editor->selectAll();
+            d_->SelectAll();
             d_->cursorPlaced = false;
         }
     } else if (StepOf(*event) != 0 && !d_->readOnly) {

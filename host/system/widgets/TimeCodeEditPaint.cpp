@@ -75,16 +75,27 @@ QRect TimeCodeEdit::Private::TextRect(const QStyleOptionFrame& frame) const
 
 QString TimeCodeEdit::Private::ShownText(const QStyleOptionFrame& frame) const
 {
-    // No character of a number is wider than a zero: the usual case needs no measuring.
     const int room = TextRect(frame).width();
-    if (!typed && text.size() * frame.fontMetrics.horizontalAdvance(u'0') <= room)
-        return text;
-    return frame.fontMetrics.elidedText(text, Qt::ElideRight, room);
+    const QFontMetrics& metrics = frame.fontMetrics;
+    if (typed || !expression.isEmpty())
+        return metrics.elidedText(text, Qt::ElideRight, room);
+    // No character of a number is wider than a zero: the usual case needs no measuring.
+    const auto fits = [&metrics, room,
+                       zero = metrics.horizontalAdvance(u'0')](const QString& shown) {
+        return shown.size() * zero <= room || metrics.horizontalAdvance(shown) <= room;
+    };
+    const QString shown = entry.ShortText(text, fits);
+    return fits(shown) ? shown : metrics.elidedText(shown, Qt::ElideRight, room);
 }
 
-bool TimeCodeEdit::Private::IsCut() const
+QString TimeCodeEdit::Private::HiddenText() const
 {
-    return !editor && ShownText(Frame()) != text;
+    if (typed || !expression.isEmpty())
+        return ShownText(Frame()) != text ? text : QString();
+    NumberEntry whole = entry;
+    whole.precision = -1;
+    const QString full = whole.Text();
+    return (editor ? text : ShownText(Frame())) != full ? full : QString();
 }
 
 } // namespace Marlox

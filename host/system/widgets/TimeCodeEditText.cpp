@@ -17,7 +17,7 @@ void TimeCodeEdit::Private::ShowText(const QString& shown)
         const int cursor = editor->cursorPosition();
         editor->setText(shown);
         if (all)
-            editor->selectAll();
+            SelectAll();
         else
             editor->setCursorPosition(cursor);
     }
@@ -126,6 +126,16 @@ QLineEdit& TimeCodeEdit::Private::OpenEditor()
         field.setCursor(Qt::IBeamCursor);
     field.update();
     return *editor;
+}
+
+void TimeCodeEdit::Private::SelectAll()
+{
+    editor->selectAll();
+    const QStyleOptionFrame frame = Frame();
+    if (frame.fontMetrics.horizontalAdvance(editor->text()) <= TextRect(frame).width())
+        return;
+    editor->end(false); // too long to be seen at once: let it be the first digits
+    editor->home(true);
 }
 
 void TimeCodeEdit::Private::CloseEditor()

@@ -37,7 +37,9 @@ public:
     QStyleOptionFrame Frame() const;
     QRect TextRect(const QStyleOptionFrame& frame) const;
     QString ShownText(const QStyleOptionFrame& frame) const; // shortened where it does not fit
-    bool IsCut() const;
+    QString HiddenText() const; // all of the value or text, if less of it is seen
+    QString ToolTip() const;    // that, and how the field is used
+    void SelectAll();           // in the line edit
 
     // The drag.
     void DragTo(double screenX, Qt::KeyboardModifiers modifiers);

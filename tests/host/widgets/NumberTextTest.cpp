@@ -2,7 +2,6 @@
 #include "system/widgets/Arithmetic.h"
 #include "system/widgets/NumberEntry.h"
 #include "system/widgets/NumberFormat.h"
-#include "system/widgets/ScrubDrag.h"
 
 #include <cmath>
 #include <limits>
@@ -37,9 +36,7 @@ private slots:
     void EntryStepsSuitTheRange();
     void DigitAtCursor_data();
     void DigitAtCursor();
-    void DragStartsAtTheThreshold();
-    void DragChangesFactorWithoutAJump();
-    void DragTurnsBackAtOnce();
+    void ShortensWhatIsShown();
 };
 
 void NumberTextTest::Reads_data()
@@ -368,44 +365,25 @@ void NumberTextTest::DigitAtCursor()
     QCOMPARE(again.power, power);
 }
 
-void NumberTextTest::DragStartsAtTheThreshold()
+void NumberTextTest::ShortensWhatIsShown()
 {
-    ScrubDrag drag(100.0);
-    QVERIFY(!drag.MoveTo(103.0, 1.0));
-    QVERIFY(!drag.HasStarted());
-    drag.MoveTo(104.0, 1.0);
-    QVERIFY(drag.HasStarted());
-    QCOMPARE(drag.Movement(), 0.0);
-    drag.MoveTo(105.0, 1.0);
-    QCOMPARE(drag.Movement(), 1.0);
-    drag.MoveTo(90.0, 1.0);
-    QCOMPARE(drag.Movement(), -14.0);
-
-    ScrubDrag leftwards(100.0);
-    leftwards.MoveTo(50.0, 10.0);
-    QCOMPARE(leftwards.Movement(), -460.0);
-}
-
-void NumberTextTest::DragChangesFactorWithoutAJump()
-{
-    ScrubDrag drag(0.0);
-    drag.MoveTo(24.0, 1.0);
-    QVERIFY(!drag.MoveTo(24.0, ScrubDrag::Factor(true, false)));
-    QCOMPARE(drag.Movement(), 20.0);
-    drag.MoveTo(25.0, ScrubDrag::Factor(true, false));
-    QCOMPARE(drag.Movement(), 30.0);
-    drag.MoveTo(35.0, ScrubDrag::Factor(false, true));
-    QCOMPARE(drag.Movement(), 31.0);
-    QCOMPARE(ScrubDrag::Factor(true, true), 1.0);
-}
-
-void NumberTextTest::DragTurnsBackAtOnce()
-{
-    ScrubDrag drag(0.0);
-    drag.MoveTo(104.0, 1.0);
-    drag.Correct(60.0); // what was dragged met its end there
-    drag.MoveTo(103.0, 1.0);
-    QCOMPARE(drag.Movement(), 59.0);
+    struct Case {
+        double value;
+        int decimals;
+        int room;
+        const char* shown;
+    };
+    for (const Case& one : {Case{0.049123, 4, 7, "0.0491"}, Case{0.049123, -1, 7, "0.04912"},
+                            Case{-1234.5678, 4, 7, "-1234.6"}, Case{0.00004321, 3, 9, "0.000043"},
+                            Case{0.00004321, 3, 5, "0.00004321"}, // cut, rather than a wrong 0
+                            Case{123456789.5, 2, 7, "123456789.5"}, Case{0.99996, 4, 7, "1"},
+                            Case{1.5e-20, 2, 3, "1.5e-20"}, Case{0.25, 4, 7, "0.25"}}) {
+        NumberEntry entry;
+        entry.value = one.value;
+        entry.shownDecimals = one.decimals;
+        const auto fits = [&one](const QString& text) { return text.size() <= one.room; };
+        QCOMPARE(entry.ShortText(entry.Text(), fits), QString(one.shown));
+    }
 }
 
 QTEST_APPLESS_MAIN(NumberTextTest)

@@ -5,11 +5,14 @@
 #include "system/resources/LookStyle.h"
 #include "system/values/Parameter.h"
 
+#include <functional>
 #include <memory>
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QShortcut>
+#include <QToolTip>
 #include <QWheelEvent>
 #include <QtTest>
 
@@ -99,7 +102,11 @@ public:
     int ended = 0;
 };
 
+using Loss = std::function<void(Stage&)>;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Loss)
 
 class TimeCodeEditTest : public QObject {
     Q_OBJECT
@@ -130,6 +137,7 @@ private slots:
     void DestroyedWithItsParents();
     void ListenerMayDelete();
     void ReadOnlyTakesNothing();
+    void ShowsLessThanItHas();
     void OpeningMovesNoText();
     void SpeaksToScreenReaders();
 };
@@ -556,41 +564,25 @@ void TimeCodeEditTest::EscapeCancelsDrag()
 
 void TimeCodeEditTest::LostDragsEndOnce_data()
 {
-    QTest::addColumn<int>("way");
-    const char* ways[] = {"focus",  "hidden",    "disabled",      "read-only",
-                          "window", "cancelled", "release unseen"};
-    for (int way = 0; way < 7; ++way)
-        QTest::newRow(ways[way]) << way;
+    QTest::addColumn<Loss>("lose");
+    const auto row = [](const char* name, Loss lose) { QTest::newRow(name) << lose; };
+    row("focus", [](Stage& stage) { stage.other->setFocus(); });
+    row("hidden", [](Stage& stage) { stage.window.hide(); });
+    row("disabled", [](Stage& stage) { stage.field->setEnabled(false); });
+    row("read-only", [](Stage& stage) { stage.field->setReadOnly(true); });
+    row("window", [](Stage&) { QApplication::setActiveWindow(nullptr); });
+    row("cancelled", [](Stage& stage) { stage.field->CancelDrag(); });
+    row("release unseen",
+        [](Stage& stage) { stage.Mouse(QEvent::MouseMove, 80, Qt::NoButton, Qt::NoButton); });
 }
 
 void TimeCodeEditTest::LostDragsEndOnce()
 {
-    QFETCH(int, way);
+    QFETCH(Loss, lose);
     Stage stage;
     stage.Press(10);
     stage.Move(34);
-    switch (way) {
-    case 0:
-        stage.other->setFocus();
-        break;
-    case 1:
-        stage.window.hide();
-        break;
-    case 2:
-        stage.field->setEnabled(false);
-        break;
-    case 3:
-        stage.field->setReadOnly(true);
-        break;
-    case 4:
-        QApplication::setActiveWindow(nullptr);
-        break;
-    case 5:
-        stage.field->CancelDrag();
-        break;
-    default:
-        stage.Mouse(QEvent::MouseMove, 80, Qt::NoButton, Qt::NoButton);
-    }
+    lose(stage);
     QCOMPARE(stage.ended, 1);
     QCOMPARE(stage.field->GetValue(), 0.52); // where it was
     stage.Move(90);
@@ -654,6 +646,31 @@ void TimeCodeEditTest::ReadOnlyTakesNothing()
     QCOMPARE(stage.finished + stage.started, 0);
     stage.field->selectAll(); // yet can be copied
     QCOMPARE(stage.field->selectedText(), QString("0.5"));
+}
+
+void TimeCodeEditTest::ShowsLessThanItHas()
+{
+    Stage stage;
+    const auto look = [&stage](double value, int precision, int decimals) {
+        stage.field->SetShownDecimals(decimals);
+        stage.field->SetValue(value, precision);
+        return stage.field->grab().toImage();
+    };
+    const QImage rounded = look(0.0491, 6, -1);
+    QVERIFY(look(0.049123456789, 6, -1) != rounded);
+    QVERIFY(look(0.049123456789, 6, 4) == rounded);
+    QCOMPARE(stage.field->text(), QString("0.049123")); // to be edited
+    QHelpEvent help(QEvent::ToolTip, {5, 5}, stage.field->mapToGlobal({5, 5}));
+    QApplication::sendEvent(stage.field, &help);
+    QVERIFY(QToolTip::text().startsWith("0.0491234568\nDrag"));
+    QToolTip::hideText();
+    // Too long to be seen at once, it starts with its first digit and goes as a whole.
+    stage.field->SetValue(-123456.123456, 6);
+    stage.Type("");
+    QCOMPARE(stage.field->selectedText(), QString("-123456.123456"));
+    QCOMPARE(stage.field->cursorPosition(), 0);
+    stage.Type("0.25");
+    QCOMPARE(stage.field->text(), QString("0.25"));
 }
 
 void TimeCodeEditTest::OpeningMovesNoText()
