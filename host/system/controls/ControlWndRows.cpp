@@ -203,6 +203,7 @@ void ControlWnd::Private::AddKeys(Row& row, Input& first)
         type == CLSID_DataType_Mask)
         return;
     row.keys = new KeyFrameIndicator(&page);
+    row.keys->setAttribute(Qt::WA_Resized); // by Layout
     row.keys->setAccessibleName(ControlWnd::tr("Key of %1").arg(first.GetName()));
     row.keys->setEnabled(row.control->isEnabled());
     InputControl* control = row.control;

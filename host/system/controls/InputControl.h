@@ -47,7 +47,6 @@ protected:
 /// of the window it was opened in from Open to Close, yet is deleted only by its last reference.
 /// All calls on the user-interface thread.
 class MARLOXSYSTEM_EXPORT InputControl : public _InputControl {
-    Q_OBJECT
 public:
     static const MxID ClassID;
 
@@ -151,6 +150,8 @@ public:
     bool RemoveModifier(Input* input);
     /// Sets the expression of the input with this control index; an empty text removes it.
     void SetExpressions(unsigned int index, char* expression);
+    /// Why an expression would give that input no value at the current time; empty: it would.
+    QString ExpressionProblem(unsigned int index, const QString& expression) const;
     /// Reads IC_Disabled (and IA_ReadOnly when `ofInput`), applies them, and returns whether the
     /// control is disabled. The inputs of a locked tool are disabled besides.
     bool GetDisabledTags(const TagList& tags, bool ofInput);
@@ -216,6 +217,8 @@ private:
     bool disabled_ = false;
     UndoGesture undo_;
     std::unique_ptr<Private> d_;
+
+    Q_OBJECT // last, for what it overrides must not come between the operations' slots
 };
 
 } // namespace Marlox

@@ -177,6 +177,21 @@ void InputControl::SetExpressions(unsigned int index, char* expression)
     input->SetExpression(expression);
 }
 
+QString InputControl::ExpressionProblem(unsigned int index, const QString& expression) const
+{
+    const Input* input = FindInputByIndex(index);
+    ScriptServices* services = ScriptServices::Installed();
+    if (!input || !services)
+        return tr("Expressions can't be used here.");
+    QString error;
+    const Ref<Parameter> value =
+        services->Evaluate(*input, expression.toStdString(), CurrentTime(), &error);
+    if (value && value->GetDataType() == input->GetDataType())
+        return {};
+    return error.isEmpty() ? tr("The expression gives no %1.").arg(input->GetDataType().ToString())
+                           : error;
+}
+
 bool InputControl::AddExpressionAt(const MxPointT<int>& at)
 {
     InputList inputs;
