@@ -14,6 +14,7 @@ constexpr double fineShare = 0.1;
 constexpr double displayDecades = 6.0;
 constexpr double fewestDecimals = 4.0;
 constexpr double mostDecimals = 12.0;
+constexpr double fewestShown = 2.0;
 constexpr int64 mostTicks = 1000000;
 
 } // namespace
@@ -63,6 +64,9 @@ void SliderSettings::DeriveSteps(const TagList& tags)
     precision =
         IsWhole() ? 0 : int(std::clamp(displayDecades - decade, fewestDecimals, mostDecimals));
     displayStep = std::pow(10.0, -precision);
+    const double fineDecimals = std::ceil(-std::log10(fineStep) - 1e-9);
+    shownDecimals = int(std::clamp(fineDecimals + 1.0, std::min(fewestShown, double(precision)),
+                                   double(precision)));
 }
 
 double SliderSettings::OnGrid(double v) const

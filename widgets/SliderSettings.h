@@ -42,6 +42,9 @@ struct SliderSettings {
     /// of an integer input.
     double displayStep = 1e-7;
     int precision = -1;
+    /// What the value edit draws of these decimals while nobody types: one below the fine key step
+    /// (four for 0 to 1), at least two.
+    int shownDecimals = -1;
     int tickFreq = 0;
     int knobStyle = 0;
     bool integer = false;

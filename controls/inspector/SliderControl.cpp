@@ -7,9 +7,9 @@
 #include "system/widgets/TimeCodeEdit.h"
 #include "widgets/CustomSlider.h"
 
-#include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace Marlox {
 
@@ -23,22 +23,8 @@ struct SharedValues {
     unsigned generation = 0; // of the look they come from
 };
 SharedValues& shared();
-const ResColor& expressionColor();
 
 constexpr char layoutName[] = "Controls.Slider.Layout";
-
-struct KnobStyle {
-    int number;
-    const char* normal;
-    const char* highlighted;
-};
-constexpr KnobStyle plainKnob{0, "Controls.Slider.Knob.1", "Controls.Slider.Knob.2"};
-constexpr KnobStyle knobStyles[] = {
-    {6, "Controls.Color.Knob.2.1", "Controls.Color.Knob.2.2"},
-    {7, "Controls.Color.Knob.3.1", "Controls.Color.Knob.3.2"},
-    {8, "Controls.Color.Knob.4.1", "Controls.Color.Knob.4.2"},
-    {9, "Controls.Color.Knob.5.1", "Controls.Color.Knob.5.2"},
-};
 
 constexpr int elided = 1;
 constexpr int notElided = 3;
@@ -67,21 +53,14 @@ void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
         object.SetWidget(widget);
 }
 
-/// Adds a pair that outlives the list it comes from.
-void addOwned(TagList& list, const TagPair& pair)
-{
-    const u32 tag = u32(pair.tag);
-    if (TypeOfTag(tag) == TagType::String && pair.value.text)
-        list.AddCopy(tag, pair.value.text);
-    else
-        list.Add(tag, pair.value);
-}
-
 template <class Widget, class... Arguments>
 Widget* makeNamed(const char* name, Arguments... arguments)
 {
     auto* widget = new Widget(arguments...);
     widget->setObjectName(QLatin1String(name));
+    // The layout sizes it: showing it need not work out a size of its own, which costs a measured
+    // text for each widget of each control that opens.
+    widget->setAttribute(Qt::WA_Resized);
     return widget;
 }
 
@@ -106,8 +85,7 @@ SliderControl::SliderControl(const Registry* record, const ScriptVal& creator,
     connect(edit_, SIGNAL(editingFinished()), this, SLOT(OnValueEdit()));
     connect(edit_, &TimeCodeEdit::StartDrag, this, &SliderControl::OnEditStartDrag);
     connect(edit_, &TimeCodeEdit::EndDrag, this, &SliderControl::OnEditEndDrag);
-    for (const TagPair* pair = attributes.First(); pair; pair = attributes.Next(pair))
-        addOwned(creation_, *pair);
+    creation_.Merge(attributes);
     ReadTags(creation_);
 }
 
@@ -155,8 +133,7 @@ bool SliderControl::SetAttrsTagList(Input* input, const TagList& tags)
     if (!Inputs().empty() && input != Inputs().front())
         return true; // another one joins: what is shown stays the first's
     TagList all(creation_);
-    for (const TagPair* pair = tags.First(); pair; pair = tags.Next(pair))
-        all.Set(u32(pair->tag), pair->value);
+    all.Merge(tags);
     ReadTags(all);
     if (IsOpen()) {
         ApplyToSlider();
@@ -253,72 +230,6 @@ void SliderControl::ReadShownValue()
     hasValue_ = true;
 }
 
-void SliderControl::ApplyToSlider()
-{
-    slider_->SetInteger(settings_.integer);
-    slider_->SetGamma(settings_.gamma);
-    slider_->SetRange(settings_.range.low, settings_.range.high, false);
-    slider_->SetSteps(settings_.fineStep, settings_.plainStep);
-    slider_->SetCentred(false);
-    slider_->SetTickFreq(settings_.tickFreq); // may centre by itself
-    if (settings_.centred && !slider_->SetCentre(settings_.centre))
-        slider_->SetTickFreq(settings_.tickFreq);
-    slider_->SetDefaultValue(settings_.defaultValue);
-    slider_->SetSnapValue(settings_.snapValue);
-}
-
-void SliderControl::ApplyToEdit()
-{
-    edit_->SetEditDisabled(settings_.editDisabled);
-    edit_->SetInteger(settings_.integer);
-    const MarloxDoc* document = GetDoc();
-    edit_->SetTimeMode(settings_.time, document ? document->FrameRate() : 24.0);
-    edit_->SetRange(settings_.allowed.low, settings_.allowed.high);
-    edit_->SetStep(settings_.plainStep);
-}
-
-void SliderControl::ApplyKnobStyle()
-{
-    const auto* style =
-        std::find_if(std::begin(knobStyles), std::end(knobStyles),
-                     [this](const KnobStyle& row) { return row.number == settings_.knobStyle; });
-    const KnobStyle& chosen = style != std::end(knobStyles) ? *style : plainKnob;
-    slider_->SetKnobImages(chosen.normal, chosen.highlighted);
-    knobStyleDirty_ = false;
-}
-
-void SliderControl::ApplyLabels()
-{
-    const Input* input = Inputs().empty() ? nullptr : Inputs().front();
-    const QString name = input ? input->GetName() : QString();
-    label_->SetText(name);
-    label_->setVisible(!settings_.nameHidden);
-    slider_->setAccessibleName(name);
-    edit_->setAccessibleName(name);
-    slider_->SetHelp(QString::fromStdString(settings_.help));
-    const auto show = [](ElideLabel& label, const std::string& text) {
-        label.SetText(QString::fromStdString(text));
-        label.setVisible(!text.empty());
-    };
-    show(*lowLabel_, settings_.lowName);
-    show(*midLabel_, settings_.midName);
-    show(*highLabel_, settings_.highName);
-    // Names may lie behind the slider: let them show through.
-    slider_->setAttribute(Qt::WA_OpaquePaintEvent, !settings_.HasRangeNames());
-    labelsDirty_ = false;
-}
-
-void SliderControl::ShowInputState()
-{
-    const Input* input = FindInputByIndex(inputId_);
-    QColor color;
-    if (input && input->HasExpression())
-        color = expressionColor().Color().ToQColor();
-    else if (input && input->IsAnimated())
-        color = LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor();
-    slider_->SetStateColor(color);
-}
-
 // Values in --------------------------------------------------------------------------------------
 
 void SliderControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
@@ -359,7 +270,7 @@ void SliderControl::UpdateDisplay(Input* input, TagList* tags)
 void SliderControl::OnDisconnect(Input* input, TagList* tags)
 {
     // What came through the connection stays, as a plain number.
-    if (input)
+    if (input && input == FindInputByIndex(inputId_))
         input->SetValue(*AutoNumber(new Number(shown_)), TimeNone, Input::ReplaceAll);
     InputControl::OnDisconnect(input, tags);
 }
@@ -393,8 +304,11 @@ void SliderControl::OnValueEdit()
     const auto alive = Ref<SliderControl>::Share(this);
     if (!edit_->IsExpressionText())
         return OnValueChanged(edit_->GetValue());
-    QByteArray expression = edit_->ExpressionText().toUtf8();
-    SetExpressions(inputId_, expression.data());
+    const QString expression = edit_->ExpressionText();
+    const QString problem = ExpressionProblem(inputId_, expression);
+    if (!problem.isEmpty())
+        return edit_->MarkUnreadable(problem); // more likely a slip than an expression
+    SetExpressions(inputId_, expression.toUtf8().data());
     UpdateDisplay(nullptr, nullptr);
 }
 
@@ -456,11 +370,6 @@ namespace {
 SharedValues& shared()
 {
     return controlClass<SliderFacts>.scriptVals;
-}
-
-const ResColor& expressionColor()
-{
-    return controlClass<SliderFacts>.resources.expression;
 }
 
 } // namespace

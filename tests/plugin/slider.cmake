@@ -11,6 +11,7 @@ file(GLOB slider_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/widgets/*.cpp
 add_library(slider_parts OBJECT ${slider_sources}
     ${PROJECT_SOURCE_DIR}/controls/inspector/SliderControl.cpp
     ${PROJECT_SOURCE_DIR}/controls/inspector/SliderControl.h
+    ${PROJECT_SOURCE_DIR}/controls/inspector/SliderControlLook.cpp
     ${PROJECT_SOURCE_DIR}/framework/BuildStamp.cpp
     ${PROJECT_SOURCE_DIR}/framework/ControlClass.cpp
     ${PROJECT_SOURCE_DIR}/tests/host/controls/Probe.cpp

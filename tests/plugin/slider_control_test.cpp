@@ -28,7 +28,6 @@ private slots:
     void KeepsToTheGrid();
     void BuildsItsWidgets();
     void ShowsRangeNames();
-    void PicksKnobs_data();
     void PicksKnobs();
     void ReadsAttributesAnew();
     void OneDragOneEntry();
@@ -59,6 +58,14 @@ void dragKnob(CustomSlider& slider, std::initializer_list<int> by)
         Pointer::Move(slider, start + QPointF(x, 0));
 }
 
+/// Perhaps in the middle of a gesture.
+void reopenPage(const SliderStage& stage)
+{
+    stage.page->SetOperator(nullptr);
+    QCoreApplication::processEvents();
+    stage.page->SetOperator(stage.tool);
+}
+
 void type(TimeCodeEdit& edit, const QString& text)
 {
     edit.setFocus();
@@ -75,24 +82,25 @@ void SliderControlTest::ReadsRanges_data()
     QTest::addColumn<double>("high");
     QTest::addColumn<double>("plainStep");
     QTest::addColumn<double>("displayStep");
+    QTest::addColumn<int>("shownDecimals");
     const auto row = [](const char* name, TagList tags, double low, double high, double plain,
-                        double display) {
-        QTest::newRow(name) << tags << low << high << plain << display;
+                        double display, int decimals) {
+        QTest::newRow(name) << tags << low << high << plain << display << decimals;
     };
-    row("nothing given", {}, 0.0, 1.0, 0.01, 1e-6);
-    row("scale", {{IAD_LowScale, -2.0}, {IAD_HighScale, 48.0}}, -2.0, 48.0, 0.1, 1e-5);
-    row("bounds only", {{IAD_Minimum, 1.0}, {IAD_Maximum, 300.0}}, 1.0, 300.0, 1.0, 1e-4);
+    row("nothing given", {}, 0.0, 1.0, 0.01, 1e-6, 4);
+    row("scale", {{IAD_LowScale, -2.0}, {IAD_HighScale, 48.0}}, -2.0, 48.0, 0.1, 1e-5, 3);
+    row("bounds only", {{IAD_Minimum, 1.0}, {IAD_Maximum, 300.0}}, 1.0, 300.0, 1.0, 1e-4, 2);
     row("scale beyond bounds", {{IAD_Minimum, 0.0}, {IAD_LowScale, -5.0}, {IAD_HighScale, 5.0}},
-        0.0, 5.0, 0.01, 1e-6);
-    row("low above 1", {{IAD_Minimum, 20.0}}, 20.0, 21.0, 0.01, 1e-6);
-    row("reversed", {{IAD_LowScale, 3.0}, {IAD_HighScale, 1.0}}, 1.0, 3.0, 0.01, 1e-6);
-    row("endless", {{IAD_LowScale, -1e308}, {IAD_HighScale, 1e308}}, 0.0, 1.0, 0.01, 1e-6);
-    row("wide", {{IAD_HighScale, 1e6}}, 0.0, 1e6, 1e4, 1e-4);
-    row("tiny", {{IAD_HighScale, 1e-9}}, 0.0, 1e-9, 1e-11, 1e-12);
-    row("whole numbers", {{IA_Integer, 1}, {IAD_HighScale, 255.0}}, 0.0, 255.0, 1.0, 1.0);
+        0.0, 5.0, 0.01, 1e-6, 4);
+    row("low above 1", {{IAD_Minimum, 20.0}}, 20.0, 21.0, 0.01, 1e-6, 4);
+    row("reversed", {{IAD_LowScale, 3.0}, {IAD_HighScale, 1.0}}, 1.0, 3.0, 0.01, 1e-6, 4);
+    row("endless", {{IAD_LowScale, -1e308}, {IAD_HighScale, 1e308}}, 0.0, 1.0, 0.01, 1e-6, 4);
+    row("wide", {{IAD_HighScale, 1e6}}, 0.0, 1e6, 1e4, 1e-4, 2);
+    row("tiny", {{IAD_HighScale, 1e-9}}, 0.0, 1e-9, 1e-11, 1e-12, 12);
+    row("whole numbers", {{IA_Integer, 1}, {IAD_HighScale, 255.0}}, 0.0, 255.0, 1.0, 1.0, 0);
     row("whole times", {{IA_Integer, 1}, {IC_Time, 1}, {IAD_HighScale, 100.0}}, 0.0, 100.0, 1.0,
-        1e-4);
-    row("own step", {{ICD_Step, 0.25}}, 0.0, 1.0, 0.25, 1e-6);
+        1e-4, 2);
+    row("own step", {{ICD_Step, 0.25}}, 0.0, 1.0, 0.25, 1e-6, 3);
 }
 
 void SliderControlTest::ReadsRanges()
@@ -105,6 +113,7 @@ void SliderControlTest::ReadsRanges()
     QCOMPARE(settings.range.high, high);
     QTEST(settings.plainStep, "plainStep");
     QTEST(settings.displayStep, "displayStep");
+    QTEST(settings.shownDecimals, "shownDecimals");
     QCOMPARE(settings.fineStep, settings.plainStep / 10);
 }
 
@@ -177,31 +186,24 @@ void SliderControlTest::ShowsRangeNames()
     QVERIFY(stage.SliderOf("Plain").testAttribute(Qt::WA_OpaquePaintEvent));
 }
 
-void SliderControlTest::PicksKnobs_data()
-{
-    QTest::addColumn<int>("style");
-    QTest::addColumn<QString>("bitmap");
-    QTest::newRow("5") << 5 << "Controls.Slider.Knob.1";
-    QTest::newRow("6") << 6 << "Controls.Color.Knob.2.1";
-    QTest::newRow("7") << 7 << "Controls.Color.Knob.3.1";
-    QTest::newRow("8") << 8 << "Controls.Color.Knob.4.1";
-    QTest::newRow("9") << 9 << "Controls.Color.Knob.5.1";
-    QTest::newRow("10") << 10 << "Controls.Slider.Knob.1";
-}
-
 void SliderControlTest::PicksKnobs()
 {
-    QFETCH(int, style);
-    QFETCH(QString, bitmap);
     const SliderStage stage({{"Gain", {{IC_KnobStyle, 6}}}});
-    stage.ControlOf("Gain").SetAttrsTagList(TagList({{IC_KnobStyle, style}})); // redisplays
     CustomSlider& slider = stage.SliderOf("Gain");
-    const QImage knob = ResDIB::PixmapOf(qPrintable(bitmap), 1.0).toImage();
-    const QImage seen = slider.grab().toImage();
     const QPoint middle(int(slider.KnobPixel()), slider.height() / 2);
-    for (int x = -1; x <= 1; ++x) // the inlay tells the knobs apart
-        QCOMPARE(seen.pixelColor(middle + QPoint(x, 0)).rgb(),
-                 knob.pixelColor(knob.width() / 2 + x, knob.height() / 2).rgb());
+    for (const auto& [style, name] : {std::pair{5, "Controls.Slider.Knob.1"},
+                                      {6, "Controls.Color.Knob.2.1"},
+                                      {7, "Controls.Color.Knob.3.1"},
+                                      {8, "Controls.Color.Knob.4.1"},
+                                      {9, "Controls.Color.Knob.5.1"},
+                                      {10, "Controls.Slider.Knob.1"}}) {
+        stage.ControlOf("Gain").SetAttrsTagList(TagList({{IC_KnobStyle, style}})); // redisplays
+        const QImage knob = ResDIB::PixmapOf(name, 1.0).toImage();
+        const QImage seen = slider.grab().toImage();
+        for (int x = -1; x <= 1; ++x) // the inlay tells the knobs apart
+            QCOMPARE(seen.pixelColor(middle + QPoint(x, 0)).rgb(),
+                     knob.pixelColor(knob.width() / 2 + x, knob.height() / 2).rgb());
+    }
 }
 
 void SliderControlTest::ReadsAttributesAnew()
@@ -374,6 +376,10 @@ void SliderControlTest::TypesNumbersAndExpressions()
     QCOMPARE(stage.SliderOf("Gain").KnobPixel(), stage.SliderOf("Gain").PixelHigh());
     type(edit, "99");
     QCOMPARE(stage.ValueOf("Gain"), 10.0);
+    type(edit, "gian * 2"); // a slip: no expression comes of it
+    QVERIFY(!stage.InputOf("Gain").HasExpression() && edit.IsUnreadable());
+    QCOMPARE(edit.text(), QString("gian * 2"));
+    QCOMPARE(stage.UndoEntries(), 3);
     type(edit, "time / 10 + 0.1");
     QCOMPARE(stage.InputOf("Gain").GetExpression(), std::string("time / 10 + 0.1"));
     QCOMPARE(stage.UndoEntries(), 4);
@@ -441,13 +447,15 @@ void SliderControlTest::FollowsUndoAndTime()
 
 void SliderControlTest::KeepsTheValueOfALostConnection()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
+    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}, {"Twin", {{IAS_SharedWith, "Gain"}}}});
     Input& input = stage.InputOf("Gain");
     input.AddKey(0.0);
     input.SetValue(*MakeRef<Number>(0.75), 0.0);
     stage.ControlOf("Gain").OnDisconnect(&input, nullptr);
     QVERIFY(!input.IsAnimated());
     QCOMPARE(stage.ValueOf("Gain"), 0.75);
+    stage.ControlOf("Twin").OnDisconnect(&stage.InputOf("Twin"), nullptr);
+    QCOMPARE(stage.ValueOf("Twin"), 0.0); // another's value is none of its business
 }
 
 void SliderControlTest::LostGesturesEndCleanly_data()
@@ -520,6 +528,13 @@ void SliderControlTest::StandsRandomUse()
                                                Qt::ShiftModifier, Qt::AltModifier};
     const char* const texts[] = {"0.3", "1/0", "+10%", "abc", "7", "-4", "2,5", "time", "", "*2"};
     const Qt::Key editKeys[] = {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Up, Qt::Key_Down};
+    const auto states = [&] {
+        std::vector<Input::State> all;
+        for (const char* id : ids)
+            all.push_back(stage.InputOf(id).GetState());
+        return all;
+    };
+    const auto untouched = states();
     QElapsedTimer clock;
     clock.start();
     for (int i = 0; clock.elapsed() < 3000 || i < 500; ++i) {
@@ -561,6 +576,8 @@ void SliderControlTest::StandsRandomUse()
                 stage.document->Undo().Undo();
             else if (pick(4) == 0)
                 stage.InputOf(id).SetExpression({});
+            else if (pick(4) == 0)
+                reopenPage(stage);
             else
                 QTest::qWait(pick(8));
             break;
@@ -578,10 +595,16 @@ void SliderControlTest::StandsRandomUse()
     }
     QCOMPARE(stage.document->Undo().Depth(), 0);
     QVERIFY(!stage.document->IsAutoProxy());
+    // Every change is in the history, and there once.
+    const auto reached = states();
+    QVERIFY(reached != untouched && stage.UndoEntries() > 10);
     while (stage.document->Undo().CanUndo())
         stage.document->Undo().Undo();
-    QCOMPARE(stage.ValueOf("Gain"), 0.5);
+    QVERIFY(states() == untouched);
     QCOMPARE(stage.SliderOf("Gain").Value(), 0.5);
+    while (stage.document->Undo().CanRedo())
+        stage.document->Undo().Redo();
+    QVERIFY(states() == reached);
 }
 
 QTEST_MAIN(SliderControlTest)
