@@ -87,22 +87,29 @@ QImage* CustomControl::PaintedImage(QPoint& offset, int& ratio) const
     return plain && ratio == exactRatio && ratio == devicePixelRatioF() ? image : nullptr;
 }
 
-bool CustomControl::event(QEvent* event)
+bool CustomControl::EndsGesture(const QEvent& event) const
 {
-    switch (event->type()) {
+    switch (event.type()) {
     case QEvent::FocusOut:
     case QEvent::Hide:
     case QEvent::UngrabMouse:
     case QEvent::WindowBlocked:
     case QEvent::WindowDeactivate:
-        LoseGesture();
-        break;
+        return true;
     case QEvent::EnabledChange:
-        if (!isEnabled())
-            LoseGesture();
-        break;
+        return !isEnabled();
     default:
-        break;
+        return false;
+    }
+}
+
+bool CustomControl::event(QEvent* event)
+{
+    if (EndsGesture(*event)) {
+        const QPointer<CustomControl> alive(this);
+        LoseGesture();
+        if (!alive)
+            return true;
     }
     return QWidget::event(event);
 }

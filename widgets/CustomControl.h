@@ -67,6 +67,8 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    bool EndsGesture(const QEvent& event) const;
+
     QPointer<InputControl> owner_;
     bool locked_ = false;
     bool inGesture_ = false;

@@ -1,7 +1,6 @@
 #include "widgets/CustomController.h"
 
 #include <cstdlib>
-#include <optional>
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -38,31 +37,48 @@ int CustomController::LevelOf(Qt::KeyboardModifiers modifiers) const
     return shiftHeld_ || (modifiers & Qt::ShiftModifier) ? 2 : 1;
 }
 
+std::optional<CustomController::Way> CustomController::WayOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Home:
+        return Way::Low;
+    case Qt::Key_End:
+        return Way::High;
+    case Qt::Key_Left:
+    case Qt::Key_PageDown:
+        return Way::Down;
+    case Qt::Key_Right:
+    case Qt::Key_PageUp:
+        return Way::Up;
+    default:
+        return std::nullopt;
+    }
+}
+
+bool CustomController::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = static_cast<QKeyEvent&>(*event);
+        if (WayOf(key.key()) && !(key.modifiers() & (Qt::AltModifier | Qt::MetaModifier))) {
+            event->accept();
+            return true;
+        }
+    }
+    return CustomControl::event(event);
+}
+
 void CustomController::keyPressEvent(QKeyEvent* event)
 {
     if (IsLocked())
         return; // goes to nobody
-    const auto way = [event]() -> std::optional<Way> {
-        switch (event->key()) {
-        case Qt::Key_Home:
-            return Way::Low;
-        case Qt::Key_End:
-            return Way::High;
-        case Qt::Key_Left:
-        case Qt::Key_PageDown:
-            return Way::Down;
-        case Qt::Key_Right:
-        case Qt::Key_PageUp:
-            return Way::Up;
-        default:
-            return std::nullopt;
-        }
-    }();
-    if (way) {
+    if (const auto way = WayOf(event->key())) {
         if (IsHeld())
             return;
+        const QPointer<CustomController> alive(this);
         if (wheelEnd_.isActive())
             LoseGesture(); // the wheel's entry is its own
+        if (!alive)
+            return;
         BeginGesture(false);
         StepBy(*way, LevelOf(event->modifiers()));
         return;
@@ -77,25 +93,16 @@ void CustomController::keyPressEvent(QKeyEvent* event)
 
 void CustomController::keyReleaseEvent(QKeyEvent* event)
 {
-    switch (event->key()) {
-    case Qt::Key_Home:
-    case Qt::Key_End:
-    case Qt::Key_Left:
-    case Qt::Key_PageDown:
-    case Qt::Key_Right:
-    case Qt::Key_PageUp:
+    if (WayOf(event->key())) {
         if (!event->isAutoRepeat() && !IsHeld() && !wheelEnd_.isActive())
             FinishGesture();
         return;
-    case Qt::Key_Control:
+    }
+    if (event->key() == Qt::Key_Control) {
         SetFine(false);
         return;
-    case Qt::Key_Shift:
-        shiftHeld_ = false;
-        break;
-    default:
-        break;
     }
+    shiftHeld_ = shiftHeld_ && event->key() != Qt::Key_Shift;
     CustomControl::keyReleaseEvent(event);
 }
 

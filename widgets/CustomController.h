@@ -2,6 +2,8 @@
 
 #include "widgets/CustomControl.h"
 
+#include <optional>
+
 #include <QBasicTimer>
 #include <QElapsedTimer>
 
@@ -11,8 +13,9 @@ namespace Marlox {
 /// have in common.
 ///
 /// Step keys: Left and Page Down go down, Right and Page Up go up, Home and End to the ends. They
-/// step with level 1, with Ctrl 0 (fine), else with Shift 2 (coarse). What is done until a key is
-/// released is one undo entry. Up and Down are left to others.
+/// step with level 1, with Ctrl 0 (fine), else with Shift 2 (coarse), before any shortcut of the
+/// window gets them. What is done until a key is released is one undo entry. Up and Down are left
+/// to others.
 ///
 /// Wheel: steps with the same levels, in the widget with keyboard focus only, and never takes a
 /// scroll that began elsewhere. Deltas of touchpads add up to steps of 120. What is done until a
@@ -37,6 +40,7 @@ protected:
     virtual void SetFine(bool fine) = 0;
 
     void LoseGesture() override;
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
@@ -46,6 +50,7 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
+    static std::optional<Way> WayOf(int key); // of a step key
     int LevelOf(Qt::KeyboardModifiers modifiers) const;
     bool IsForeign(const QWheelEvent& event);
     void StepByWheel(int steps, int level);

@@ -6,9 +6,7 @@
 #include <cmath>
 
 #include <QAccessible>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QTimerEvent>
 
 namespace Marlox {
 
@@ -32,6 +30,12 @@ CustomSlider::CustomSlider(QWidget* parent) : CustomController(parent)
 }
 
 CustomSlider::~CustomSlider() = default;
+
+QVariantList CustomSlider::Steps(double (SliderModel::*step)(int) const) const
+{
+    return {(model_.*step)(SliderModel::Fine), (model_.*step)(SliderModel::Plain),
+            (model_.*step)(SliderModel::Tick)};
+}
 
 void CustomSlider::SetValue(double v)
 {
@@ -68,7 +72,7 @@ void CustomSlider::SetRange(double low, double high, bool notify)
         track_ = QImage();
         return;
     }
-    const std::vector<double> marks = model_.TickPixels(tickMarksApart);
+    const std::vector<int> marks = model_.TickPixels(tickMarksApart);
     const bool moved = model_.SetRange(low, high);
     const bool marksMoved = marks != model_.TickPixels(tickMarksApart);
     if (moved || marksMoved)
@@ -166,17 +170,28 @@ void CustomSlider::StartDrag()
 
 void CustomSlider::EndDrag()
 {
+    ClearDrag();
+    FinishGesture();
+}
+
+void CustomSlider::ClearDrag()
+{
     drag_.End();
     repeat_.stop();
     dragging_ = firstOfDrag_ = false;
     Hover(SliderPart::None);
     RepaintKnob();
-    FinishGesture();
 }
 
 void CustomSlider::DragBy(double units, RelativeDrag& state)
 {
     SetValue(model_.Dragged(dragStart_, units, state));
+}
+
+void CustomSlider::SetLocked(bool locked)
+{
+    CustomController::SetLocked(locked);
+    RepaintAll(); // nothing is highlighted while locked
 }
 
 void CustomSlider::SetFine(bool fine)
@@ -189,130 +204,8 @@ void CustomSlider::SetFine(bool fine)
 void CustomSlider::LoseGesture()
 {
     if (dragging_ || IsHeld())
-        EndDrag();
-    CustomController::LoseGesture();
-}
-
-void CustomSlider::mousePressEvent(QMouseEvent* event)
-{
-    if (event->button() != Qt::LeftButton)
-        return CustomController::mousePressEvent(event);
-    if (rect().isEmpty())
-        return event->ignore();
-    if (IsLocked())
-        return; // goes to nobody
-    setFocus(Qt::MouseFocusReason);
-    LoseGesture(); // keys or a wheel not yet at rest
-    Press(event->pos(), event->localPos().x(), event->modifiers());
-}
-
-void CustomSlider::Press(QPoint at, double x, Qt::KeyboardModifiers modifiers)
-{
-    const bool fine = modifiers & Qt::ControlModifier;
-    dragStart_ = model_.value;
-    if (modifiers & Qt::AltModifier) {
-        if (model_.HasDefault())
-            drag_.PressReset();
-        return;
-    }
-    const SliderPart part = geometry_.HitTest(at, model_);
-    switch (part) {
-    case SliderPart::Knob:
-        drag_.GrabKnob(model_, x, fine);
-        Hover(part);
-        update();
-        StartDrag();
-        break;
-    case SliderPart::Reset:
-        drag_.PressReset();
-        update();
-        break;
-    case SliderPart::TrackBelow:
-    case SliderPart::TrackAbove:
-        drag_.HoldTrack(part == SliderPart::TrackAbove, at);
-        dragging_ = true;
-        trackFine_ = fine;
-        BeginGesture(false);
-        repeat_.start(SliderDrag::repeatInterval, this);
-        StepBy(drag_.StepsUp() ? Way::Up : Way::Down, fine ? SliderModel::Fine : SliderModel::Tick);
-        break;
-    case SliderPart::None:
-        break;
-    }
-}
-
-void CustomSlider::mouseMoveEvent(QMouseEvent* event)
-{
-    if (IsHeld() && !(event->buttons() & Qt::LeftButton))
-        LoseGesture();
-    const bool fine = event->modifiers() & Qt::ControlModifier;
-    switch (drag_.GetKind()) {
-    case SliderDrag::Kind::Knob:
-        if (const auto value = drag_.MoveTo(model_, event->localPos().x(), fine))
-            SetValue(*value);
-        break;
-    case SliderDrag::Kind::Track:
-        drag_.PointTo(event->pos());
-        trackFine_ = fine;
-        break;
-    case SliderDrag::Kind::Reset:
-        Hover(geometry_.IsOverReset(event->pos(), model_) ? SliderPart::Reset : SliderPart::None);
-        break;
-    case SliderDrag::Kind::Idle:
-        if (!dragging_)
-            Hover(geometry_.HitTest(event->pos(), model_));
-        break;
-    }
-}
-
-void CustomSlider::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() != Qt::LeftButton)
-        return CustomController::mouseReleaseEvent(event);
-    const QPointer<CustomSlider> alive(this);
-    const bool reset = drag_.GetKind() == SliderDrag::Kind::Reset && model_.HasDefault();
-    if (reset &&
-        (event->modifiers() & Qt::AltModifier || geometry_.IsOverReset(event->pos(), model_))) {
-        BeginGesture(false);
-        SetValue(model_.defaultValue);
-    }
-    if (alive && IsHeld())
-        EndDrag();
-    if (!alive)
-        return;
-    Hover(geometry_.HitTest(event->pos(), model_));
-    update();
-}
-
-void CustomSlider::leaveEvent(QEvent* event)
-{
-    if (!IsHeld())
-        Hover(SliderPart::None);
-    CustomController::leaveEvent(event);
-}
-
-void CustomSlider::timerEvent(QTimerEvent* event)
-{
-    if (event->timerId() != repeat_.timerId())
-        return CustomController::timerEvent(event);
-    if (!drag_.RepeatTick())
-        return;
-    BeginGesture(true);
-    const int level = trackFine_ ? SliderModel::Fine : SliderModel::Tick;
-    if (drag_.StepsUp())
-        StepUp(level, false);
-    else
-        StepDown(level, false);
-}
-
-void CustomSlider::Hover(SliderPart part)
-{
-    if (part == hover_)
-        return;
-    if ((part == SliderPart::Reset) != (hover_ == SliderPart::Reset))
-        track_ = QImage();
-    hover_ = part;
-    update();
+        ClearDrag();
+    CustomController::LoseGesture(); // the last: the owner may delete the widget
 }
 
 void CustomSlider::RepaintKnob()
@@ -325,7 +218,11 @@ void CustomSlider::RepaintKnob()
     const QRect after = geometry_.KnobDirtyRect(pixel);
     if (before.intersects(after))
         return update(before | after);
-    update(QRegion(before) + after);
+    const QRect both[] = {before.left() < after.left() ? before : after,
+                          before.left() < after.left() ? after : before};
+    QRegion region;
+    region.setRects(both, 2); // wants them from left to right
+    update(region);
 }
 
 void CustomSlider::RepaintAll()
@@ -380,12 +277,12 @@ SliderTrackState CustomSlider::TrackState() const
 {
     SliderTrackState state;
     state.ticks = model_.TickPixels(tickMarksApart);
-    state.centreTick = IsCentred() ? PixelCentre() : -1.0;
+    state.centreTick = IsCentred() ? int(std::lround(PixelCentre())) : -1;
     state.resetPixel = model_.HasDefault() ? SliderGeometry::ResetPixel(model_) : -1;
     if (trackOpaque_)
         state.background = BackgroundColor().ToQColor();
     state.stateColor = stateColor_;
-    state.resetLit = IsResetHovered();
+    state.resetLit = IsResetHovered() && !IsLocked();
     state.focused = hasFocus();
     state.enabled = isEnabled();
     return state;
@@ -409,7 +306,7 @@ void CustomSlider::paintEvent(QPaintEvent* event)
         return;
     }
     QPainter painter(this);
-    PaintTo(painter, event->region());
+    PaintTo(painter);
 }
 
 const QImage& CustomSlider::ShownKnob() const
@@ -417,12 +314,9 @@ const QImage& CustomSlider::ShownKnob() const
     return skin_.Knob(dragging_ || (IsKnobHovered() && !IsLocked()));
 }
 
-void CustomSlider::PaintTo(QPainter& painter, const QRegion& region) const
+void CustomSlider::PaintTo(QPainter& painter) const
 {
-    const double ratio = track_.devicePixelRatioF();
-    for (const QRect& part : region)
-        painter.drawImage(QRectF(part), track_,
-                          QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
+    painter.drawImage(0, 0, track_);
     if (!isEnabled())
         painter.setOpacity(dimmed);
     painter.drawImage(geometry_.KnobRect(SliderGeometry::KnobPixel(model_)).topLeft(), ShownKnob());

@@ -5,6 +5,8 @@
 #include "widgets/SliderDrag.h"
 #include "widgets/SliderSkin.h"
 
+#include <QVariant>
+
 namespace Marlox {
 
 /// The drawn slider: a knob on a track with tick marks, a mark at the default that resets to it,
@@ -23,6 +25,8 @@ class CustomSlider : public CustomController {
     Q_PROPERTY(double value READ Value WRITE SetValue NOTIFY ValueChanged USER true)
     Q_PROPERTY(double minValue READ MinValue)
     Q_PROPERTY(double maxValue READ MaxValue)
+    Q_PROPERTY(double requestedLow READ RequestedLow)
+    Q_PROPERTY(double requestedHigh READ RequestedHigh)
     Q_PROPERTY(double displayLow READ DisplayLow)
     Q_PROPERTY(double displayHigh READ DisplayHigh)
     Q_PROPERTY(double defaultValue READ DefaultValue)
@@ -35,12 +39,11 @@ class CustomSlider : public CustomController {
     Q_PROPERTY(double pixelCentre READ PixelCentre)
     Q_PROPERTY(double knobPixel READ KnobPixel)
     Q_PROPERTY(double tickCount READ TickCount)
-    Q_PROPERTY(double fineStep READ FineStep)
-    Q_PROPERTY(double plainStep READ PlainStep)
-    Q_PROPERTY(double tickStepBelow READ TickStepBelow)
-    Q_PROPERTY(double tickStepAbove READ TickStepAbove)
+    Q_PROPERTY(QVariantList stepBelow READ StepBelow)
+    Q_PROPERTY(QVariantList stepAbove READ StepAbove)
     Q_PROPERTY(bool integer READ IsInteger)
     Q_PROPERTY(bool dragging READ IsDragging)
+    Q_PROPERTY(bool knobGrabbed READ IsKnobGrabbed)
     Q_PROPERTY(bool hoverKnob READ IsKnobHovered)
     Q_PROPERTY(bool hoverReset READ IsResetHovered)
     Q_PROPERTY(bool hoverTrack READ IsTrackHovered)
@@ -95,6 +98,7 @@ public:
     void SetHelp(const QString& help);
 
     // Looks.
+    void SetLocked(bool locked) override;
     void SetKnobImages(const char* normal, const char* highlighted);
     void SetGradients(const Gradient* first, const Gradient* second = nullptr);
     void SetResetPosition(MxPoint position);
@@ -103,6 +107,8 @@ public:
 
     double MinValue() const { return model_.Scale().minValue; }
     double MaxValue() const { return model_.Scale().maxValue; }
+    double RequestedLow() const { return model_.RequestedLow(); }
+    double RequestedHigh() const { return model_.RequestedHigh(); }
     double DisplayLow() const { return model_.DisplayLow(); }
     double DisplayHigh() const { return model_.DisplayHigh(); }
     double DefaultValue() const { return model_.defaultValue; }
@@ -115,12 +121,12 @@ public:
     double PixelCentre() const { return model_.Scale().PixelCentre(); }
     double KnobPixel() const { return SliderGeometry::KnobPixel(model_); }
     double TickCount() const { return model_.TickCount(); }
-    double FineStep() const { return model_.StepBelow(SliderModel::Fine); }
-    double PlainStep() const { return model_.StepBelow(SliderModel::Plain); }
-    double TickStepBelow() const { return model_.StepBelow(SliderModel::Tick); }
-    double TickStepAbove() const { return model_.StepAbove(SliderModel::Tick); }
+    /// By level: fine, plain, to the next tick mark.
+    QVariantList StepBelow() const { return Steps(&SliderModel::StepBelow); }
+    QVariantList StepAbove() const { return Steps(&SliderModel::StepAbove); }
     bool IsInteger() const { return model_.IsInteger(); }
     bool IsDragging() const { return dragging_; }
+    bool IsKnobGrabbed() const { return drag_.GetKind() == SliderDrag::Kind::Knob; }
     bool IsKnobHovered() const { return hover_ == SliderPart::Knob; }
     bool IsResetHovered() const { return hover_ == SliderPart::Reset; }
     bool IsTrackHovered() const
@@ -154,15 +160,18 @@ protected:
 
 private:
     void Press(QPoint at, double x, Qt::KeyboardModifiers modifiers);
+    void StepOnTrack();
+    void ClearDrag();
     void Store(double v);
     void RepaintKnob();
     void RepaintAll(); // the picture of what stands still is made anew
     void Hover(SliderPart part);
     void FollowLayout();
     SliderTrackState TrackState() const;
-    void PaintTo(QPainter& painter, const QRegion& region) const;
+    void PaintTo(QPainter& painter) const;
     void CopyTo(QImage& image, QPoint offset, int ratio, const QRegion& region) const;
     const QImage& ShownKnob() const;
+    QVariantList Steps(double (SliderModel::*step)(int) const) const;
 
     SliderModel model_;
     SliderDrag drag_;

@@ -29,6 +29,13 @@ public:
                                           : QAccessibleWidget::text(what);
     }
 
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.readOnly = Slider().IsLocked();
+        return state;
+    }
+
     QStringList actionNames() const override
     {
         return QStringList{increaseAction(), decreaseAction()} + QAccessibleWidget::actionNames();
@@ -56,7 +63,7 @@ public:
     QVariant maximumValue() const override { return Slider().MaxValue(); }
     QVariant minimumStepSize() const override
     {
-        const double step = Slider().PlainStep();
+        const double step = Slider().Model().StepBelow(SliderModel::Plain);
         return Slider().IsInteger() && step < 1.0 ? 1.0 : step;
     }
 

@@ -51,8 +51,6 @@ public:
     static constexpr int repeatWait = 3;
 
     Kind GetKind() const { return kind_; }
-    /// Whether the knob is moved, directly or by steps.
-    bool IsDragging() const { return kind_ == Kind::Knob || kind_ == Kind::Track; }
 
     void GrabKnob(const SliderModel& model, double x, bool fine);
     void HoldTrack(bool above, QPoint at);

@@ -53,13 +53,16 @@ void appendMarks(std::vector<double>& pixels, const SliderScale& scale, const Ma
         pixels.push_back(scale.ValueToPixel(row.from + i * row.spacing));
 }
 
-std::vector<double> sortedAndThinned(std::vector<double> pixels, double apart)
+std::vector<int> sortedAndThinned(std::vector<double> pixels, double apart)
 {
     std::sort(pixels.begin(), pixels.end());
-    std::vector<double> kept;
+    std::vector<int> kept;
+    double last = -std::numeric_limits<double>::infinity();
     for (const double pixel : pixels) {
-        if (kept.empty() || pixel - kept.back() >= apart - 1e-6)
-            kept.push_back(pixel);
+        if (pixel - last < apart - 1e-6)
+            continue;
+        kept.push_back(int(std::lround(pixel)));
+        last = pixel;
     }
     return kept;
 }
@@ -175,7 +178,7 @@ SliderModel::Spacing SliderModel::TickSpacing() const
                                    automaticSpacing(displayHigh_ - s.centre)}
                          : Spacing{whole, whole};
     }
-    const double parts = requestedTicks_ - 1.0;
+    const double parts = *requestedTicks_ - 1.0;
     const double whole = (s.maxValue - s.minValue) / parts;
     return s.centred ? Spacing{(s.centre - s.minValue) / parts, (s.maxValue - s.centre) / parts}
                      : Spacing{whole, whole};
@@ -183,8 +186,10 @@ SliderModel::Spacing SliderModel::TickSpacing() const
 
 void SliderModel::UpdateSteps()
 {
+    if (!requestedTicks_)
+        return;
     spacing_ = TickSpacing();
-    tickCount_ = requestedTicks_;
+    tickCount_ = *requestedTicks_;
     if (integer_) {
         spacing_.below = std::max(std::round(spacing_.below), 1.0);
         spacing_.above = std::max(std::round(spacing_.above), 1.0);
@@ -236,21 +241,21 @@ double SliderModel::Dragged(double start, double units, RelativeDrag& state) con
 
 double SliderModel::Settled(double v) const
 {
-    const double clamped = Clamped(v);
+    const double clamped = Clamped(v) + 0.0; // no negative zero
     if (!integer_)
         return clamped;
     const double low = std::ceil(scale_.minValue);
     const double high = std::floor(scale_.maxValue);
-    return low <= high ? std::clamp(std::round(clamped), low, high) : clamped;
+    return low <= high ? std::clamp(std::round(clamped) + 0.0, low, high) : clamped;
 }
 
-std::vector<double> SliderModel::TickPixels(double apart) const
+std::vector<int> SliderModel::TickPixels(double apart) const
 {
     const SliderScale& s = scale_;
     const double width = s.pixelHigh - s.pixelLow;
+    if (!requestedTicks_ || width <= 0.0 || s.maxValue <= s.minValue)
+        return {};
     std::vector<double> pixels;
-    if (width <= 0.0 || s.maxValue <= s.minValue)
-        return pixels;
     if (s.centred) {
         appendMarks(pixels, s, {s.centre, s.maxValue, spacing_.above, 0.5 * width}, apart);
         appendMarks(pixels, s, {s.centre, s.minValue, -spacing_.below, 0.5 * width}, apart);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace Marlox {
@@ -37,6 +38,7 @@ public:
     /// True if one moved. Bounds that are not finite, or too far apart for it, are ignored.
     bool SetRange(double low, double high);
     /// 0: automatic spacing, which also centres a range that spans zero, for as long as it does.
+    /// Until the first call there are no marks, and all steps are 1 unless set.
     void SetTickFreq(double count);
     /// Sets the centre; true if the track is centred from now on. Stays when the range changes.
     bool SetCentre(double c);
@@ -74,8 +76,9 @@ public:
     /// Makes a dragged value whole in integer mode, and keeps it within the bounds.
     double Settled(double v) const;
 
-    /// Pixels of the tick marks from left to right, thinned out to at least `apart` pixels.
-    std::vector<double> TickPixels(double apart) const;
+    /// Pixels of the tick marks from left to right, where the knob stands at their values; thinned
+    /// out to at least `apart` pixels, but for the rounding.
+    std::vector<int> TickPixels(double apart) const;
 
 private:
     struct Spacing {
@@ -93,7 +96,7 @@ private:
     double displayLow_ = 0.0;
     double displayHigh_ = 1.0;
     double tickCount_ = 0.0;
-    double requestedTicks_ = 0.0;
+    std::optional<double> requestedTicks_; // none: not asked for yet
     Spacing spacing_{1.0, 1.0}; // between tick marks; the Tick steps unless those were doubled
     std::array<double, 3> stepBelow_{1.0, 1.0, 1.0};
     std::array<double, 3> stepAbove_{1.0, 1.0, 1.0};

@@ -16,7 +16,8 @@ constexpr int tickLength = 3;
 constexpr int smallestTravel = 32;
 constexpr QMargins usualMargins(3, 3, 3, 3);
 constexpr double dimmed = 0.38;
-constexpr double restingReset = 0.7;
+constexpr double restingReset = 0.55;
+constexpr int darkGround = 88; // grey level below which marks are light
 
 QColor lookColor(const char* name, MxColor fallback)
 {
@@ -30,6 +31,13 @@ QColor toQColor(const GradientColor& color)
     };
     return QColor::fromRgbF(unit(color.red), unit(color.green), unit(color.blue),
                             unit(color.alpha));
+}
+
+/// A mark that shows on a ground of any colour, over the track's own dark one.
+QColor markOver(const QColor& ground)
+{
+    const bool dark = qGray(ground.rgb()) * ground.alphaF() < darkGround;
+    return dark ? QColor(255, 255, 255, 96) : QColor(0, 0, 0, 128);
 }
 
 /// The rows of a knob that are drawn, and repainted when it moves.
@@ -141,6 +149,14 @@ QImage SliderSkin::PaintTrack(QSize widget, const SliderTrackState& state) const
     return picture;
 }
 
+QColor SliderSkin::GradientColorAt(double position) const
+{
+    if (second_.IsEmpty())
+        return toQColor(first_.QuickEvaluate(position));
+    return toQColor(position < 0.5 ? first_.QuickEvaluate(2.0 * position)
+                                   : second_.QuickEvaluate(2.0 * position - 1.0));
+}
+
 /// Column by column of the screen's own pixels.
 void SliderSkin::FillWithGradients(QPainter& painter, const QRect& inner) const
 {
@@ -148,15 +164,8 @@ void SliderSkin::FillWithGradients(QPainter& painter, const QRect& inner) const
     if (columns <= 0 || inner.height() <= 0)
         return;
     QImage row(columns, 1, QImage::Format_ARGB32_Premultiplied);
-    for (int column = 0; column < columns; ++column) {
-        double position = double(column) / columns;
-        const Gradient* gradient = &first_;
-        if (!second_.IsEmpty()) {
-            gradient = position < 0.5 ? &first_ : &second_;
-            position = position < 0.5 ? 2.0 * position : 2.0 * position - 1.0;
-        }
-        row.setPixelColor(column, 0, toQColor(gradient->QuickEvaluate(position)));
-    }
+    for (int column = 0; column < columns; ++column)
+        row.setPixelColor(column, 0, GradientColorAt(double(column) / columns));
     painter.drawImage(inner, row);
 }
 
@@ -165,15 +174,14 @@ void SliderSkin::PaintMarks(QPainter& painter, const QRect& track,
 {
     const double line = std::max(1.0, std::round(ratio_)) / ratio_;
     const QRect inner = track.adjusted(1, 1, -1, -1);
-    QColor tick = lookColor("System.LineColour", {72, 72, 72});
-    if (HasGradient())
-        tick = QColor(0, 0, 0, 128);
-    for (const double x : state.ticks) {
-        const bool centre = std::abs(x - state.centreTick) < 0.5;
-        // Where the knob stands at that value: on a whole pixel.
-        const int length = centre ? inner.height() : std::min(tickLength, inner.height());
-        painter.fillRect(QRectF(std::round(x), inner.top() + inner.height() - length, line, length),
-                         tick);
+    const QColor plainTick = lookColor("System.LineColour", {72, 72, 72});
+    for (const int x : state.ticks) {
+        const int length =
+            x == state.centreTick ? inner.height() : std::min(tickLength, inner.height());
+        const QColor tick =
+            HasGradient() ? markOver(GradientColorAt(double(x - inner.left()) / inner.width()))
+                          : plainTick;
+        painter.fillRect(QRectF(x, inner.top() + inner.height() - length, line, length), tick);
     }
     if (state.stateColor.isValid())
         painter.fillRect(QRectF(inner.left(), inner.top(), inner.width(), line), state.stateColor);

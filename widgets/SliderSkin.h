@@ -14,11 +14,11 @@ namespace Marlox {
 
 /// What the parts of a slider that stand still look like at present.
 struct SliderTrackState {
-    std::vector<double> ticks; // pixels along x
-    double centreTick = -1.0;  // drawn longer; below 0: none
-    int resetPixel = -1;       // of the default; below 0: no reset mark
-    QColor background;         // invalid: transparent, what is behind shows through
-    QColor stateColor;         // of a line that marks expression or animation; invalid: none
+    std::vector<int> ticks; // pixels along x
+    int centreTick = -1;    // drawn longer; below 0: none
+    int resetPixel = -1;    // of the default; below 0: no reset mark
+    QColor background;      // invalid: transparent, what is behind shows through
+    QColor stateColor;      // of a line that marks expression or animation; invalid: none
     bool resetLit = false;
     bool focused = false;
     bool enabled = true;
@@ -56,6 +56,7 @@ public:
     QImage PaintTrack(QSize widget, const SliderTrackState& state) const;
 
 private:
+    QColor GradientColorAt(double position) const; // 0 to 1 along the inner track
     void FillWithGradients(QPainter& painter, const QRect& inner) const;
     void PaintMarks(QPainter& painter, const QRect& track, const SliderTrackState& state) const;
 
