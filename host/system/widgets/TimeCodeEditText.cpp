@@ -142,6 +142,7 @@ void TimeCodeEdit::Private::CloseEditor()
 {
     if (!editor)
         return;
+    editor->setFocusProxy(nullptr); // else its end takes the field's focus away
     editor->hide();
     editor->deleteLater();
     editor.clear();

@@ -476,6 +476,16 @@ void TimeCodeEditTest::DragSteps()
     QTest::keyClicks(stage.field, "0.1"); // typing replaces
     stage.Enter();
     QCOMPARE(stage.field->GetValue(), 0.1);
+
+    // The line edit that was typed in goes, and the drag goes on.
+    stage.Press(10);
+    stage.Move(34);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(stage.field->IsDragging() && stage.field->hasFocus());
+    stage.Move(24);
+    QCOMPARE(stage.field->GetValue(), 0.11);
+    stage.Release(24);
+    QCOMPARE(stage.ended, 3);
 }
 
 void TimeCodeEditTest::DragInText()
