@@ -15,9 +15,8 @@ void UndoGesture::Begin(MarloxDoc* document, const QString& text)
 {
     if (HasGroup() || !document)
         return;
-    document->Undo().Begin(text);
+    group_ = document->Undo().Begin(text);
     document_ = document;
-    depth_ = document->Undo().Depth();
     open_ = true;
 }
 
@@ -26,14 +25,14 @@ void UndoGesture::End()
     const bool closes = HasGroup();
     open_ = false;
     if (closes)
-        document_->Undo().End();
+        document_->Undo().EndGroup(group_);
     document_ = nullptr;
 }
 
 bool UndoGesture::HasGroup() const
 {
     // Undo and clearing the document close groups by themselves.
-    return open_ && document_ && document_->Undo().Depth() >= depth_;
+    return open_ && document_ && document_->Undo().IsOpen(group_);
 }
 
 } // namespace Marlox

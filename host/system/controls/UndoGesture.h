@@ -29,7 +29,7 @@ private:
     bool HasGroup() const;
 
     QPointer<MarloxDoc> document_;
-    int depth_ = 0; // groups open in the document, ours included
+    u64 group_ = 0;
     bool open_ = false;
 };
 

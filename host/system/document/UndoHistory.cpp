@@ -40,25 +40,49 @@ private:
 UndoHistory::UndoHistory() = default;
 UndoHistory::~UndoHistory() = default;
 
-void UndoHistory::Begin(const QString& text)
+u64 UndoHistory::Begin(const QString& text)
 {
-    open_.push_back(text);
-    marks_.push_back(collected_.size());
+    open_.push_back({++groups_, text, collected_.size()});
+    return groups_;
 }
 
 void UndoHistory::End(bool keep)
 {
     if (open_.empty())
         return;
-    const std::size_t mark = marks_.back();
+    EndInnermost(keep);
+    while (!open_.empty() && open_.back().ended)
+        EndInnermost(true);
+}
+
+void UndoHistory::EndGroup(u64 group)
+{
+    if (open_.empty())
+        return;
+    if (open_.back().number == group) {
+        End();
+        return;
+    }
+    for (Group& outer : open_)
+        outer.ended = outer.ended || outer.number == group;
+}
+
+bool UndoHistory::IsOpen(u64 group) const
+{
+    return std::any_of(open_.begin(), open_.end(),
+                       [group](const Group& open) { return open.number == group && !open.ended; });
+}
+
+void UndoHistory::EndInnermost(bool keep)
+{
+    const std::size_t mark = open_.back().mark;
     if (!keep)
         RollBack(mark);
-    const QString text = open_.back();
+    const QString text = open_.back().text;
     open_.pop_back();
-    marks_.pop_back();
     if (!open_.empty()) {
-        if (open_.back().isEmpty() && collected_.size() > mark)
-            open_.back() = text;
+        if (open_.back().text.isEmpty() && collected_.size() > mark)
+            open_.back().text = text;
         MergeFrom(mark);
         return;
     }
@@ -83,7 +107,7 @@ void UndoHistory::MergeFrom(std::size_t mark)
 void UndoHistory::Collect(std::unique_ptr<UndoStep> step)
 {
     // Only steps of the innermost group absorb: it may still be rolled back by itself.
-    for (std::size_t i = collected_.size(); i > marks_.back(); --i) {
+    for (std::size_t i = collected_.size(); i > open_.back().mark; --i) {
         if (collected_[i - 1]->Absorb(*step))
             return;
     }
@@ -139,8 +163,8 @@ QString UndoHistory::UndoText() const
     if (!HasOpenChanges())
         return stack_.undoText();
     const auto named = std::find_if(open_.begin(), open_.end(),
-                                    [](const QString& text) { return !text.isEmpty(); });
-    return named != open_.end() ? *named : stepText_;
+                                    [](const Group& group) { return !group.text.isEmpty(); });
+    return named != open_.end() ? named->text : stepText_;
 }
 
 QString UndoHistory::RedoText() const
@@ -177,7 +201,6 @@ void UndoHistory::Replay(void (QUndoStack::*way)())
 void UndoHistory::Clear()
 {
     open_.clear();
-    marks_.clear();
     const bool clean = stack_.isClean() && !HasOpenChanges();
     collected_.clear();
     stepText_.clear();

@@ -31,10 +31,16 @@ public:
     UndoHistory();
     ~UndoHistory();
 
-    void Begin(const QString& text);
-    /// keep = false undoes what the group did and leaves no entry. Without an open group (Undo
-    /// ended it) this does nothing.
+    /// Opens a group within those that are open; returns its number, for EndGroup.
+    u64 Begin(const QString& text);
+    /// Ends the innermost group. keep = false undoes what the group did and leaves no entry.
+    /// Without an open group (Undo ended it) this does nothing.
     void End(bool keep = true);
+    /// Ends the group of that number, for gestures that need not end in the reverse order of their
+    /// starts: with groups open inside it, it stays until they have ended. Does nothing once it has
+    /// ended.
+    void EndGroup(u64 group);
+    bool IsOpen(u64 group) const;
     int Depth() const { return int(open_.size()); }
     /// Hands over a change that was just made. Outside a group it is an entry of its own, named
     /// `text`; inside, an earlier step of the innermost group may absorb it. While the history
@@ -63,12 +69,19 @@ private:
     void RollBack(std::size_t mark);
     void MergeFrom(std::size_t mark);
     void Collect(std::unique_ptr<UndoStep> step);
+    void EndInnermost(bool keep);
     void CloseAll();
     void Replay(void (QUndoStack::*way)());
 
     QUndoStack stack_;
-    std::vector<QString> open_;
-    std::vector<std::size_t> marks_; // number of steps collected when each group began
+    struct Group {
+        u64 number;
+        QString text;
+        std::size_t mark;   // number of steps collected when it began
+        bool ended = false; // as soon as those inside it have
+    };
+    std::vector<Group> open_; // innermost last
+    u64 groups_ = 0;          // begun so far
     std::vector<std::unique_ptr<UndoStep>> collected_;
     QString stepText_; // of the first step collected
     bool replaying_ = false;

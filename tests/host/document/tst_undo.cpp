@@ -159,6 +159,27 @@ private slots:
         QCOMPARE(history_->Stack().count(), 0); // together they led back
     }
 
+    void gesturesEndInAnyOrder()
+    {
+        const u64 first = history_->Begin("First");
+        Set(a_, 1);
+        const u64 second = history_->Begin("Second");
+        Set(b_, 2);
+        history_->EndGroup(first);
+        QVERIFY(!history_->IsOpen(first) && history_->IsOpen(second));
+        QCOMPARE(history_->Stack().count(), 0); // the second is part of it
+        history_->EndGroup(first);
+        Set(b_, 3);
+        history_->EndGroup(second);
+        QCOMPARE(history_->Depth(), 0);
+        QCOMPARE(texts(), QStringList("First"));
+        history_->Begin("Other");
+        history_->EndGroup(second); // long over: not this one
+        QCOMPARE(history_->Depth(), 1);
+        history_->Undo();
+        QVERIFY(a_ == 0 && b_ == 0);
+    }
+
     void undoEndsOpenGroups()
     {
         history_->Begin("Drag");
