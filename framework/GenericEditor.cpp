@@ -22,11 +22,11 @@ QString tr(const char* text)
 }
 
 /// A number field that calls `commit` when the user entered a value and brackets its drags.
-TimeCodeEdit* MakeNumberEdit(GenericInputControl& control,
+TimeCodeEdit* MakeNumberEdit(GenericInputControl& control, QObject& context,
                              std::function<void(TimeCodeEdit&)> commit)
 {
     auto* edit = new TimeCodeEdit(&control);
-    QObject::connect(edit, &TimeCodeEdit::editingFinished, edit,
+    QObject::connect(edit, &TimeCodeEdit::editingFinished, &context,
                      [edit, commit = std::move(commit)] { commit(*edit); });
     QObject::connect(edit, &TimeCodeEdit::StartDrag, &control, &InputControl::OnEditStartDrag);
     QObject::connect(edit, &TimeCodeEdit::EndDrag, &control, &InputControl::OnEditEndDrag);
@@ -37,7 +37,8 @@ class NumberEditor final : public GenericEditor {
 public:
     NumberEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
-        edit_ = MakeNumberEdit(control, [this](TimeCodeEdit& edit) { OnEdited(edit); });
+        edit_ =
+            MakeNumberEdit(control, *connections_, [this](TimeCodeEdit& edit) { OnEdited(edit); });
         Append("edit", edit_);
     }
 
@@ -71,8 +72,8 @@ public:
     PointEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
         const auto edited = [this](TimeCodeEdit& edit) { OnEdited(edit); };
-        x_ = MakeNumberEdit(control, edited);
-        y_ = MakeNumberEdit(control, edited);
+        x_ = MakeNumberEdit(control, *connections_, edited);
+        y_ = MakeNumberEdit(control, *connections_, edited);
         Append("edit", x_, " X");
         Append("edity", y_, " Y");
     }
@@ -112,7 +113,7 @@ public:
     TextEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
         edit_ = new MxLineEdit(&control);
-        QObject::connect(edit_, &MxLineEdit::Committed, edit_,
+        QObject::connect(edit_, &MxLineEdit::Committed, connections_.get(),
                          [this](const QString& text) { Send(MakeRef<Text>(text.toStdString())); });
         Append("edit", edit_);
     }
@@ -147,7 +148,7 @@ public:
     CheckEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
     {
         box_ = new CustomCheckBox(&control);
-        QObject::connect(box_, &QCheckBox::clicked, box_,
+        QObject::connect(box_, &QCheckBox::clicked, connections_.get(),
                          [this](bool on) { Send(MakeRef<Number>(on ? 1.0 : 0.0)); });
         Append("checkbox", box_);
     }
@@ -177,8 +178,12 @@ constexpr struct {
 
 GenericEditor::~GenericEditor()
 {
-    for (const Part& part : parts_)
-        delete part.widget;
+    connections_.reset(); // hiding takes the focus, which would commit
+    for (const Part& part : parts_) {
+        part.widget->setObjectName({}); // the name is the next one's
+        part.widget->hide();
+        part.widget->deleteLater();
+    }
 }
 
 bool GenericEditor::Has(const QWidget* widget) const

@@ -12,7 +12,8 @@ namespace Marlox {
 class GenericInputControl;
 
 /// The widgets with which a GenericInputControl shows and edits one input. They are children of the
-/// control, made and deleted with this object.
+/// control, made with this object. When it goes they are hidden and say no more, and are deleted at
+/// the next turn of the event loop: what ends it may have begun in one of them.
 class GenericEditor {
 public:
     /// A widget and its name in the row's layout, by which scripts find it.
@@ -48,6 +49,8 @@ protected:
 
     GenericInputControl& control_;
     Input& input_;
+    /// Context of the connections by which the widgets call this object.
+    std::unique_ptr<QObject> connections_ = std::make_unique<QObject>();
 
 private:
     std::vector<Part> parts_;

@@ -89,6 +89,7 @@ private slots:
     void TypedExpressionBecomesTheInputs();
     void ValuesComeBack();
     void SeveralLinesAreNotLost();
+    void EditThatClosesThePage();
     void CheckBoxWritesNumbers();
     void LabelVariants();
     void OverlaysHoldAndForward();
@@ -268,6 +269,27 @@ void GenericControlsTest::SeveralLinesAreNotLost()
     QVERIFY(!edit->toolTip().isEmpty());
     tool_->FindInput("Caption")->SetValue(Text("one"), 0.0);
     QVERIFY(!edit->isReadOnly());
+}
+
+void GenericControlsTest::EditThatClosesThePage()
+{
+    const auto closePage = [this] { page_->SetOperator(nullptr); };
+    for (const char* name : {"edit", "edit2", "edit3", "checkbox"}) {
+        OpenTool(QByteArray(name) == "checkbox" ? CLSID_InputControl_Checkbox : "ScrewControl");
+        const int before = UndoCount();
+        const auto closing =
+            connect(&document_->Undo().Stack(), &QUndoStack::indexChanged, page_.get(), closePage);
+        if (auto* box = Find<QCheckBox>(name))
+            QTest::keyClick(box, Qt::Key_Space);
+        else if (auto* text = Find<MxLineEdit>(name))
+            type(*text, "two");
+        else
+            type(*Find<TimeCodeEdit>(name), "0.75");
+        disconnect(closing);
+        QVERIFY2(page_->Controls().empty(), name);
+        QCOMPARE(UndoCount(), before + 1);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 }
 
 void GenericControlsTest::CheckBoxWritesNumbers()
