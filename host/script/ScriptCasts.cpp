@@ -33,13 +33,14 @@ RefObject& LivingObject(ScriptObjects& objects, lua_State* state)
 int Cast(lua_State* state)
 {
     ScriptObjects& objects = *ScriptObjects::Of(state);
-    RefObject& object = LivingObject(objects, state);
+    // nil is the null object, which is of no class.
+    RefObject* object = lua_isnil(state, 1) ? nullptr : &LivingObject(objects, state);
     if (lua_type(state, 2) != LUA_TSTRING)
         throw ScriptError("cast: argument 2: the name of a script type expected");
     const std::string typeName = lua_tostring(state, 2);
-    void* pointer = FindCast(typeName, "_cast")(static_cast<ScriptObject*>(&object));
+    void* pointer = FindCast(typeName, "_cast")(static_cast<ScriptObject*>(object));
     if (pointer)
-        objects.PushCast(state, &object, typeName, pointer);
+        objects.PushCast(state, object, typeName, pointer);
     else
         lua_pushnil(state);
     return 1;

@@ -87,6 +87,8 @@ void ScriptsTest::UnknownNamesAreRefused()
     QVERIFY(!engine_->RunText("create('ScrewControl', {SLCS_LowName = 'dark'})").ok);
     QVERIFY(!engine_->RunText("create('SliderControl', {IC_TickFreq = 'many'})").ok);
     QVERIFY(!engine_->RunText("create('NoControl')").ok);
+    QVERIFY(!engine_->RunText("cast(create('ScrewControl'), 'NoControl')").ok);
+    QVERIFY(Run("cast(nil, 'ScrewControl') == nil").ToBool());
 }
 
 void ScriptsTest::UnloadsBehindTheScript()
