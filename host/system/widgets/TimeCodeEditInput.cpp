@@ -315,7 +315,9 @@ void TimeCodeEdit::hideEvent(QHideEvent* event)
 void TimeCodeEdit::changeEvent(QEvent* event)
 {
     const QPointer<TimeCodeEdit> alive(this);
-    if (event->type() == QEvent::EnabledChange && !isEnabled()) {
+    // A drag may go on without the focus; no window, no release.
+    const bool leaves = event->type() == QEvent::ActivationChange && !isActiveWindow();
+    if (leaves || (event->type() == QEvent::EnabledChange && !isEnabled())) {
         d_->FinishDrag();
         if (alive)
             d_->EndSteps();
