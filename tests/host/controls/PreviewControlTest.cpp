@@ -2,6 +2,8 @@
 
 #include "script/ScriptSystem.h"
 
+#include <cstring>
+
 #include <QtTest>
 
 using namespace Marlox;
@@ -19,12 +21,23 @@ public:
     }
 };
 
+/// The place of a virtual operation in its class's table, as the Itanium C++ ABI lays it out: a
+/// pointer to it holds the offset plus one. The destructor takes 0 and 1.
+template <class Class, class Operation>
+int slotOf(Operation Class::*operation)
+{
+    std::size_t first = 0;
+    std::memcpy(&first, &operation, sizeof first);
+    return int((first - 1) / sizeof(void*));
+}
+
 } // namespace
 
 class PreviewControlTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
+    void operationsKeepTheirSlots();
     void toldOfChanges();
     void writesAndUndo();
     void commands();
@@ -55,6 +68,25 @@ void PreviewControlTest::init()
     QVERIFY(overlay_->AddInput(tool_->FindInput("centre"), nullptr));
     QVERIFY(overlay_->AddInput(tool_->FindInput("size"), nullptr));
     QCOMPARE(overlay_->GetOperator(nullptr), tool_);
+}
+
+// Plug-ins are built against this order: an operation put in between breaks every one of them.
+void PreviewControlTest::operationsKeepTheirSlots()
+{
+    QCOMPARE(slotOf(&Object::lw_push), 2);
+    QCOMPARE(slotOf(&Object::SizeOf), 11);
+    QCOMPARE(slotOf(&Object::DoTagList), 21);
+    QCOMPARE(slotOf(&Object::GetDoc), 34);
+    QCOMPARE(slotOf(&Object::_IsValid), 44);
+    QCOMPARE(slotOf(&InputControl::DefWindowProc), 45);
+    QCOMPARE(slotOf(&InputControl::Open), 48);
+    QCOMPARE(slotOf(&InputControl::SetInputs), 57);
+    QCOMPARE(slotOf(&InputControl::AddExpressionEdit), 66);
+    QCOMPARE(slotOf(&InputControl::OnEditEndDrag), 79);
+    QCOMPARE(slotOf(&PreviewControl::SetView), 45);
+    QCOMPARE(slotOf(&PreviewControl::SetActive), 55);
+    QCOMPARE(slotOf(&PreviewControl::ControlDown), 58);
+    QCOMPARE(slotOf(&PreviewControl::GetFullName), 66);
 }
 
 void PreviewControlTest::toldOfChanges()
