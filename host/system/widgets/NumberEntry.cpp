@@ -75,7 +75,10 @@ QString NumberEntry::ShortText(const QString& text, const FitTest& fits) const
     while (decimals > 0 && !fits(shorter))
         shorter = FormatNumber(value, --decimals);
     const bool vanished = shorter == QLatin1String("0");
-    return vanished || !fits(shorter) ? text : shorter;
+    if (!vanished && fits(shorter))
+        return shorter;
+    const QString exponent = FormatExponent(value, 1);
+    return fits(exponent) ? exponent : text;
 }
 
 double NumberEntry::Accepted(double number) const

@@ -43,8 +43,8 @@ struct MARLOXSYSTEM_EXPORT NumberEntry {
     QString Text() const { return TextOf(value); }
     QString TextOf(double number) const;
     /// `text`, the value's text, rounded to `shownDecimals` and then to as many decimals as pass
-    /// `fits`; a small value keeps two digits that count. What no rounding makes fit comes back
-    /// whole.
+    /// `fits`; a small value keeps two digits that count. What no rounding makes fit comes with an
+    /// exponent, or else back whole.
     QString ShortText(const QString& text, const FitTest& fits) const;
     /// `number` clamped to the range and made whole where that is asked for (halves away from zero;
     /// a range without a whole number gives its nearer end).

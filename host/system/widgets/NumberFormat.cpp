@@ -28,16 +28,6 @@ QString WithoutTrailingZeros(std::string_view digits)
     return QString::fromLatin1(digits.data(), int(digits.size()));
 }
 
-/// "1.5e300": no plus sign, no zeros in front of the exponent's digits.
-QString WithExponent(double value)
-{
-    const QString text = QString::number(value, 'e', sureDigits - 1);
-    const int mark = text.indexOf(u'e');
-    const QByteArray digits = text.left(mark).toLatin1();
-    return WithoutTrailingZeros({digits.constData(), std::size_t(digits.size())}) + u'e' +
-           QString::number(text.mid(mark + 1).toInt());
-}
-
 int WholeRate(double framesPerSecond)
 {
     return framesPerSecond >= 1.0 ? int(std::lround(std::min(framesPerSecond, 1e6))) : 1;
@@ -53,7 +43,7 @@ QString FormatNumber(double value, int precision)
         return value < 0 ? QStringLiteral("-inf") : QStringLiteral("inf");
     const double magnitude = std::abs(value);
     if (magnitude >= largestPlain || (precision < 0 && magnitude < smallestPlain && value != 0.0))
-        return WithExponent(value);
+        return FormatExponent(value, sureDigits - 1);
     int decimals = precision < 0 ? mostDecimals : std::min(precision, sureDigits);
     if (magnitude >= 1.0)
         decimals = std::min(decimals, sureDigits - 1 - int(std::floor(std::log10(magnitude))));
@@ -61,6 +51,16 @@ QString FormatNumber(double value, int precision)
     const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                             std::chars_format::fixed, std::max(decimals, 0));
     return WithoutTrailingZeros({buffer.data(), std::size_t(end - buffer.data())});
+}
+
+QString FormatExponent(double value, int decimals)
+{
+    // No plus sign, no zeros in front of the exponent's digits.
+    const QString text = QString::number(value, 'e', decimals);
+    const int mark = text.indexOf(u'e');
+    const QByteArray digits = text.left(mark).toLatin1();
+    return WithoutTrailingZeros({digits.constData(), std::size_t(digits.size())}) + u'e' +
+           QString::number(text.mid(mark + 1).toInt());
 }
 
 QString FormatTimeCode(double frames, double framesPerSecond)

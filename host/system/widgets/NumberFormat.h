@@ -17,6 +17,9 @@ inline constexpr int mostDecimals = 10;
 /// small ones, come with an exponent ("1e300"). "inf", "-inf", "nan".
 MARLOXSYSTEM_EXPORT QString FormatNumber(double value, int precision = -1);
 
+/// A number with an exponent and at most `decimals` decimals before it: "1.5e300", "-4e-5".
+MARLOXSYSTEM_EXPORT QString FormatExponent(double value, int decimals);
+
 /// A time in frames as "hh:mm:ss:ff" at a rate rounded to whole frames per second (at least 1); a
 /// fraction of a frame follows as decimals. Hours take more digits when they need them. A leading
 /// "-" before zero. Times beyond a thousand years come as plain numbers.

@@ -328,11 +328,12 @@ void NumberTextTest::ShortensWhatIsShown()
         int room;
         const char* shown;
     };
-    for (const Case& one : {Case{0.049123, 4, 7, "0.0491"}, Case{0.049123, -1, 7, "0.04912"},
-                            Case{-1234.5678, 4, 7, "-1234.6"}, Case{0.00004321, 3, 9, "0.000043"},
-                            Case{0.00004321, 3, 5, "0.00004321"}, // cut, rather than a wrong 0
-                            Case{123456789.5, 2, 7, "123456789.5"}, Case{0.99996, 4, 7, "1"},
-                            Case{1.5e-20, 2, 3, "1.5e-20"}, Case{0.25, 4, 7, "0.25"}}) {
+    for (const Case& one :
+         {Case{0.049123, 4, 7, "0.0491"}, Case{0.049123, -1, 7, "0.04912"},
+          Case{-1234.5678, 4, 7, "-1234.6"}, Case{0.00004321, 3, 9, "0.000043"},
+          Case{-0.00004321, 3, 7, "-4.3e-5"}, // rather than a wrong 0
+          Case{0.00004321, 3, 5, "0.00004321"}, Case{123456789.5, 2, 7, "1.2e8"},
+          Case{0.99996, 4, 7, "1"}, Case{1.5e-20, 2, 3, "1.5e-20"}, Case{0.25, 4, 7, "0.25"}}) {
         NumberEntry entry;
         entry.value = one.value;
         entry.shownDecimals = one.decimals;
