@@ -31,10 +31,16 @@ void DialogAnswers::Start()
     timer_.start();
 }
 
-void DialogAnswers::Stop()
+QString DialogAnswers::Stop()
 {
     timer_.stop();
+    const std::size_t left = answers_.size();
     answers_.clear();
+    const QString problem = TakeProblem();
+    if (!problem.isEmpty() || left == 0)
+        return problem;
+    return left == 1 ? tr("an answer waits for a dialog that did not come")
+                     : tr("%1 answers wait for dialogs that did not come").arg(left);
 }
 
 QString DialogAnswers::TakeProblem()
@@ -53,7 +59,9 @@ void DialogAnswers::Look()
     const QPointer<QWidget> outer = seen_;
     seen_ = dialog;
     if (answers_.empty()) {
-        problem_ = tr("nobody answered the dialog \"%1\"").arg(dialog->windowTitle());
+        problem_ = QApplication::activePopupWidget()
+                       ? tr("nobody answered the popup menu")
+                       : tr("nobody answered the dialog \"%1\"").arg(dialog->windowTitle());
     } else {
         const ScriptFunction answer = std::move(answers_.front());
         answers_.pop_front();

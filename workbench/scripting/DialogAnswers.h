@@ -25,13 +25,17 @@ public:
     QWidget* Current() const { return current_; }
 
     void Start();
-    void Stop();
+    /// What is wrong at a script's end (a dialog that nobody answered, an answer without a dialog);
+    /// empty: nothing.
+    QString Stop();
     /// What went wrong since the last call; empty: nothing.
     QString TakeProblem();
 
-private:
+    /// Deals with a dialog that is up. Dialogs wait for this, popup menus do not: it is also called
+    /// after every event of a script.
     void Look();
 
+private:
     QTimer timer_;
     std::deque<ScriptFunction> answers_;
     QPointer<QWidget> seen_; // the dialog dealt with last

@@ -7,10 +7,13 @@
 #include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSpinBox>
 
 namespace Marlox {
@@ -60,6 +63,78 @@ void fill(QWidget& field, const ScriptVal& value)
     }
 }
 
+/// Takes what the dialog says as its button does, for there may be more to it than closing.
+void accept(QDialog& dialog)
+{
+    QAbstractButton* button = nullptr;
+    if (const auto* message = qobject_cast<QMessageBox*>(&dialog)) {
+        button = message->defaultButton();
+        if (!button && message->buttons().size() == 1)
+            button = message->buttons().front();
+    } else if (const auto* box = dialog.findChild<QDialogButtonBox*>()) {
+        for (QAbstractButton* at : box->buttons()) {
+            const auto role = box->buttonRole(at);
+            if (role == QDialogButtonBox::AcceptRole || role == QDialogButtonBox::YesRole)
+                button = at;
+        }
+    }
+    if (!button)
+        return dialog.accept();
+    if (!button->isEnabled())
+        throw ScriptError(QString("the button \"%1\" is disabled").arg(button->text().remove('&')));
+    button->click();
+}
+
+ScriptVal entriesOf(const QMenu& menu)
+{
+    ScriptVal list = ScriptVal::MakeTable();
+    for (const QAction* action : menu.actions()) {
+        if (action->isSeparator())
+            continue;
+        ScriptVal row = ScriptVal::MakeTable();
+        row.Set("text", action->text().remove('&').toStdString());
+        row.Set("enabled", action->isEnabled());
+        row.Set("checked", action->isChecked());
+        if (action->menu())
+            row.Set("children", entriesOf(*action->menu()));
+        list.Append(row);
+    }
+    return list;
+}
+
+QAction* findAction(const QMenu& menu, const QString& path)
+{
+    for (QAction* action : menu.actions()) {
+        const QString text = action->text().remove('&');
+        if (!action->menu() && text == path)
+            return action;
+        if (action->menu() && path.startsWith(text + '/')) {
+            if (QAction* found = findAction(*action->menu(), path.mid(text.size() + 1)))
+                return found;
+        }
+    }
+    return nullptr;
+}
+
+/// Popup menus, which windows and widgets open on a click.
+void addMenuClass(ScriptContext& context)
+{
+    ScriptClass& menu = context.engine.AddClass<QMenu>("Menu", "Widget");
+    menu.Method("entries", [](ScriptCall& call) { call.Return(entriesOf(call.Self<QMenu>())); });
+    menu.Method("run", [](ScriptCall& call) {
+        QMenu& self = call.Self<QMenu>();
+        const QString path = call.String(1);
+        QAction* action = findAction(self, path);
+        if (!action || !action->isEnabled())
+            throw ScriptError(QString(action ? "the menu entry \"%1\" is disabled"
+                                             : "the menu has no entry \"%1\"")
+                                  .arg(path));
+        self.close();
+        action->trigger();
+    });
+    menu.Method("cancel", [](ScriptCall& call) { call.Self<QMenu>().close(); });
+}
+
 void addDialogClass(ScriptContext& context)
 {
     ScriptClass& dialog = context.engine.AddClass<QDialog>("Dialog", "Widget");
@@ -84,7 +159,7 @@ void addDialogClass(ScriptContext& context)
             throw ScriptError(QString("the dialog has no field \"%1\"").arg(name));
         fill(*field, call.Value(2));
     });
-    dialog.Method("accept", [](ScriptCall& call) { call.Self<QDialog>().accept(); });
+    dialog.Method("accept", [](ScriptCall& call) { accept(call.Self<QDialog>()); });
     dialog.Method("cancel", [](ScriptCall& call) { call.Self<QDialog>().reject(); });
     dialog.Method("press", [](ScriptCall& call) {
         const QString text = call.String(1);
@@ -101,6 +176,7 @@ void addDialogClass(ScriptContext& context)
 void AddDialogBindings(ScriptContext& context)
 {
     addDialogClass(context);
+    addMenuClass(context);
     context.engine.AddFunction(
         "dialogs.queue", [&context](ScriptCall& call) { context.answers.Queue(call.Function(1)); });
     context.engine.AddFunction("dialogs.current", [&context](ScriptCall& call) {

@@ -8,6 +8,7 @@
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <chrono>
+#include <cmath>
 #include <future>
 
 #include <QCoreApplication>
@@ -55,11 +56,22 @@ ScriptVal colorTable(double r, double g, double b)
     return list;
 }
 
-ScriptVal pixelOf(const Image& image, int x, int yUp)
+/// The pixel that holds a position.
+QPoint pixelAt(const ScriptCall& call)
 {
-    const MxRect& data = image.GetFormat().dataWindow;
-    const MxRect& shown = image.GetFormat().displayWindow;
-    const MxPoint at(shown.left + x, shown.bottom - 1 - yUp);
+    return {int(std::floor(call.Number(1))), int(std::floor(call.Number(2)))};
+}
+
+/// `pixelUp` counts at full resolution from the bottom left, also in a proxy.
+ScriptVal pixelOf(const Image& image, QPoint pixelUp)
+{
+    const Image::Format& format = image.GetFormat();
+    const MxRect& data = format.dataWindow;
+    const MxRect& shown = format.displayWindow;
+    const auto scaled = [&format](int pixel) {
+        return int(std::floor((pixel + 0.5) * format.scale));
+    };
+    const MxPoint at(shown.left + scaled(pixelUp.x()), shown.bottom - 1 - scaled(pixelUp.y()));
     if (!data.Contains(at))
         return {};
     const float* pixel = image.Row(at.y - data.top) + std::size_t(at.x - data.left) * 4;
@@ -83,7 +95,7 @@ void addGrab(ScriptEngine& engine)
     grab.Method("height", [](ScriptCall& c) { c.Return(c.Self<Grab>().Picture().height()); });
     grab.Method("pixel", [](ScriptCall& call) {
         const QImage& picture = call.Self<Grab>().Picture();
-        const QPoint at(call.Integer(1), call.Integer(2));
+        const QPoint at = pixelAt(call);
         if (!picture.valid(at))
             throw ScriptError("pixel: outside the picture");
         const QColor color = picture.pixelColor(at);
@@ -96,9 +108,8 @@ void addGrab(ScriptEngine& engine)
     image.Method("height", [](ScriptCall& call) {
         call.Return(call.Self<Image>().GetFormat().displayWindow.Height());
     });
-    image.Method("pixel", [](ScriptCall& call) {
-        call.Return(pixelOf(call.Self<Image>(), call.Integer(1), call.Integer(2)));
-    });
+    image.Method("pixel",
+                 [](ScriptCall& call) { call.Return(pixelOf(call.Self<Image>(), pixelAt(call))); });
     engine.AddFunction("readimage", [](ScriptCall& call) {
         QString error;
         Ref<Image> read = ReadImage(call.String(1), &error);
@@ -125,7 +136,7 @@ void addViewer(ScriptEngine& engine)
     });
     viewer.Method("color", [](ScriptCall& call) {
         const Ref<Image>& shown = call.Self<ViewerWidget>().ShownImage();
-        call.Return(shown ? pixelOf(*shown, call.Integer(1), call.Integer(2)) : ScriptVal());
+        call.Return(shown ? pixelOf(*shown, pixelAt(call)) : ScriptVal());
     });
     viewer.Method("message",
                   [](ScriptCall& call) { call.Return(call.Self<ViewerWidget>().Message()); });

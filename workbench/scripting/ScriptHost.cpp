@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QThread>
+#include <QTimer>
 
 namespace Marlox {
 
@@ -30,6 +31,7 @@ public:
         AddDialogBindings(context);
         AddPictureBindings(context);
         AddPluginBindings(context);
+        AddHelp();
     }
 
     ScriptResult Run(const std::function<ScriptResult()>& run)
@@ -38,10 +40,27 @@ public:
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // scripts answer Qt's own
         answers.Start();
         ScriptResult result = run();
-        answers.Stop();
+        const QString problem = answers.Stop();
+        if (result.ok && !problem.isEmpty()) {
+            result.ok = false;
+            result.message = problem;
+        }
         events.Reset();
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs, !native);
         return result;
+    }
+
+    void AddHelp()
+    {
+        engine.AddFunction("help", [this](ScriptCall& call) {
+            const std::string part = call.Text(1, "");
+            ScriptVal list = ScriptVal::MakeTable();
+            for (const std::string& name : engine.Names()) {
+                if (name.find(part) != std::string::npos)
+                    list.Append(name);
+            }
+            call.Return(list);
+        });
     }
 
     ScriptEngine engine;
@@ -60,6 +79,7 @@ void RunEvents(ScriptContext& context, double seconds)
         if (seconds > 0.0)
             QThread::usleep(500);
     } while (double(clock.elapsed()) < seconds * 1000.0);
+    context.answers.Look();
     const QString problem = context.answers.TakeProblem();
     if (!problem.isEmpty())
         throw ScriptError(problem);
@@ -98,6 +118,11 @@ bool ScriptHost::RunText(const QString& text, QString* error)
         return false;
     }
     const ScriptResult result = d_->Run([&] { return d_->engine.RunText(text); });
+    if (result.exitCode) {
+        // The user is there and may have unsaved work: ends as the menu would.
+        QTimer::singleShot(0, &d_->context.window, &QWidget::close);
+        return true;
+    }
     *error = result.Error();
     for (const QString& shown : result.texts)
         emit Printed(shown);

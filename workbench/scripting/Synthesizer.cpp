@@ -39,6 +39,12 @@ QWindow& windowOf(QWidget& widget)
     return *window;
 }
 
+bool hasFocusWithin(const QWidget& widget)
+{
+    const QWidget* focused = QApplication::focusWidget();
+    return focused && (focused == &widget || widget.isAncestorOf(focused));
+}
+
 } // namespace
 
 void Synthesizer::Mouse(QWidget& widget, QPointF at, Qt::MouseButton button, QEvent::Type type,
@@ -104,6 +110,10 @@ void Synthesizer::Key(QWidget& widget, int key, const QString& text, Qt::Keyboar
                       KeyAction action)
 {
     QWindow& window = windowOf(widget);
+    if (widget.focusPolicy() != Qt::NoFocus && !hasFocusWithin(widget)) {
+        widget.activateWindow();
+        widget.setFocus(Qt::OtherFocusReason);
+    }
     timestamp_ += 20;
     if (action != KeyAction::Release) {
         const bool taken =

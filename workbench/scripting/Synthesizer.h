@@ -26,7 +26,8 @@ public:
     /// `steps` of 15 degrees, upwards positive; fractions as touchpads send them.
     void Wheel(QWidget& widget, QPointF at, double steps, Qt::KeyboardModifiers held);
     enum class KeyAction { Click, Press, Release };
-    /// To the widget with the keyboard focus in `widget`'s window.
+    /// To `widget`, which gets the keyboard focus if it can have it, or else to the widget of its
+    /// window that has it.
     void Key(QWidget& widget, int key, const QString& text, Qt::KeyboardModifiers held,
              KeyAction action);
     void Type(QWidget& widget, const QString& text);
