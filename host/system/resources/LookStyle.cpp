@@ -303,8 +303,11 @@ QSize LookStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     }
     case CT_MenuBarItem:
         return {contents.width() + 16, rowHeight};
-    case CT_ToolButton:
-        return contents + QSize(8, 8);
+    case CT_ToolButton: {
+        const auto* button = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+        const bool arrow = button && button->features & QStyleOptionToolButton::HasMenu;
+        return contents + QSize(arrow ? 24 : 8, 8); // the label stays in the middle
+    }
     case CT_HeaderSection:
     case CT_ComboBox:
     case CT_SpinBox:

@@ -279,6 +279,17 @@ void LookStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
         DrawSpinBox(*option, *painter, widget);
     } else if (control == CC_GroupBox) {
         DrawGroupBox(*option, *painter, widget);
+    } else if (const auto* button = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+               control == CC_ToolButton && button &&
+               button->features & QStyleOptionToolButton::HasMenu &&
+               !(button->features & QStyleOptionToolButton::MenuButtonPopup)) {
+        // The arrow stands beside the label, not below it.
+        QStyleOptionToolButton plain = *button;
+        plain.features &= ~QStyleOptionToolButton::HasMenu;
+        QProxyStyle::drawComplexControl(control, &plain, painter, widget);
+        const QRect right(button->rect.right() - 11, button->rect.top(), 8, button->rect.height());
+        Arrow(*painter, right, Qt::DownArrow,
+              button->state & State_Enabled ? colors_.text : colors_.disabledText);
     } else {
         QProxyStyle::drawComplexControl(control, option, painter, widget);
     }

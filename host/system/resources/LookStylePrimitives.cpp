@@ -127,11 +127,12 @@ void LookStyle::DrawCheck(const QStyleOption& option, QPainter& painter, bool ro
     const bool on = option.state & State_On;
     const bool partly = option.state & State_NoChange;
     const bool set = on || partly;
-    const QColor fill = set && enabled ? colors_.accent : colors_.field;
+    const QColor fill = !enabled ? colors_.window : set ? colors_.accent : colors_.field;
     const QColor mark = enabled ? colors_.accentText : colors_.disabledText;
     const QColor edge = set && enabled                              ? colors_.accent
                         : enabled && option.state & State_MouseOver ? colors_.text
-                                                                    : colors_.scroll;
+                        : enabled                                   ? colors_.scroll
+                                                                    : colors_.line;
     Plate(painter, box, fill, edge, round ? 7 : radius);
     if (partly) {
         painter.fillRect(box.adjusted(3, 6, -3, -6), mark);
