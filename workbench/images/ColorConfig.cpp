@@ -66,8 +66,10 @@ ocio::ConstConfigRcPtr makeConfig()
     config->setRole(ocio::ROLE_DEFAULT, linearName);
     config->setRole(ocio::ROLE_COLOR_PICKING, srgbName);
     config->addDisplayView("sRGB", "Standard", srgbName, "");
+    config->addDisplayView("sRGB", "Log", filmLogName, ""); // blacks and highlights at a glance
+    config->addDisplayView("sRGB", "Linear", linearName, "");
     config->setActiveDisplays("sRGB");
-    config->setActiveViews("Standard");
+    config->setActiveViews("Standard, Log, Linear");
     config->validate();
     return config;
 }

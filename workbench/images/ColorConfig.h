@@ -7,7 +7,8 @@
 namespace Marlox {
 
 /// The colour configuration made in code, used for files and, unless the user has one of their own,
-/// for the display: scene-linear with Rec. 709 primaries, the sRGB display, and film scans.
+/// for the display: scene-linear with Rec. 709 primaries, the sRGB display with the views Standard,
+/// Log and Linear (the numbers as they are), and film scans.
 OCIO_NAMESPACE::ConstConfigRcPtr BuiltInColorConfig();
 
 /// How a file's numbers stand for light.

@@ -168,6 +168,16 @@ QStringList DisplayTransform::Displays() const
     return names;
 }
 
+QString DisplayTransform::DefaultDisplay() const
+{
+    return config_->colors->getDefaultDisplay();
+}
+
+QString DisplayTransform::DefaultView(const QString& display) const
+{
+    return config_->colors->getDefaultView(display.toStdString().c_str());
+}
+
 QStringList DisplayTransform::Views(const QString& display) const
 {
     const std::string name =

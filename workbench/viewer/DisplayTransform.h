@@ -35,6 +35,8 @@ public:
     /// Why the user's configuration is not in use; empty when all is well.
     const QString& Problem() const { return problem_; }
     QStringList Displays() const;
+    QString DefaultDisplay() const;
+    QString DefaultView(const QString& display) const;
     QStringList Views(const QString& display) const;
 
     /// The data window of `image` as premultiplied RGBA8888; alpha is kept for the colour view and

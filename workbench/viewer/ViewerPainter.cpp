@@ -112,6 +112,12 @@ void ViewerPainter::Release()
     tiles_.clear();
 }
 
+void ViewerPainter::Clear()
+{
+    Release();
+    hasImage_ = false;
+}
+
 void ViewerPainter::SetPicture(const QImage& picture, const QRectF& dataWindow)
 {
     Release();

@@ -31,6 +31,8 @@ public:
     /// Loads the picture up; `dataWindow` is where it lies, in full-resolution pixels. A null
     /// picture is an image without pixels: the display window alone shows.
     void SetPicture(const QImage& picture, const QRectF& dataWindow);
+    /// No image at all: the ground alone shows.
+    void Clear();
     void Release();
     void Paint(const ViewTransform& view, const QSize& size, const Look& look);
 

@@ -9,19 +9,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QOpenGLContext>
 #include <QPainter>
-#include <QWheelEvent>
 
 namespace Marlox {
 
 namespace {
-
-constexpr int plateWidth = 420;
-constexpr int plateHeight = 40;
-constexpr int plateMargin = 16;
 
 QColor lookColor(const char* name, MxColor fallback)
 {
@@ -33,13 +26,6 @@ QRectF fullDataWindow(const Image::Format& format)
     const MxRect& window = format.dataWindow;
     return {window.left / format.scale, window.top / format.scale, window.Width() / format.scale,
             window.Height() / format.scale};
-}
-
-/// Zooming across actual pixels stops there: people want exactly that one.
-double stoppedAtOne(double from, double to)
-{
-    const bool crosses = (from < 1.0 && to > 1.0) || (from > 1.0 && to < 1.0);
-    return crosses ? 1.0 : to;
 }
 
 } // namespace
@@ -70,6 +56,12 @@ ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
     connect(&converter_, &DisplayConverter::Converted, this, &ViewerWidget::OnConverted);
     connect(&converter_, &DisplayConverter::Failed, this, &ViewerWidget::SetMessage);
     ConnectRenderer();
+    connect(&document_, &MarloxDoc::Cleared, this, [this] {
+        view_.Fit();
+        DropImage();
+    });
+    connect(&document_, &MarloxDoc::ToolAdded, this, QOverload<>::of(&QWidget::update));
+    connect(&document_, &MarloxDoc::ToolRemoved, this, QOverload<>::of(&QWidget::update));
     if (!converter_.Transform().Problem().isEmpty())
         SetMessage(converter_.Transform().Problem());
 }
@@ -93,7 +85,7 @@ void ViewerWidget::ConnectRenderer()
     connect(progress_, &ProgressPlate::Cancelled, this, [this] {
         document_.GetRenderer().Cancel();
         progress_->hide();
-        SetMessage(tr("The render was cancelled."));
+        SetMessage(tr("The render was cancelled: the picture is not up to date."));
     });
 }
 
@@ -107,13 +99,23 @@ void ViewerWidget::OnFinished(const RenderResult& result)
         wanted_ = result.image;
         converter_.Request(wanted_, settings_);
     } else if (result.error.isEmpty()) { // nothing to render
-        wanted_ = nullptr;
-        OnConverted({});
+        DropImage();
     }
+}
+
+/// A picture of another document, or of tools that are gone, would be taken for the present one's.
+void ViewerWidget::DropImage()
+{
+    progress_->hide();
+    SetMessage({});
+    wanted_ = nullptr;
+    OnConverted({});
 }
 
 void ViewerWidget::OnConverted(const DisplayedImage& displayed)
 {
+    if (displayed.image && !wanted_)
+        return; // converted for a picture that is not wanted any more
     shown_ = displayed;
     isLoaded_ = false;
     if (shown_.image) {
@@ -202,11 +204,6 @@ void ViewerWidget::SetZoom(double zoom)
     ChangeView();
 }
 
-void ViewerWidget::ZoomBy(double factor)
-{
-    SetZoom(stoppedAtOne(view_.Zoom(), view_.Zoom() * factor));
-}
-
 void ViewerWidget::Fit()
 {
     view_.Fit();
@@ -243,7 +240,7 @@ Probe ViewerWidget::ProbeAt(QPointF position) const
     const Image::Format& format = shown_.image->GetFormat();
     probe.inView = true;
     probe.x = int(std::floor(pixel.x())) - view_.DisplayWindow().left;
-    probe.y = int(std::floor(pixel.y())) - view_.DisplayWindow().top;
+    probe.y = view_.DisplayWindow().bottom - 1 - int(std::floor(pixel.y()));
     const MxPoint stored(int(std::floor(pixel.x() * format.scale)),
                          int(std::floor(pixel.y() * format.scale)));
     if (!format.dataWindow.Contains(stored))
@@ -279,10 +276,11 @@ void ViewerWidget::ReleasePainter()
 
 void ViewerWidget::paintGL()
 {
-    if (!isLoaded_ && shown_.image) {
+    if (!isLoaded_ && shown_.image)
         painter_->SetPicture(shown_.picture, fullDataWindow(shown_.image->GetFormat()));
-        isLoaded_ = true;
-    }
+    else if (!isLoaded_)
+        painter_->Clear();
+    isLoaded_ = true;
     ViewerPainter::Look look;
     look.background = lookColor("System.ViewerColour", {27, 27, 27});
     look.frame = lookColor("System.LineColour", {72, 72, 72});
@@ -294,6 +292,17 @@ void ViewerWidget::paintGL()
     look.devicePixelRatio = devicePixelRatioF();
     const QSizeF device = QSizeF(size()) * devicePixelRatioF();
     painter_->Paint(view_, device.toSize(), look);
+    if (!shown_.image && document_.Tools().empty())
+        PaintHint();
+}
+
+/// Tells in an empty document how to begin.
+void ViewerWidget::PaintHint()
+{
+    QPainter painter(this);
+    painter.setPen(lookColor("System.PlaceholderTextColour", {138, 138, 138}));
+    painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,
+                     tr("Open a picture, a sequence or a document (Ctrl+O), or drop one here."));
 }
 
 QImage ViewerWidget::Screenshot()
@@ -307,162 +316,6 @@ QImage ViewerWidget::Screenshot()
     }
     painter.end();
     return picture;
-}
-
-// Hands
-
-void ViewerWidget::SetViewSize()
-{
-    const QSizeF device = QSizeF(size()) * devicePixelRatioF();
-    view_.SetView(std::round(device.width()), std::round(device.height()));
-    PlaceBars();
-    ChangeView();
-}
-
-bool ViewerWidget::event(QEvent* event)
-{
-    if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
-        SetViewSize(); // the pixel ratio may be another one
-    // Keys of the viewer that are also shortcuts elsewhere are its own while it has the focus.
-    if (event->type() == QEvent::ShortcutOverride &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
-        event->accept();
-    return QOpenGLWidget::event(event);
-}
-
-void ViewerWidget::resizeEvent(QResizeEvent* event)
-{
-    QOpenGLWidget::resizeEvent(event);
-    SetViewSize();
-}
-
-void ViewerWidget::PlaceBars()
-{
-    message_->setGeometry(0, 0, width(), message_->HeightFor(width()));
-    const int wide = std::min(plateWidth, width() - 2 * plateMargin);
-    progress_->setGeometry((width() - wide) / 2, height() - plateHeight - plateMargin, wide,
-                           plateHeight);
-}
-
-void ViewerWidget::TrackPointer(QPointF position)
-{
-    pointer_ = position;
-    emit ProbeChanged(ProbeAt(pointer_));
-}
-
-void ViewerWidget::mousePressEvent(QMouseEvent* event)
-{
-    const bool pans =
-        event->button() == Qt::MiddleButton || (event->button() == Qt::LeftButton && spaceHeld_);
-    if (!pans) {
-        event->ignore();
-        return;
-    }
-    panning_ = true;
-    panFrom_ = event->localPos();
-    ShowPanCursor();
-}
-
-void ViewerWidget::mouseMoveEvent(QMouseEvent* event)
-{
-    if (panning_) {
-        // The view keeps whole device pixels; what a fractional ratio leaves over waits.
-        const QPointF moved = ToDevice(event->localPos() - panFrom_);
-        const QPointF whole(std::round(moved.x()), std::round(moved.y()));
-        view_.PanBy(whole);
-        panFrom_ += whole / devicePixelRatioF();
-        ChangeView();
-    }
-    TrackPointer(event->localPos());
-}
-
-void ViewerWidget::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::MiddleButton || event->button() == Qt::LeftButton)
-        EndPan();
-}
-
-void ViewerWidget::EndPan()
-{
-    panning_ = false;
-    ShowPanCursor();
-}
-
-void ViewerWidget::ShowPanCursor()
-{
-    if (panning_)
-        setCursor(Qt::ClosedHandCursor);
-    else if (spaceHeld_)
-        setCursor(Qt::OpenHandCursor);
-    else
-        unsetCursor();
-}
-
-void ViewerWidget::wheelEvent(QWheelEvent* event)
-{
-    const QPoint delta = event->angleDelta();
-    // Some systems turn a wheel with Shift or Alt sideways.
-    const double notches = (delta.y() != 0 ? delta.y() : delta.x()) / 120.0;
-    double step = 1.25;
-    if (event->modifiers() & Qt::ControlModifier)
-        step = 1.05;
-    else if (event->modifiers() & Qt::ShiftModifier)
-        step = 2.0;
-    const double zoom = view_.Zoom();
-    view_.ZoomTo(stoppedAtOne(zoom, zoom * std::pow(step, notches)), ToDevice(event->position()));
-    pointer_ = event->position();
-    ChangeView();
-    event->accept();
-}
-
-void ViewerWidget::keyPressEvent(QKeyEvent* event)
-{
-    switch (event->key()) {
-    case Qt::Key_F:
-        Fit();
-        return;
-    case Qt::Key_1:
-        view_.ZoomTo(1.0,
-                     rect().contains(pointer_.toPoint()) ? ToDevice(pointer_) : view_.Middle());
-        ChangeView();
-        return;
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-        ZoomBy(1.25);
-        return;
-    case Qt::Key_Minus:
-        ZoomBy(0.8);
-        return;
-    case Qt::Key_Space:
-        spaceHeld_ = true;
-        ShowPanCursor();
-        return;
-    default:
-        QOpenGLWidget::keyPressEvent(event);
-    }
-}
-
-void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
-{
-    if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
-        spaceHeld_ = false;
-        ShowPanCursor();
-        return;
-    }
-    QOpenGLWidget::keyReleaseEvent(event);
-}
-
-void ViewerWidget::focusOutEvent(QFocusEvent* event)
-{
-    spaceHeld_ = false;
-    EndPan();
-    QOpenGLWidget::focusOutEvent(event);
-}
-
-void ViewerWidget::leaveEvent(QEvent* event)
-{
-    TrackPointer({-1.0, -1.0});
-    QOpenGLWidget::leaveEvent(event);
 }
 
 } // namespace Marlox

@@ -21,17 +21,17 @@ class ViewerPainter;
 struct Probe {
     bool inView = false;   // the cursor is over the viewer and there is an image
     bool hasPixel = false; // within the data window
-    int x = 0;             // full-resolution pixels, y down, from the display window's top left
-    int y = 0;
+    int x = 0; // full-resolution pixels, y up, from the display window's bottom left: as overlays
+    int y = 0; // and scripts count
     std::array<float, 4> rgba{};
     QColor shown; // as it is on the screen, over black
 };
 
 /// The viewer: shows what the document's renderer made. The wheel zooms around the cursor (Ctrl in
 /// finer, Shift in coarser steps), the middle button or Space with the left button moves the image,
-/// F fits it, 1 shows actual pixels. A failed render leaves the last good image and shows the
-/// message above it. Widget positions are device-independent pixels; everything else goes through
-/// View().
+/// F fits it, 1 shows actual pixels, a tap on Space plays. A failed render leaves the last good
+/// image and shows the message above it; another document takes the image away. Widget positions
+/// are device-independent pixels; everything else goes through View().
 class ViewerWidget : public QOpenGLWidget {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
@@ -82,6 +82,7 @@ signals:
     void SettingsChanged(); // exposure, gamma, channels, display, checker, windows
     void ImageShown();
     void ProbeChanged(const Marlox::Probe& probe);
+    void SpaceTapped(); // pressed and released without moving the image
 
 protected:
     void initializeGL() override;
@@ -102,6 +103,8 @@ private:
     void OnFinished(const RenderResult& result);
     void OnConverted(const DisplayedImage& displayed);
     void SetMessage(const QString& text);
+    void DropImage();
+    void PaintHint();
     void ChangeView();
     void SetViewSize();
     void TrackPointer(QPointF position);
@@ -124,6 +127,7 @@ private:
     bool checker_ = true;
     bool windows_ = true;
     bool spaceHeld_ = false;
+    bool spaceUsed_ = false; // the image was moved with it
     bool panning_ = false;
     QPointF panFrom_; // widget position of the last move
     QPointF pointer_{-1.0, -1.0};
