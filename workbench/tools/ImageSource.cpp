@@ -75,15 +75,8 @@ public:
 private:
     static Ref<Image> Read(const QString& path, RenderContext& context, QString& error)
     {
-        const std::string stamp = stampOf(path);
-        Ref<Image> image = frameCache().Find(stamp);
-        if (!image) {
-            image = ReadImage(path, &error, &context);
-            if (!image)
-                return {};
-            frameCache().Insert(stamp, image);
-        }
-        return ReducedImage(image, ProxyDivisor(context.scale), context);
+        const Ref<Image> image = ReadSourceFrame(path, context, error);
+        return image ? ReducedImage(image, ProxyDivisor(context.scale), context) : Ref<Image>();
     }
 
     /// No pixels, but the windows of a frame that is there.
@@ -106,6 +99,18 @@ private:
 };
 
 } // namespace
+
+Ref<Image> ReadSourceFrame(const QString& path, RenderContext& context, QString& error)
+{
+    const std::string stamp = stampOf(path);
+    Ref<Image> image = frameCache().Find(stamp);
+    if (!image) {
+        image = ReadImage(path, &error, &context);
+        if (image)
+            frameCache().Insert(stamp, image);
+    }
+    return image;
+}
 
 ImageSource::ImageSource(const Registry* record) : Operator(record)
 {

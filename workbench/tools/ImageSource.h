@@ -13,6 +13,10 @@ public:
     std::size_t SizeOf() const override { return sizeof(*this); }
 };
 
+/// A frame at full resolution as sources read it: from memory when it was read lately, else from
+/// the file. Null and `error`, naming the file, on failure. Thread-safe.
+Ref<Image> ReadSourceFrame(const QString& path, RenderContext& context, QString& error);
+
 /// What stands in for a frame whose file is missing: a message, the nearest frame before it (or the
 /// first), or a transparent picture of the same size. A damaged file is always a message.
 enum class MissingFrame { Error, Hold, Black };

@@ -35,7 +35,7 @@ ConsolePanel::ConsolePanel(ScriptHost& host, QWidget* parent)
     output_->setFrameShape(QFrame::NoFrame);
     line_->setObjectName("consoleline");
     line_->setFont(font);
-    line_->setPlaceholderText(tr("Lua, for example: print(document().time)"));
+    line_->setPlaceholderText(tr("Lua, for example: print(document.time())"));
     line_->installEventFilter(this);
 
     auto* layout = new QVBoxLayout(this);

@@ -10,7 +10,9 @@
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -33,6 +35,15 @@ QSpinBox* frameBox(double frame, const char* name)
     return box;
 }
 
+/// Beside the document, by its name.
+QString proposedPattern(const MarloxDoc& document)
+{
+    const QFileInfo file(document.FilePath());
+    return document.FilePath().isEmpty()
+               ? QString()
+               : file.absoluteDir().filePath(file.completeBaseName() + ".####.exr");
+}
+
 } // namespace
 
 ExportDlg::ExportDlg(Session& session, QWidget* parent)
@@ -45,12 +56,17 @@ ExportDlg::ExportDlg(Session& session, QWidget* parent)
     setWindowTitle(tr("Render to Files"));
     setMinimumWidth(480);
     pattern_->setObjectName("pattern");
+    pattern_->setText(proposedPattern(session.Document()));
     pattern_->setPlaceholderText(tr("render.####.exr"));
     pattern_->setToolTip(tr("#### stands for the frame number, one # a digit"));
     progress_->setObjectName("progress");
+    progress_->setTextVisible(false);
+    progress_->setFixedHeight(4);
     progress_->hide();
     state_->setObjectName("state");
     state_->setWordWrap(true);
+    state_->setMinimumHeight(2 * state_->fontMetrics().lineSpacing());
+    state_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     start_->setObjectName("start");
     start_->setDefault(true);
 
@@ -67,8 +83,9 @@ ExportDlg::ExportDlg(Session& session, QWidget* parent)
     auto* form = new QFormLayout;
     form->addRow(tr("Files"), file);
     form->addRow(tr("Frames"), range);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    auto* buttons = new QDialogButtonBox;
     buttons->addButton(start_, QDialogButtonBox::ActionRole);
+    close_ = buttons->addButton(tr("Close"), QDialogButtonBox::RejectRole);
     connect(start_, &QPushButton::clicked, this, &ExportDlg::Start);
     connect(buttons, &QDialogButtonBox::rejected, this, &ExportDlg::reject);
 
@@ -83,26 +100,40 @@ ExportDlg::ExportDlg(Session& session, QWidget* parent)
 
 void ExportDlg::Browse()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Render to"), pattern_->text(),
-                                                      tr("Images (*.exr *.dpx *.tif *.png *.jpg)"));
+    const QString path = QFileDialog::getSaveFileName(
+        this, tr("Render to"), pattern_->text(),
+        tr("Images (*.%1)").arg(WritableImageEndings().join(" *.")), nullptr,
+        QFileDialog::HideNameFilterDetails | QFileDialog::DontConfirmOverwrite);
     if (!path.isEmpty())
         pattern_->setText(path);
 }
 
+/// Why the fields do not make a job; empty: they do.
+QString ExportDlg::Objection() const
+{
+    const QString pattern = pattern_->text().trimmed();
+    if (pattern.isEmpty())
+        return tr("Say which files to write, for example render.####.exr.");
+    if (last_->value() < first_->value())
+        return tr("The last frame lies before the first.");
+    if (last_->value() > first_->value() && !Sequence::FromPattern(pattern).IsSequence())
+        return tr("%1 has no place for the frame number: write #### into it to render more than "
+                  "one frame.")
+            .arg(pattern);
+    return {};
+}
+
 void ExportDlg::Start()
 {
-    if (running_ || pattern_->text().trimmed().isEmpty())
+    if (running_)
         return;
-    if (last_->value() < first_->value()) {
-        state_->setText(tr("The last frame lies before the first."));
+    state_->setText(Objection());
+    if (!state_->text().isEmpty())
         return;
-    }
-    running_ = true;
+    ShowRunning(true);
     cancelled_ = false;
-    start_->setEnabled(false);
     progress_->setRange(0, last_->value() - first_->value() + 1);
     progress_->setValue(0);
-    progress_->show();
     QString error;
     int frame = first_->value();
     for (; frame <= last_->value() && !cancelled_; ++frame) {
@@ -111,14 +142,25 @@ void ExportDlg::Start()
             break;
         progress_->setValue(frame - first_->value() + 1);
     }
-    running_ = false;
-    start_->setEnabled(true);
-    if (!error.isEmpty())
-        state_->setText(error);
-    else if (cancelled_)
+    ShowRunning(false);
+    const int written = frame - first_->value();
+    if (cancelled_)
         state_->setText(tr("Cancelled before frame %1.").arg(frame));
+    else if (!error.isEmpty())
+        state_->setText(tr("Frame %1: %2").arg(frame).arg(error));
     else
-        state_->setText(tr("%n frame(s) written.", nullptr, progress_->maximum()));
+        state_->setText(written == 1 ? tr("1 frame written.")
+                                     : tr("%1 frames written.").arg(written));
+}
+
+void ExportDlg::ShowRunning(bool running)
+{
+    running_ = running;
+    for (QWidget* field : std::initializer_list<QWidget*>{pattern_, first_, last_, start_})
+        field->setEnabled(!running);
+    close_->setText(running ? tr("Cancel") : tr("Close"));
+    progress_->setVisible(running);
+    close_->setFocus(); // the disabled fields have let it go
 }
 
 bool ExportDlg::RenderFrame(int frame, QString* error)
@@ -128,7 +170,7 @@ bool ExportDlg::RenderFrame(int frame, QString* error)
     auto done = std::async(std::launch::async, [&job, &path, error] {
         const RenderResult result = job->Run();
         if (!result.image) {
-            *error = result.error;
+            *error = result.error.isEmpty() ? tr("there is no picture") : result.error;
             return false;
         }
         return WriteImage(*result.image, path, error);

@@ -23,7 +23,9 @@ public:
 
 private:
     void Browse();
+    QString Objection() const;
     void Start();
+    void ShowRunning(bool running);
     bool RenderFrame(int frame, QString* error);
 
     Session& session_;
@@ -33,6 +35,7 @@ private:
     QProgressBar* progress_;
     QLabel* state_;
     QPushButton* start_;
+    QPushButton* close_ = nullptr;
     bool running_ = false;
     bool cancelled_ = false;
 };

@@ -19,11 +19,15 @@ InspectorPanel::InspectorPanel(Session& session, QWidget* parent)
     name_->setObjectName("toolname");
     name_->setFrame(false);
     name_->setToolTip(tr("The tool's name; expressions refer to it"));
+    name_->setMinimumWidth(120);
     type_->setObjectName("tooltype");
-    type_->setEnabled(false);
+    QPalette quiet = type_->palette();
+    quiet.setColor(QPalette::WindowText, quiet.color(QPalette::PlaceholderText));
+    type_->setPalette(quiet);
 
     auto* header = new QHBoxLayout;
-    header->setContentsMargins(8, 4, 8, 4);
+    header->setContentsMargins(8, 8, 8, 4);
+    header->setSpacing(8);
     header->addWidget(name_, 1);
     header->addWidget(type_);
     scroll_->setWidget(page_);
@@ -35,7 +39,7 @@ InspectorPanel::InspectorPanel(Session& session, QWidget* parent)
     layout->setSpacing(0);
     layout->addLayout(header);
     layout->addWidget(scroll_, 1);
-    setMinimumWidth(280);
+    setMinimumWidth(360); // labels below a slider have room
 
     connect(&session_, &Session::SelectedToolChanged, this, &InspectorPanel::ShowTool);
     connect(&session_.Document(), &MarloxDoc::ToolChanged, this, [this](Operator* tool) {
@@ -64,7 +68,7 @@ void InspectorPanel::ShowHeader()
     const Operator* tool = session_.SelectedTool();
     name_->setVisible(tool);
     name_->setText(tool ? tool->GetName() : QString());
-    name_->setReadOnly(tool && tool->IsLocked());
+    name_->setEnabled(tool && !tool->IsLocked());
     type_->setText(!tool                ? tr("No tool selected")
                    : tool->IsLocked()   ? tr("%1, locked").arg(tool->GetToolType().ToString())
                    : tool->IsDisabled() ? tr("%1, disabled").arg(tool->GetToolType().ToString())

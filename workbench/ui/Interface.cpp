@@ -1,14 +1,17 @@
 #include "workbench/ui/Interface.h"
 
 #include "system/resources/LookStyle.h"
+#include "system/resources/Resources.h"
 #include "workbench/samples/Samples.h"
 #include "workbench/scripting/ScriptHost.h"
+#include "workbench/ui/ConsolePanel.h"
 #include "workbench/ui/Icons.h"
 #include "workbench/ui/MainWindow.h"
 
 #include <cstdio>
 
 #include <QApplication>
+#include <QStatusBar>
 #include <QTimer>
 
 namespace Marlox {
@@ -24,6 +27,16 @@ void OpenSample(MainWindow& window)
         window.GetSession().Open(folder + '/' + Samples::documentName, &error);
 }
 
+/// Faults of the look show when something is drawn with it, at any time.
+void TellLookProblems(MainWindow& window)
+{
+    for (const QString& problem : LookPack::Global().TakeProblems()) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
+        window.Console().Append(problem, true);
+        window.statusBar()->showMessage(problem, 10000); // milliseconds
+    }
+}
+
 } // namespace
 
 int RunInterface(QApplication& application, const InterfaceOptions& options)
@@ -33,11 +46,16 @@ int RunInterface(QApplication& application, const InterfaceOptions& options)
     MainWindow window;
     window.GetSession().SetPlugins(options.plugins);
     window.show();
+    QTimer lookWatch;
+    QObject::connect(&lookWatch, &QTimer::timeout, &window,
+                     [&window] { TellLookProblems(window); });
+    lookWatch.start(500); // milliseconds
     if (options.script.isEmpty()) {
         QTimer::singleShot(0, &window, [&window, &options] {
-            if (!options.files.isEmpty())
-                return window.OpenPath(options.files.first());
-            OpenSample(window);
+            if (options.files.isEmpty())
+                OpenSample(window);
+            else
+                window.OpenPath(options.files.first());
             if (options.offerRecovery)
                 window.OfferRecovery();
         });
@@ -60,6 +78,7 @@ int RunInterface(QApplication& application, const InterfaceOptions& options)
         } else {
             status = window.Scripts().ExitCode();
         }
+        TellLookProblems(window);
         application.exit(status);
     });
     application.exec();

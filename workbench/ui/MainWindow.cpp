@@ -2,24 +2,31 @@
 
 #include "system/controls/ControlWnd.h"
 #include "system/document/Preferences.h"
+#include "system/widgets/ElideLabel.h"
+#include "workbench/images/ImageFile.h"
 #include "workbench/scripting/ScriptHost.h"
 #include "workbench/ui/ConsolePanel.h"
 #include "workbench/ui/InspectorPanel.h"
 #include "workbench/ui/MainWindowMenus.h"
 #include "workbench/ui/Messages.h"
 #include "workbench/ui/PreferencesDlg.h"
+#include "workbench/ui/ReadOut.h"
 #include "workbench/ui/TimelinePanel.h"
 #include "workbench/ui/ToolPanel.h"
 #include "workbench/ui/ViewerBar.h"
 #include "workbench/viewer/ViewerWidget.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 #include <QUndoView>
 #include <QVBoxLayout>
 
@@ -37,13 +44,16 @@ MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent), viewer_(new ViewerWidget(session_.Document())),
       tools_(new ToolPanel(session_)), inspector_(new InspectorPanel(session_)),
       timeline_(new TimelinePanel(session_)), scripts_(std::make_unique<ScriptHost>(*this)),
-      console_(new ConsolePanel(*scripts_))
+      console_(new ConsolePanel(*scripts_)), where_(new ElideLabel)
 {
     setObjectName("mainwindow");
     setAcceptDrops(true);
     setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
     resize(1440, 900);
     statusBar()->setObjectName("statusbar");
+    statusBar()->setContentsMargins(8, 0, 0, 0);
+    where_->setObjectName("documentpath");
+    statusBar()->addWidget(where_, 1);
 
     BuildDocks();
     BuildMenus(*this);
@@ -64,11 +74,24 @@ MainWindow::MainWindow(QWidget* parent)
     });
     connect(&document, &MarloxDoc::AutosaveFailed, this,
             [this](const QString& error) { statusBar()->showMessage(error, 10000); });
+    connect(viewer_, &ViewerWidget::SpaceTapped, this,
+            [this] { session_.Play(!session_.IsPlaying()); });
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* old, QWidget* now) {
+        if (old)
+            old->removeEventFilter(this);
+        if (qobject_cast<QAbstractButton*>(now) || qobject_cast<QComboBox*>(now))
+            now->installEventFilter(this);
+    });
+    if (!viewer_->Transform().Problem().isEmpty()) {
+        statusBar()->showMessage(viewer_->Transform().Problem());
+        console_->Append(viewer_->Transform().Problem(), true);
+    }
     ShowTitle();
 
     const Preferences& preferences = MarloxDoc::GetPreferences();
     restoreGeometry(preferences.Get(geometryName).toByteArray());
     restoreState(preferences.Get(stateName).toByteArray(), stateVersion);
+    viewer_->setFocus();
 }
 
 MainWindow::~MainWindow()
@@ -85,8 +108,9 @@ void MainWindow::BuildDocks()
     auto* layout = new QVBoxLayout(middle);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(viewer_, 1);
     layout->addWidget(new ViewerBar(*viewer_));
+    layout->addWidget(viewer_, 1);
+    layout->addWidget(new ReadOut(*viewer_));
     layout->addWidget(timeline_);
     setCentralWidget(middle);
 
@@ -101,14 +125,15 @@ void MainWindow::BuildDocks()
     auto* history = new QUndoView(&session_.Document().Undo().Stack());
     history->setObjectName("history");
     history->setEmptyLabel(tr("Opened"));
-    dock(tr("Tools"), "toolsdock", tools_, Qt::LeftDockWidgetArea);
+    history->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // long texts are elided
+    auto* tools = dock(tr("Tools"), "toolsdock", tools_, Qt::LeftDockWidgetArea);
     dock(tr("History"), "historydock", history, Qt::LeftDockWidgetArea);
     auto* inspector = dock(tr("Inspector"), "inspectordock", inspector_, Qt::RightDockWidgetArea);
     auto* console = dock(tr("Script Console"), "consoledock", console_, Qt::BottomDockWidgetArea);
     console->hide();
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-    resizeDocks({inspector}, {400}, Qt::Horizontal);
+    resizeDocks({tools, inspector}, {240, 400}, Qt::Horizontal);
 }
 
 void MainWindow::ShowTitle()
@@ -119,6 +144,7 @@ void MainWindow::ShowTitle()
                             QCoreApplication::applicationName()));
     setWindowFilePath(path);
     setWindowModified(session_.Document().IsModified());
+    where_->SetText(path.isEmpty() ? tr("Not saved yet") : path);
 }
 
 void MainWindow::OpenPath(const QString& path)
@@ -126,7 +152,14 @@ void MainWindow::OpenPath(const QString& path)
     if (!MayLoseChanges())
         return;
     QString error;
-    if (!session_.Open(path, &error))
+    const QString reading = tr("Reading %1").arg(path);
+    statusBar()->showMessage(reading);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool opened = session_.Open(path, &error);
+    QApplication::restoreOverrideCursor();
+    if (statusBar()->currentMessage() == reading) // else it tells about what was read
+        statusBar()->clearMessage();
+    if (!opened)
         ShowError(this, error);
 }
 
@@ -140,8 +173,9 @@ void MainWindow::OpenAsked()
 {
     const QString path = QFileDialog::getOpenFileName(
         this, tr("Open"), QFileInfo(session_.Document().FilePath()).absolutePath(),
-        tr("Documents and images (*.marlox *.exr *.dpx *.tif *.tiff *.png *.jpg *.jpeg *.hdr);;"
-           "All files (*)"));
+        tr("Documents and images (*.marlox *.%1)").arg(ReadableImageEndings().join(" *.")) + ";;" +
+            tr("All files (*)"),
+        nullptr, QFileDialog::HideNameFilterDetails);
     if (!path.isEmpty())
         OpenPath(path);
 }
@@ -185,14 +219,52 @@ void MainWindow::OfferRecovery()
     const QStringList files = MarloxDoc::RecoveryFiles(RecoveryFolder());
     if (files.isEmpty())
         return;
-    if (!AskToRecover(this, int(files.size()))) {
+    QString error;
+    switch (AskToRecover(this, int(files.size()))) {
+    case RecoveryChoice::Open:
+        if (!session_.Recover(files.first(), &error))
+            ShowError(this, error);
+        break;
+    case RecoveryChoice::Discard:
         for (const QString& file : files)
             QFile::remove(file);
-        return;
+        break;
+    case RecoveryChoice::Later:
+        break;
     }
-    QString error;
-    if (!session_.Recover(files.first(), &error))
-        ShowError(this, error);
+}
+
+/// The keys of the time, wherever nothing else has a use for them.
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    const MarloxDoc& document = session_.Document();
+    if (event->modifiers() & ~Qt::KeypadModifier)
+        return QMainWindow::keyPressEvent(event);
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return session_.StepBy(-1.0);
+    case Qt::Key_Right:
+        return session_.StepBy(1.0);
+    case Qt::Key_Home:
+        return session_.StepTo(document.FirstFrame());
+    case Qt::Key_End:
+        return session_.StepTo(document.LastFrame());
+    default:
+        QMainWindow::keyPressEvent(event);
+    }
+}
+
+/// Space works a button or a choice that has the keyboard focus; elsewhere it plays.
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Space && key->modifiers() == Qt::NoModifier) {
+            key->accept();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -212,15 +284,19 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls())
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile())
         event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (!urls.isEmpty() && urls.first().isLocalFile())
-        OpenPath(urls.first().toLocalFile());
+    if (urls.isEmpty() || !urls.first().isLocalFile())
+        return;
+    event->acceptProposedAction();
+    // The program that the file was dragged from waits until this returns, so questions come later.
+    QTimer::singleShot(0, this, [this, path = urls.first().toLocalFile()] { OpenPath(path); });
 }
 
 } // namespace Marlox

@@ -7,6 +7,7 @@
 namespace Marlox {
 
 class ConsolePanel;
+class ElideLabel;
 class InspectorPanel;
 class ScriptHost;
 class TimelinePanel;
@@ -38,6 +39,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -53,6 +56,7 @@ private:
     TimelinePanel* timeline_;
     std::unique_ptr<ScriptHost> scripts_;
     ConsolePanel* console_;
+    ElideLabel* where_; // the document's file
 };
 
 } // namespace Marlox

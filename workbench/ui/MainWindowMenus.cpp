@@ -9,6 +9,7 @@
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <functional>
+#include <vector>
 
 #include <QAction>
 #include <QActionGroup>
@@ -29,7 +30,11 @@ struct Builder {
 
     QString Tr(const char* text) const { return MainWindow::tr(text); }
 
-    void Start(const char* title) { menu = window.menuBar()->addMenu(Tr(title)); }
+    void Start(const char* title, const char* name)
+    {
+        menu = window.menuBar()->addMenu(Tr(title));
+        menu->setObjectName(name);
+    }
 
     QAction* Add(const char* text, const QKeySequence& keys, const char* name,
                  std::function<void()> run) const
@@ -45,7 +50,7 @@ struct Builder {
 void buildFile(Builder& b)
 {
     MainWindow& window = b.window;
-    b.Start("&File");
+    b.Start("&File", "filemenu");
     b.Add("&New", QKeySequence::New, "new", [&window] { window.New(); });
     b.Add("&Open...", QKeySequence::Open, "open", [&window] { window.OpenAsked(); });
     QMenu* recent = b.menu->addMenu(b.Tr("Open &Recent"));
@@ -64,19 +69,20 @@ void buildFile(Builder& b)
     });
     b.menu->addSeparator();
     b.Add("&Save", QKeySequence::Save, "save", [&window] { window.SaveAsked(false); });
-    b.Add("Save &As...", QKeySequence::SaveAs, "saveas", [&window] { window.SaveAsked(true); });
+    b.Add("Save &As...", QKeySequence("Ctrl+Shift+S"), "saveas",
+          [&window] { window.SaveAsked(true); });
     b.Add("&Render to Files...", QKeySequence("Ctrl+E"), "render",
           [&window] { ExportDlg(window.GetSession(), &window).exec(); });
     b.menu->addSeparator();
     b.Add("&Preferences...", QKeySequence("Ctrl+,"), "preferences",
           [&window] { PreferencesDlg(window.GetSession().Document(), &window).exec(); });
     b.menu->addSeparator();
-    b.Add("&Quit", QKeySequence::Quit, "quit", [&window] { window.close(); });
+    b.Add("&Quit", QKeySequence("Ctrl+Q"), "quit", [&window] { window.close(); });
 }
 
 void buildEdit(Builder& b)
 {
-    b.Start("&Edit");
+    b.Start("&Edit", "editmenu");
     UndoHistory& history = b.session.Document().Undo();
     QAction* undo = b.Add("&Undo", QKeySequence::Undo, "undo", [&history] { history.Undo(); });
     QAction* redo = b.Add("&Redo", QKeySequence::Redo, "redo", [&history] { history.Redo(); });
@@ -98,7 +104,7 @@ void buildTool(Builder& b)
 {
     MainWindow& window = b.window;
     Session& session = b.session;
-    b.Start("&Tool");
+    b.Start("&Tool", "toolmenu");
     QMenu* add = b.menu->addMenu(b.Tr("&Add"));
     add->setObjectName("addtool");
     QObject::connect(add, &QMenu::aboutToShow, &window, [add, &session, &window] {
@@ -111,41 +117,49 @@ void buildTool(Builder& b)
                 run(*tool);
         };
     };
-    b.Add("&Duplicate", QKeySequence("Ctrl+D"), "duplicatetool",
-          onTool([&session, &window](Operator& tool) {
-              QString error;
-              if (!session.DuplicateTool(tool, &error))
-                  ShowError(&window, error);
-          }));
-    b.Add("&Remove", QKeySequence("Ctrl+Backspace"), "removetool",
-          [&window] { window.Tools().RemoveSelected(); });
-    b.Add("Re&name", QKeySequence("F2"), "renametool",
-          [&window] { window.Tools().RenameSelected(); });
-    b.Add("&Enable or Disable", QKeySequence("Ctrl+P"), "enabletool",
-          onTool([](Operator& tool) { tool.DisableTool(!tool.IsDisabled()); }));
-    b.Add("&Lock or Unlock", QKeySequence("Ctrl+L"), "locktool",
-          onTool([](Operator& tool) { tool.SetLocked(!tool.IsLocked()); }));
-    b.menu->addSeparator();
-    const auto move = [&session](int by) {
-        return [&session, by](Operator& tool) {
-            session.Document().MoveTool(tool, session.Document().IndexOf(tool) + by);
-        };
+    b.Add("Add at the &Pointer...", QKeySequence("Shift+Space"), "addtoolmenu",
+          [&window] { window.Tools().PopUpAddMenu(); });
+    std::vector<QAction*> forTool;
+    const auto addForTool = [&](const char* text, const char* keys, const char* name,
+                                std::function<void()> run) {
+        forTool.push_back(b.Add(text, QKeySequence(keys), name, std::move(run)));
     };
-    b.Add("Move &Up", QKeySequence("Ctrl+Up"), "toolup", onTool(move(-1)));
-    b.Add("Move Do&wn", QKeySequence("Ctrl+Down"), "tooldown", onTool(move(1)));
+    addForTool("&Duplicate", "Ctrl+D", "duplicatetool", onTool([&session, &window](Operator& tool) {
+                   QString error;
+                   if (!session.DuplicateTool(tool, &error))
+                       ShowError(&window, error);
+               }));
+    addForTool("&Remove", "Ctrl+Backspace", "removetool",
+               [&window] { window.Tools().RemoveSelected(); });
+    addForTool("Re&name", "F2", "renametool", [&window] { window.Tools().RenameSelected(); });
+    addForTool("&Enable or Disable", "Ctrl+P", "enabletool",
+               onTool([](Operator& tool) { tool.DisableTool(!tool.IsDisabled()); }));
+    addForTool("&Lock or Unlock", "Ctrl+L", "locktool",
+               onTool([](Operator& tool) { tool.SetLocked(!tool.IsLocked()); }));
+    b.menu->addSeparator();
+    addForTool("Move &Up", "Ctrl+Up", "toolup", [&window] { window.Tools().MoveSelected(-1); });
+    addForTool("Move Do&wn", "Ctrl+Down", "tooldown",
+               [&window] { window.Tools().MoveSelected(1); });
+    const auto show = [forTool](const Operator* tool) {
+        for (QAction* action : forTool)
+            action->setEnabled(tool);
+    };
+    QObject::connect(&session, &Session::SelectedToolChanged, &window, show);
+    show(session.SelectedTool());
+    QObject::connect(&window.Tools(), &ToolPanel::MenuAsked, b.menu,
+                     [menu = b.menu](const QPoint& at) { menu->popup(at); });
 }
 
-void buildView(Builder& b)
+/// The same key again goes back to colour.
+void showChannel(ViewerWidget& viewer, ChannelView channel)
 {
-    MainWindow& window = b.window;
-    ViewerWidget& viewer = window.Viewer();
-    b.Start("&View");
-    b.Add("&Fit", QKeySequence("F"), "fit", [&viewer] { viewer.Fit(); });
-    b.Add("&Actual Pixels", QKeySequence("1"), "actualpixels", [&viewer] { viewer.SetZoom(1.0); });
-    b.Add("Zoom &In", QKeySequence("+"), "zoomin", [&viewer] { viewer.ZoomBy(1.25); });
-    b.Add("Zoom &Out", QKeySequence("-"), "zoomout", [&viewer] { viewer.ZoomBy(0.8); });
-    b.menu->addSeparator();
-    auto* channels = new QActionGroup(&window);
+    viewer.SetChannelView(viewer.Channels() == channel ? ChannelView::Color : channel);
+}
+
+void buildChannels(Builder& b)
+{
+    ViewerWidget& viewer = b.window.Viewer();
+    auto* channels = new QActionGroup(&b.window);
     const struct {
         const char* text;
         const char* key;
@@ -162,11 +176,41 @@ void buildView(Builder& b)
     for (const auto& view : views) {
         QAction* action =
             b.Add(view.text, QKeySequence(view.key), view.name,
-                  [&viewer, channel = view.channel] { viewer.SetChannelView(channel); });
+                  [&viewer, channel = view.channel] { showChannel(viewer, channel); });
         action->setCheckable(true);
-        action->setChecked(view.channel == ChannelView::Color);
         channels->addAction(action);
     }
+    const auto show = [channels, &viewer] {
+        channels->actions().at(int(viewer.Channels()))->setChecked(true);
+    };
+    QObject::connect(&viewer, &ViewerWidget::SettingsChanged, channels, show);
+    show();
+}
+
+/// A menu entry that shows and changes a switch of the viewer.
+void addSwitch(Builder& b, const char* text, const char* keys, const char* name,
+               bool (ViewerWidget::*is)() const, void (ViewerWidget::*set)(bool))
+{
+    ViewerWidget& viewer = b.window.Viewer();
+    QAction* action = b.Add(text, QKeySequence(keys), name,
+                            [&viewer, is, set] { (viewer.*set)(!(viewer.*is)()); });
+    action->setCheckable(true);
+    const auto show = [action, &viewer, is] { action->setChecked((viewer.*is)()); };
+    QObject::connect(&viewer, &ViewerWidget::SettingsChanged, action, show);
+    show();
+}
+
+void buildView(Builder& b)
+{
+    MainWindow& window = b.window;
+    ViewerWidget& viewer = window.Viewer();
+    b.Start("&View", "viewmenu");
+    b.Add("&Fit", QKeySequence("F"), "fit", [&viewer] { viewer.Fit(); });
+    b.Add("&Actual Pixels", QKeySequence("1"), "actualpixels", [&viewer] { viewer.SetZoom(1.0); });
+    b.Add("Zoom &In", QKeySequence("+"), "zoomin", [&viewer] { viewer.ZoomBy(1.25); });
+    b.Add("Zoom &Out", QKeySequence("-"), "zoomout", [&viewer] { viewer.ZoomBy(0.8); });
+    b.menu->addSeparator();
+    buildChannels(b);
     b.menu->addSeparator();
     b.Add("Exposure &Up", QKeySequence("Ctrl+]"), "exposureup",
           [&viewer] { viewer.SetExposure(viewer.Exposure() + 0.5); });
@@ -175,35 +219,53 @@ void buildView(Builder& b)
     b.Add("&Normal Exposure", QKeySequence("Ctrl+\\"), "exposurenormal",
           [&viewer] { viewer.SetExposure(0.0); });
     b.menu->addSeparator();
-    for (QDockWidget* dock : window.findChildren<QDockWidget*>())
-        b.menu->addAction(dock->toggleViewAction());
+    addSwitch(b, "Che&querboard", "K", "checker", &ViewerWidget::IsCheckerShown,
+              &ViewerWidget::ShowChecker);
+    addSwitch(b, "Outline of the &Image", "O", "windows", &ViewerWidget::AreWindowsShown,
+              &ViewerWidget::ShowWindows);
+    b.menu->addSeparator();
+    for (QDockWidget* dock : window.findChildren<QDockWidget*>()) {
+        QAction* action = dock->toggleViewAction();
+        action->setObjectName("show" + dock->objectName());
+        b.menu->addAction(action);
+        if (dock->objectName() == "consoledock")
+            action->setShortcut(QKeySequence("Ctrl+`"));
+    }
+    QAction* full = b.Add("F&ull Screen", QKeySequence("F11"), "fullscreen", [&window] {
+        window.setWindowState(window.windowState() ^ Qt::WindowFullScreen);
+    });
+    full->setCheckable(true);
 }
 
 void buildTime(Builder& b)
 {
     Session& session = b.session;
     MarloxDoc& document = session.Document();
-    b.Start("Ti&me");
+    b.Start("Ti&me", "timemenu");
     b.Add("&Play or Stop", QKeySequence("Space"), "playtoggle",
           [&session] { session.Play(!session.IsPlaying()); });
+    b.menu->addSeparator();
     b.Add("P&revious Frame", QKeySequence("Alt+Left"), "previousframe",
-          [&document] { document.SetCurrentTime(document.CurrentTime() - 1.0); });
+          [&session] { session.StepBy(-1.0); });
     b.Add("&Next Frame", QKeySequence("Alt+Right"), "nextframe",
-          [&document] { document.SetCurrentTime(document.CurrentTime() + 1.0); });
+          [&session] { session.StepBy(1.0); });
+    b.Add("&First Frame", QKeySequence("Alt+Home"), "firstframetime",
+          [&session, &document] { session.StepTo(document.FirstFrame()); });
+    b.Add("&Last Frame", QKeySequence("Alt+End"), "lastframetime",
+          [&session, &document] { session.StepTo(document.LastFrame()); });
+    b.menu->addSeparator();
     b.Add("Previous &Key", QKeySequence("Ctrl+Left"), "previouskeytime",
           [&session] { session.GoToKey(-1); });
     b.Add("Next K&ey", QKeySequence("Ctrl+Right"), "nextkeytime",
           [&session] { session.GoToKey(1); });
-    b.Add("&First Frame", QKeySequence("Alt+Home"), "firstframetime",
-          [&document] { document.SetCurrentTime(document.FirstFrame()); });
-    b.Add("&Last Frame", QKeySequence("Alt+End"), "lastframetime",
-          [&document] { document.SetCurrentTime(document.LastFrame()); });
+    b.Add("Remove Keys &Here", {}, "removekeys",
+          [&session, &document] { session.RemoveKeys(document.CurrentTime()); });
 }
 
 void buildHelp(Builder& b)
 {
     MainWindow& window = b.window;
-    b.Start("&Help");
+    b.Start("&Help", "helpmenu");
     b.Add("&About", {}, "about", [&window] { ShowAbout(&window); });
 }
 

@@ -1,26 +1,54 @@
 #include "workbench/ui/Messages.h"
 
 #include <QCoreApplication>
+#include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace Marlox {
 
+namespace {
+
+QString words(const char* text)
+{
+    return QCoreApplication::translate("Messages", text);
+}
+
+/// A message with what it is about in bright letters and the rest below. Wide enough for a path or
+/// a sentence on one line.
+class Message : public QMessageBox {
+public:
+    Message(QWidget* parent, const char* name, Icon icon, const QString& text,
+            const QString& details = {})
+        : QMessageBox(icon, QCoreApplication::applicationName(), text, NoButton, parent)
+    {
+        setObjectName(name);
+        setTextFormat(Qt::PlainText);
+        setInformativeText(details);
+        if (auto* label = findChild<QLabel*>("qt_msgbox_label")) {
+            label->setMinimumWidth(320);
+            QPalette bright = label->palette();
+            bright.setColor(QPalette::WindowText, bright.color(QPalette::ButtonText));
+            label->setPalette(bright);
+        }
+    }
+};
+
+} // namespace
+
 void ShowError(QWidget* parent, const QString& text)
 {
-    QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), text,
-                    QMessageBox::Ok, parent);
-    box.setObjectName("error");
+    Message box(parent, "error", QMessageBox::Warning, text);
+    box.setStandardButtons(QMessageBox::Ok);
     box.exec();
 }
 
 SaveChoice AskToSave(QWidget* parent, const QString& name)
 {
-    QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
-                    QCoreApplication::translate("Messages", "Save the changes to %1?").arg(name),
-                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, parent);
-    box.setObjectName("asktosave");
-    box.setInformativeText(
-        QCoreApplication::translate("Messages", "Changes that are not saved are lost."));
+    Message box(parent, "asktosave", QMessageBox::Question,
+                words("Save the changes to %1?").arg(name),
+                words("Changes that are not saved are lost."));
+    box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
     case QMessageBox::Save:
@@ -32,33 +60,35 @@ SaveChoice AskToSave(QWidget* parent, const QString& name)
     }
 }
 
-bool AskToRecover(QWidget* parent, int count)
+RecoveryChoice AskToRecover(QWidget* parent, int count)
 {
-    QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(),
-                    QCoreApplication::translate(
-                        "Messages", "The workbench ended unexpectedly while a document was open."),
-                    QMessageBox::Open | QMessageBox::Discard, parent);
-    box.setObjectName("asktorecover");
-    box.setInformativeText(
-        count == 1
-            ? QCoreApplication::translate("Messages", "Open the copy that was kept, or discard it?")
-            : QCoreApplication::translate("Messages",
-                                          "Open the newest of the %1 copies that were kept, or "
-                                          "discard them all?")
-                  .arg(count));
-    return box.exec() == QMessageBox::Open;
+    Message box(parent, "asktorecover", QMessageBox::Question,
+                words("The workbench ended unexpectedly while a document was open."),
+                count == 1 ? words("Open the copy that was kept, or discard it?")
+                           : words("Open the newest of the %1 copies that were kept, or discard "
+                                   "them all?")
+                                 .arg(count));
+    box.setStandardButtons(QMessageBox::Open | QMessageBox::Discard | QMessageBox::Cancel);
+    box.button(QMessageBox::Cancel)->setText(words("Later"));
+    box.setDefaultButton(QMessageBox::Open);
+    switch (box.exec()) {
+    case QMessageBox::Open:
+        return RecoveryChoice::Open;
+    case QMessageBox::Discard:
+        return RecoveryChoice::Discard;
+    default:
+        return RecoveryChoice::Later;
+    }
 }
 
 void ShowAbout(QWidget* parent)
 {
-    QMessageBox box(QMessageBox::Information, QCoreApplication::applicationName(),
-                    QString("%1 %2").arg(QCoreApplication::applicationName(),
-                                         QCoreApplication::applicationVersion()),
-                    QMessageBox::Ok, parent);
-    box.setObjectName("about");
-    box.setInformativeText(QCoreApplication::translate(
-        "Messages", "A workbench for the standard controls: it loads them like any host and edits "
-                    "real pictures with them."));
+    Message box(parent, "about", QMessageBox::Information,
+                QString("%1 %2").arg(QCoreApplication::applicationName(),
+                                     QCoreApplication::applicationVersion()),
+                words("A workbench for the standard controls: it loads them like any host and "
+                      "edits real pictures with them."));
+    box.setStandardButtons(QMessageBox::Ok);
     box.exec();
 }
 

@@ -13,8 +13,11 @@ void ShowError(QWidget* parent, const QString& text);
 enum class SaveChoice { Save, Discard, Cancel };
 /// Asks what to do with unsaved changes of the document named `name`.
 SaveChoice AskToSave(QWidget* parent, const QString& name);
-/// Whether to open the newest of `count` recovery copies.
-bool AskToRecover(QWidget* parent, int count);
+
+enum class RecoveryChoice { Open, Discard, Later };
+/// Asks whether to open the newest of `count` recovery copies, to discard them all, or to be asked
+/// again at the next start.
+RecoveryChoice AskToRecover(QWidget* parent, int count);
 void ShowAbout(QWidget* parent);
 
 } // namespace Marlox

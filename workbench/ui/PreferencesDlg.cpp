@@ -15,10 +15,22 @@
 
 namespace Marlox {
 
+namespace {
+
+/// A number without idle zeros: 24, 23.976.
+class RateBox final : public QDoubleSpinBox {
+protected:
+    QString textFromValue(double value) const override
+    {
+        return locale().toString(value, 'f', QLocale::FloatingPointShortest);
+    }
+};
+
+} // namespace
+
 PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
-    : QDialog(parent), document_(document), frameRate_(new QDoubleSpinBox),
-      timeDisplay_(new QComboBox), proxy_(new QComboBox), autosave_(new QCheckBox),
-      autosaveInterval_(new QSpinBox)
+    : QDialog(parent), document_(document), frameRate_(new RateBox), timeDisplay_(new QComboBox),
+      proxy_(new QComboBox), autosave_(new QCheckBox), autosaveInterval_(new QSpinBox)
 {
     setObjectName("preferences");
     setWindowTitle(tr("Preferences"));
@@ -45,11 +57,14 @@ PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
     autosaveInterval_->setValue(preferences.Get(PreferenceNames::AutosaveInterval, 30).toInt());
 
     auto* form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->addRow(tr("Frames a second"), frameRate_);
     form->addRow(tr("Show times as"), timeDisplay_);
     form->addRow(tr("Resolution while dragging"), proxy_);
     form->addRow(QString(), autosave_);
-    form->addRow(tr("at most every"), autosaveInterval_);
+    form->addRow(tr("Renew the copy every"), autosaveInterval_);
+    autosaveInterval_->setEnabled(autosave_->isChecked());
+    connect(autosave_, &QCheckBox::toggled, autosaveInterval_, &QWidget::setEnabled);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDlg::OnOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -3,14 +3,19 @@
 #include "system/base/HostTags.h"
 #include "system/document/Preferences.h"
 #include "system/evaluation/Renderer.h"
-#include "workbench/images/ImageFile.h"
 #include "workbench/images/Sequence.h"
+#include "workbench/tools/ImageSource.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <future>
 #include <set>
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QTimerEvent>
 
@@ -20,6 +25,40 @@ namespace {
 
 constexpr char recentFilesName[] = "Workbench.RecentFiles";
 constexpr int recentFilesKept = 12;
+
+/// Reads the whole picture, which the first render then finds in memory: a damaged file often shows
+/// only in its last lines. The window goes on being painted meanwhile.
+bool isReadable(const QString& path, QString* error)
+{
+    RenderContext context;
+    QString problem;
+    auto done = std::async(std::launch::async,
+                           [&] { return bool(ReadSourceFrame(path, context, problem)); });
+    while (done.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready)
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    if (error)
+        *error = problem;
+    return done.get();
+}
+
+/// Pictures are named from the document's folder: saved into another one it names them in full.
+void nameFilesInFull(MarloxDoc& document, const QString& newPath)
+{
+    const QDir folder = QFileInfo(document.FilePath()).absoluteDir();
+    if (document.FilePath().isEmpty() || folder == QFileInfo(newPath).absoluteDir())
+        return;
+    document.StartUndo("Name Files in Full");
+    for (const Ref<Operator>& tool : document.Tools()) {
+        Input* file = tool->GetToolType() == "ImageSource" ? tool->FindInput("File") : nullptr;
+        const auto value = file ? file->GetValue(document.CurrentTime()) : Ref<Parameter>();
+        const auto* text = dynamic_cast<const Text*>(value.Get());
+        const QString name = text ? QString::fromStdString(text->GetValue()) : QString();
+        if (!name.isEmpty() && QDir::isRelativePath(name))
+            file->SetValue(Text(folder.absoluteFilePath(name).toStdString()), TimeNone,
+                           Input::ReplaceAll);
+    }
+    document.EndUndo(true);
+}
 
 } // namespace
 
@@ -83,8 +122,7 @@ bool Session::OpenPicture(const QString& path, QString* error)
     // The file is looked at before the present document is let go.
     const Sequence sequence = Sequence::FromPath(path);
     const int first = sequence.IsSequence() ? sequence.First() : 0;
-    ImageFileInfo info;
-    if (!ReadImageInfo(sequence.FramePath(first), info, error))
+    if (!isReadable(sequence.FramePath(first), error))
         return false;
     document_->Clear();
     if (sequence.IsSequence()) {
@@ -109,10 +147,42 @@ bool Session::Recover(const QString& path, QString* error)
 
 bool Session::Save(const QString& path, QString* error)
 {
-    if (!document_->Save(path, error))
+    nameFilesInFull(*document_, path);
+    const bool renamed = NameFilesFrom(QFileInfo(path).absoluteDir());
+    if (!document_->Save(path, error)) {
+        if (renamed)
+            document_->Undo().Undo();
         return false;
+    }
     AddRecentFile(path);
     return true;
+}
+
+/// Rewrites file names that are relative to the document, as one undo entry. False: there were
+/// none.
+bool Session::NameFilesFrom(const QDir& folder)
+{
+    const QString path = document_->FilePath();
+    const QDir before = path.isEmpty() ? QDir::current() : QFileInfo(path).absoluteDir();
+    if (before == folder)
+        return false;
+    bool renamed = false;
+    document_->StartUndo("Change File");
+    for (const Ref<Operator>& tool : document_->Tools()) {
+        Input* file =
+            tool->GetToolType() == MxID("ImageSource") ? tool->FindInput("File") : nullptr;
+        const auto value = file ? file->GetValue(0.0) : Ref<Parameter>();
+        const auto* text = dynamic_cast<const Text*>(value.Get());
+        const QString name = text ? QString::fromStdString(text->GetValue()).trimmed() : QString();
+        if (name.isEmpty() || QDir::isAbsolutePath(name))
+            continue;
+        const QString whole = QDir::cleanPath(before.absoluteFilePath(name));
+        const QString near = folder.relativeFilePath(whole);
+        const Text next((near.startsWith("..") ? whole : near).toStdString());
+        renamed = file->SetValue(next, TimeNone, Input::ReplaceAll) || renamed;
+    }
+    document_->EndUndo(renamed);
+    return renamed;
 }
 
 Operator* Session::AddTool(const MxID& toolType, QString* error)
@@ -165,12 +235,30 @@ void Session::GoToKey(int direction)
     if (direction > 0) {
         const auto next = std::upper_bound(times.begin(), times.end(), now);
         if (next != times.end())
-            document_->SetCurrentTime(*next);
+            StepTo(*next);
     } else {
         const auto here = std::lower_bound(times.begin(), times.end(), now);
         if (here != times.begin())
-            document_->SetCurrentTime(*std::prev(here));
+            StepTo(*std::prev(here));
     }
+}
+
+void Session::StepTo(double frame)
+{
+    Play(false);
+    document_->SetCurrentTime(frame);
+}
+
+bool Session::RemoveKeys(double time)
+{
+    if (!selected_ || selected_->IsLocked())
+        return false;
+    bool removed = false;
+    document_->StartUndo("Remove Keys");
+    for (const Ref<Input>& input : selected_->Inputs())
+        removed = input->RemoveKey(time) || removed;
+    document_->EndUndo(removed);
+    return removed;
 }
 
 void Session::Play(bool on)

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include <QDir>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -35,6 +36,8 @@ public:
     bool Open(const QString& path, QString* error);
     /// Opens what a crashed process left; the document is modified and keeps its own path.
     bool Recover(const QString& path, QString* error);
+    /// Saved to another folder, sources that name their files from the document's folder go on
+    /// finding them.
     bool Save(const QString& path, QString* error);
     static bool IsDocumentPath(const QString& path);
 
@@ -45,6 +48,12 @@ public:
     // Keys of the selected tool, in frames; empty without a tool.
     std::vector<double> KeyTimes() const;
     void GoToKey(int direction); // -1 previous, 1 next
+    // Going somewhere by hand ends playback, which would go its own way.
+    void StepTo(double frame);
+    void StepBy(double frames) { StepTo(document_->CurrentTime() + frames); }
+    /// Removes every key of the selected tool at `time` as one undo entry. False: there was none,
+    /// or the tool is locked.
+    bool RemoveKeys(double time);
 
     // Playback: as many frames a second as the document says, leaving frames out rather than
     // falling behind; loops over the frame range.
@@ -68,6 +77,7 @@ protected:
 
 private:
     bool OpenPicture(const QString& path, QString* error);
+    bool NameFilesFrom(const QDir& folder);
 
     std::unique_ptr<MarloxDoc> document_;
     Operator* selected_ = nullptr;

@@ -3,10 +3,12 @@
 #include "system/resources/Resources.h"
 #include "workbench/ui/Session.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyleOptionFocusRect>
 
 namespace Marlox {
 
@@ -15,6 +17,7 @@ namespace {
 constexpr int keyRadius = 4;
 constexpr int keyRow = 30; // y of the keys' middle
 constexpr int margin = 8;
+constexpr int numberHeight = 14;
 
 QColor color(const char* name, MxColor fallback)
 {
@@ -27,7 +30,8 @@ TimeRuler::TimeRuler(Session& session, QWidget* parent) : QWidget(parent), sessi
 {
     setObjectName("timeruler");
     setFocusPolicy(Qt::StrongFocus);
-    setToolTip(tr("Drag to change the time; drag a key to move it"));
+    setMouseTracking(true);
+    setToolTip(tr("Drag to change the time; drag a key to move it, Delete removes the keys here"));
     setAccessibleName(tr("Time line"));
     MarloxDoc& document = session_.Document();
     const auto redraw = [this] { update(); };
@@ -53,52 +57,74 @@ void TimeRuler::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const TimeScale scale = Scale();
-    const QColor line = color("System.LineColour", {70, 70, 70});
-    const QColor text = palette().color(QPalette::Text);
-    const QColor accent = palette().color(QPalette::Highlight);
-    painter.fillRect(rect(), color("System.FieldColour", {30, 30, 30}));
-
+    painter.fillRect(rect(), color("System.FieldColour", {29, 29, 29}));
     QFont font = this->font();
     font.setPixelSize(10);
     painter.setFont(font);
-    const double step = scale.MarkStep(40.0);
-    const double small = scale.MarkStep(6.0);
-    for (double f = std::ceil(scale.first / small) * small; f <= scale.last; f += small) {
-        const bool numbered = std::fmod(f, step) == 0.0;
-        const int x = int(std::floor(scale.ToPixel(f)));
-        painter.fillRect(x, numbered ? 12 : 18, 1, numbered ? 10 : 4, line);
-        if (numbered) {
-            painter.setPen(text);
-            painter.drawText(QRect(x - 30, 0, 60, 12), Qt::AlignCenter, QString::number(f));
-        }
-    }
-
-    const int now = int(std::floor(scale.ToPixel(Time())));
-    const double cell = std::max(scale.CellWidth(), 3.0);
-    QColor shade = accent;
-    shade.setAlpha(60);
-    painter.fillRect(QRectF(scale.ToPixel(Time()) - cell / 2.0, 0.0, cell, height()), shade);
-    painter.fillRect(now, 0, 1, height(), accent);
-
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color("System.KeyColour", {223, 213, 122}));
-    for (const double time : session_.KeyTimes()) {
-        const QPointF at(scale.ToPixel(time), keyRow);
-        painter.drawPolygon(QPolygonF({at + QPointF(0, -keyRadius), at + QPointF(keyRadius, 0),
-                                       at + QPointF(0, keyRadius), at + QPointF(-keyRadius, 0)}));
-    }
+    PaintMarks(painter, scale);
+    PaintCurrentTime(painter, scale);
+    PaintKeys(painter, scale);
     if (hasFocus()) {
         painter.setRenderHint(QPainter::Antialiasing, false);
-        painter.setPen(accent);
+        painter.setPen(color("System.AccentColour", {92, 158, 220}));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
 }
 
+void TimeRuler::PaintMarks(QPainter& painter, const TimeScale& scale) const
+{
+    const QColor line = color("System.LineColour", {72, 72, 72});
+    painter.setPen(palette().color(QPalette::WindowText));
+    const double step = scale.MarkStep(40.0);
+    const double small = scale.MarkStep(6.0);
+    for (double f = std::ceil(scale.first / small) * small; f <= scale.last; f += small) {
+        const bool numbered = std::fmod(f, step) == 0.0;
+        const int x = int(std::floor(scale.ToPixel(f)));
+        painter.fillRect(x, numbered ? numberHeight : 18, 1, numbered ? 8 : 4, line);
+        if (numbered)
+            painter.drawText(QRect(x - 30, 0, 60, numberHeight), Qt::AlignCenter,
+                             QString::number(f));
+    }
+}
+
+/// The frame's cell, a line through its middle, and its number on a plate over the others.
+void TimeRuler::PaintCurrentTime(QPainter& painter, const TimeScale& scale) const
+{
+    const QColor mark = color("System.CurrentTimeColour", {92, 158, 220});
+    const double middle = scale.ToPixel(Time());
+    const double cell = std::max(scale.CellWidth(), 3.0);
+    QColor shade = mark;
+    shade.setAlpha(56);
+    painter.fillRect(QRectF(middle - cell / 2.0, 0.0, cell, height()), shade);
+    painter.fillRect(int(std::floor(middle)), 0, 1, height(), mark);
+
+    const QString number = QString::number(Time(), 'g', 7);
+    const int wide = painter.fontMetrics().horizontalAdvance(number) + 8;
+    const int left = std::clamp(int(std::floor(middle)) - wide / 2, 0, std::max(width() - wide, 0));
+    const QRect plate(left, 0, wide, numberHeight);
+    painter.fillRect(plate, mark);
+    painter.setPen(color("System.AccentTextColour", {12, 16, 20}));
+    painter.drawText(plate, Qt::AlignCenter, number);
+}
+
+void TimeRuler::PaintKeys(QPainter& painter, const TimeScale& scale) const
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color("System.BorderColour", {20, 20, 20}), 1.0));
+    painter.setBrush(color("System.KeyColour", {223, 213, 122}));
+    for (const double time : session_.KeyTimes()) {
+        const QPointF at(std::floor(scale.ToPixel(time)) + 0.5, keyRow + 0.5);
+        const double reach = keyRadius + 0.5;
+        painter.drawPolygon(QPolygonF({at + QPointF(0, -reach), at + QPointF(reach, 0),
+                                       at + QPointF(0, reach), at + QPointF(-reach, 0)}));
+    }
+}
+
 std::optional<double> TimeRuler::KeyAt(const QPoint& at) const
 {
-    if (std::abs(at.y() - keyRow) > keyRadius + 2)
+    const Operator* tool = session_.SelectedTool();
+    if (!tool || tool->IsLocked() || std::abs(at.y() - keyRow) > keyRadius + 2)
         return {};
     const TimeScale scale = Scale();
     for (const double time : session_.KeyTimes()) {
@@ -118,8 +144,7 @@ void TimeRuler::mousePressEvent(QMouseEvent* event)
         return;
     }
     scrubbing_ = true;
-    session_.Play(false);
-    session_.Document().SetCurrentTime(Scale().FrameAt(event->pos().x()));
+    session_.StepTo(Scale().FrameAt(event->pos().x()));
 }
 
 void TimeRuler::mouseMoveEvent(QMouseEvent* event)
@@ -129,6 +154,8 @@ void TimeRuler::mouseMoveEvent(QMouseEvent* event)
         session_.Document().SetCurrentTime(frame);
     else if (draggedKey_ && frame != *draggedKey_)
         MoveKeys(*draggedKey_, frame);
+    else if (!draggedKey_)
+        setCursor(KeyAt(event->pos()) ? Qt::SizeHorCursor : Qt::ArrowCursor);
 }
 
 void TimeRuler::MoveKeys(double from, double to)
@@ -150,12 +177,12 @@ void TimeRuler::mouseReleaseEvent(QMouseEvent* event)
         EndGesture();
 }
 
-void TimeRuler::EndGesture()
+void TimeRuler::EndGesture(bool keep)
 {
     scrubbing_ = false;
     if (draggedKey_) {
         draggedKey_.reset();
-        session_.Document().EndUndo(true);
+        session_.Document().EndUndo(keep);
     }
 }
 
@@ -172,25 +199,30 @@ void TimeRuler::hideEvent(QHideEvent* event)
     QWidget::hideEvent(event);
 }
 
+bool TimeRuler::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Delete || (key == Qt::Key_Escape && draggedKey_))
+            event->accept();
+    }
+    return QWidget::event(event);
+}
+
 void TimeRuler::keyPressEvent(QKeyEvent* event)
 {
-    MarloxDoc& document = session_.Document();
-    switch (event->key()) {
-    case Qt::Key_Left:
-        document.SetCurrentTime(document.CurrentTime() - 1.0);
-        break;
-    case Qt::Key_Right:
-        document.SetCurrentTime(document.CurrentTime() + 1.0);
-        break;
-    case Qt::Key_Home:
-        document.SetCurrentTime(document.FirstFrame());
-        break;
-    case Qt::Key_End:
-        document.SetCurrentTime(document.LastFrame());
-        break;
-    default:
+    if (event->key() == Qt::Key_Delete && !draggedKey_)
+        session_.RemoveKeys(Time());
+    else if (event->key() == Qt::Key_Escape && draggedKey_)
+        EndGesture(false);
+    else
         QWidget::keyPressEvent(event);
-    }
+}
+
+void TimeRuler::focusInEvent(QFocusEvent* event)
+{
+    QWidget::focusInEvent(event);
+    update();
 }
 
 } // namespace Marlox

@@ -3,7 +3,9 @@
 #include "system/document/MarloxDoc.h"
 #include "workbench/ui/Icons.h"
 
+#include <QGuiApplication>
 #include <QMimeData>
+#include <QPalette>
 
 namespace Marlox {
 
@@ -64,6 +66,8 @@ QVariant ToolModel::data(const QModelIndex& index, int role) const
     case Name:
         if (role == Qt::DisplayRole || role == Qt::EditRole)
             return tool->GetName();
+        if (role == Qt::ForegroundRole && tool->IsDisabled())
+            return QGuiApplication::palette().brush(QPalette::PlaceholderText);
         if (role == Qt::ToolTipRole)
             return tr("%1 (%2)").arg(tool->GetName(), tool->GetToolType().ToString());
         break;

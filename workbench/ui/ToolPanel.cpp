@@ -9,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QMenu>
+#include <QShortcut>
 #include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -22,6 +23,7 @@ QToolButton* button(const char* icon, const QString& tip, const char* name)
     auto* made = new QToolButton;
     made->setIcon(WorkbenchIcon(icon));
     made->setToolTip(tip);
+    made->setAccessibleName(tip);
     made->setAutoRaise(true);
     made->setObjectName(name);
     return made;
@@ -31,48 +33,20 @@ QToolButton* button(const char* icon, const QString& tip, const char* name)
 
 ToolPanel::ToolPanel(Session& session, QWidget* parent)
     : QWidget(parent), session_(session), model_(new ToolModel(session.Document(), this)),
-      view_(new QTreeView)
+      view_(new QTreeView), addMenu_(new QMenu(this))
 {
     setObjectName("tools");
-    view_->setObjectName("toollist");
-    view_->setModel(model_);
-    view_->setRootIsDecorated(false);
-    view_->setHeaderHidden(true);
-    view_->setUniformRowHeights(true);
-    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
-    view_->setDragDropMode(QAbstractItemView::InternalMove);
-    view_->setDragDropOverwriteMode(false);
-    view_->header()->setStretchLastSection(false);
-    view_->header()->setMinimumSectionSize(16);
-    view_->header()->setSectionResizeMode(ToolModel::Name, QHeaderView::Stretch);
-    for (const int column : {int(ToolModel::Enabled), int(ToolModel::Locked)}) {
-        view_->header()->setSectionResizeMode(column, QHeaderView::Fixed);
-        view_->header()->resizeSection(column, 24);
-    }
-
-    auto* add = button("Add", tr("Add a tool behind the selected one (Shift+Space)"), "addtool");
-    add->setPopupMode(QToolButton::InstantPopup);
-    auto* menu = new QMenu(add);
-    connect(menu, &QMenu::aboutToShow, this, [this, menu] {
-        menu->clear();
-        FillAddMenu(*menu, session_, this);
+    setMinimumWidth(176);
+    BuildList();
+    connect(addMenu_, &QMenu::aboutToShow, this, [this] {
+        addMenu_->clear();
+        FillAddMenu(*addMenu_, session_, this);
     });
-    add->setMenu(menu);
-    auto* remove = button("Remove", tr("Remove the selected tool (Delete)"), "removetool");
-    connect(remove, &QToolButton::clicked, this, &ToolPanel::RemoveSelected);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->setContentsMargins(4, 4, 4, 4);
-    buttons->setSpacing(4);
-    buttons->addWidget(add);
-    buttons->addWidget(remove);
-    buttons->addStretch();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(view_);
-    layout->addLayout(buttons);
+    layout->addLayout(BuildButtons());
 
     connect(view_, &QTreeView::clicked, this, [this](const QModelIndex& index) {
         if (index.column() != ToolModel::Name)
@@ -87,6 +61,57 @@ ToolPanel::ToolPanel(Session& session, QWidget* parent)
     connect(model_, &QAbstractItemModel::modelReset, this, &ToolPanel::ShowSelection);
     connect(&session_, &Session::SelectedToolChanged, this, &ToolPanel::ShowSelection);
     ShowSelection();
+}
+
+void ToolPanel::BuildList()
+{
+    view_->setObjectName("toollist");
+    view_->setAccessibleName(tr("Tools"));
+    view_->setModel(model_);
+    view_->setRootIsDecorated(false);
+    view_->setHeaderHidden(true);
+    view_->setUniformRowHeights(true);
+    view_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    view_->setDragDropMode(QAbstractItemView::InternalMove);
+    view_->setDragDropOverwriteMode(false);
+    view_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    view_->header()->setStretchLastSection(false);
+    view_->header()->setMinimumSectionSize(16);
+    view_->header()->setSectionResizeMode(ToolModel::Name, QHeaderView::Stretch);
+    for (const int column : {int(ToolModel::Enabled), int(ToolModel::Locked)}) {
+        view_->header()->setSectionResizeMode(column, QHeaderView::Fixed);
+        view_->header()->resizeSection(column, 24);
+    }
+    view_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view_, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { emit MenuAsked(view_->viewport()->mapToGlobal(at)); });
+    auto* removal = new QShortcut(QKeySequence::Delete, view_);
+    removal->setContext(Qt::WidgetShortcut);
+    connect(removal, &QShortcut::activated, this, &ToolPanel::RemoveSelected);
+}
+
+QLayout* ToolPanel::BuildButtons()
+{
+    auto* add = button("Add", tr("Add a tool behind the selected one (Shift+Space)"), "addtool");
+    add->setPopupMode(QToolButton::InstantPopup);
+    add->setMenu(addMenu_);
+    remove_ = button("Remove", tr("Remove the selected tool (Delete)"), "removetool");
+    connect(remove_, &QToolButton::clicked, this, &ToolPanel::RemoveSelected);
+    up_ = button("Up", tr("Move the selected tool up (Ctrl+Up)"), "movetoolup");
+    connect(up_, &QToolButton::clicked, this, [this] { MoveSelected(-1); });
+    down_ = button("Down", tr("Move the selected tool down (Ctrl+Down)"), "movetooldown");
+    connect(down_, &QToolButton::clicked, this, [this] { MoveSelected(1); });
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(4, 4, 4, 4);
+    buttons->setSpacing(4);
+    buttons->addWidget(add);
+    buttons->addWidget(remove_);
+    buttons->addStretch();
+    buttons->addWidget(up_);
+    buttons->addWidget(down_);
+    return buttons;
 }
 
 void ToolPanel::FillAddMenu(QMenu& menu, Session& session, QWidget* messageParent)
@@ -113,6 +138,11 @@ void ToolPanel::ShowSelection()
     else
         view_->setCurrentIndex({});
     following_ = false;
+    const Operator* tool = session_.SelectedTool();
+    const int place = tool ? session_.Document().IndexOf(*tool) : -1;
+    remove_->setEnabled(tool);
+    up_->setEnabled(place > 0);
+    down_->setEnabled(tool && place + 1 < int(session_.Document().Tools().size()));
 }
 
 void ToolPanel::RemoveSelected()
@@ -120,6 +150,20 @@ void ToolPanel::RemoveSelected()
     Operator* tool = session_.SelectedTool();
     if (tool && !session_.Document().RemoveTool(*tool))
         ShowError(this, tr("%1 is locked. Unlock it to remove it.").arg(tool->GetName()));
+}
+
+void ToolPanel::MoveSelected(int by)
+{
+    MarloxDoc& document = session_.Document();
+    Operator* tool = session_.SelectedTool();
+    const int place = tool ? document.IndexOf(*tool) + by : -1;
+    if (place >= 0 && place < int(document.Tools().size()))
+        document.MoveTool(*tool, place);
+}
+
+void ToolPanel::PopUpAddMenu()
+{
+    addMenu_->popup(QCursor::pos());
 }
 
 void ToolPanel::RenameSelected()

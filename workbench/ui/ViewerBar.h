@@ -3,31 +3,37 @@
 #include <QWidget>
 
 class QComboBox;
-class QLabel;
+class QMenu;
+class QToolButton;
 
 namespace Marlox {
 
 class TimeCodeEdit;
 class ViewerWidget;
-struct Probe;
 
-/// The strip below the viewer: channels, exposure and gamma of the view, zoom, and the colour under
-/// the cursor.
+/// The strip above the viewer: how the picture is shown. Channels, view of the colour
+/// configuration, exposure and gamma (their icons go back to normal), the chequerboard and the
+/// zoom.
 class ViewerBar : public QWidget {
     Q_OBJECT
 public:
     explicit ViewerBar(ViewerWidget& viewer, QWidget* parent = nullptr);
 
 private:
+    void FillViews();
+    void FillZoomMenu();
+    void Connect();
     void ShowSettings();
-    void ShowProbe(const Probe& probe);
 
     ViewerWidget& viewer_;
     QComboBox* channels_;
+    QComboBox* views_;
     TimeCodeEdit* exposure_;
     TimeCodeEdit* gamma_;
-    QLabel* zoom_;
-    QLabel* readout_;
+    QToolButton* normalExposure_;
+    QToolButton* normalGamma_;
+    QToolButton* checker_;
+    QToolButton* zoom_;
 };
 
 } // namespace Marlox
