@@ -15,3 +15,12 @@ foreach(plugin Working Unresolved Silent)
         TEST_PLUGIN_${name}="$<TARGET_FILE:test-plugin-${plugin}>")
     add_dependencies(workbench-plugin-library test-plugin-${plugin})
 endforeach()
+
+# The window itself, driven by a script as users do.
+set(windowFolder ${CMAKE_BINARY_DIR}/tests/workbench-window)
+file(MAKE_DIRECTORY ${windowFolder})
+add_test(NAME workbench-window COMMAND marlox-workbench
+    --script ${CMAKE_CURRENT_SOURCE_DIR}/window.lua ${windowFolder} ${CMAKE_BINARY_DIR}/samples)
+get_test_property(workbench-tools ENVIRONMENT environment)
+string(REPLACE config-workbench-tools config-workbench-window environment "${environment}")
+set_tests_properties(workbench-window PROPERTIES TIMEOUT 120 ENVIRONMENT "${environment}")
