@@ -27,8 +27,10 @@ int complain(const QString& text, int status)
 }
 
 /// Only the window needs a display. The list of controls makes one of each, if only to ask it.
-std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, Options::Action action)
+/// Of the arguments Qt gets the program's name alone: it would take --plugin and others as its own.
+std::unique_ptr<QCoreApplication> makeApplication(char** argv, Options::Action action)
 {
+    static int argc = 1; // referred to as long as the application lives
     const bool listsControls = action == Options::Action::ListControls;
     if (action != Options::Action::Interface && !listsControls)
         return std::make_unique<QCoreApplication>(argc, argv);
@@ -133,7 +135,7 @@ int main(int argc, char** argv)
         return complain("there is no display to open a window on; --render and the lists work "
                         "without one",
                         Failed);
-    const auto application = makeApplication(argc, argv, options->action);
+    const auto application = makeApplication(argv, options->action);
     std::setlocale(LC_NUMERIC, "C"); // files and scripts are the same everywhere
     InstallScripting();
     RegisterTools();

@@ -51,6 +51,8 @@ int RenderFrames(const Options& options)
         complain(error);
         return Failed;
     }
+    for (const QString& note : document.LoadNotes())
+        complain(QString("%1: %2").arg(options.document, note));
     const std::vector<int> frames = framesOf(options, document);
     const Sequence output = Sequence::FromPattern(options.output);
     if (frames.size() > 1 && !output.IsSequence()) {

@@ -90,6 +90,22 @@ bool readAction(const QCommandLineParser& parser, Options& options, QString* err
     return true;
 }
 
+/// What the rest of the line must not hold.
+bool checkRest(const QCommandLineParser& parser, const Options& options, QString* error)
+{
+    for (const QCommandLineOption* option :
+         {&scriptOption, &pluginOption, &renderOption, &framesOption, &outputOption}) {
+        if (parser.values(*option).contains(QString()))
+            return refuse(
+                error, QString("--%1 needs a %2").arg(option->names().last(), option->valueName()));
+    }
+    const int taken = options.action == Options::Action::Interface ? 1 : 0;
+    const bool runs = options.action != Options::Action::Help;
+    if (runs && options.files.size() > taken)
+        return refuse(error, QString("\"%1\" is one argument too many").arg(options.files[taken]));
+    return true;
+}
+
 bool readRender(const QCommandLineParser& parser, Options& options, QString* error)
 {
     const bool renders = options.action == Options::Action::Render;
@@ -101,8 +117,6 @@ bool readRender(const QCommandLineParser& parser, Options& options, QString* err
     options.output = parser.value(outputOption);
     if (options.output.isEmpty())
         return refuse(error, "--render needs --output");
-    if (!options.files.isEmpty())
-        return refuse(error, QString("\"%1\" is one argument too many").arg(options.files.first()));
     if (parser.isSet(framesOption)) {
         options.frames = FrameRange::Parse(parser.value(framesOption));
         if (!options.frames)
@@ -129,7 +143,8 @@ std::optional<Options> Options::Parse(const QStringList& arguments, QString* err
     options.script = parser.value(scriptOption);
     options.plugins = parser.values(pluginOption);
     options.recovery = !parser.isSet(noRecoveryOption);
-    if (!readAction(parser, options, error) || !readRender(parser, options, error))
+    if (!readAction(parser, options, error) || !checkRest(parser, options, error) ||
+        !readRender(parser, options, error))
         return {};
     return options;
 }
