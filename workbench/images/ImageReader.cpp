@@ -34,8 +34,10 @@ bool fail(QString* error, const QString& path, const QString& reason)
 QString libraryReason(const std::string& text, const QString& path)
 {
     QString reason = QString::fromStdString(text).trimmed();
-    reason.remove(path);
+    reason.remove('"' + path + '"').remove(path);
     reason = reason.simplified();
+    if (reason.contains("could not find a format reader"))
+        return "it is no picture, or of an unknown kind";
     return reason.isEmpty() ? QString("the file is damaged or of an unknown kind") : reason;
 }
 

@@ -150,7 +150,8 @@ bool writeFile(const Image& image, const QString& path, QString* error,
     if (!output) {
         OIIO::geterror(); // taken away, or a later failure would tell it
         return fail(error, path,
-                    QString("pictures cannot be written as \"%1\"").arg(QFileInfo(path).suffix()));
+                    QString("pictures cannot be written as \"%1\"; a name may end in %2")
+                        .arg(QFileInfo(path).suffix(), WritableImageEndings().join(", ")));
     }
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder))
@@ -169,7 +170,8 @@ bool writeFile(const Image& image, const QString& path, QString* error,
                          output->write_image(OIIO::TypeFloat, pixels.data());
     const bool closed = output->close() && written;
     if (!closed) {
-        const QString reason = QString::fromStdString(output->geterror()).remove(part);
+        QString reason = QString::fromStdString(output->geterror());
+        reason.remove('"' + part + '"').remove(part);
         QFile::remove(part);
         return fail(error, path, "it cannot be written: " + reason);
     }
