@@ -41,25 +41,6 @@ bool isReadable(const QString& path, QString* error)
     return done.get();
 }
 
-/// Pictures are named from the document's folder: saved into another one it names them in full.
-void nameFilesInFull(MarloxDoc& document, const QString& newPath)
-{
-    const QDir folder = QFileInfo(document.FilePath()).absoluteDir();
-    if (document.FilePath().isEmpty() || folder == QFileInfo(newPath).absoluteDir())
-        return;
-    document.StartUndo("Name Files in Full");
-    for (const Ref<Operator>& tool : document.Tools()) {
-        Input* file = tool->GetToolType() == "ImageSource" ? tool->FindInput("File") : nullptr;
-        const auto value = file ? file->GetValue(document.CurrentTime()) : Ref<Parameter>();
-        const auto* text = dynamic_cast<const Text*>(value.Get());
-        const QString name = text ? QString::fromStdString(text->GetValue()) : QString();
-        if (!name.isEmpty() && QDir::isRelativePath(name))
-            file->SetValue(Text(folder.absoluteFilePath(name).toStdString()), TimeNone,
-                           Input::ReplaceAll);
-    }
-    document.EndUndo(true);
-}
-
 } // namespace
 
 class Session::Clock : public QElapsedTimer {};
@@ -147,8 +128,7 @@ bool Session::Recover(const QString& path, QString* error)
 
 bool Session::Save(const QString& path, QString* error)
 {
-    nameFilesInFull(*document_, path);
-    const bool renamed = NameFilesFrom(QFileInfo(path).absoluteDir());
+    const bool renamed = NameFilesInFull(QFileInfo(path).absoluteDir());
     if (!document_->Save(path, error)) {
         if (renamed)
             document_->Undo().Undo();
@@ -160,14 +140,14 @@ bool Session::Save(const QString& path, QString* error)
 
 /// Rewrites file names that are relative to the document, as one undo entry. False: there were
 /// none.
-bool Session::NameFilesFrom(const QDir& folder)
+bool Session::NameFilesInFull(const QDir& newFolder)
 {
     const QString path = document_->FilePath();
     const QDir before = path.isEmpty() ? QDir::current() : QFileInfo(path).absoluteDir();
-    if (before == folder)
+    if (before == newFolder)
         return false;
     bool renamed = false;
-    document_->StartUndo("Change File");
+    document_->StartUndo("Name Files in Full");
     for (const Ref<Operator>& tool : document_->Tools()) {
         Input* file =
             tool->GetToolType() == MxID("ImageSource") ? tool->FindInput("File") : nullptr;
@@ -176,9 +156,7 @@ bool Session::NameFilesFrom(const QDir& folder)
         const QString name = text ? QString::fromStdString(text->GetValue()).trimmed() : QString();
         if (name.isEmpty() || QDir::isAbsolutePath(name))
             continue;
-        const QString whole = QDir::cleanPath(before.absoluteFilePath(name));
-        const QString near = folder.relativeFilePath(whole);
-        const Text next((near.startsWith("..") ? whole : near).toStdString());
+        const Text next(QDir::cleanPath(before.absoluteFilePath(name)).toStdString());
         renamed = file->SetValue(next, TimeNone, Input::ReplaceAll) || renamed;
     }
     document_->EndUndo(renamed);

@@ -77,7 +77,7 @@ protected:
 
 private:
     bool OpenPicture(const QString& path, QString* error);
-    bool NameFilesFrom(const QDir& folder);
+    bool NameFilesInFull(const QDir& newFolder);
 
     std::unique_ptr<MarloxDoc> document_;
     Operator* selected_ = nullptr;
