@@ -6,7 +6,6 @@
 #include "system/viewer/PreviewControl.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -270,14 +269,21 @@ const char* NameOfKind(ClassKind kind)
     return "other";
 }
 
+/// An operation of the class's own table; null if there is none of that name.
+const ScriptOperation* FindOperation(const Registry* record, const std::string& name)
+{
+    const ScriptInfo* info = record ? record->GetScriptInfo() : nullptr;
+    for (const ScriptOperation* at = info ? info->operations : nullptr; at && at->name; ++at) {
+        if (name == at->name)
+            return at;
+    }
+    return nullptr;
+}
+
 /// Classes that have no behaviour of their own yet say so by an operation.
 bool IsSpecified(const Registry& record)
 {
-    const ScriptInfo* info = record.GetScriptInfo();
-    const ScriptOperation* at = info ? info->operations : nullptr;
-    while (at && at->name && std::strcmp(at->name, "IsGeneric") != 0)
-        ++at;
-    return !at || !at->name;
+    return !FindOperation(&record, "IsGeneric");
 }
 
 /// The C++ class of a record without a script type, from an instance; empty if none can be made.
@@ -360,7 +366,10 @@ void RunOperation(ScriptCall& call)
     for (int i = 2; i <= call.Count(); ++i)
         arguments.Append(call.Value(i));
     ScriptVal result;
-    if (!call.Self<RefObject>()._Do(MxID(std::string_view(name)), arguments, result))
+    auto& self = call.Self<Object>();
+    const ScriptOperation* own = FindOperation(RecordOf(self), name);
+    if (!(own ? own->run(self, arguments, result)
+              : self._Do(MxID(std::string_view(name)), arguments, result)))
         throw ScriptError("the operation \"" + name + "\" is not there or failed");
     call.Return(result);
 }
