@@ -39,7 +39,12 @@ std::string scriptTypeOf(const Registry& record, const Object& object)
     const std::string_view id = record.ClassID().View();
     std::string own;
     for (const FFIType* type = FFIType::First(); type; type = type->next) {
-        if (!type->typeInfo || *type->typeInfo != typeid(object))
+        if (!type->typeInfo) { // a class that cannot be cast to
+            if (type->scriptName == id)
+                return type->scriptName;
+            continue;
+        }
+        if (*type->typeInfo != typeid(object))
             continue;
         if (type->scriptName == id)
             return type->scriptName;
