@@ -123,8 +123,9 @@ void addToolClass(ScriptContext& context)
             require(self.SetName(call.String(1)), "tool:name: empty, or the tool is locked");
         call.Return(self.GetName());
     });
-    tool.Method("class",
-                [](ScriptCall& call) { call.Return(call.Self<Operator>().GetToolType().ToString()); });
+    tool.Method("class", [](ScriptCall& call) {
+        call.Return(call.Self<Operator>().GetToolType().ToString());
+    });
     tool.Method("inputs", [](ScriptCall& call) {
         std::vector<Input*> inputs;
         for (const Ref<Input>& input : toolAt(call, 0).Inputs())

@@ -1,0 +1,18 @@
+# The guide to scripting, call by call.
+set(pictures ${CMAKE_BINARY_DIR}/tests/scripts)
+file(MAKE_DIRECTORY ${pictures})
+set(scripts ${CMAKE_CURRENT_SOURCE_DIR}/scripting)
+marlox_script_test(workbench-reference ${scripts}/reference.lua
+    ${CMAKE_BINARY_DIR}/samples/dusk.marlox
+    ${PROJECT_SOURCE_DIR}/docs/script-the-workbench.md ${pictures})
+
+# Broken files of all kinds, in a look with some broken files of its own.
+set(look ${pictures}/look)
+file(COPY ${PROJECT_SOURCE_DIR}/host/look/ DESTINATION ${look})
+file(WRITE ${look}/layouts/Controls.Slider.Layout.lua "{\"Controls.Slider.Layout\",\n    {\"VGroup\"")
+file(WRITE ${look}/bitmaps/Icons.Workbench.Play.svg "no drawing")
+file(WRITE ${look}/colours.lua "{[\"System.TextColour\"] = \"grey\"}")
+marlox_script_test(workbench-broken-files ${scripts}/broken.lua
+    ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${pictures}
+    $<TARGET_FILE:test-plugin-Silent> $<TARGET_FILE:test-plugin-Unresolved>)
+marlox_test_environment(workbench-broken-files MARLOX_LOOK=${look})
