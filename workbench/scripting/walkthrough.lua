@@ -4,36 +4,37 @@
 local out = arg[1] or "out"
 local count = 0
 
+local function tell(path, what)
+    print(string.format("%-34s %s", path, what))
+end
+
 local function shot(widget, name, what)
     count = count + 1
     local path = string.format("%s/%02d-%s.png", out, count, name)
     widget:screenshot(path)
-    print(string.format("%-34s %s", path, what))
+    tell(path, what)
 end
 
--- Drags the knob of a drawn slider to a value: the track's ends tell where that is.
+local function near(a, b, by)
+    return math.abs(a - b) <= (by or 1e-9)
+end
+
+-- Drags the knob of a drawn slider until it shows a value, as a hand does: further while it is too
+-- low, back when it is too high.
 local function dragto(slider, value)
     local y = slider:geometry().height / 2
     local low, high = slider:property("pixelLow"), slider:property("pixelHigh")
-    local from = slider:property("knobPixel")
-    local to = from
-    -- A centred track has its own scale on each side of the centre.
-    if slider:property("centred") then
-        local centre, middle = slider:property("centre"), slider:property("pixelCentre")
-        if value >= centre then
-            to = middle + (value - centre) / (slider:property("maxValue") - centre) * (high - middle)
+    slider:press(slider:property("knobPixel"), y)
+    for _ = 1, 12 do
+        local x = (low + high) / 2
+        slider:move(x, y)
+        if slider:property("value") < value then
+            low = x
         else
-            to = middle - (centre - value) / (centre - slider:property("minValue")) * (middle - low)
+            high = x
         end
-    else
-        local lowest = slider:property("minValue")
-        to = low + (value - lowest) / (slider:property("maxValue") - lowest) * (high - low)
     end
-    local points = {}
-    for i = 0, 10 do
-        points[#points + 1] = {from + (to - from) * i / 10, y}
-    end
-    slider:drag(points)
+    slider:release(high, y)
 end
 
 local grade
@@ -53,44 +54,53 @@ shot(window(), "opened", "The workbench with its picture: tools, viewer, inspect
 local gain = grade:input("Gain")
 local slider = control("Gain"):widget("slider")
 local entries = #undo.texts()
+local px, py = viewer():normalised(0.5, 0.8)
+local before = viewer():grab():pixel(px, py)[1]
 log.clear()
-dragto(slider, 2)
+dragto(slider, 1.6)
 waitrender()
-assert(math.abs(gain:get() - 2) < 0.05, "the drag set the gain to " .. gain:get())
+assert(near(gain:get(), 1.6, 0.05), "the drag set the gain to " .. gain:get())
+assert(viewer():grab():pixel(px, py)[1] > before, "the picture follows")
 assert(#undo.texts() == entries + 1, "one drag, one undo entry")
 assert(#log.values() > 1, "values were written while dragging")
-shot(window(), "gain", "Gain dragged to 2: '" .. undo.text() .. "' is one entry of the history")
+shot(window(), "gain", "Gain dragged to 1.6: '" .. undo.text() .. "' is one entry of the history")
 
-dragto(control("Contrast"):widget("slider"), 0.4)
-dragto(control("Saturation"):widget("slider"), 1.4)
+dragto(control("Contrast"):widget("slider"), 0.2)
+dragto(control("Saturation"):widget("slider"), 1.25)
 waitrender()
 shot(window(), "graded", "Contrast and saturation raised")
-shot(inspector(), "inspector", "The inspector's sliders, with centred ranges and range labels")
 
--- Typing: arithmetic in the value field.
+-- Typing: arithmetic in the value field. Ctrl on the slider is fine.
 local edit = control("Gain"):widget("edit")
-edit:focus()
 edit:key("A", {ctrl = true})
-edit:type("3/2")
+edit:type("5/4")
 edit:key("Return")
-assert(gain:get() == 1.5, "3/2 typed gives " .. gain:get())
-
--- Undo and redo restore values exactly.
+assert(gain:get() == 1.25, "5/4 typed gives " .. gain:get())
+slider:key("Right", {ctrl = true})
+assert(gain:get() > 1.25 and gain:get() < 1.3, "a fine step gives " .. gain:get())
 undo.undo()
-assert(math.abs(gain:get() - 2) < 0.05)
-undo.redo()
-assert(gain:get() == 1.5)
+assert(gain:get() == 1.25, "undo restores exactly")
+
+-- The context menu of a control, opened with the right button.
+answer(function(menu)
+    shot(menu, "menu", "The context menu of the gain; 'Animate' is chosen")
+    menu:run("Animate")
+end)
+slider:click(slider:property("knobPixel"), 8, {button = "right"})
+assert(#gain:keys() == 1, "the menu entry animates the gain")
 
 -- Keys: the gain rises over the frame range.
 local first, last = document.range()
 document.time(first)
 gain:addkey(first, "smooth")
 document.time(last)
-gain:set(4)
-document.time((first + last) / 2)
+gain:set(2.5)
+local middle = math.floor((first + last) / 2)
+document.time(middle)
 waitrender()
-local between = gain:get()
-assert(between > 1.5 and between < 4, "between the keys the gain is " .. between)
+if last > first then
+    assert(gain:get() > 1.25 and gain:get() < 2.5, "between the keys the gain is " .. gain:get())
+end
 shot(window(), "keys", "Two keys on the gain; the time line shows them, the slider follows")
 
 -- An expression drives another input.
@@ -98,29 +108,73 @@ local lift = grade:input("Lift")
 lift:expression("sin(time / 8) * 0.05")
 document.time(first + 12)
 waitrender()
-assert(math.abs(lift:get() - math.sin(document.time() / 8) * 0.05) < 1e-9, lift:problem())
-shot(inspector(), "expression", "An expression on the lift, in a line below its slider")
+assert(near(lift:get(), math.sin(document.time() / 8) * 0.05), lift:problem())
+shot(inspector(), "inspector",
+    "The inspector: centred sliders, range labels, keys on the gain, an expression on the lift")
 lift:expression("")
 
--- A blur behind it, then the channels of the view.
+-- Further tools: a blur whose height follows its width, and a turn.
 local blur = document.add("Blur")
+blur:input("YSize"):expression("XSize / 4")
 waitrender()
-dragto(control(blur:inputs()[2]):widget("slider"), 12)
+dragto(control("XSize"):widget("slider"), 24)
 waitrender()
-shot(window(), "blur", "A second tool: the picture blurred")
+assert(near(blur:input("XSize"):get(), 24, 1), "the blur is " .. blur:input("XSize"):get())
+assert(near(blur:input("YSize"):get(), blur:input("XSize"):get() / 4))
+shot(window(), "blur", "A second tool: a blur, its height tied to its width by an expression")
+blur:enabled(false)
+waitrender()
+
+-- The viewer: actual pixels, the read-out under the cursor, one channel.
+action("actualpixels")
+viewer():move(viewer():normalised(0.5, 0.5))
+waitrender()
+assert(viewer():property("zoom") == 1)
+shot(window(), "pixels", "Actual pixels; below the picture the values under the cursor")
+action("fit")
 action("channelluminance")
 waitrender()
 shot(viewer(), "luminance", "The viewer's luminance")
 action("channelcolour")
-blur:enabled(false)
-waitrender()
 
+-- A file that is no picture is refused with a message, and the document stays.
+local broken = out .. "/broken.exr"
+local file = assert(io.open(broken, "wb"))
+file:write("no picture at all")
+file:close()
+local text = document.text()
+assert(not pcall(document.open, broken), "a broken picture was opened")
+assert(document.text() == text, "a broken picture changed the document")
+local source
+for _, tool in ipairs(document.tools()) do
+    source = tool:class() == "ImageSource" and tool or source
+end
+if source then
+    source:input("File"):set(broken)
+    waitrender()
+    shot(viewer(), "broken", "A damaged file: the message names it, the last good picture stays")
+    assert(viewer():message():find("broken.exr", 1, true), viewer():message())
+    undo.undo()
+    waitrender()
+    assert(viewer():message() == "", viewer():message())
+end
+os.remove(broken)
+
+-- Back to the beginning: everything undone is the first picture again.
+document.time(middle)
+document.save(out .. "/walkthrough.marlox")
+local steps, complete = #undo.texts(), document.text()
 render(out .. "/processed.exr")
 render(out .. "/processed.png")
-print(string.format("%-34s %s", out .. "/processed.exr", "The processed picture, floats"))
-print(string.format("%-34s %s", out .. "/processed.png", "The processed picture for the screen"))
-
-document.save(out .. "/walkthrough.marlox")
-print(string.format("%-34s %s", out .. "/walkthrough.marlox", "The document"))
+tell(out .. "/processed.exr", "The processed picture, floats")
+tell(out .. "/processed.png", "The processed picture for the screen")
+tell(out .. "/walkthrough.marlox", "The document")
+while undo.undo() do
+end
+assert(gain:get() == 1 and #gain:keys() == 0, "everything is undone")
+for _ = 1, steps do
+    assert(undo.redo())
+end
+assert(document.text() == complete, "everything is done again")
 assert(undo.depth() == 0, "every gesture is closed")
 print("walkthrough done")
