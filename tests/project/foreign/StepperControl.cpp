@@ -54,6 +54,12 @@ bool StepperControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
         return false;
     ScriptVal layout = ScriptVal::MakeTable();
     layout.Append("HGroup");
+    layout.Set("Spacing", 8);
+    ScriptVal name = ScriptVal::MakeTable();
+    name.Append("Label");
+    name.Set("Text", Inputs().front()->GetName().toStdString());
+    name.Set("MinWidth", 110);
+    layout.Append(name);
     for (const char* name : {"down", "label", "up"}) {
         ScriptVal item = ScriptVal::MakeTable();
         item.Append("Item");
