@@ -21,13 +21,15 @@ struct Outcome {
     QString errors;
 };
 
-/// Runs the built program as a user without a display would.
-Outcome run(const QStringList& arguments)
+/// Runs the built program, unless told otherwise as a user without a display would.
+Outcome run(const QStringList& arguments, bool display = false)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-        environment.remove(name);
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!display)
+            environment.remove(name);
+    }
     process.setProcessEnvironment(environment);
     process.start(MARLOX_BINARY_DIR "/bin/marlox-workbench", arguments);
     Outcome outcome;
@@ -131,6 +133,29 @@ private slots:
         QCOMPARE(bad.status, 2);
         QVERIFY(bad.errors.contains("nonsense"));
         QCOMPARE(run({}).status, 1); // no display for a window: said, not crashed
+    }
+
+    void scriptsEndTheProgram_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("end") << "assert(#document.tools() == 0)" << 0 << "";
+        QTest::newRow("assert") << "\nassert(1 == 2, 'no sum')" << 1 << "script.lua:2: no sum";
+        QTest::newRow("syntax") << "\n\nprint((" << 1 << "script.lua:3: ";
+        QTest::newRow("exit") << "os.exit(7)" << 7 << "";
+        QTest::newRow("dialog") << "answer(function() end)" << 1 << "did not come";
+    }
+    void scriptsEndTheProgram()
+    {
+        QFETCH(QString, script);
+        QFile file(folder_.filePath("script.lua"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(script.toUtf8()) > 0);
+        file.close();
+        const Outcome outcome = run({"--no-recovery", "--script", file.fileName()}, true);
+        QTEST(outcome.status, "status");
+        QFETCH(QString, reason);
+        QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
     }
 
     void controlsAreListed()
