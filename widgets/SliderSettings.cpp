@@ -60,6 +60,8 @@ void SliderSettings::DeriveSteps(const TagList& tags)
     plainStep = tags.GetDouble(ICD_Step);
     if (!(plainStep > 0.0))
         plainStep = std::pow(10.0, decade - stepDecades);
+    if (IsWhole()) // so that Shift, which always moves further, is measured against what moves
+        plainStep = std::max(plainStep, 1.0);
     fineStep = plainStep * fineShare;
     precision =
         IsWhole() ? 0 : int(std::clamp(displayDecades - decade, fewestDecimals, mostDecimals));

@@ -98,6 +98,7 @@ void SliderControlTest::ReadsRanges_data()
     row("wide", {{IAD_HighScale, 1e6}}, 0.0, 1e6, 1e4, 1e-4, 2);
     row("tiny", {{IAD_HighScale, 1e-9}}, 0.0, 1e-9, 1e-11, 1e-12, 12);
     row("whole numbers", {{IA_Integer, 1}, {IAD_HighScale, 255.0}}, 0.0, 255.0, 1.0, 1.0, 0);
+    row("few whole numbers", {{IA_Integer, 1}, {IAD_HighScale, 10.0}}, 0.0, 10.0, 1.0, 1.0, 0);
     row("whole times", {{IA_Integer, 1}, {IC_Time, 1}, {IAD_HighScale, 100.0}}, 0.0, 100.0, 1.0,
         1e-4, 2);
     row("own step", {{ICD_Step, 0.25}}, 0.0, 1.0, 0.25, 1e-6, 3);

@@ -85,6 +85,14 @@ bool TimeCodeEdit::event(QEvent* event)
         key.setAccepted(!d_->editor && StartsNumber(key));
         return true;
     }
+    if (event->type() == QEvent::WindowDeactivate) {
+        // A drag may go on without the focus; no window, no release.
+        const QPointer<TimeCodeEdit> alive(this);
+        d_->FinishDrag();
+        if (alive)
+            d_->EndSteps();
+        return !alive || QWidget::event(event);
+    }
     if (event->type() == QEvent::ToolTip && !IsUnreadable()) {
         const QString tip = d_->ToolTip();
         if (tip.isEmpty())
@@ -315,9 +323,7 @@ void TimeCodeEdit::hideEvent(QHideEvent* event)
 void TimeCodeEdit::changeEvent(QEvent* event)
 {
     const QPointer<TimeCodeEdit> alive(this);
-    // A drag may go on without the focus; no window, no release.
-    const bool leaves = event->type() == QEvent::ActivationChange && !isActiveWindow();
-    if (leaves || (event->type() == QEvent::EnabledChange && !isEnabled())) {
+    if (event->type() == QEvent::EnabledChange && !isEnabled()) {
         d_->FinishDrag();
         if (alive)
             d_->EndSteps();
