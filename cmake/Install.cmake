@@ -9,8 +9,15 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Marlox)
 install(TARGETS marloxsystem marloxscript EXPORT MarloxTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS marloxcontrols LIBRARY DESTINATION ${MARLOX_PLUGIN_DIR})
+# Headers that only the libraries' own sources include.
+set(inner_headers)
+foreach(name *_p Autosave DocumentFlow DocumentText InputMenu InputState MaskBlend ScrubDrag
+        VectorBitmap CLocale ExpressionLibrary ExpressionScope Expressions LayoutDescription LayoutMgr
+        LayoutModel LuaNative LuaState LuaValues ScriptObjects ValueText)
+    list(APPEND inner_headers PATTERN ${name}.h EXCLUDE)
+endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/system ${PROJECT_SOURCE_DIR}/host/script
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlox FILES_MATCHING PATTERN "*_p.h" EXCLUDE PATTERN "*.h")
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/marlox FILES_MATCHING ${inner_headers} PATTERN "*.h")
 install(EXPORT MarloxTargets NAMESPACE Marlox:: DESTINATION ${package_dir})
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/MarloxConfig.cmake.in
     ${CMAKE_BINARY_DIR}/MarloxConfig.cmake

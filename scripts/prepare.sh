@@ -69,6 +69,11 @@ build() {
 # screen, a window manager or a graphics card.
 on_display() {
     command -v xvfb-run >/dev/null || die "xvfb-run is missing (Debian package xvfb)"
+    if [[ ! ${XDG_RUNTIME_DIR-} ]]; then # Qt wants one, and private
+        XDG_RUNTIME_DIR=$(mktemp -d)
+        export XDG_RUNTIME_DIR
+        trap 'rm -rf "$XDG_RUNTIME_DIR"' EXIT
+    fi
     xvfb-run -a -s "-screen 0 2560x1600x24 -nolisten tcp" \
         env QT_QPA_PLATFORM=offscreen LP_NUM_THREADS=0 "$@"
 }

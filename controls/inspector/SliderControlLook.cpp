@@ -92,7 +92,7 @@ void SliderControl::ShowInputState()
     if (input && input->HasExpression())
         color = LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor();
     else if (input && input->IsAnimated())
-        color = LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor();
+        color = LookPack::Global().Color("System.KeyColour", {124, 192, 148}).ToQColor();
     slider_->SetStateColor(color);
 }
 

@@ -39,8 +39,8 @@
     ["System.SelectionTextColour"] = {255, 255, 255},
     ["System.SelectedItemColour"] = {{255, 255, 255}, {44, 84, 122}}, -- text, ground
 
-    -- Marks of time.
-    ["System.KeyColour"] = {223, 213, 122},
+    -- Marks of time: keys and whatever moves with them is green, as expressions are yellow.
+    ["System.KeyColour"] = {124, 192, 148},
     ["System.CurrentTimeColour"] = {92, 158, 220},
 
     -- Controls.

@@ -112,7 +112,7 @@ void TimeRuler::PaintKeys(QPainter& painter, const TimeScale& scale) const
 {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(color("System.BorderColour", {20, 20, 20}), 1.0));
-    painter.setBrush(color("System.KeyColour", {223, 213, 122}));
+    painter.setBrush(color("System.KeyColour", {124, 192, 148}));
     for (const double time : session_.KeyTimes()) {
         const QPointF at(std::floor(scale.ToPixel(time)) + 0.5, keyRow + 0.5);
         const double reach = keyRadius + 0.5;

@@ -146,9 +146,9 @@ QColor ControlWnd::Private::ColorOf(State state) const
     case State::Plain:
         break;
     case State::Animated:
-        return WidgetLook::Mix(page.palette().color(QPalette::Window), WidgetLook::Accent(), 0.5);
+        return WidgetLook::Mix(page.palette().color(QPalette::Window), WidgetLook::Key(), 0.5);
     case State::Keyed:
-        return WidgetLook::Accent();
+        return WidgetLook::Key();
     case State::Expression:
         return LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor();
     }

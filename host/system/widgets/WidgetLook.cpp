@@ -16,7 +16,7 @@ QColor Accent()
 
 QColor Key()
 {
-    return LookPack::Global().Color("System.KeyColour", {223, 213, 122}).ToQColor();
+    return LookPack::Global().Color("System.KeyColour", {124, 192, 148}).ToQColor();
 }
 
 QColor Expression()
