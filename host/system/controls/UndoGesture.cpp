@@ -15,7 +15,7 @@ void UndoGesture::Begin(MarloxDoc* document, const QString& text)
 {
     if (HasGroup() || !document)
         return;
-    group_ = document->Undo().Begin(text);
+    group_ = document->Undo().BeginGroup(text);
     document_ = document;
     open_ = true;
 }

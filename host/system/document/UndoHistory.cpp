@@ -40,31 +40,44 @@ private:
 UndoHistory::UndoHistory() = default;
 UndoHistory::~UndoHistory() = default;
 
-u64 UndoHistory::Begin(const QString& text)
+void UndoHistory::Begin(const QString& text)
 {
-    open_.push_back({++groups_, text, collected_.size()});
-    return groups_;
+    open_.push_back({++groups_, text, collected_.size(), false});
 }
 
 void UndoHistory::End(bool keep)
 {
-    if (open_.empty())
+    const auto group = std::find_if(open_.rbegin(), open_.rend(), [](const Group& open) {
+        return !open.ofGesture && !open.ended;
+    });
+    if (group == open_.rend())
         return;
-    EndInnermost(keep);
-    while (!open_.empty() && open_.back().ended)
+    const u64 number = group->number;
+    if (keep)
+        return EndGroup(number);
+    while (open_.back().number != number)
         EndInnermost(true);
+    EndInnermost(false);
+    EndThoseOver();
+}
+
+u64 UndoHistory::BeginGroup(const QString& text)
+{
+    open_.push_back({++groups_, text, collected_.size(), true});
+    return groups_;
 }
 
 void UndoHistory::EndGroup(u64 group)
 {
-    if (open_.empty())
-        return;
-    if (open_.back().number == group) {
-        End();
-        return;
-    }
-    for (Group& outer : open_)
-        outer.ended = outer.ended || outer.number == group;
+    for (Group& open : open_)
+        open.ended = open.ended || open.number == group;
+    EndThoseOver();
+}
+
+void UndoHistory::EndThoseOver()
+{
+    while (!open_.empty() && open_.back().ended)
+        EndInnermost(true);
 }
 
 bool UndoHistory::IsOpen(u64 group) const
@@ -175,7 +188,7 @@ QString UndoHistory::RedoText() const
 void UndoHistory::CloseAll()
 {
     while (!open_.empty())
-        End();
+        EndInnermost(true);
 }
 
 void UndoHistory::Undo()

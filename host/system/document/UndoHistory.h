@@ -31,14 +31,17 @@ public:
     UndoHistory();
     ~UndoHistory();
 
-    /// Opens a group within those that are open; returns its number, for EndGroup.
-    u64 Begin(const QString& text);
-    /// Ends the innermost group. keep = false undoes what the group did and leaves no entry.
-    /// Without an open group (Undo ended it) this does nothing.
+    /// Opens a group within those that are open, to be ended by End.
+    void Begin(const QString& text);
+    /// Ends the innermost group that Begin opened; with groups of gestures open inside it, it stays
+    /// until they have ended. keep = false undoes what the group did, theirs too, and leaves no
+    /// entry. Without an open group (Undo ended it) this does nothing.
     void End(bool keep = true);
-    /// Ends the group of that number, for gestures that need not end in the reverse order of their
-    /// starts: with groups open inside it, it stays until they have ended. Does nothing once it has
-    /// ended.
+    /// The same for gestures, which need not end in the reverse order of their starts: opens a
+    /// group and returns its number.
+    u64 BeginGroup(const QString& text);
+    /// Ends the group of that number, or lets it end after those inside it. Does nothing once it
+    /// has ended.
     void EndGroup(u64 group);
     bool IsOpen(u64 group) const;
     int Depth() const { return int(open_.size()); }
@@ -70,6 +73,7 @@ private:
     void MergeFrom(std::size_t mark);
     void Collect(std::unique_ptr<UndoStep> step);
     void EndInnermost(bool keep);
+    void EndThoseOver();
     void CloseAll();
     void Replay(void (QUndoStack::*way)());
 
@@ -78,6 +82,7 @@ private:
         u64 number;
         QString text;
         std::size_t mark;   // number of steps collected when it began
+        bool ofGesture;     // ended by its number
         bool ended = false; // as soon as those inside it have
     };
     std::vector<Group> open_; // innermost last

@@ -161,9 +161,9 @@ private slots:
 
     void gesturesEndInAnyOrder()
     {
-        const u64 first = history_->Begin("First");
+        const u64 first = history_->BeginGroup("First");
         Set(a_, 1);
-        const u64 second = history_->Begin("Second");
+        const u64 second = history_->BeginGroup("Second");
         Set(b_, 2);
         history_->EndGroup(first);
         QVERIFY(!history_->IsOpen(first) && history_->IsOpen(second));
@@ -176,8 +176,32 @@ private slots:
         history_->Begin("Other");
         history_->EndGroup(second); // long over: not this one
         QCOMPARE(history_->Depth(), 1);
+        history_->End();
         history_->Undo();
         QVERIFY(a_ == 0 && b_ == 0);
+    }
+
+    void gesturesOutliveTheGroupAroundThem()
+    {
+        history_->Begin("Script");
+        const u64 drag = history_->BeginGroup("Drag");
+        Set(a_, 1);
+        history_->End(); // the script's, not the drag's
+        QVERIFY(history_->IsOpen(drag));
+        history_->End(); // nobody's
+        Set(a_, 2);
+        history_->EndGroup(drag);
+        QCOMPARE(history_->Depth(), 0);
+        QCOMPARE(texts(), QStringList("Script"));
+
+        history_->Begin("Script");
+        const u64 other = history_->BeginGroup("Drag");
+        Set(a_, 3);
+        history_->End(false);
+        QCOMPARE(a_, 2);
+        QVERIFY(!history_->IsOpen(other));
+        QCOMPARE(history_->Depth(), 0);
+        QCOMPARE(texts(), QStringList("Script"));
     }
 
     void undoEndsOpenGroups()
