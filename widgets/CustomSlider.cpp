@@ -131,18 +131,21 @@ void CustomSlider::StepDown(int level, bool force)
 {
     if (!force && IsHeld() && drag_.HasReachedPointer(model_, geometry_))
         return;
-    const double next = model_.SteppedDown(level);
-    if (next != model_.ClampedValue()) // at the end already, though the value may lie beyond it
-        SetValue(next);
+    StepTo(model_.SteppedDown(level));
 }
 
 void CustomSlider::StepUp(int level, bool force)
 {
     if (!force && IsHeld() && drag_.HasReachedPointer(model_, geometry_))
         return;
-    const double next = model_.SteppedUp(level);
-    if (next != model_.ClampedValue())
-        SetValue(next);
+    StepTo(model_.SteppedUp(level));
+}
+
+void CustomSlider::StepTo(double v)
+{
+    // A value beyond the end that the knob stands at stays there.
+    if (v != model_.ClampedValue() || v == model_.value)
+        SetValue(v);
 }
 
 void CustomSlider::StepBy(Way way, int level)
@@ -190,8 +193,8 @@ void CustomSlider::DragBy(double units, RelativeDrag& state)
 
 void CustomSlider::SetLocked(bool locked)
 {
-    CustomController::SetLocked(locked);
     RepaintAll(); // nothing is highlighted while locked
+    CustomController::SetLocked(locked);
 }
 
 void CustomSlider::SetFine(bool fine)

@@ -161,6 +161,7 @@ protected:
 private:
     void Press(QPoint at, double x, Qt::KeyboardModifiers modifiers);
     void StepOnTrack();
+    void StepTo(double v);
     void ClearDrag();
     void Store(double v);
     void RepaintKnob();

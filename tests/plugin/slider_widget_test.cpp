@@ -80,7 +80,11 @@ void SliderWidgetTest::SignalsChangesOnly()
     slider_->SetValue(0.75);
     slider_->SetValue(0.75);
     slider_->EndDrag();
-    QCOMPARE(Signalled(), QList<double>{0.75});
+    slider_->ShowValue(1.0);
+    slider_->StartDrag();
+    slider_->StepUp(SliderModel::Tick, false); // the first of this one, though at the end
+    slider_->EndDrag();
+    QCOMPARE(Signalled(), (QList<double>{0.75, 1.0}));
     slider_->SetValue(3.0); // beyond the end: kept, shown at the end
     QCOMPARE(slider_->Value(), 3.0);
     QCOMPARE(slider_->KnobPixel(), slider_->PixelHigh());
