@@ -2,6 +2,8 @@
 
 #include "system/controls/InputControl.h"
 
+#include <utility>
+
 #include <QEvent>
 #include <QImage>
 
@@ -18,8 +20,10 @@ void CustomControl::SetOwner(InputControl* owner)
 {
     if (owner_ == owner)
         return;
+    const QPointer<CustomControl> alive(this);
     LoseGesture();
-    owner_ = owner;
+    if (alive)
+        owner_ = owner;
 }
 
 InputControl* CustomControl::Owner() const
@@ -29,9 +33,8 @@ InputControl* CustomControl::Owner() const
 
 void CustomControl::SetLocked(bool locked)
 {
-    if (locked && !locked_)
+    if (!std::exchange(locked_, locked) && locked)
         LoseGesture();
-    locked_ = locked;
 }
 
 MarloxDoc* CustomControl::GetDoc() const

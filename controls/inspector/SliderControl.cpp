@@ -321,6 +321,7 @@ void SliderControl::OnEditStartDrag()
 
 void SliderControl::OnEditEndDrag()
 {
+    const auto alive = Ref<SliderControl>::Share(this);
     editDragging_ = false;
     slider_->EndDrag();
     InputControl::OnEditEndDrag();
