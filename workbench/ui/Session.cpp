@@ -117,6 +117,7 @@ bool Session::OpenPicture(const QString& path, QString* error)
     const Text value(QFileInfo(sequence.Pattern()).absoluteFilePath().toStdString());
     file->SetValue(value, TimeNone, Input::ReplaceAll);
     document_->Undo().Clear();
+    document_->Undo().Stack().setClean(); // the file has it all: nothing to save yet
     SelectTool(source);
     return true;
 }
