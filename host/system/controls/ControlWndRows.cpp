@@ -54,6 +54,7 @@ std::vector<ControlWnd::Private::Group> ControlWnd::Private::Groups() const
 void ControlWnd::Private::Show(Operator* shown)
 {
     page.operator_ = shown;
+    reportedFaults.clear();
     if (shown) {
         tool = Ref<Operator>::Share(shown);
         document = shown->GetDoc();

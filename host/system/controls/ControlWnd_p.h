@@ -71,6 +71,7 @@ public:
     /// Controls let go of, perhaps from within one of their own handlers: they end with the turn of
     /// the event loop.
     std::vector<Ref<InputControl>> released;
+    QStringList reportedFaults; // of layouts, since the tool is shown
     int minimumWidth = 0;
     int height = 0;
     bool layoutPosted = false;

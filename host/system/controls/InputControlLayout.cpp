@@ -1,6 +1,6 @@
 // An InputControl as a widget of the page: opening and closing, sizes, its layout.
 
-#include "system/controls/ControlWnd.h"
+#include "system/controls/ControlWnd_p.h"
 #include "system/controls/InputControl_p.h"
 #include "system/resources/Resources.h"
 
@@ -98,7 +98,9 @@ LayoutObj* InputControl::CreateLayout(const ScriptVal& layout, bool stretch,
         layout_ = services->BuildLayout(layout, this, callback, context, &error);
     if (!layout_) {
         d_->fault = tr("The control's layout can't be built: %1").arg(error);
-        Report(d_->fault);
+        if (!d_->layoutName.isEmpty())
+            d_->fault = tr("Layout \"%1\": %2").arg(d_->layoutName, d_->fault);
+        d_->TellFault(*this);
     }
     return layout_;
 }
@@ -106,19 +108,15 @@ LayoutObj* InputControl::CreateLayout(const ScriptVal& layout, bool stretch,
 LayoutObj* InputControl::LoadLayout(const char* resourceName, bool stretch, LayoutCallback callback,
                                     void* context)
 {
+    const QString name = QString::fromUtf8(resourceName);
     const ScriptVal description = ResData::LayoutOf(resourceName);
     if (!description.IsTable()) {
-        d_->fault = tr("The look pack's layout \"%1\" is missing or broken")
-                        .arg(QString::fromUtf8(resourceName));
-        Report(d_->fault);
+        d_->fault = tr("The look pack's layout \"%1\" is missing or broken").arg(name);
+        d_->TellFault(*this);
         return nullptr;
     }
-    LayoutObj* made = CreateLayout(description, stretch, callback, context);
-    if (!made) {
-        d_->fault = tr("Layout \"%1\": %2").arg(QString::fromUtf8(resourceName), d_->fault);
-        Report(d_->fault);
-    }
-    return made;
+    d_->layoutName = name;
+    return CreateLayout(description, stretch, callback, context);
 }
 
 LayoutObj* InputControl::FindLayoutObj(const MxID& name) const
@@ -135,6 +133,16 @@ void InputControl::Report(const QString& text) const
 {
     if (window_)
         emit window_->Problem(text);
+}
+
+/// Controls of one page that share a layout share its fault, which is told once.
+void InputControl::Private::TellFault(const InputControl& self) const
+{
+    const ControlWnd* page = self.window_;
+    if (!page || page->d_->reportedFaults.contains(fault))
+        return;
+    page->d_->reportedFaults << fault;
+    self.Report(fault);
 }
 
 const QString& InputControl::Fault() const

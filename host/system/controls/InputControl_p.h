@@ -39,12 +39,14 @@ public:
 
     bool AddPlace(InputControl& self, ExpressionPlace place);
     ExpressionPlace* PlaceFor(InputControl& self, unsigned int index);
+    void TellFault(const InputControl& self) const;
 
     TagList attributes;     // what the control was made from, strings copied
     TagList laterChanges;   // what SetAttrsTagList gave since; wins over the inputs' attributes
     Ref<Operator> owner;    // keeps the tool and its inputs while they are attached
     std::vector<Seen> seen; // one for each attached input
     std::vector<ExpressionPlace> places;
+    QString layoutName; // the resource that the layout is from
     QString fault;
     bool hidden = false;
     bool stretch = false;

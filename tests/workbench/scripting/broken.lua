@@ -46,6 +46,9 @@ holds(told, "layouts/Controls.Slider.Layout.lua: line 2", "bitmaps/Icons.Workben
     "colours.lua: \"System.TextColour\"", control("Gain"):fault())
 local _, times = told:gsub("layouts/Controls.Slider.Layout.lua: ", "")
 assert(times == 1, "a fault of the look is told " .. times .. " times")
+_, times = told:gsub("layout can't be built", "")
+local _, missing = told:gsub("missing or broken", "")
+assert(times + missing == 1, "the layout of all sliders is told " .. times + missing .. " times")
 grade:input("Gain"):set(2)
 assert(undo.undo() and grade:input("Gain"):get() == 1)
 
