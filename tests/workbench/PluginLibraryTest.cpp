@@ -4,6 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <dlfcn.h>
+
 using namespace Marlox;
 
 class PluginLibraryTest : public QObject {
@@ -25,6 +27,9 @@ private slots:
                 << Written(QString("cut%1.so").arg(kept), whole.left(kept)) << "breaks off";
         QTest::newRow("unresolved")
             << TEST_PLUGIN_UNRESOLVED << "unresolved symbol Marlox::FunctionOfALaterHost(double)";
+        Dl_info linked{};
+        QVERIFY(dladdr(reinterpret_cast<const void*>(&qVersion), &linked));
+        QTest::newRow("linked") << QString(linked.dli_fname) << "registers no classes";
         QTest::newRow("silent") << TEST_PLUGIN_SILENT << "registers no classes";
     }
     void unusableLibrariesAreToldApart()

@@ -96,6 +96,17 @@ bool isWhole(std::ifstream& file, std::uint64_t size)
     return header.e_shoff + std::uint64_t(header.e_shnum) * header.e_shentsize <= size;
 }
 
+/// Whether the loaded library holds records of the registry, which are static objects.
+bool holdsRecords(void* handle, const ClassRegistry& registry)
+{
+    const auto records = registry.Records();
+    return std::any_of(records.begin(), records.end(), [handle](const Registry* record) {
+        Dl_info info{};
+        void* holder = nullptr;
+        return dladdr1(record, &info, &holder, RTLD_DL_LINKMAP) && holder == handle;
+    });
+}
+
 /// A plain name would be looked for in the system's folders instead of the current one.
 std::string absolute(const std::string& path)
 {
@@ -125,12 +136,13 @@ std::unique_ptr<PluginLibrary> PluginLibrary::Load(const std::string& path, std:
         return fail(error, path, "not a usable library: the file breaks off"), nullptr;
     const std::string full = absolute(path);
     const PlainMessages plain;
-    if (void* present = dlopen(full.c_str(), RTLD_NOW | RTLD_NOLOAD)) {
-        dlclose(present);
-        return fail(error, path, "it is loaded already"), nullptr;
-    }
-
     ClassRegistry& registry = ClassRegistry::Global();
+    if (void* present = dlopen(full.c_str(), RTLD_NOW | RTLD_NOLOAD)) {
+        const bool registers = holdsRecords(present, registry);
+        dlclose(present);
+        const char* reason = registers ? "it is loaded already" : "it registers no classes";
+        return fail(error, path, reason), nullptr;
+    }
     const std::size_t before = registry.Records().size();
     registry.TakeProblems();
     void* handle = dlopen(full.c_str(), RTLD_NOW | RTLD_LOCAL);
