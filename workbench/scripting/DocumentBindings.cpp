@@ -21,6 +21,25 @@ Operator& toolAt(const ScriptCall& call, int index)
     return tool;
 }
 
+ScriptVal listOf(const QStringList& texts)
+{
+    ScriptVal list = ScriptVal::MakeTable();
+    for (const QString& text : texts)
+        list.Append(ScriptVal(text.toStdString()));
+    return list;
+}
+
+QStringList textsOf(const ScriptVal& list)
+{
+    QStringList texts;
+    for (const ScriptVal& element : list.Elements()) {
+        if (!element.IsString())
+            throw ScriptError("preferences.set: a list holds texts only");
+        texts << QString::fromStdString(element.ToString());
+    }
+    return texts;
+}
+
 void require(bool done, const QString& error)
 {
     if (!done)
@@ -202,8 +221,12 @@ void AddHistoryBindings(ScriptContext& context)
 
     engine.AddFunction("preferences.get", [](ScriptCall& call) {
         const QVariant value = MarloxDoc::GetPreferences().Get(call.String(1));
+        const ScriptVal missing = call.Value(2);
         if (!value.isValid())
-            return call.Return(call.Value(2));
+            return call.Return(missing);
+        // The file tells a list of one text from a text no more.
+        if (value.type() == QVariant::StringList || missing.IsTable())
+            return call.Return(listOf(value.toStringList()));
         bool isNumber = false;
         const double number = value.toDouble(&isNumber);
         if (value.type() == QVariant::Bool)
@@ -225,8 +248,11 @@ void AddHistoryBindings(ScriptContext& context)
             return preferences.Set(call.String(1), value.ToNumber());
         case ScriptVal::Type::String:
             return preferences.Set(call.String(1), QString::fromStdString(value.ToString()));
+        case ScriptVal::Type::Table:
+            return preferences.Set(call.String(1), textsOf(value));
         default:
-            throw ScriptError("preferences.set: a value is a boolean, a number or a text");
+            throw ScriptError(
+                "preferences.set: a value is a boolean, a number, a text or a list of texts");
         }
     });
 }

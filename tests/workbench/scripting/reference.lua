@@ -38,6 +38,7 @@ document.new()
 assert(#document.tools() == 0 and document.path() == "" and not document.modified())
 assert(has(toolclasses(), "Blur"))
 document.open(picture)
+assert(not document.modified(), "a picture that was only looked at asks to be saved")
 local source = document.tools()[1]
 assert(source:class() == "ImageSource" and document.selected() == source)
 local grade = document.add("BrightnessContrast")
@@ -115,6 +116,10 @@ assert(gain:get() == 2 and undo.texts()[1] == "Two at once" and #undo.texts() ==
 undo.undo()
 preferences.set("Test.Name", "text")
 assert(preferences.get("Test.Name") == "text")
+preferences.set("Test.Name", {"one", "two"})
+assert(table.concat(preferences.get("Test.Name"), "+") == "one+two")
+preferences.set("Test.Name", "one")
+assert(preferences.get("Test.Name", {})[1] == "one")
 preferences.set("Test.Name", nil)
 assert(preferences.get("Test.Name", 7) == 7)
 
