@@ -134,8 +134,11 @@ void TimeCodeEdit::keyPressEvent(QKeyEvent* event)
     } else if (IsEnter(*event)) {
         event->setAccepted(d_->typed); // else a dialog's default button may have it
         if (Commit() && alive && d_->editor) {
-            d_->SelectAll();
-            d_->cursorPlaced = false;
+            if (IsUnreadable()) // its reader refused it: a selection would hide the mark
+                d_->editor->end(false);
+            else
+                d_->SelectAll();
+            d_->cursorPlaced = IsUnreadable();
         }
     } else if (StepOf(*event) != 0 && !d_->readOnly) {
         if (d_->BeginSteps() && alive)

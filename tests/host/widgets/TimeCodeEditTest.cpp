@@ -321,6 +321,13 @@ void TimeCodeEditTest::ExpressionIsHandedOver()
     stage.field->SetValue(0.75, 3);
     QVERIFY(!stage.field->IsExpressionText());
     QCOMPARE(stage.field->text(), QString("0.75"));
+    // Refused while Enter is handled, the text is not selected, which would hide the mark.
+    connect(stage.field, &TimeCodeEdit::editingFinished, stage.field,
+            [&stage] { stage.field->MarkUnreadable("No input of that name."); });
+    stage.Type("=time/25");
+    stage.Enter();
+    QVERIFY(stage.field->IsUnreadable());
+    QVERIFY(!stage.field->findChild<QLineEdit*>()->hasSelectedText());
 }
 
 void TimeCodeEditTest::TimesByPreference()
