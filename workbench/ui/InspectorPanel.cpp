@@ -39,7 +39,7 @@ InspectorPanel::InspectorPanel(Session& session, QWidget* parent)
     layout->setSpacing(0);
     layout->addLayout(header);
     layout->addWidget(scroll_, 1);
-    setMinimumWidth(360); // labels below a slider have room
+    setMinimumWidth(336); // labels below a slider have room
 
     connect(&session_, &Session::SelectedToolChanged, this, &InspectorPanel::ShowTool);
     connect(&session_.Document(), &MarloxDoc::ToolChanged, this, [this](Operator* tool) {

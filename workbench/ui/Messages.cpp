@@ -1,5 +1,7 @@
 #include "workbench/ui/Messages.h"
 
+#include <algorithm>
+
 #include <QCoreApplication>
 #include <QLabel>
 #include <QMessageBox>
@@ -26,7 +28,10 @@ public:
         setTextFormat(Qt::PlainText);
         setInformativeText(details);
         if (auto* label = findChild<QLabel*>("qt_msgbox_label")) {
-            label->setMinimumWidth(320);
+            label->setWordWrap(true);
+            const int line = label->fontMetrics().size(0, text).width() + 2;
+            label->setMinimumWidth(
+                std::max(label->minimumSizeHint().width(), std::clamp(line, 320, 640)));
             QPalette bright = label->palette();
             bright.setColor(QPalette::WindowText, bright.color(QPalette::ButtonText));
             label->setPalette(bright);

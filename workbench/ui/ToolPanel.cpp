@@ -36,7 +36,7 @@ ToolPanel::ToolPanel(Session& session, QWidget* parent)
       view_(new QTreeView), addMenu_(new QMenu(this))
 {
     setObjectName("tools");
-    setMinimumWidth(176);
+    setMinimumWidth(132);
     BuildList();
     connect(addMenu_, &QMenu::aboutToShow, this, [this] {
         addMenu_->clear();

@@ -44,6 +44,7 @@ QComboBox* choice(const char* name, const QString& tip)
     box->setFocusPolicy(Qt::TabFocus); // keys stay with what was worked on
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(8);
+    box->setMinimumWidth(64); // in a narrow window
     box->view()->setTextElideMode(Qt::ElideNone);
     return box;
 }
