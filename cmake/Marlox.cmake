@@ -46,3 +46,11 @@ function(marlox_target name)
     target_compile_options(${name} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:${MARLOX_WARNINGS}>")
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()
+
+# For programs of sanitizer builds, so that leaks in the graphics driver are told from ours.
+function(marlox_keep_system_libraries program)
+    if(MARLOX_SANITIZE)
+        target_sources(${program} PRIVATE ${PROJECT_SOURCE_DIR}/tests/keep_system_libraries.c)
+        target_link_libraries(${program} PRIVATE ${CMAKE_DL_LIBS})
+    endif()
+endfunction()

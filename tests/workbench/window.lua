@@ -269,4 +269,12 @@ document.new()
 document.open(out .. "/saved.marlox")
 equal(document.text(), saved, "the document after a round trip")
 equal(undo.depth(), 0, "open gestures")
+
+-- With the tool goes the field that had the keyboard: its keys are the time's then.
+openfresh()
+control("Gain"):widget("slider"):focus()
+action("removetool")
+local now = document.time()
+window():key("Right")
+equal(document.time(), now + 1, "the time after a key without a field")
 print("window done")
