@@ -24,6 +24,11 @@ QColor color(const char* name, MxColor fallback)
     return LookPack::Global().Color(name, fallback).ToQColor();
 }
 
+QString timeText(double time)
+{
+    return QString::number(time, 'g', 7);
+}
+
 } // namespace
 
 TimeRuler::TimeRuler(Session& session, QWidget* parent) : QWidget(parent), session_(session)
@@ -78,14 +83,28 @@ void TimeRuler::PaintMarks(QPainter& painter, const TimeScale& scale) const
     painter.setPen(palette().color(QPalette::WindowText));
     const double step = scale.MarkStep(40.0);
     const double small = scale.MarkStep(6.0);
+    const QRect plate = CurrentTimePlate(painter, scale).adjusted(-2, 0, 2, 0);
     for (double f = std::ceil(scale.first / small) * small; f <= scale.last; f += small) {
         const bool numbered = std::fmod(f, step) == 0.0;
         const int x = int(std::floor(scale.ToPixel(f)));
         painter.fillRect(x, numbered ? numberHeight : 18, 1, numbered ? 8 : 4, line);
-        if (numbered)
-            painter.drawText(QRect(x - 30, 0, 60, numberHeight), Qt::AlignCenter,
-                             QString::number(f));
+        if (!numbered)
+            continue;
+        const QRect place(x - 30, 0, 60, numberHeight);
+        const QString number = QString::number(f);
+        // Half a number beside the plate would be read as another one.
+        if (!painter.boundingRect(place, Qt::AlignCenter, number).intersects(plate))
+            painter.drawText(place, Qt::AlignCenter, number);
     }
+}
+
+/// Where the number of the current time stands.
+QRect TimeRuler::CurrentTimePlate(const QPainter& painter, const TimeScale& scale) const
+{
+    const int middle = int(std::floor(scale.ToPixel(Time())));
+    const int wide = painter.fontMetrics().horizontalAdvance(timeText(Time())) + 8;
+    const int left = std::clamp(middle - wide / 2, 0, std::max(width() - wide, 0));
+    return {left, 0, wide, numberHeight};
 }
 
 /// The frame's cell, a line through its middle, and its number on a plate over the others.
@@ -99,13 +118,10 @@ void TimeRuler::PaintCurrentTime(QPainter& painter, const TimeScale& scale) cons
     painter.fillRect(QRectF(middle - cell / 2.0, 0.0, cell, height()), shade);
     painter.fillRect(int(std::floor(middle)), 0, 1, height(), mark);
 
-    const QString number = QString::number(Time(), 'g', 7);
-    const int wide = painter.fontMetrics().horizontalAdvance(number) + 8;
-    const int left = std::clamp(int(std::floor(middle)) - wide / 2, 0, std::max(width() - wide, 0));
-    const QRect plate(left, 0, wide, numberHeight);
+    const QRect plate = CurrentTimePlate(painter, scale);
     painter.fillRect(plate, mark);
     painter.setPen(color("System.AccentTextColour", {12, 16, 20}));
-    painter.drawText(plate, Qt::AlignCenter, number);
+    painter.drawText(plate, Qt::AlignCenter, timeText(Time()));
 }
 
 void TimeRuler::PaintKeys(QPainter& painter, const TimeScale& scale) const

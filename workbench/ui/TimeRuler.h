@@ -40,6 +40,7 @@ protected:
 
 private:
     void PaintMarks(QPainter& painter, const TimeScale& scale) const;
+    QRect CurrentTimePlate(const QPainter& painter, const TimeScale& scale) const;
     void PaintCurrentTime(QPainter& painter, const TimeScale& scale) const;
     void PaintKeys(QPainter& painter, const TimeScale& scale) const;
     std::optional<double> KeyAt(const QPoint& at) const;
