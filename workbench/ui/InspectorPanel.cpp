@@ -3,6 +3,7 @@
 #include "system/controls/ControlWnd.h"
 #include "workbench/ui/Session.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -59,6 +60,10 @@ InspectorPanel::InspectorPanel(Session& session, QWidget* parent)
 
 void InspectorPanel::ShowTool(Operator* tool)
 {
+    // Else the focus of a control that goes would pass to some field beside the inspector.
+    const QWidget* focus = QApplication::focusWidget();
+    if (focus && isAncestorOf(focus))
+        window()->setFocus();
     page_->SetOperator(tool);
     ShowHeader();
 }
