@@ -141,7 +141,8 @@ ScriptFunction ScriptCall::Function(int index) const
         ThrowArgument(index, "function");
     lua_pushvalue(state_, At(index));
     const int reference = luaL_ref(state_, LUA_REGISTRYINDEX);
-    return ScriptFunction(std::make_shared<ScriptFunction::Held>(engine_.d_->alive, reference));
+    using Held = ScriptFunction::Held;
+    return ScriptFunction(std::shared_ptr<Held>(new Held{engine_.d_->alive, reference}));
 }
 
 RefObject* ScriptCall::HostObjectAt(int index) const

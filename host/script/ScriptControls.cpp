@@ -62,7 +62,8 @@ Registry* TypeIndex::FindByInstance(const FFIType& type) const
         if (!IsControl(*record) || IsTaken(*record) || !type.typeInfo)
             continue;
         const Ref<Object> instance(ClassRegistry::Global().Create(record->ClassID()));
-        if (instance && typeid(*instance) == *type.typeInfo)
+        const Object* made = instance.Get();
+        if (made && typeid(*made) == *type.typeInfo)
             return record;
     }
     return nullptr;
@@ -291,10 +292,11 @@ std::string ClassNameOf(const Registry& record)
 {
     const Ref<Object> instance(IsControl(record) ? ClassRegistry::Global().Create(record.ClassID())
                                                  : nullptr);
-    if (!instance)
+    const Object* made = instance.Get();
+    if (!made)
         return {};
     const std::unique_ptr<char, void (*)(void*)> plain(
-        abi::__cxa_demangle(typeid(*instance).name(), nullptr, nullptr, nullptr), std::free);
+        abi::__cxa_demangle(typeid(*made).name(), nullptr, nullptr, nullptr), std::free);
     const std::string name = plain ? plain.get() : "";
     return name.substr(name.rfind(':') + 1);
 }

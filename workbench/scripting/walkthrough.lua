@@ -138,7 +138,8 @@ shot(viewer(), "luminance", "The viewer's luminance")
 action("channelcolour")
 
 -- A file that is no picture is refused with a message, and the document stays.
-local broken = out .. "/broken.exr"
+local folder = out:sub(1, 1) == "/" and out or os.getenv("PWD") .. "/" .. out
+local broken = folder .. "/broken.exr"
 local file = assert(io.open(broken, "wb"))
 file:write("no picture at all")
 file:close()
@@ -154,6 +155,7 @@ if source then
     waitrender()
     shot(viewer(), "broken", "A damaged file: the message names it, the last good picture stays")
     assert(viewer():message():find("broken.exr", 1, true), viewer():message())
+    assert(not viewer():message():find("no such file", 1, true), viewer():message())
     undo.undo()
     waitrender()
     assert(viewer():message() == "", viewer():message())

@@ -90,6 +90,9 @@ void PreferencesDlg::OnOK()
 
 QString RecoveryFolder()
 {
+    const QString own = qEnvironmentVariable("MARLOX_CONFIG"); // preferences kept apart: so are copies
+    if (!own.isEmpty())
+        return own + "/recovery";
     return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery";
 }
 

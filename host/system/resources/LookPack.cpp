@@ -14,7 +14,7 @@ namespace Marlox {
 
 namespace {
 
-constexpr QLatin1String colorsFile("colours.lua");
+const QLatin1String colorsFile("colours.lua");
 
 /// Layouts and data blocks are both text; the name tells which.
 bool IsDataBlock(std::string_view name)
