@@ -81,7 +81,8 @@ void ScriptEngine::AddFunction(const std::string& name, ScriptNative function)
 {
     lua_State* state = d_->thread;
     const std::string last = d_->PushTableOf(name);
-    Private::Function& added = d_->functions.emplace_back(name, std::move(function));
+    Private::Function& added =
+        d_->functions.emplace_back(Private::Function{name, std::move(function)});
     lua_pushstring(state, last.c_str());
     lua_pushlightuserdata(state, &added);
     lua_pushcclosure(state, LuaFunction<&Private::CallFunction>, 1);
