@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QProgressDialog>
 
 namespace Marlox {
 
@@ -55,6 +56,8 @@ void DialogAnswers::Look()
         dialog = QApplication::activeModalWidget();
     if (!dialog || dialog == seen_ || !dialog->isVisible())
         return;
+    if (qobject_cast<QProgressDialog*>(dialog))
+        return; // asks nothing, and comes only when something takes long
     const QPointer<QWidget> alive(dialog);
     const QPointer<QWidget> outer = seen_;
     seen_ = dialog;

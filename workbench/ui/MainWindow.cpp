@@ -154,12 +154,13 @@ void MainWindow::OpenPath(const QString& path)
     QString error;
     const QString reading = tr("Reading %1").arg(path);
     statusBar()->showMessage(reading);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool opened = session_.Open(path, &error);
-    QApplication::restoreOverrideCursor();
+    ReadingDlg dialog(this, reading);
+    const bool opened =
+        session_.Open(path, &error, [&](RenderContext& file) { dialog.Watch(file); });
+    dialog.hide();
     if (statusBar()->currentMessage() == reading) // else it tells about what was read
         statusBar()->clearMessage();
-    if (!opened)
+    if (!opened && !error.isEmpty())
         ShowError(this, error);
 }
 

@@ -1,5 +1,7 @@
 #include "workbench/ui/Messages.h"
 
+#include "system/evaluation/Process.h"
+
 #include <algorithm>
 
 #include <QCoreApplication>
@@ -95,6 +97,33 @@ void ShowAbout(QWidget* parent)
                       "edits real pictures with them."));
     box.setStandardButtons(QMessageBox::Ok);
     box.exec();
+}
+
+ReadingDlg::ReadingDlg(QWidget* parent, const QString& text)
+    : QProgressDialog(text, QObject::tr("Cancel"), 0, 100, parent)
+{
+    setWindowTitle(QObject::tr("Open"));
+    setWindowModality(Qt::WindowModal);
+    setMinimumWidth(400);
+    setAutoClose(false);
+    setAutoReset(false);
+    reset(); // no timer of its own
+    connect(this, &QDialog::rejected, this, &QProgressDialog::cancel);
+    since_.start();
+}
+
+void ReadingDlg::Watch(RenderContext& reading)
+{
+    constexpr int patience = 500; // milliseconds
+    if (wasCanceled())
+        reading.Cancel();
+    if (reading.IsCancelled() || since_.elapsed() < patience) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        return;
+    }
+    show();
+    setValue(int(100 * reading.Progress())); // lets the window be painted and the button be pressed
+    QCoreApplication::processEvents();
 }
 
 } // namespace Marlox

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QElapsedTimer>
+#include <QProgressDialog>
 #include <QString>
 
-class QWidget;
-
 namespace Marlox {
+
+class RenderContext;
 
 /// Shows an error in a dialog and waits for it to be closed. Scripts answer it like any modal
 /// dialog.
@@ -19,5 +21,18 @@ enum class RecoveryChoice { Open, Discard, Later };
 /// again at the next start.
 RecoveryChoice AskToRecover(QWidget* parent, int count);
 void ShowAbout(QWidget* parent);
+
+/// Progress of a file that takes long to read, with a button to give it up.
+class ReadingDlg : public QProgressDialog {
+public:
+    ReadingDlg(QWidget* parent, const QString& text);
+
+    /// To be called all the while: paints the window, shows itself after half a second and cancels
+    /// the reading when asked to.
+    void Watch(RenderContext& reading);
+
+private:
+    QElapsedTimer since_;
+};
 
 } // namespace Marlox

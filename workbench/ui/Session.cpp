@@ -28,17 +28,22 @@ constexpr int recentFilesKept = 12;
 
 /// Reads the whole picture, which the first render then finds in memory: a damaged file often shows
 /// only in its last lines. The window goes on being painted meanwhile.
-bool isReadable(const QString& path, QString* error)
+bool isReadable(const QString& path, QString* error, const Session::Watch& watch)
 {
     RenderContext context;
     QString problem;
     auto done = std::async(std::launch::async,
                            [&] { return bool(ReadSourceFrame(path, context, problem)); });
-    while (done.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready)
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    while (done.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+        if (watch)
+            watch(context);
+        else
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+    const bool read = done.get() && !context.IsCancelled();
     if (error)
-        *error = problem;
-    return done.get();
+        *error = context.IsCancelled() ? QString() : problem;
+    return read;
 }
 
 } // namespace
@@ -89,21 +94,21 @@ bool Session::IsDocumentPath(const QString& path)
     return path.endsWith(".marlox", Qt::CaseInsensitive);
 }
 
-bool Session::Open(const QString& path, QString* error)
+bool Session::Open(const QString& path, QString* error, const Watch& watch)
 {
     const bool opened =
-        IsDocumentPath(path) ? document_->Open(path, error) : OpenPicture(path, error);
+        IsDocumentPath(path) ? document_->Open(path, error) : OpenPicture(path, error, watch);
     if (opened)
         AddRecentFile(path);
     return opened;
 }
 
-bool Session::OpenPicture(const QString& path, QString* error)
+bool Session::OpenPicture(const QString& path, QString* error, const Watch& watch)
 {
     // The file is looked at before the present document is let go.
     const Sequence sequence = Sequence::FromPath(path);
     const int first = sequence.IsSequence() ? sequence.First() : 0;
-    if (!isReadable(sequence.FramePath(first), error))
+    if (!isReadable(sequence.FramePath(first), error, watch))
         return false;
     document_->Clear();
     if (sequence.IsSequence()) {

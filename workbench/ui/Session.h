@@ -13,6 +13,7 @@
 namespace Marlox {
 
 class PluginHost;
+class RenderContext;
 
 /// What the workbench works on: the one open document, the selected tool, and what menus, scripts
 /// and the command line do with them, without any dialog. Errors come back as text. User-interface
@@ -31,9 +32,12 @@ public:
     void SelectTool(Operator* tool);
 
     void New();
+    /// Called again and again while a picture is read elsewhere; may cancel the reading.
+    using Watch = std::function<void(RenderContext& reading)>;
     /// Opens a document, or an image or sequence as a new document with one image source. False and
-    /// `error`: what was open stays as it was.
-    bool Open(const QString& path, QString* error);
+    /// `error` (empty if the reading was cancelled): what was open stays as it was. Without a watch
+    /// the window is merely painted meanwhile.
+    bool Open(const QString& path, QString* error, const Watch& watch = {});
     /// Opens what a crashed process left; the document is modified and keeps its own path.
     bool Recover(const QString& path, QString* error);
     /// Saved to another folder, sources that name their files from the document's folder go on
@@ -76,7 +80,7 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    bool OpenPicture(const QString& path, QString* error);
+    bool OpenPicture(const QString& path, QString* error, const Watch& watch);
     bool NameFilesInFull(const QDir& newFolder);
 
     std::unique_ptr<MarloxDoc> document_;
