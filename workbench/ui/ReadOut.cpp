@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -72,7 +73,8 @@ void ReadOut::ShowProbe(const Probe& probe)
     columns_[1].text = probe.inView ? QString::number(probe.y) : QString();
     for (std::size_t i = 0; i < probe.rgba.size(); ++i)
         columns_[i + 2].text = probe.hasPixel ? valueText(probe.rgba[i]) : QString();
-    setAccessibleName(tr("Under the pointer: %1").arg(Text()));
+    if (QAccessible::isActive()) // this is the path of every move of the pointer
+        setAccessibleName(tr("Under the pointer: %1").arg(Text()));
     update();
 }
 
