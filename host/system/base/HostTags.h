@@ -15,12 +15,13 @@ inline constexpr u32 IA_Integer = 0x1003000c;      // whole numbers only
 inline constexpr u32 IA_Passive = 0x1003000d;      // changes neither record nor render
 inline constexpr u32 IA_Animatable = 0x1003000e;   // may carry keys; set unless given
 inline constexpr u32 IA_ReadOnly = 0x1003000f;
-inline constexpr u32 IAD_Minimum = 0x20030000;   // lowest value ever accepted
-inline constexpr u32 IAD_Maximum = 0x20030001;   // highest value ever accepted
-inline constexpr u32 IAD_LowScale = 0x20030002;  // value at the low end of a slider
-inline constexpr u32 IAD_HighScale = 0x20030003; // value at the high end of a slider
-inline constexpr u32 IAD_Default = 0x20030004;   // value of a new input, restored by Reset
-inline constexpr u32 IAD_DefaultX = 0x20030005;  // the same of a Point input, image coordinates
+inline constexpr u32 IA_OverlayStays = 0x10030010; // overlay shows while another tool is selected
+inline constexpr u32 IAD_Minimum = 0x20030000;     // lowest value ever accepted
+inline constexpr u32 IAD_Maximum = 0x20030001;     // highest value ever accepted
+inline constexpr u32 IAD_LowScale = 0x20030002;    // value at the low end of a slider
+inline constexpr u32 IAD_HighScale = 0x20030003;   // value at the high end of a slider
+inline constexpr u32 IAD_Default = 0x20030004;     // value of a new input, restored by Reset
+inline constexpr u32 IAD_DefaultX = 0x20030005;    // the same of a Point input, image coordinates
 inline constexpr u32 IAD_DefaultY = 0x20030006;
 inline constexpr u32 IAS_Default = 0x30030000;     // the same of a Text input
 inline constexpr u32 IAS_Name = 0x30030001;        // name shown to people
@@ -30,6 +31,8 @@ inline constexpr u32 IAS_Overlay = 0x30030004;     // class id of the viewer ove
 inline constexpr u32 IAS_DataType = 0x30030005;    // class id of the parameter kind
 inline constexpr u32 IAS_SharedWith = 0x30030006;  // input id whose inspector control this joins
 inline constexpr u32 IAS_OverlayWith = 0x30030007; // input id whose viewer overlay this joins
+/// Input id whose point, less the image's centre (0.5, 0.5), displaces the viewer overlay.
+inline constexpr u32 IAS_OverlayOffset = 0x30030008;
 
 // Group 004: control attributes read by the host or by several controls.
 inline constexpr u32 IC_EditDisabled = 0x10040003; // the value edit shows but takes no typing
