@@ -128,11 +128,12 @@ private slots:
         QCOMPARE(view.Zoom(), ViewTransform::maximumZoom);
 
         view.Fit();
-        const PreviewInfo info = view.Info(2.0);
+        PreviewInfo info;
+        view.Place(info, 2.0);
         double x = 0.0;
         double y = 0.0;
         info.TransformOut(0.0, 1.0, x, y);
-        QCOMPARE(QPointF(x, y), view.ToView(QPointF(0, 0)));
+        QCOMPARE(QPointF(x, 700.0 - y), view.ToView(QPointF(0, 0))); // overlays count upwards
         QCOMPARE(info.controlScale, 2.0);
     }
 

@@ -1,6 +1,7 @@
 // Control libraries.
 
 #include "system/controls/ControlWnd.h"
+#include "system/viewer/OverlayStage.h"
 #include "workbench/plugins/PluginHost.h"
 #include "workbench/scripting/Bindings.h"
 #include "workbench/ui/Session.h"
@@ -27,10 +28,12 @@ void unload(ScriptContext& context, const QString& path)
             continue;
         // Inspector pages and scripts let go of its controls first.
         ControlWnd::ReleaseAll();
+        OverlayStage::ReleaseAll();
         context.engine.ReleaseObjects();
         QString error;
         const bool unloaded = plugins(context).Unload(*library, &error);
         ControlWnd::ReopenAll();
+        OverlayStage::ReopenAll();
         if (!unloaded)
             throw ScriptError(error);
         return;
@@ -49,6 +52,8 @@ void AddPluginBindings(ScriptContext& context)
             throw ScriptError(error);
         ControlWnd::ReleaseAll(); // inputs may find their class now
         ControlWnd::ReopenAll();
+        OverlayStage::ReleaseAll();
+        OverlayStage::ReopenAll();
     });
     engine.AddFunction("plugins.unload",
                        [&context](ScriptCall& call) { unload(context, call.String(1)); });

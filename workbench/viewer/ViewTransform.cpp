@@ -13,7 +13,7 @@ void ViewTransform::SetView(double width, double height)
     if (fitted_)
         Fit();
     else
-        Place(origin_ + grown);
+        PlaceAt(origin_ + grown);
 }
 
 void ViewTransform::SetImage(const MxRect& displayWindow, double pixelAspect)
@@ -32,7 +32,7 @@ void ViewTransform::Fit()
     zoom_ = std::clamp(std::min(across, down), minimumZoom, maximumZoom);
     const QPointF middle((window_.left + window_.right) / 2.0 * zoom_ * pixelAspect_,
                          (window_.top + window_.bottom) / 2.0 * zoom_);
-    Place(Middle() - middle);
+    PlaceAt(Middle() - middle);
 }
 
 void ViewTransform::ZoomTo(double zoom, QPointF anchor)
@@ -40,16 +40,16 @@ void ViewTransform::ZoomTo(double zoom, QPointF anchor)
     const QPointF under = ToImage(anchor);
     fitted_ = false;
     zoom_ = std::clamp(zoom, minimumZoom, maximumZoom);
-    Place(anchor - QPointF(under.x() * zoom_ * pixelAspect_, under.y() * zoom_));
+    PlaceAt(anchor - QPointF(under.x() * zoom_ * pixelAspect_, under.y() * zoom_));
 }
 
 void ViewTransform::PanBy(QPointF distance)
 {
     fitted_ = false;
-    Place(origin_ + distance);
+    PlaceAt(origin_ + distance);
 }
 
-void ViewTransform::Place(QPointF origin)
+void ViewTransform::PlaceAt(QPointF origin)
 {
     origin_ = {std::round(origin.x()), std::round(origin.y())};
 }
@@ -70,21 +70,20 @@ QRectF ViewTransform::ToView(const MxRect& image) const
     return {ToView(QPointF(image.left, image.top)), ToView(QPointF(image.right, image.bottom))};
 }
 
-PreviewInfo ViewTransform::Info(double devicePixelRatio) const
+void ViewTransform::Place(PreviewInfo& info, double devicePixelRatio) const
 {
     const QRectF frame = ToView(window_);
-    PreviewInfo info;
     info.imageLeft = frame.left();
-    info.imageTop = frame.top();
+    info.imageBottom = viewHeight_ - frame.bottom();
     info.imageWidth = frame.width();
     info.imageHeight = frame.height();
     info.pixelWidth = window_.Width();
     info.pixelHeight = window_.Height();
     info.pixelAspect = pixelAspect_;
-    info.view = {0, 0, int(viewWidth_), int(viewHeight_)};
+    info.viewWidth = int(viewWidth_);
+    info.viewHeight = int(viewHeight_);
     info.controlScale = devicePixelRatio;
     info.pickRadius = int(std::lround(6.0 * devicePixelRatio));
-    return info;
 }
 
 } // namespace Marlox

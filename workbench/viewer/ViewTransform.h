@@ -36,11 +36,11 @@ public:
     QPointF ToImage(QPointF view) const;
     QRectF ToView(const MxRect& image) const;
 
-    /// The placement for overlays. Mark sizes follow `devicePixelRatio`.
-    PreviewInfo Info(double devicePixelRatio) const;
+    /// Tells overlays where the image lies. Mark sizes follow `devicePixelRatio`.
+    void Place(PreviewInfo& info, double devicePixelRatio) const;
 
 private:
-    void Place(QPointF origin);
+    void PlaceAt(QPointF origin);
 
     double viewWidth_ = 1.0;
     double viewHeight_ = 1.0;

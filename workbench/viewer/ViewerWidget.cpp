@@ -2,6 +2,7 @@
 
 #include "system/document/MarloxDoc.h"
 #include "system/resources/Resources.h"
+#include "system/viewer/OverlayPainter.h"
 #include "workbench/images/ImageScale.h"
 #include "workbench/viewer/ViewerBars.h"
 #include "workbench/viewer/ViewerPainter.h"
@@ -45,14 +46,17 @@ MxRect FullDisplayWindow(const Image::Format& format, const MxRect& known)
 }
 
 ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
-    : QOpenGLWidget(parent), document_(document), painter_(std::make_unique<ViewerPainter>()),
-      message_(new MessageBar(this)), progress_(new ProgressPlate(this))
+    : QOpenGLWidget(parent), document_(document), overlays_(document),
+      painter_(std::make_unique<ViewerPainter>()), message_(new MessageBar(this)),
+      progress_(new ProgressPlate(this))
 {
     setObjectName("viewer");
     setAccessibleName(tr("Viewer"));
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setMinimumSize(64, 64);
+    connect(&overlays_, &OverlayStage::Changed, this, QOverload<>::of(&QWidget::update));
+    connect(&overlays_, &OverlayStage::CursorChanged, this, &ViewerWidget::ShowCursor);
     connect(&converter_, &DisplayConverter::Converted, this, &ViewerWidget::OnConverted);
     connect(&converter_, &DisplayConverter::Failed, this, &ViewerWidget::SetMessage);
     ConnectRenderer();
@@ -122,10 +126,8 @@ void ViewerWidget::OnConverted(const DisplayedImage& displayed)
         const Image::Format& format = shown_.image->GetFormat();
         view_.SetImage(FullDisplayWindow(format, view_.DisplayWindow()), format.pixelAspect);
     }
-    update();
     emit ImageShown();
-    emit ViewChanged();
-    emit ProbeChanged(ProbeAt(pointer_));
+    ChangeView();
 }
 
 void ViewerWidget::SetMessage(const QString& text)
@@ -182,6 +184,12 @@ void ViewerWidget::ShowChecker(bool shown)
     emit SettingsChanged();
 }
 
+void ViewerWidget::ShowOverlays(bool shown)
+{
+    overlays_.SetShown(shown);
+    emit SettingsChanged();
+}
+
 void ViewerWidget::ShowWindows(bool shown)
 {
     windows_ = shown;
@@ -193,6 +201,8 @@ void ViewerWidget::ShowWindows(bool shown)
 
 void ViewerWidget::ChangeView()
 {
+    view_.Place(overlays_.View(), devicePixelRatioF());
+    overlays_.PlacementChanged();
     update();
     emit ViewChanged();
     emit ProbeChanged(ProbeAt(pointer_));
@@ -224,11 +234,6 @@ QPointF ViewerWidget::WidgetToImage(QPointF position) const
     const QPointF pixel = view_.ToImage(ToDevice(position));
     return {(pixel.x() - window.left) / window.Width(),
             1.0 - (pixel.y() - window.top) / window.Height()};
-}
-
-PreviewInfo ViewerWidget::GetPreviewInfo() const
-{
-    return view_.Info(devicePixelRatioF());
 }
 
 Probe ViewerWidget::ProbeAt(QPointF position) const
@@ -292,8 +297,21 @@ void ViewerWidget::paintGL()
     look.devicePixelRatio = devicePixelRatioF();
     const QSizeF device = QSizeF(size()) * devicePixelRatioF();
     painter_->Paint(view_, device.toSize(), look);
-    if (!shown_.image && document_.Tools().empty())
+    if (shown_.image)
+        DrawOverlays();
+    else if (document_.Tools().empty())
         PaintHint();
+}
+
+void ViewerWidget::DrawOverlays()
+{
+    const PreviewInfo& view = overlays_.View();
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0.0, view.viewWidth, 0.0, view.viewHeight, -1.0, 1.0);
+    glMatrixMode(GL_MODELVIEW);
+    GLOverlayPainter painter(view, devicePixelRatioF());
+    overlays_.Draw(painter);
 }
 
 /// Tells in an empty document how to begin.

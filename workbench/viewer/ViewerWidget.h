@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/evaluation/Renderer.h"
+#include "system/viewer/OverlayStage.h"
 #include "workbench/viewer/DisplayConverter.h"
 #include "workbench/viewer/ViewTransform.h"
 
@@ -9,6 +10,8 @@
 
 #include <QColor>
 #include <QOpenGLWidget>
+
+class QHelpEvent;
 
 namespace Marlox {
 
@@ -32,6 +35,10 @@ struct Probe {
 /// F fits it, 1 shows actual pixels, a tap on Space plays. A failed render leaves the last good
 /// image and shows the message above it; another document takes the image away. Widget positions
 /// are device-independent pixels; everything else goes through View().
+///
+/// Overlays of the selected tool lie over the image and take the left button; a press beside them
+/// is left alone. Tab goes from one to the next, arrow keys nudge the one that has the focus, H
+/// hides and shows them, Escape gives up a drag.
 class ViewerWidget : public QOpenGLWidget {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
@@ -50,8 +57,11 @@ public:
     /// Positions in the widget and in normalised image coordinates (0 to 1, y up).
     QPointF ImageToWidget(QPointF normalised) const;
     QPointF WidgetToImage(QPointF position) const;
-    /// The drawing context for overlays, as the image is shown now.
-    PreviewInfo GetPreviewInfo() const;
+    OverlayStage& Overlays() { return overlays_; }
+    /// The context of the overlays, as the image is shown now.
+    const PreviewInfo& GetPreviewInfo() const { return overlays_.View(); }
+    bool AreOverlaysShown() const { return overlays_.IsShown(); }
+    void ShowOverlays(bool shown);
 
     const DisplaySettings& Settings() const { return settings_; }
     void SetSettings(const DisplaySettings& settings);
@@ -79,7 +89,7 @@ public:
 
 signals:
     void ViewChanged();     // zoom or position
-    void SettingsChanged(); // exposure, gamma, channels, display, checker, windows
+    void SettingsChanged(); // exposure, gamma, channels, display, checker, windows, overlays
     void ImageShown();
     void ProbeChanged(const Marlox::Probe& probe);
     void SpaceTapped(); // pressed and released without moving the image
@@ -97,6 +107,8 @@ protected:
     void keyReleaseEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     void ConnectRenderer();
@@ -109,13 +121,18 @@ private:
     void SetViewSize();
     void TrackPointer(QPointF position);
     void EndPan();
-    void ShowPanCursor();
+    void ShowCursor();
+    void ShowTip(const QHelpEvent& event);
+    bool HandleViewKey(int key);
+    MxPoint ToOverlays(QPointF position) const;
     void PlaceBars();
     void ReleasePainter();
+    void DrawOverlays();
     QPointF ToDevice(QPointF position) const { return position * devicePixelRatioF(); }
 
     MarloxDoc& document_;
     DisplayConverter converter_;
+    OverlayStage overlays_;
     DisplaySettings settings_;
     ViewTransform view_;
     DisplayedImage shown_;

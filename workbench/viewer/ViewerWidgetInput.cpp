@@ -8,6 +8,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QToolTip>
 #include <QWheelEvent>
 
 namespace Marlox {
@@ -23,6 +24,21 @@ double stoppedAtOne(double from, double to)
 {
     const bool crosses = (from < 1.0 && to > 1.0) || (from > 1.0 && to < 1.0);
     return crosses ? 1.0 : to;
+}
+
+u32 modifiersOf(Qt::KeyboardModifiers modifiers)
+{
+    return (modifiers & Qt::ShiftModifier ? KeyShift : 0u) |
+           (modifiers & Qt::ControlModifier ? KeyControl : 0u) |
+           (modifiers & Qt::AltModifier ? KeyAlt : 0u);
+}
+
+Qt::CursorShape shapeOf(ViewCursor cursor)
+{
+    static constexpr Qt::CursorShape shapes[] = {
+        Qt::ArrowCursor, Qt::SizeAllCursor,      Qt::SizeHorCursor,  Qt::SizeVerCursor,
+        Qt::CrossCursor, Qt::PointingHandCursor, Qt::ForbiddenCursor};
+    return shapes[std::size_t(cursor)];
 }
 
 } // namespace
@@ -48,6 +64,10 @@ bool ViewerWidget::event(QEvent* event)
     if (event->type() == QEvent::ShortcutOverride &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
         event->accept();
+    if (event->type() == QEvent::ToolTip) {
+        ShowTip(*static_cast<QHelpEvent*>(event));
+        return true;
+    }
     return QOpenGLWidget::event(event);
 }
 
@@ -65,10 +85,26 @@ void ViewerWidget::PlaceBars()
                            plateHeight);
 }
 
+/// View pixels of the overlays: here y is turned over, once.
+MxPoint ViewerWidget::ToOverlays(QPointF position) const
+{
+    const QPointF device = ToDevice(position);
+    return {int(std::lround(device.x())),
+            overlays_.View().viewHeight - int(std::lround(device.y()))};
+}
+
 void ViewerWidget::TrackPointer(QPointF position)
 {
     pointer_ = position;
-    emit ProbeChanged(ProbeAt(pointer_));
+    // A drag with an axis held shows where it is, not where the system's pointer is.
+    const PreviewInfo& view = overlays_.View();
+    emit ProbeChanged(
+        ProbeAt(overlays_.IsDragging() ? ImageToWidget({view.cursorX, view.cursorY}) : pointer_));
+}
+
+void ViewerWidget::ShowTip(const QHelpEvent& event)
+{
+    QToolTip::showText(event.globalPos(), overlays_.Tip(), this);
 }
 
 void ViewerWidget::mousePressEvent(QMouseEvent* event)
@@ -76,13 +112,18 @@ void ViewerWidget::mousePressEvent(QMouseEvent* event)
     const bool pans =
         event->button() == Qt::MiddleButton || (event->button() == Qt::LeftButton && spaceHeld_);
     if (!pans) {
-        event->ignore();
+        const bool taken =
+            event->button() == Qt::LeftButton && shown_.image &&
+            overlays_.Press(ToOverlays(event->localPos()), modifiersOf(event->modifiers()));
+        if (!taken && event->button() == Qt::LeftButton)
+            overlays_.SetFocus(nullptr);
+        event->setAccepted(taken);
         return;
     }
     panning_ = true;
     spaceUsed_ = true;
     panFrom_ = event->localPos();
-    ShowPanCursor();
+    ShowCursor();
 }
 
 void ViewerWidget::mouseMoveEvent(QMouseEvent* event)
@@ -95,29 +136,35 @@ void ViewerWidget::mouseMoveEvent(QMouseEvent* event)
         panFrom_ += whole / devicePixelRatioF();
         ChangeView();
     }
+    if (shown_.image)
+        overlays_.Move(ToOverlays(event->localPos()), modifiersOf(event->modifiers()));
     TrackPointer(event->localPos());
 }
 
 void ViewerWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::MiddleButton || event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton && overlays_.IsPressed()) {
+        overlays_.Release(ToOverlays(event->localPos()), modifiersOf(event->modifiers()));
+        TrackPointer(event->localPos());
+    } else if (event->button() == Qt::MiddleButton || event->button() == Qt::LeftButton) {
         EndPan();
+    }
 }
 
 void ViewerWidget::EndPan()
 {
     panning_ = false;
-    ShowPanCursor();
+    ShowCursor();
 }
 
-void ViewerWidget::ShowPanCursor()
+void ViewerWidget::ShowCursor()
 {
     if (panning_)
         setCursor(Qt::ClosedHandCursor);
     else if (spaceHeld_)
         setCursor(Qt::OpenHandCursor);
     else
-        unsetCursor();
+        setCursor(shapeOf(overlays_.View().cursorShape));
 }
 
 void ViewerWidget::wheelEvent(QWheelEvent* event)
@@ -139,31 +186,51 @@ void ViewerWidget::wheelEvent(QWheelEvent* event)
 
 void ViewerWidget::keyPressEvent(QKeyEvent* event)
 {
-    switch (event->key()) {
+    const bool handled = overlays_.KeyDown(event->key(), modifiersOf(event->modifiers())) ||
+                         (event->key() == Qt::Key_Space && event->isAutoRepeat()) ||
+                         HandleViewKey(event->key());
+    if (!handled)
+        QOpenGLWidget::keyPressEvent(event);
+}
+
+bool ViewerWidget::HandleViewKey(int key)
+{
+    switch (key) {
     case Qt::Key_F:
         Fit();
-        return;
+        return true;
     case Qt::Key_1:
         view_.ZoomTo(1.0,
                      rect().contains(pointer_.toPoint()) ? ToDevice(pointer_) : view_.Middle());
         ChangeView();
-        return;
+        return true;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
         ZoomBy(1.25);
-        return;
+        return true;
     case Qt::Key_Minus:
         ZoomBy(0.8);
-        return;
+        return true;
+    case Qt::Key_H:
+        ShowOverlays(!AreOverlaysShown());
+        return true;
+    case Qt::Key_Escape:
+        if (overlays_.IsDragging()) {
+            overlays_.CancelDrag();
+            return true;
+        }
+        if (overlays_.Focus()) {
+            overlays_.SetFocus(nullptr);
+            return true;
+        }
+        return false;
     case Qt::Key_Space:
-        if (event->isAutoRepeat())
-            return;
         spaceHeld_ = true;
         spaceUsed_ = false;
-        ShowPanCursor();
-        return;
+        ShowCursor();
+        return true;
     default:
-        QOpenGLWidget::keyPressEvent(event);
+        return false;
     }
 }
 
@@ -172,11 +239,13 @@ void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
     if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
         const bool tapped = spaceHeld_ && !spaceUsed_;
         spaceHeld_ = false;
-        ShowPanCursor();
+        ShowCursor();
         if (tapped)
             emit SpaceTapped();
         return;
     }
+    if (!event->isAutoRepeat())
+        overlays_.KeyUpAll();
     QOpenGLWidget::keyReleaseEvent(event);
 }
 
@@ -184,11 +253,25 @@ void ViewerWidget::focusOutEvent(QFocusEvent* event)
 {
     spaceHeld_ = false;
     EndPan();
+    overlays_.KeyUpAll();
+    overlays_.EndDrag();
     QOpenGLWidget::focusOutEvent(event);
+}
+
+void ViewerWidget::hideEvent(QHideEvent* event)
+{
+    overlays_.EndDrag();
+    QOpenGLWidget::hideEvent(event);
+}
+
+bool ViewerWidget::focusNextPrevChild(bool next)
+{
+    return (shown_.image && overlays_.FocusNext(next)) || QOpenGLWidget::focusNextPrevChild(next);
 }
 
 void ViewerWidget::leaveEvent(QEvent* event)
 {
+    overlays_.Leave();
     TrackPointer({-1.0, -1.0});
     QOpenGLWidget::leaveEvent(event);
 }

@@ -20,12 +20,12 @@ void UndoGesture::Begin(MarloxDoc* document, const QString& text)
     open_ = true;
 }
 
-void UndoGesture::End()
+void UndoGesture::End(bool keep)
 {
     const bool closes = HasGroup();
     open_ = false;
     if (closes)
-        document_->Undo().EndGroup(group_);
+        document_->Undo().EndGroup(group_, keep);
     document_ = nullptr;
 }
 

@@ -21,7 +21,8 @@ public:
 
     /// Opens the group named `text`; does nothing while it is open, or without a document.
     void Begin(MarloxDoc* document, const QString& text);
-    void End();
+    /// keep = false undoes what the group did, and leaves no entry.
+    void End(bool keep = true);
     /// Whether a gesture is under way.
     bool IsOpen() const { return open_; }
 

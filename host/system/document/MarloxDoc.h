@@ -62,6 +62,10 @@ public:
     // Shorthands; nests end in the reverse order of their starts.
     void StartUndo(const char* text) override;
     void EndUndo(bool keep) override;
+    // The same for nests. What an overlay's drag goes on to write after the nest that its first
+    // change stood in belongs to the nest's entry: the drag's own group holds it open.
+    void StartUndoNest(const char* text) { StartUndo(text); }
+    void EndUndoNest() { EndUndo(true); }
 
     /// Switches reduced-resolution rendering for a drag of `tool` on or off; calls nest per tool.
     void SetAutoProxy(Operator* tool, bool on);

@@ -52,13 +52,7 @@ void UndoHistory::End(bool keep)
     });
     if (group == open_.rend())
         return;
-    const u64 number = group->number;
-    if (keep)
-        return EndGroup(number);
-    while (open_.back().number != number)
-        EndInnermost(true);
-    EndInnermost(false);
-    EndThoseOver();
+    EndGroup(group->number, keep);
 }
 
 u64 UndoHistory::BeginGroup(const QString& text)
@@ -67,8 +61,13 @@ u64 UndoHistory::BeginGroup(const QString& text)
     return groups_;
 }
 
-void UndoHistory::EndGroup(u64 group)
+void UndoHistory::EndGroup(u64 group, bool keep)
 {
+    if (!keep && IsOpen(group)) {
+        while (open_.back().number != group)
+            EndInnermost(true);
+        EndInnermost(false);
+    }
     for (Group& open : open_)
         open.ended = open.ended || open.number == group;
     EndThoseOver();

@@ -41,8 +41,8 @@ public:
     /// group and returns its number.
     u64 BeginGroup(const QString& text);
     /// Ends the group of that number, or lets it end after those inside it. Does nothing once it
-    /// has ended.
-    void EndGroup(u64 group);
+    /// has ended. keep = false ends those inside it, too, and undoes what they and it did.
+    void EndGroup(u64 group, bool keep = true);
     bool IsOpen(u64 group) const;
     int Depth() const { return int(open_.size()); }
     /// Hands over a change that was just made. Outside a group it is an entry of its own, named

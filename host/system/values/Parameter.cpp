@@ -131,6 +131,13 @@ Ref<Parameter> Parameter::CreateDefault(const MxID& dataType)
     return kind ? kind->createDefault() : nullptr;
 }
 
+TagList& Parameter::Tags()
+{
+    if (!tags_)
+        tags_ = std::make_unique<TagList>();
+    return *tags_;
+}
+
 Ref<Parameter> Parameter::WithComponents(std::span<const double>) const
 {
     return Copy();

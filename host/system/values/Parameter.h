@@ -32,8 +32,15 @@ public:
     /// A value of the same kind with other components.
     virtual Ref<Parameter> WithComponents(std::span<const double> components) const;
 
+    /// Notes of whoever hands the value over, for the length of that call; no part of the value.
+    /// User-interface thread.
+    TagList& Tags();
+
     // Object
     std::size_t SizeOf() const override = 0;
+
+private:
+    std::unique_ptr<TagList> tags_; // made when first asked for
 };
 
 /// One double.

@@ -1,6 +1,7 @@
 #include "system/viewer/PreviewControl.h"
 
 #include "system/document/MarloxDoc.h"
+#include "system/viewer/MotionPath.h"
 
 #include <algorithm>
 #include <cstring>
@@ -9,6 +10,11 @@ namespace Marlox {
 
 const MxID PreviewControl::ClassID = "PreviewControl";
 const MxID OverlayControl::ClassID = "OverlayControl";
+
+const MxID CCMD_HitTest = "CCMD_HitTest";
+const MxID CCMD_GetInputAt = "CCMD_GetInputAt";
+const MxID CCMD_KeyDown = "CCMD_KeyDown";
+const MxID CCMD_KeyUpAll = "CCMD_KeyUpAll";
 
 namespace {
 
@@ -40,6 +46,7 @@ PreviewControl::PreviewControl(const Registry* record, const ScriptVal&, const T
     : record_(record)
 {
     attributes_.Merge(attributes);
+    ReadBaseTags(attributes_);
 }
 
 PreviewControl::~PreviewControl()
@@ -49,6 +56,8 @@ PreviewControl::~PreviewControl()
         input->RemoveNotify(this);
         input->RemoveControl(this);
     }
+    for (const Listened& each : listened_)
+        each.input->RemoveNotify(this);
 }
 
 std::size_t PreviewControl::SizeOf() const
@@ -69,6 +78,7 @@ MarloxDoc* PreviewControl::GetDoc() const
 bool PreviewControl::SetAttrsTagList(const TagList& tags)
 {
     attributes_.Merge(tags);
+    ReadBaseTags(tags);
     bool accepted = true;
     for (Input* input : std::vector(inputs_)) {
         TagList all(input->Attributes());
@@ -81,6 +91,10 @@ bool PreviewControl::SetAttrsTagList(const TagList& tags)
 
 bool PreviewControl::CopyAttr(u64 tag, void* out)
 {
+    if (tag == PCD_BaseOffsetX || tag == PCD_BaseOffsetY) {
+        std::memcpy(out, &baseOffset_[tag == PCD_BaseOffsetY ? 1 : 0], sizeof(double));
+        return true;
+    }
     const TagPair* pair = attributes_.Find(u32(tag));
     if (!pair)
         return Object::CopyAttr(tag, out);
@@ -105,6 +119,7 @@ u64 PreviewControl::DoTagList(unsigned int command, TagList& tags)
         SetUndo(index, &tags);
         return undo_.IsOpen() ? 1 : 0;
     case CloseUndo:
+    case PC_FollowEnded:
         ResetUndo(&tags);
         return 1;
     default:
@@ -131,42 +146,104 @@ void PreviewControl::SetView(PreviewInfo* view, TagList*)
     view_ = view;
 }
 
-bool PreviewControl::SetAttrsTagList(Input* input, const TagList&)
+bool PreviewControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
+    ReadBaseTags(tags);
     return input != nullptr;
+}
+
+void PreviewControl::ReadBaseTags(const TagList& tags)
+{
+    following_ = tags.GetBool(PC_Follow, following_);
+    hidesInDrag_ = tags.GetBool(PC_HideWhileDragging, hidesInDrag_);
+    if (!baseInput_) {
+        baseOffset_ = {tags.GetDouble(PCD_BaseOffsetX, baseOffset_[0]),
+                       tags.GetDouble(PCD_BaseOffsetY, baseOffset_[1])};
+    }
 }
 
 bool PreviewControl::AddInput(Input* input, TagList*)
 {
     if (!input || (owner_ && &input->Owner() != owner_.Get()))
         return false;
-    if (std::find(inputs_.begin(), inputs_.end(), input) != inputs_.end())
+    if (IsOwn(input))
         return true;
     SetOperator(&input->Owner());
+    if (!IsHeard(input))
+        input->AddNotify(this, MxID());
     inputs_.push_back(input);
-    connected_.push_back(!input->GetState().source.empty());
+    told_.push_back({!input->GetState().source.empty(), ConditionOf(*input)});
     input->AddControl(this);
-    input->AddNotify(this, MxID());
-    if (MarloxDoc* document = inputs_.size() == 1 ? GetDoc() : nullptr)
+    if (inputs_.size() > 1)
+        return true;
+    if (MarloxDoc* document = GetDoc())
         timeChanges_ = QObject::connect(document, &MarloxDoc::CurrentTimeChanged, document,
                                         [this] { TimeChanged(); });
+    AttachBaseInput(*input);
     return true;
+}
+
+void PreviewControl::AttachBaseInput(Input& main)
+{
+    const char* id = main.GetAttrS(IAS_OverlayOffset);
+    Input* input = *id ? main.Owner().FindInput(id) : nullptr;
+    if (!input)
+        return;
+    baseInput_ = input;
+    Listen(input);
 }
 
 bool PreviewControl::RemoveInput(Input* input, TagList*)
 {
+    if (input && input == baseInput_) {
+        baseInput_ = nullptr;
+        StopListening(input);
+    }
     const auto found = std::find(inputs_.begin(), inputs_.end(), input);
     if (found == inputs_.end())
         return false;
-    connected_.erase(connected_.begin() + (found - inputs_.begin()));
+    told_.erase(told_.begin() + (found - inputs_.begin()));
     inputs_.erase(found);
-    input->RemoveNotify(this);
+    if (!IsHeard(input))
+        input->RemoveNotify(this);
     input->RemoveControl(this);
     if (inputs_.empty()) {
         QObject::disconnect(timeChanges_);
         ResetUndo(nullptr);
     }
     return true;
+}
+
+bool PreviewControl::IsOwn(const Input* input) const
+{
+    return std::find(inputs_.begin(), inputs_.end(), input) != inputs_.end();
+}
+
+bool PreviewControl::IsHeard(const Input* input) const
+{
+    return IsOwn(input) ||
+           std::any_of(listened_.begin(), listened_.end(),
+                       [input](const Listened& each) { return each.input == input; });
+}
+
+void PreviewControl::Listen(Input* input)
+{
+    if (!IsHeard(input))
+        input->AddNotify(this, MxID());
+    listened_.push_back({Ref<Operator>::Share(&input->Owner()), input});
+    Refresh(*input);
+}
+
+void PreviewControl::StopListening(Input* input)
+{
+    const auto found = std::find_if(listened_.begin(), listened_.end(),
+                                    [input](const Listened& each) { return each.input == input; });
+    if (found == listened_.end())
+        return;
+    const Ref<Operator> alive = found->owner;
+    listened_.erase(found);
+    if (!IsHeard(input))
+        input->RemoveNotify(this);
 }
 
 Input* PreviewControl::FindInputByIndex(unsigned int index) const
@@ -190,6 +267,11 @@ double PreviewControl::CurrentTime() const
 
 // Values and undo --------------------------------------------------------------------------------
 
+bool PreviewControl::HasGesture() const
+{
+    return undo_.IsOpen() || dragState_ != DragType::None || (view_ && view_->keysHeld);
+}
+
 bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index, TagList* tags)
 {
     Input* input = FindInputByIndex(index);
@@ -199,7 +281,7 @@ bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index
     if (!accepted)
         return false;
     const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
-    const bool gesture = undo_.IsOpen();
+    const bool gesture = HasGesture();
     SetUndo(index, tags);
     const bool written = input->SetValue(*accepted, time);
     if (!gesture)
@@ -220,60 +302,124 @@ void PreviewControl::ResetUndo(TagList*)
     undo_.End();
 }
 
+void PreviewControl::StartUndo(const char* text)
+{
+    undo_.Begin(GetDoc(), QString::fromUtf8(text));
+}
+
+void PreviewControl::EndUndo(bool keep)
+{
+    undo_.End(keep);
+}
+
 bool PreviewControl::HandleEvent(Object* sender, const MxID& event, TagList& tags)
 {
-    const auto found = std::find_if(inputs_.begin(), inputs_.end(), [sender](Input* input) {
-        return static_cast<Object*>(input) == sender;
-    });
-    if (found == inputs_.end())
+    auto* input = dynamic_cast<Input*>(sender);
+    if (!input || !IsHeard(input))
         return Object::HandleEvent(sender, event, tags);
     const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
-    Input& input = **found;
     if (event == MxID("AttrsChanged")) {
-        TagList all(input.Attributes());
-        all.Merge(attributes_);
-        SetAttrsTagList(&input, all);
+        if (IsOwn(input)) {
+            TagList all(input->Attributes());
+            all.Merge(attributes_);
+            SetAttrsTagList(input, all);
+            changed_ = true;
+        }
     } else if (event != MxID("ValueChanged")) {
         return Object::HandleEvent(sender, event, tags);
     }
-    Refresh(input);
+    Refresh(*input);
     return true;
 }
 
 void PreviewControl::Refresh(Input& input)
 {
     const auto found = std::find(inputs_.begin(), inputs_.end(), &input);
-    if (found == inputs_.end())
-        return;
-    const std::size_t position = found - inputs_.begin();
-    const bool connected = !input.GetState().source.empty();
-    if (connected != connected_[position]) {
-        connected_[position] = connected;
-        if (connected)
+    if (found != inputs_.end()) {
+        Told& told = told_[found - inputs_.begin()];
+        const OverlayCondition condition = ConditionOf(input);
+        const bool connected = !input.GetState().source.empty();
+        changed_ = changed_ || condition != told.condition;
+        const bool reconnected = connected != told.connected;
+        told = {connected, condition};
+        if (reconnected && connected)
             OnConnect(&input, nullptr);
-        else
+        else if (reconnected)
             OnDisconnect(&input, nullptr);
+    } else if (!IsHeard(&input)) {
+        return;
     }
     const Ref<Parameter> value = input.GetValue(CurrentTime());
     NotifyChanged(&input, value.Get(), nullptr);
     UpdateDisplay(&input, nullptr);
 }
 
+void PreviewControl::ReadInputs()
+{
+    const auto alive = Ref<PreviewControl>::Share(this);
+    for (Input* input : std::vector(inputs_))
+        Refresh(*input);
+    for (const Listened& each : std::vector(listened_))
+        Refresh(*each.input);
+}
+
 void PreviewControl::TimeChanged()
 {
     const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
+    const auto moves = [](const Input& input) {
+        return input.IsAnimated() || input.HasExpression();
+    };
     for (Input* input : GetDoc() ? std::vector(inputs_) : std::vector<Input*>()) {
-        if (input->IsAnimated() || input->HasExpression())
+        if (moves(*input))
             Refresh(*input);
+    }
+    for (const Listened& each : std::vector(listened_)) {
+        if (moves(*each.input))
+            Refresh(*each.input);
     }
 }
 
-void PreviewControl::NotifyChanged(Input*, Parameter*, TagList*) {}
-
-void PreviewControl::UpdateDisplay(Input*, TagList* tags)
+void PreviewControl::NotifyChanged(Input* input, Parameter* value, TagList*)
 {
+    if (const auto* point = input && input == baseInput_ ? dynamic_cast<Point*>(value) : nullptr)
+        baseOffset_ = {point->X() - 0.5, point->Y() - 0.5};
+    changed_ = true;
+}
+
+void PreviewControl::UpdateDisplay(Input* input, TagList* tags)
+{
+    if (input && !changed_)
+        return;
+    changed_ = false;
     TagList none;
     Notify(DisplayChangedEvent(), tags ? *tags : none);
+}
+
+OverlayCondition PreviewControl::ConditionOf(const Input& input) const
+{
+    if (input.GetAttrB(IA_ReadOnly))
+        return OverlayCondition::Locked;
+    if (input.HasExpression() || !input.GetState().source.empty())
+        return OverlayCondition::Expression;
+    if (!input.IsAnimated())
+        return OverlayCondition::Plain;
+    return input.IsKeyAt(CurrentTime()) ? OverlayCondition::Keyed : OverlayCondition::Animated;
+}
+
+OverlayCondition PreviewControl::Condition() const
+{
+    auto most = OverlayCondition::Plain;
+    for (const Input* input : inputs_)
+        most = std::max(most, ConditionOf(*input));
+    return owner_ && owner_->IsLocked() ? OverlayCondition::Locked : most;
+}
+
+bool PreviewControl::IsEditable() const
+{
+    return !(owner_ && owner_->IsLocked()) &&
+           std::any_of(inputs_.begin(), inputs_.end(), [this](const Input* input) {
+               return ConditionOf(*input) < OverlayCondition::Expression;
+           });
 }
 
 void PreviewControl::OnConnect(Input*, TagList*) {}
@@ -291,15 +437,22 @@ void PreviewControl::SetInactive(TagList* tags)
 {
     active_ = false;
     dragState_ = DragType::None;
+    axisX_ = axisY_ = false;
     ResetUndo(tags);
     UpdateDisplay(nullptr, tags);
 }
 
-void PreviewControl::GLDrawControls(PreviewInfo*, TagList*) {}
+void PreviewControl::GLDrawControls(PreviewInfo* view, TagList*)
+{
+    for (const Input* input : view && view->painter ? inputs_ : std::vector<Input*>()) {
+        if (input->IsAnimated() && input->GetDataType() == MxID(CLSID_DataType_Point))
+            DrawMotionPath(*view, *input, {baseOffset_[0], baseOffset_[1]});
+    }
+}
 
 DragType PreviewControl::ControlDown(PreviewInfo*, const MxPointT<int>&, TagList*)
 {
-    return DragType::None;
+    return dragState_;
 }
 
 void PreviewControl::ControlMove(PreviewInfo*, const MxPointT<int>&, TagList*) {}
@@ -307,17 +460,38 @@ void PreviewControl::ControlMove(PreviewInfo*, const MxPointT<int>&, TagList*) {
 void PreviewControl::ControlUp(PreviewInfo*, const MxPointT<int>&, TagList* tags)
 {
     dragState_ = DragType::None;
+    axisX_ = axisY_ = false;
     ResetUndo(tags);
 }
 
-bool PreviewControl::ControlCommand(PreviewInfo*, const MxID&, u64, TagList*)
+bool PreviewControl::ControlCommand(PreviewInfo*, const MxID& command, u64 data, TagList* tags)
 {
-    return false;
+    if (command == CCMD_GetInputAt && data && !inputs_.empty()) {
+        *reinterpret_cast<Input**>(data) = inputs_.front();
+        return true;
+    }
+    if (command == CCMD_KeyUpAll)
+        ResetUndo(tags);
+    return command == CCMD_KeyUpAll;
 }
 
-bool PreviewControl::ControlGetTip(PreviewInfo*, char*, TagList*)
+bool PreviewControl::ControlGetTip(PreviewInfo* view, char* tip, TagList* tags)
 {
-    return false;
+    Input* input = inputs_.empty() ? nullptr : inputs_.front();
+    ControlCommand(view, CCMD_GetInputAt, u64(reinterpret_cast<std::uintptr_t>(&input)), tags);
+    if (!input)
+        return false;
+    QString text = input->GetName();
+    if (const char* help = input->GetAttrS(IAS_Help); *help)
+        text += QStringLiteral(": ") + QString::fromUtf8(help);
+    if (owner_ && owner_->IsLocked())
+        text += QStringLiteral("\n%1 is locked.").arg(owner_->GetName());
+    else if (ConditionOf(*input) == OverlayCondition::Expression)
+        text += QStringLiteral("\nDriven by %1: not to be dragged.")
+                    .arg(input->HasExpression() ? "an expression" : "a connection");
+    else if (ConditionOf(*input) == OverlayCondition::Locked)
+        text += QStringLiteral("\nNot to be changed.");
+    return CopyText(text, tip, 256);
 }
 
 bool PreviewControl::GetName(char* name, int size, TagList*)

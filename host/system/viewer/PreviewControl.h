@@ -4,8 +4,10 @@
 #include "system/base/Registry.h"
 #include "system/controls/UndoGesture.h"
 #include "system/document/Operator.h"
+#include "system/viewer/OverlayCommands.h"
 #include "system/viewer/PreviewInfo.h"
 
+#include <array>
 #include <vector>
 
 namespace Marlox {
@@ -21,8 +23,14 @@ enum class DragType {
 inline constexpr u32 PV_Value = 0x40040000; // a Parameter
 inline constexpr u32 PVD_Time = 0x20040009; // in frames; the current time unless given
 
+/// What rules the values of an overlay, for its colour.
+enum class OverlayCondition { Plain, Animated, Keyed, Expression, Locked };
+
 /// Base of all viewer overlays: drawn with OpenGL over the image, dragged by the user. It is no
 /// widget; a viewer calls it with its PreviewInfo. All calls on the user-interface thread.
+///
+/// What an overlay writes between a press and its release, or while keys are held, is one undo
+/// entry, begun by the first change.
 class MARLOXSYSTEM_EXPORT PreviewControl : public Object {
 public:
     static const MxID ClassID;
@@ -47,6 +55,10 @@ public:
     MarloxDoc* GetDoc() const override;
     /// Runs a command that every overlay understands (see Command); 0: unknown or refused.
     u64 DoTagList(unsigned int command, TagList& tags) override;
+    /// Opens the undo group of the drag under this name instead of the input's; the drag's end, or
+    /// EndUndo, closes it.
+    void StartUndo(const char* text) override;
+    void EndUndo(bool keep) override; // false: what the group did is undone
     void AddToMenu(Menu* menu, TagList& tags) override;
     /// "DisplayChanged": what the overlay draws is another now; a viewer listens to it.
     void GetAvailableEvents(std::vector<MxID>& out) const override;
@@ -61,23 +73,26 @@ public:
     /// Binds an input: from then on its changes, also those that come with the time, arrive as
     /// NotifyChanged and UpdateDisplay. False refuses it.
     virtual bool AddInput(Input* input, TagList* tags);
+    /// Forgets an input, also one it only listens to. False: it was none.
     virtual bool RemoveInput(Input* input, TagList* tags);
     /// Writes into the input whose attribute IA_OverlayIndex is `index`, in an undo group of its
     /// own unless one is open. False: no such input, refused, or driven by an expression or
     /// connection.
     virtual bool SetInputs(Parameter* value, double time, unsigned int index, TagList* tags);
-    /// A new value (null: a connected image), to be stored; then UpdateDisplay, to show it. A null
-    /// input means all of them.
+    /// A new value (null: a connected image), to be stored; then UpdateDisplay, to show it. The
+    /// base is told only of values that change what is shown: without that, UpdateDisplay for an
+    /// input asks for no redraw. UpdateDisplay for null always does.
     virtual void NotifyChanged(Input* input, Parameter* value, TagList* tags);
     virtual void UpdateDisplay(Input* input, TagList* tags);
     virtual void OnConnect(Input* input, TagList* tags);
     virtual void OnDisconnect(Input* input, TagList* tags);
     virtual void SetActive(int how, TagList* tags);
     virtual void SetInactive(TagList* tags);
-    /// With the view's GL context current, one unit a view pixel.
+    /// With the view's GL context current, one unit a view pixel, and its painter. The base draws
+    /// the motion path of an animated point.
     virtual void GLDrawControls(PreviewInfo* view, TagList* tags);
-    // Presses, moves and releases at a position in view pixels. The press answers how it takes
-    // hold.
+    // Presses, moves and releases at a position in view pixels; the view's logical cursor is the
+    // same in image coordinates. The press answers how it takes hold, which the base keeps.
     virtual DragType ControlDown(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
     virtual void ControlMove(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
     virtual void ControlUp(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
@@ -98,19 +113,62 @@ public:
     const std::vector<Input*>& Inputs() const { return inputs_; }
     Input* FindInputByIndex(unsigned int index) const;
     bool IsActive() const { return active_; }
+    DragType DragState() const { return dragState_; }
+    /// Reads all inputs anew, as after a change of each.
+    void ReadInputs();
+    OverlayCondition Condition() const;
+    /// Whether a drag could change anything: false with the tool locked, or all inputs read-only or
+    /// driven by expressions and connections.
+    bool IsEditable() const;
+    // The base offset, image coordinates: by PCD_BaseOffsetX and Y, or the point of the input that
+    // IAS_OverlayOffset of the first input names, less the image's centre.
+    double BaseOffsetX() const { return baseOffset_[0]; }
+    double BaseOffsetY() const { return baseOffset_[1]; }
 
 protected:
+    /// The input that the base offset comes from; null: none. Its changes are the base's.
+    Input* BaseInput() const { return baseInput_; }
+    /// From then on changes of the input, which is not the overlay's own, arrive as NotifyChanged,
+    /// its present value at once. As often as Listen was called, StopListening must be.
+    void Listen(Input* input);
+    void StopListening(Input* input);
+    bool IsFollowing() const { return following_; }          // PC_Follow
+    bool HidesWhileDragging() const { return hidesInDrag_; } // PC_HideWhileDragging
+
     DragType dragState_ = DragType::None;
+    bool axisX_ = false; // the drag moves along the axis
+    bool axisY_ = false;
     PreviewInfo* view_ = nullptr; // the view it is shown in; not owned
 
 private:
-    const Registry* record_;
-    Ref<Operator> owner_;
+    /// What the overlay was last told of an input of its own.
+    struct Told {
+        bool connected = false;
+        OverlayCondition condition = OverlayCondition::Plain;
+    };
+    struct Listened {
+        Ref<Operator> owner; // kept alive with its inputs
+        Input* input;
+    };
     void Refresh(Input& input);
     void TimeChanged();
+    bool IsOwn(const Input* input) const;
+    bool IsHeard(const Input* input) const;
+    bool HasGesture() const;
+    void ReadBaseTags(const TagList& tags);
+    void AttachBaseInput(Input& main);
+    OverlayCondition ConditionOf(const Input& input) const;
 
+    const Registry* record_;
+    Ref<Operator> owner_;
     std::vector<Input*> inputs_;
-    std::vector<bool> connected_; // for each input, as the overlay was last told
+    std::vector<Told> told_; // for each input
+    std::vector<Listened> listened_;
+    Input* baseInput_ = nullptr;
+    std::array<double, 2> baseOffset_{};
+    bool following_ = false;
+    bool hidesInDrag_ = false;
+    bool changed_ = false; // the base was told of something that is not redrawn yet
     TagList attributes_;
     bool active_ = false;
     UndoGesture undo_;

@@ -1,5 +1,7 @@
 #include "system/viewer/PreviewInfo.h"
 
+#include "system/viewer/OverlayPainter.h"
+
 #include <GL/gl.h>
 
 namespace Marlox {
@@ -11,7 +13,7 @@ double PreviewInfo::TransformXOut(double x) const
 
 double PreviewInfo::TransformYOut(double y) const
 {
-    return imageTop + (1.0 - y) * imageHeight;
+    return imageBottom + y * imageHeight;
 }
 
 double PreviewInfo::TransformXIn(double viewX) const
@@ -21,7 +23,7 @@ double PreviewInfo::TransformXIn(double viewX) const
 
 double PreviewInfo::TransformYIn(double viewY) const
 {
-    return imageHeight != 0.0 ? 1.0 - (viewY - imageTop) / imageHeight : 0.0;
+    return imageHeight != 0.0 ? (viewY - imageBottom) / imageHeight : 0.0;
 }
 
 void PreviewInfo::TransformOut(double x, double y, double& viewX, double& viewY) const
@@ -36,40 +38,64 @@ void PreviewInfo::TransformIn(double viewX, double viewY, double& x, double& y) 
     y = TransformYIn(viewY);
 }
 
+void PreviewInfo::TransformOut(double x, double y, double w, double& viewX, double& viewY,
+                               double& viewW) const
+{
+    viewX = imageLeft * w + x * imageWidth;
+    viewY = imageBottom * w + y * imageHeight;
+    viewW = w;
+}
+
+void PreviewInfo::TransformIn(double viewX, double viewY, double viewW, double& x, double& y,
+                              double& w) const
+{
+    x = imageWidth != 0.0 ? (viewX - imageLeft * viewW) / imageWidth : 0.0;
+    y = imageHeight != 0.0 ? (viewY - imageBottom * viewW) / imageHeight : 0.0;
+    w = viewW;
+}
+
 double PreviewInfo::AspectScaleXOut(double length) const
 {
-    return length * imageWidth;
+    return length;
 }
 
 double PreviewInfo::AspectScaleYOut(double length) const
 {
-    return length * imageHeight * HeightsPerWidth();
+    return length * HeightsPerWidth();
 }
 
-double PreviewInfo::AspectScaleXIn(double viewLength) const
+double PreviewInfo::AspectScaleXIn(double length) const
 {
-    return imageWidth != 0.0 ? viewLength / imageWidth : 0.0;
+    return length;
 }
 
-double PreviewInfo::AspectScaleYIn(double viewLength) const
+double PreviewInfo::AspectScaleYIn(double length) const
 {
-    const double scale = imageHeight * HeightsPerWidth();
-    return scale != 0.0 ? viewLength / scale : 0.0;
+    return length / HeightsPerWidth();
 }
 
 double PreviewInfo::HeightsPerWidth() const
 {
-    return pixelHeight > 0 ? double(pixelWidth) * pixelAspect / pixelHeight : 1.0;
+    const double width = double(pixelWidth) * pixelAspect;
+    return pixelHeight > 0 && width > 0.0 ? width / pixelHeight : 1.0;
 }
 
 void PreviewInfo::Color4ub(u32 red, u32 green, u32 blue, u32 alpha) const
 {
-    glColor4ub(GLubyte(red), GLubyte(green), GLubyte(blue), GLubyte(alpha));
+    ColorFu({int(red), int(green), int(blue), int(alpha)});
 }
 
 void PreviewInfo::Color4ubv(const unsigned char* rgba) const
 {
-    glColor4ubv(rgba);
+    ColorFu({rgba[0], rgba[1], rgba[2], rgba[3]});
+}
+
+void PreviewInfo::ColorFu(const MxColor& color) const
+{
+    if (painter)
+        painter->SetColor(color);
+    else
+        glColor4ub(color.red, color.green, color.blue, color.alpha);
 }
 
 } // namespace Marlox

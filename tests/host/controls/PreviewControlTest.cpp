@@ -183,18 +183,22 @@ void PreviewControlTest::pointsThereAndBack()
 {
     PreviewInfo info;
     info.imageLeft = 10.0;
-    info.imageTop = 20.0;
+    info.imageBottom = 20.0;
     info.imageWidth = 200.0;
     info.imageHeight = 100.0;
     double x = 0.0;
     double y = 0.0;
     info.TransformOut(0.0, 1.0, x, y); // the image's top left
     QCOMPARE(x, 10.0);
-    QCOMPARE(y, 20.0);
+    QCOMPARE(y, 120.0);
     info.TransformOut(0.25, 0.25, x, y);
     QCOMPARE(x, 60.0);
-    QCOMPARE(y, 95.0); // y grows upwards in the image, downwards in the view
-    info.TransformIn(x, y, x, y);
+    QCOMPARE(y, 45.0);
+    double w = 0.0;
+    info.TransformOut(0.5, 0.5, 2.0, x, y, w); // the same point
+    QCOMPARE(x / w, 60.0);
+    QCOMPARE(y / w, 45.0);
+    info.TransformIn(x / w, y / w, x, y);
     QCOMPARE(x, 0.25);
     QCOMPARE(y, 0.25);
     QCOMPARE(info.TransformXIn(info.TransformXOut(-3.0)), -3.0);
@@ -209,13 +213,11 @@ void PreviewControlTest::circleStaysRound()
     info.pixelAspect = 2.0;
     info.imageWidth = 600.0;
     info.imageHeight = 240.0;
-    QCOMPARE(info.AspectScaleXOut(0.5), 300.0);
-    QCOMPARE(info.AspectScaleYOut(0.5), 300.0);
-    QCOMPARE(info.AspectScaleXIn(300.0), 0.5);
-    QCOMPARE(info.AspectScaleYIn(-300.0), -0.5);
-    info.imageWidth = 300.0; // shown without its pixel aspect: as squeezed as the picture is then
-    QCOMPARE(info.AspectScaleXOut(0.5), 150.0);
-    QCOMPARE(info.AspectScaleYOut(0.5), 300.0);
+    // A radius of half the image's width: as many view pixels up as across.
+    QCOMPARE(info.AspectScaleXOut(0.5) * info.imageWidth, 300.0);
+    QCOMPARE(info.AspectScaleYOut(0.5) * info.imageHeight, 300.0);
+    QCOMPARE(info.AspectScaleXIn(0.5), 0.5);
+    QCOMPARE(info.AspectScaleYIn(info.AspectScaleYOut(-0.5)), -0.5);
 }
 
 void PreviewControlTest::pictureOfNoSize()
@@ -225,7 +227,7 @@ void PreviewControlTest::pictureOfNoSize()
     info.pixelWidth = info.pixelHeight = 0;
     QCOMPARE(info.TransformXIn(50.0), 0.0);
     QCOMPARE(info.TransformYIn(50.0), 0.0);
-    QCOMPARE(info.AspectScaleYIn(50.0), 0.0);
+    QCOMPARE(info.AspectScaleYIn(50.0), 50.0);
 }
 
 QTEST_MAIN(PreviewControlTest)

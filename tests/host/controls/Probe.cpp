@@ -224,9 +224,10 @@ bool ProbeControl::HandleMenu(unsigned int id, u64* data, TagList& tags)
     return true;
 }
 
-void ProbeOverlay::NotifyChanged(Input* input, Parameter* value, TagList*)
+void ProbeOverlay::NotifyChanged(Input* input, Parameter* value, TagList* tags)
 {
     log += QStringLiteral("notify %1=%2").arg(IdOf(input)).arg(NumberOf(value));
+    PreviewControl::NotifyChanged(input, value, tags);
 }
 
 void ProbeOverlay::UpdateDisplay(Input* input, TagList* tags)

@@ -1,0 +1,308 @@
+// Which overlays a view shows, and drawing them.
+
+#include "system/viewer/OverlayStage.h"
+
+#include "system/document/MarloxDoc.h"
+#include "system/resources/Resources.h"
+#include "system/viewer/OverlayPainter.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QTimer>
+
+namespace Marlox {
+
+namespace {
+
+constexpr int fadeStep = 16; // ms
+
+std::vector<OverlayStage*>& Stages()
+{
+    static std::vector<OverlayStage*> stages;
+    return stages;
+}
+
+} // namespace
+
+/// Hears what overlays and inputs say.
+class OverlayStage::Listener final : public Object {
+public:
+    explicit Listener(OverlayStage& stage) : stage_(stage) {}
+    bool HandleEvent(Object* sender, const MxID& event, TagList&) override
+    {
+        if (dynamic_cast<PreviewControl*>(sender))
+            emit stage_.Changed();
+        else if (event == MxID("AttrsChanged")) // perhaps of what makes the overlay
+            QMetaObject::invokeMethod(
+                &stage_, [this] { stage_.Rebuild(); }, Qt::QueuedConnection);
+        return true;
+    }
+
+private:
+    OverlayStage& stage_;
+};
+
+OverlayStage::OverlayStage(MarloxDoc& document, QObject* parent)
+    : QObject(parent), document_(document), listener_(MakeRef<Listener>(*this))
+{
+    Stages().push_back(this);
+    connect(&document_, &MarloxDoc::ToolAdded, this, &OverlayStage::Rebuild);
+    connect(&document_, &MarloxDoc::ToolAboutToBeRemoved, this,
+            [this](Operator* tool) { LetGo(*tool); });
+    connect(&document_, &MarloxDoc::ToolChanged, this, &OverlayStage::Changed);
+    connect(&document_, &MarloxDoc::Cleared, this, [this] {
+        EndDrag();
+        if (tool_ && document_.IndexOf(*tool_) < 0)
+            tool_ = nullptr;
+        Rebuild();
+    });
+    Rebuild();
+}
+
+OverlayStage::~OverlayStage()
+{
+    EndDrag();
+    for (const Entry& entry : std::exchange(entries_, {}))
+        Discard(entry);
+    std::erase(Stages(), this);
+}
+
+void OverlayStage::ReleaseAll()
+{
+    for (OverlayStage* stage : Stages()) {
+        stage->EndDrag();
+        stage->released_ = true;
+        stage->Rebuild();
+    }
+}
+
+void OverlayStage::ReopenAll()
+{
+    for (OverlayStage* stage : std::vector(Stages())) {
+        stage->released_ = false;
+        stage->Rebuild();
+    }
+}
+
+Operator* OverlayStage::GetOperator() const
+{
+    return tool_.Get();
+}
+
+void OverlayStage::SetOperator(Operator* tool)
+{
+    if (tool == tool_.Get())
+        return;
+    EndDrag();
+    KeyUpAll();
+    tool_ = Ref<Operator>::Share(tool);
+    for (const Entry& entry : entries_)
+        entry.overlay->SetInactive(nullptr);
+    Rebuild();
+}
+
+std::vector<PreviewControl*> OverlayStage::Overlays() const
+{
+    std::vector<PreviewControl*> overlays;
+    overlays.reserve(entries_.size());
+    for (const Entry& entry : entries_)
+        overlays.push_back(entry.overlay.Get());
+    return overlays;
+}
+
+PreviewControl* OverlayStage::OverlayOf(const Input& input) const
+{
+    for (const Entry& entry : entries_) {
+        const std::vector<Input*>& inputs = entry.overlay->Inputs();
+        if (std::find(inputs.begin(), inputs.end(), &input) != inputs.end())
+            return entry.overlay.Get();
+    }
+    return nullptr;
+}
+
+// Making them -------------------------------------------------------------------------------------
+
+/// The inputs that ask for an overlay which is to show, in picking order.
+std::vector<Input*> OverlayStage::WantedInputs() const
+{
+    std::vector<Input*> wanted;
+    const auto add = [&wanted](const Operator& tool, bool all) {
+        for (const Ref<Input>& input : tool.Inputs()) {
+            if (*input->GetAttrS(IAS_Overlay) && (all || input->GetAttrB(IA_OverlayStays)))
+                wanted.push_back(input.Get());
+        }
+    };
+    if (released_)
+        return wanted;
+    if (tool_)
+        add(*tool_, true);
+    for (const Ref<Operator>& tool : document_.Tools()) {
+        if (tool.Get() != tool_.Get())
+            add(*tool, false);
+    }
+    return wanted;
+}
+
+void OverlayStage::Rebuild()
+{
+    std::vector<Entry> before = std::exchange(entries_, {});
+    for (Input* main : WantedInputs()) {
+        const auto found = std::find_if(before.begin(), before.end(), [main](const Entry& entry) {
+            return entry.main == main &&
+                   entry.overlay->GetRegistry()->ClassID() == MxID(main->GetAttrS(IAS_Overlay));
+        });
+        if (found != before.end()) {
+            entries_.push_back(std::move(*found));
+            before.erase(found);
+        } else if (Ref<PreviewControl> made = MakeOverlay(*main)) {
+            entries_.push_back({std::move(made), main});
+        }
+    }
+    for (const Entry& entry : before)
+        Discard(entry);
+    // Also those that have none yet: what they ask for may change.
+    for (const Ref<Operator>& tool : document_.Tools()) {
+        for (const Ref<Input>& input : tool->Inputs()) {
+            input->RemoveNotify(listener_.Get());
+            if (*input->GetAttrS(IAS_Overlay))
+                input->AddNotify(listener_.Get(), "AttrsChanged");
+        }
+    }
+    for (const Entry& entry : entries_) {
+        if (&entry.main->Owner() == tool_.Get() && !entry.overlay->IsActive())
+            entry.overlay->SetActive(1, nullptr);
+    }
+    emit OverlaysChanged();
+    emit Changed();
+}
+
+Ref<PreviewControl> OverlayStage::MakeOverlay(Input& main)
+{
+    Ref<Object> made(
+        ClassRegistry::Global().Create(main.GetAttrS(IAS_Overlay), ScriptVal(), main.Attributes()));
+    const auto overlay = Ref<PreviewControl>::Share(dynamic_cast<PreviewControl*>(made.Get()));
+    if (!overlay)
+        return {};
+    Operator& tool = main.Owner();
+    overlay->SetOperator(&tool);
+    overlay->SetView(&view_, nullptr);
+    for (const Ref<Input>& input : tool.Inputs()) {
+        if (input.Get() != &main && MxID(input->GetAttrS(IAS_OverlayWith)) != main.GetID())
+            continue;
+        TagList tags(input->Attributes());
+        if (overlay->AddInput(input.Get(), &tags))
+            overlay->SetAttrsTagList(input.Get(), tags);
+    }
+    overlay->ReadInputs();
+    overlay->AddNotify(listener_.Get(), "DisplayChanged");
+    return overlay;
+}
+
+void OverlayStage::Discard(const Entry& entry)
+{
+    if (dragged_.Get() == entry.overlay.Get())
+        FinishDrag(true);
+    entry.overlay->RemoveNotify(listener_.Get());
+    entry.overlay->SetInactive(nullptr);
+    entry.overlay->SetView(nullptr, nullptr); // scripts may still hold it
+    if (focus_ == entry.overlay.Get())
+        focus_ = nullptr;
+    if (view_.currentControl == entry.overlay.Get())
+        view_.currentControl = nullptr;
+    for (Input* input : std::vector(entry.overlay->Inputs()))
+        entry.overlay->RemoveInput(input, nullptr);
+}
+
+/// A tool is about to leave the document.
+void OverlayStage::LetGo(Operator& tool)
+{
+    EndDrag();
+    KeyUpAll();
+    for (const Ref<Input>& input : tool.Inputs())
+        input->RemoveNotify(listener_.Get());
+    std::vector<Entry> gone;
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+        const bool its = &entry->main->Owner() == &tool;
+        if (its)
+            gone.push_back(*entry);
+        entry = its ? entries_.erase(entry) : entry + 1;
+    }
+    for (const Entry& entry : gone)
+        Discard(entry);
+    for (const Entry& entry : entries_) {
+        for (const Ref<Input>& input : tool.Inputs())
+            entry.overlay->RemoveInput(input.Get(), nullptr);
+    }
+    if (tool_.Get() == &tool)
+        tool_ = nullptr;
+    emit OverlaysChanged();
+    emit Changed();
+}
+
+void OverlayStage::SetShown(bool shown)
+{
+    if (shown == IsShown())
+        return;
+    EndDrag();
+    KeyUpAll();
+    view_.drawMode = shown ? DrawIdle : DrawHidden;
+    TestHover();
+    emit Changed();
+}
+
+// Drawing -----------------------------------------------------------------------------------------
+
+void OverlayStage::ReadColors()
+{
+    const auto look = [](const char* name, MxColor fallback) {
+        return LookPack::Global().Color(name, fallback);
+    };
+    const MxColor normal = look("Viewer.OverlayColour", {224, 224, 224});
+    const MxColor key = look("System.KeyColour", {124, 192, 148});
+    const MxColor quiet = look("Viewer.OverlayLockedColour", {132, 132, 132});
+    view_.colors = {normal,
+                    look("Viewer.OverlayHighlightColour", {255, 196, 92}),
+                    look("Viewer.OverlayOriginColour", {196, 144, 96}),
+                    MxColor(160, 160, 160, 160),
+                    look("Viewer.OverlayPathColour", {124, 192, 148, 200}),
+                    key};
+    normalColors_ = {normal, look("Viewer.OverlayAnimatedColour", {186, 220, 198}),
+                     key,    look("Controls.ExpressionColour", {230, 215, 135}),
+                     quiet,  look("System.AccentColour", {92, 158, 220})};
+}
+
+MxColor OverlayStage::NormalColor(const PreviewControl& overlay) const
+{
+    return focusShows_ && &overlay == focus_ ? normalColors_.back()
+                                             : normalColors_[std::size_t(overlay.Condition())];
+}
+
+void OverlayStage::Draw(OverlayPainter& painter)
+{
+    if (!IsShown())
+        return;
+    ReadColors();
+    view_.painter = &painter;
+    view_.isFading = false;
+    painter.SetView(view_);
+    const std::vector<PreviewControl*> order = PickOrder();
+    for (auto overlay = order.rbegin(); overlay != order.rend(); ++overlay) {
+        const OverlayPainter::Saved saved(painter);
+        view_.colors[std::size_t(OverlayColor::Normal)] = NormalColor(**overlay);
+        (*overlay)->GLDrawControls(&view_, nullptr);
+    }
+    view_.painter = nullptr;
+    if (view_.isFading && !std::exchange(fades_, true))
+        QTimer::singleShot(fadeStep, this, &OverlayStage::StepFade);
+}
+
+void OverlayStage::StepFade()
+{
+    fades_ = false;
+    if (!IsDragging())
+        TestHover();
+    emit Changed();
+}
+
+} // namespace Marlox

@@ -1,0 +1,132 @@
+#pragma once
+
+#include "system/viewer/PreviewControl.h"
+
+#include <array>
+#include <vector>
+
+#include <QObject>
+#include <QString>
+
+namespace Marlox {
+
+class MarloxDoc;
+class Operator;
+class OverlayPainter;
+
+/// The overlays of one view: makes them from the inputs' attributes (IAS_Overlay, IAS_OverlayWith),
+/// shows those of the tool in question and those that ask to stay (IA_OverlayStays), and passes on
+/// what the user does. It knows no widget: a viewer translates its events, keeps View() up to date
+/// and lets it draw. Positions are view pixels, y upwards: the viewer turns them over once.
+///
+/// Picking asks the overlays: the one with the keyboard focus first, then in the order of the
+/// inputs, the tool's own before those that stay. They are drawn in the reverse order. One overlay
+/// takes a press; others may let themselves be driven by it. A drag renders at proxy resolution
+/// from the first move on and asks for a render at full resolution when it is over. Overlays that
+/// can't be changed show so, and take a press without doing anything.
+///
+/// Whatever ends a drag without its release (the tool goes, the view is hidden, the library is
+/// unloaded) must call EndDrag, or happens through this class, which does: no undo group stays
+/// open.
+class MARLOXSYSTEM_EXPORT OverlayStage : public QObject {
+    Q_OBJECT
+public:
+    explicit OverlayStage(MarloxDoc& document, QObject* parent = nullptr);
+    ~OverlayStage() override;
+
+    /// The tool whose overlays show; null: none. Its overlays are the active ones.
+    void SetOperator(Operator* tool);
+    Operator* GetOperator() const;
+    /// In picking order, without regard to the focus.
+    std::vector<PreviewControl*> Overlays() const;
+    PreviewControl* OverlayOf(const Input& input) const;
+
+    /// The context of the view. The viewer writes the placement, the sizes and the draw mode.
+    PreviewInfo& View() { return view_; }
+    const PreviewInfo& View() const { return view_; }
+    /// Hidden overlays are neither drawn nor picked; a drag ends.
+    void SetShown(bool shown);
+    bool IsShown() const { return view_.drawMode != DrawHidden; }
+
+    // The pointer; `modifiers` of KeyModifier.
+    /// True: an overlay took the press (the release must follow).
+    bool Press(const MxPoint& at, u32 modifiers);
+    void Move(const MxPoint& at, u32 modifiers);
+    void Release(const MxPoint& at, u32 modifiers);
+    void Leave(); // the pointer left the view
+    /// The image lies elsewhere below the pointer.
+    void PlacementChanged();
+    bool IsPressed() const; // between a press that was taken and its release
+    bool IsDragging() const { return dragged_.Get() != nullptr; }
+    /// Ends a drag where it is, as a release would.
+    void EndDrag();
+    /// Gives up a drag: values are as they were, without an undo entry.
+    void CancelDrag();
+
+    // Keys, with the code of Qt::Key.
+    bool KeyDown(int key, u32 modifiers); // false: not used
+    void KeyUpAll();
+    /// The overlay that keys go to: the one pressed last, or chosen by FocusNext; null: none.
+    PreviewControl* Focus() const { return focus_; }
+    void SetFocus(PreviewControl* overlay);
+    /// To the next overlay, or the one before; false: there is no further one.
+    bool FocusNext(bool forward);
+
+    /// What the overlay under the pointer says of itself; empty: nothing.
+    QString Tip();
+    void Draw(OverlayPainter& painter);
+
+    /// Before a library with control classes is unloaded: every stage lets go of its overlays at
+    /// once, and makes them anew, from what is registered then, when ReopenAll is called.
+    static void ReleaseAll();
+    static void ReopenAll();
+
+signals:
+    void Changed();       // to be drawn again
+    void CursorChanged(); // View().cursorShape
+    void OverlaysChanged();
+
+private:
+    class Listener;
+    struct Entry {
+        Ref<PreviewControl> overlay;
+        Input* main; // whose IAS_Overlay asked for it
+    };
+    void Rebuild();
+    std::vector<Input*> WantedInputs() const;
+    Ref<PreviewControl> MakeOverlay(Input& main);
+    void Discard(const Entry& entry);
+    void LetGo(Operator& tool);
+    std::vector<PreviewControl*> PickOrder() const;
+    void TestHover();
+    Input* InputAt(PreviewControl& overlay);
+    PreviewControl* Grab(TagList& tags);
+    void OfferTo(PreviewControl& other, TagList& tags);
+    void StartProxy();
+    void FinishDrag(bool keep);
+    void PlaceCursor(const MxPoint& at);
+    void ReadColors();
+    MxColor NormalColor(const PreviewControl& overlay) const;
+    void SetCursor(ViewCursor shape);
+    void StepFade();
+
+    MarloxDoc& document_;
+    Ref<Operator> tool_;
+    std::vector<Entry> entries_;
+    Ref<Listener> listener_;
+    PreviewInfo view_;
+    std::array<MxColor, 6> normalColors_; // by OverlayCondition; then that of the focus
+    PreviewControl* focus_ = nullptr;
+    bool focusShows_ = false; // it was moved by keys
+    Ref<PreviewControl> dragged_;
+    bool pressed_ = false;
+    bool pointerInside_ = false;
+    bool released_ = false; // by ReleaseAll
+    Ref<Operator> proxied_; // renders at proxy resolution for this drag
+    MxPoint at_;            // of the pointer
+    u32 modifiers_ = 0;
+    ViewCursor cursor_ = ViewCursor::Arrow; // as told last
+    bool fades_ = false;                    // a step of fading is on its way
+};
+
+} // namespace Marlox

@@ -1,0 +1,280 @@
+// What a view's overlays do with the pointer and the keys.
+
+#include "system/viewer/OverlayStage.h"
+
+#include "system/document/MarloxDoc.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace Marlox {
+
+std::vector<PreviewControl*> OverlayStage::PickOrder() const
+{
+    std::vector<PreviewControl*> order = Overlays();
+    const auto focused = std::find(order.begin(), order.end(), focus_);
+    if (focused != order.end())
+        std::rotate(order.begin(), focused, focused + 1);
+    return order;
+}
+
+Input* OverlayStage::InputAt(PreviewControl& overlay)
+{
+    Input* input = overlay.Inputs().empty() ? nullptr : overlay.Inputs().front();
+    overlay.ControlCommand(&view_, CCMD_GetInputAt, u64(reinterpret_cast<std::uintptr_t>(&input)),
+                           nullptr);
+    return input;
+}
+
+void OverlayStage::PlaceCursor(const MxPoint& at)
+{
+    at_ = at;
+    pointerInside_ = true;
+    view_.TransformIn(at.x, at.y, view_.cursorX, view_.cursorY);
+}
+
+void OverlayStage::SetCursor(ViewCursor shape)
+{
+    view_.SetCursor(shape);
+    if (std::exchange(cursor_, shape) != shape)
+        emit CursorChanged();
+}
+
+void OverlayStage::TestHover()
+{
+    TagList tags{{PV_Modifiers, modifiers_}};
+    if (!pointerInside_ || !IsShown())
+        tags.Add(PC_PointerGone, true);
+    view_.SetCursor(ViewCursor::Arrow);
+    view_.hit = {};
+    for (PreviewControl* overlay : PickOrder()) {
+        const bool hit = overlay->ControlCommand(&view_, CCMD_HitTest, 0, &tags);
+        if (hit && !view_.hit.control)
+            view_.hit = {overlay, InputAt(*overlay)};
+    }
+    PreviewControl* under = std::exchange(view_.hit, {}).control;
+    const bool another = std::exchange(view_.currentControl, under) != under;
+    if (under && !under->IsEditable())
+        SetCursor(ViewCursor::Forbidden);
+    else
+        SetCursor(under && view_.cursorShape == ViewCursor::Arrow ? ViewCursor::Move
+                                                                  : view_.cursorShape);
+    if (another)
+        emit Changed();
+}
+
+bool OverlayStage::IsPressed() const
+{
+    return pressed_;
+}
+
+bool OverlayStage::Press(const MxPoint& at, u32 modifiers)
+{
+    if (pressed_)
+        return true;
+    if (!IsShown())
+        return false;
+    KeyUpAll();
+    modifiers_ = modifiers;
+    PlaceCursor(at);
+    TestHover();
+    TagList tags{{PV_MouseState, MouseLeft | (modifiers & KeyAlt ? MouseAlternate : 0u)},
+                 {PV_Modifiers, modifiers}};
+    PreviewControl* under = view_.currentControl;
+    if (under && !under->IsEditable()) {
+        SetFocus(under);
+        return pressed_ = true;
+    }
+    PreviewControl* taken = Grab(tags);
+    if (!taken)
+        return false;
+    pressed_ = true;
+    dragged_ = Ref<PreviewControl>::Share(taken);
+    SetFocus(taken);
+    view_.hit = {taken, InputAt(*taken)};
+    view_.currentControl = taken;
+    view_.drawMode = DrawDragging;
+    for (PreviewControl* other : Overlays()) {
+        if (other != taken)
+            OfferTo(*other, tags);
+    }
+    emit Changed();
+    return true;
+}
+
+/// The overlay that takes the press: what the pointer is on is asked first.
+PreviewControl* OverlayStage::Grab(TagList& tags)
+{
+    std::vector<PreviewControl*> order = PickOrder();
+    const auto under = std::find(order.begin(), order.end(), view_.currentControl);
+    if (under != order.end())
+        std::rotate(order.begin(), under, under + 1);
+    for (PreviewControl* overlay : order) {
+        if (overlay->IsEditable() && overlay->ControlDown(&view_, at_, &tags) == DragType::Dragged)
+            return overlay;
+    }
+    return nullptr;
+}
+
+/// The press is another's: this one may be driven by it, but not take it too.
+void OverlayStage::OfferTo(PreviewControl& other, TagList& tags)
+{
+    if (other.ControlDown(&view_, at_, &tags) == DragType::Dragged)
+        other.ControlUp(&view_, at_, &tags);
+}
+
+void OverlayStage::Move(const MxPoint& at, u32 modifiers)
+{
+    const bool same = at == at_ && modifiers == modifiers_ && pointerInside_;
+    if (same)
+        return;
+    modifiers_ = modifiers;
+    PlaceCursor(at);
+    if (!pressed_)
+        return TestHover();
+    if (!dragged_)
+        return;
+    StartProxy();
+    TagList tags{{PV_MouseState, MouseLeft | (modifiers & KeyAlt ? MouseAlternate : 0u)},
+                 {PV_Modifiers, modifiers}};
+    const Ref<PreviewControl> dragged = dragged_; // what is written may end the drag
+    dragged->ControlMove(&view_, at, &tags);
+    for (PreviewControl* other : Overlays()) {
+        if (dragged_ && other->DragState() == DragType::Driven)
+            other->ControlMove(&view_, at, &tags);
+    }
+}
+
+/// Nothing is rendered for a press alone.
+void OverlayStage::StartProxy()
+{
+    Operator* tool = dragged_->GetOperator(nullptr);
+    const std::vector<Input*>& inputs = dragged_->Inputs();
+    if (proxied_ || !tool || std::all_of(inputs.begin(), inputs.end(), [](const Input* input) {
+            return input->GetAttrB(IA_Passive);
+        }))
+        return;
+    proxied_ = Ref<Operator>::Share(tool);
+    document_.SetAutoProxy(tool, true);
+}
+
+void OverlayStage::Release(const MxPoint& at, u32 modifiers)
+{
+    if (!pressed_)
+        return;
+    Move(at, modifiers);
+    EndDrag();
+    TestHover();
+}
+
+void OverlayStage::EndDrag()
+{
+    FinishDrag(true);
+}
+
+void OverlayStage::CancelDrag()
+{
+    FinishDrag(false);
+}
+
+void OverlayStage::FinishDrag(bool keep)
+{
+    pressed_ = false;
+    const Ref<PreviewControl> dragged = std::exchange(dragged_, nullptr);
+    if (!dragged)
+        return;
+    TagList tags{{PV_Modifiers, modifiers_}};
+    if (!keep)
+        dragged->EndUndo(false);
+    for (PreviewControl* other : Overlays()) {
+        if (other->DragState() == DragType::Driven)
+            other->ControlUp(&view_, at_, &tags);
+    }
+    dragged->ControlUp(&view_, at_, &tags);
+    view_.hit = {};
+    view_.currentControl = nullptr;
+    if (IsShown())
+        view_.drawMode = DrawIdle;
+    if (const Ref<Operator> tool = std::exchange(proxied_, nullptr)) {
+        document_.SetAutoProxy(tool.Get(), false);
+        document_.SyncRender();
+    }
+    emit Changed();
+}
+
+void OverlayStage::Leave()
+{
+    if (!std::exchange(pointerInside_, false) || pressed_)
+        return;
+    TestHover();
+}
+
+void OverlayStage::PlacementChanged()
+{
+    if (!pointerInside_)
+        return;
+    PlaceCursor(at_);
+    if (!pressed_)
+        TestHover();
+}
+
+// Keys --------------------------------------------------------------------------------------------
+
+bool OverlayStage::KeyDown(int key, u32 modifiers)
+{
+    PreviewControl* overlay = focus_ ? focus_ : view_.currentControl;
+    if (!overlay || pressed_ || !IsShown() || !overlay->IsEditable())
+        return false;
+    const auto alive = Ref<PreviewControl>::Share(overlay);
+    const bool held = std::exchange(view_.keysHeld, true);
+    TagList tags{{PV_Modifiers, modifiers}};
+    const bool used = overlay->ControlCommand(&view_, CCMD_KeyDown, u64(key), &tags);
+    if (!used)
+        view_.keysHeld = held;
+    return used;
+}
+
+void OverlayStage::KeyUpAll()
+{
+    if (!std::exchange(view_.keysHeld, false))
+        return;
+    TagList tags;
+    for (PreviewControl* overlay : Overlays())
+        overlay->ControlCommand(&view_, CCMD_KeyUpAll, 0, &tags);
+}
+
+void OverlayStage::SetFocus(PreviewControl* overlay)
+{
+    if (focus_ == overlay && !focusShows_)
+        return;
+    KeyUpAll();
+    focus_ = overlay;
+    focusShows_ = false;
+    emit Changed();
+}
+
+bool OverlayStage::FocusNext(bool forward)
+{
+    const std::vector<PreviewControl*> order = Overlays();
+    const auto at = std::find(order.begin(), order.end(), focus_);
+    const std::ptrdiff_t step = forward ? 1 : -1;
+    std::ptrdiff_t next = at == order.end() ? (forward ? 0 : std::ptrdiff_t(order.size()) - 1)
+                                            : at - order.begin() + step;
+    const bool found = IsShown() && next >= 0 && next < std::ptrdiff_t(order.size());
+    SetFocus(found ? order[std::size_t(next)] : nullptr);
+    focusShows_ = found;
+    emit Changed();
+    return found;
+}
+
+QString OverlayStage::Tip()
+{
+    std::array<char, 256> text{};
+    PreviewControl* overlay = view_.currentControl;
+    return overlay && overlay->ControlGetTip(&view_, text.data(), nullptr)
+               ? QString::fromUtf8(text.data())
+               : QString();
+}
+
+} // namespace Marlox
