@@ -3,7 +3,9 @@ marlox_test(workbench-image-files SOURCES ImageFilesTest.cpp TestPictures.h
 # Whole stacks, which tell the image library's leaks from ours.
 set_property(TEST workbench-image-files APPEND PROPERTY ENVIRONMENT
     "ASAN_OPTIONS=check_initialization_order=1:fast_unwind_on_malloc=0")
-marlox_test(workbench-tools SOURCES ToolsTest.cpp TestPictures.h LIBS workbench-core)
+marlox_test(workbench-tools SOURCES ToolsTest.cpp ToolBench.h TestPictures.h LIBS workbench-core)
+marlox_test(workbench-overlay-tools SOURCES OverlayToolsTest.cpp ToolBench.h TestPictures.h
+    LIBS workbench-core)
 marlox_test(workbench-display SOURCES DisplayTest.cpp TestPictures.h LIBS workbench-core)
 marlox_test(workbench-command-line SOURCES CommandLineTest.cpp TestPictures.h LIBS workbench-core)
 add_dependencies(workbench-command-line marlox-workbench marloxcontrols)

@@ -1,0 +1,253 @@
+#include "ToolBench.h"
+#include "script/ScriptSystem.h"
+#include "workbench/images/ImageScale.h"
+#include "workbench/tools/OverlayTags.h"
+#include "workbench/tools/Tools.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include <QtTest>
+
+using namespace Marlox;
+using namespace Marlox::Testing;
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+/// Each pixel says where it is.
+Ref<Image> places(int width, int height, Image::Format format = {})
+{
+    return Picture(
+        width, height,
+        [](int x, int y) {
+            return Rgba{float(x), float(y), -1.0f, 1.0f};
+        },
+        format);
+}
+
+bool isFinite(const Image& image)
+{
+    for (int y = 0; y < image.Height(); ++y) {
+        const float* row = image.Row(y);
+        if (!std::all_of(row, row + std::ptrdiff_t(image.Width()) * 4,
+                         [](float value) { return std::isfinite(value); }))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+/// The tools whose values are dragged in the viewer.
+class OverlayToolsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        InstallScripting();
+        RegisterTools();
+    }
+    void cleanupTestCase() { UninstallScripting(); }
+
+    void transformMovesWholePixelsExactly_data()
+    {
+        QTest::addColumn<int>("filter");
+        QTest::newRow("nearest") << 0;
+        QTest::newRow("bilinear") << 1;
+        QTest::newRow("bicubic") << 2;
+    }
+    void transformMovesWholePixelsExactly()
+    {
+        QFETCH(int, filter);
+        Bench bench("Transform");
+        bench.Set("Centre", 0.5 + 0.25, 0.5 + 0.5).Set("Filter", filter);
+        const auto image = Picture(8, 4, [](int x, int y) {
+            return Rgba{float(x), float(y), -1.0f, 1.0f};
+        });
+        const auto moved = bench.Run(image); // 2 to the right, 2 up
+        for (int y = 0; y < 4; ++y) {
+            for (int x = 0; x < 8; ++x)
+                QVERIFY(isNear(At(*moved, x, y), At(*image, x - 2, y + 2)));
+        }
+        QVERIFY(isNear(At(*moved, 9, 1), At(*image, 7, 3))); // beyond the display window
+    }
+
+    void transformTurnsAndScales()
+    {
+        const auto image = Picture(8, 8, [](int x, int y) {
+            return Rgba{float(x), float(y), 0.0f, 1.0f};
+        });
+        Bench bench("Transform");
+        bench.Set("Angle", 90.0);
+        // Counterclockwise: what was at the right comes to the top.
+        QVERIFY(isNear(At(*bench.Run(image), 2, 0), {7, 2, 0, 1}, 1e-4f));
+        bench.Set("Angle", 360.0);
+        QVERIFY(bench.Run(image) == image);
+        bench.Set("Angle", 0.0).Set("Size", 0.5);
+        QVERIFY(isNear(At(*bench.Run(image), 4, 4), {4.5f, 4.5f, 0, 1}, 1e-4f));
+        QVERIFY(isNear(At(*bench.Run(image), 0, 4), {}));
+        bench.Set("Size", 1.0).Set("Aspect", 2.0);
+        QVERIFY(isNear(At(*bench.Run(image), 4, 1), {3.75f, 1.0f, 0, 1}, 1e-4f));
+        bench.Set("Aspect", 1.0).Set("Size", 0.0);
+        QVERIFY(isNear(At(*bench.Run(image), 4, 4), {}));
+        bench.Set("Size", 1000.0);
+        const auto window = bench.Run(image)->GetFormat().dataWindow;
+        QCOMPARE(window, MxRect(-4, -4, 12, 12));
+    }
+
+    void transformTurnsSquarePixels()
+    {
+        Image::Format wide;
+        wide.pixelAspect = 2.0;
+        const auto image = Picture(
+            8, 8,
+            [](int x, int) {
+                return x == 6 ? Rgba{1, 1, 1, 1} : Rgba{};
+            },
+            wide);
+        Bench bench("Transform");
+        bench.Set("Angle", 90.0).Set("Filter", 0.0);
+        // The column 2 to 3 wide pixels right of the middle comes 4 to 6 pixel heights above it.
+        const auto turned = bench.Run(image);
+        for (const auto& [y, light] : {std::pair(-3, 0.0f), {-2, 1.0f}, {-1, 1.0f}, {0, 0.0f}})
+            QCOMPARE(At(*turned, 4, y)[0], light);
+    }
+
+    void transformTurnsAboutItsPivot()
+    {
+        // The corner pixel's middle is the pivot: it stays there however the picture turns.
+        Image::Format format;
+        format.pixelAspect = 2.0;
+        format.dataWindow = {-1, 0, 7, 9};
+        const auto image = places(8, 8, format);
+        Bench bench("Transform");
+        bench.Set("Pivot", 6.5 / 8.0, 1.0 - 1.5 / 8.0);
+        const std::string still = bench.Key();
+        QVERIFY(bench.Run(image) == image);
+        bench.Set("Size", 0.5).Set("Angle", 123.0).Set("Filter", 0.0);
+        QVERIFY(bench.Key() != still);
+        QCOMPARE(At(*bench.Run(image), 6, 1), (Rgba{6, 1, -1, 1}));
+        // The centre moves it away from there by as much as the centre is off the middle.
+        bench.Set("Centre", 0.5 - 3.0 / 8.0, 0.5 - 4.0 / 8.0);
+        QCOMPARE(At(*bench.Run(image), 3, 5), (Rgba{6, 1, -1, 1}));
+        // Turned by a quarter, one pixel to the right is two pixel heights up.
+        bench.Set("Size", 1.0).Set("Angle", 90.0).Set("Centre", 0.5, 0.5);
+        QCOMPARE(At(*bench.Run(image), 6, 3), (Rgba{5, 1, -1, 1}));
+    }
+
+    void transformIsTheSameOnProxies()
+    {
+        const auto image = Picture(64, 48, [](int x, int y) {
+            return Rgba{float(x) / 64.0f, float(y) / 48.0f, 0.5f, 1.0f};
+        });
+        Bench bench("Transform");
+        bench.Set("Pivot", 0.25, 0.75).Set("Centre", 0.6, 0.4).Set("Angle", 30.0).Set("Size", 0.8);
+        RenderContext context;
+        const auto proxy = bench.Run(ReducedImage(image, 4, context));
+        const auto reduced = ReducedImage(bench.Run(image), 4, context);
+        int compared = 0;
+        for (int y = 0; y < 12; ++y) {
+            for (int x = 0; x < 16; ++x) {
+                if (At(*proxy, x, y)[3] < 0.999f || At(*reduced, x, y)[3] < 0.999f)
+                    continue; // at the edge
+                ++compared;
+                QVERIFY(isNear(At(*proxy, x, y), At(*reduced, x, y), 0.02f));
+            }
+        }
+        QVERIFY(compared > 60);
+    }
+
+    void transformKeepsWildPixelsApart()
+    {
+        const auto image = Picture(8, 8, [](int x, int y) {
+            const float wild = x == 4 && y == 4 ? float(notANumber) : 1.0f;
+            return Rgba{wild, x == 4 && y == 4 ? INFINITY : 1.0f, 1.0f, 1.0f};
+        });
+        Bench bench("Transform");
+        for (const int filter : {0, 1, 2}) {
+            bench.Set("Filter", filter).Set("Centre", 0.5 + 1.0 / 8.0, 0.5);
+            const auto moved = bench.Run(image);
+            QVERIFY(std::isnan(At(*moved, 5, 4)[0]));
+            for (const auto& [x, y] : {std::pair(4, 4), {6, 4}, {5, 3}, {5, 5}})
+                QCOMPARE(At(*moved, x, y), (Rgba{1, 1, 1, 1}));
+        }
+    }
+
+    void toolsSurviveWildValues_data()
+    {
+        QTest::addColumn<QString>("tool");
+        for (const char* tool : {"Transform"})
+            QTest::newRow(tool) << tool;
+    }
+    void toolsSurviveWildValues()
+    {
+        QFETCH(QString, tool);
+        Image::Format empty;
+        empty.dataWindow = empty.displayWindow = {};
+        const std::array pictures{places(16, 9), MakeRef<Image>(empty), MakeRef<Image>()};
+        for (const auto& picture : pictures) {
+            for (const double wild : {notANumber, double(INFINITY), 1e300, -1e300, -1.0, 0.0}) {
+                Bench bench(qPrintable(tool));
+                for (const Ref<Input>& input : bench.Tool().Inputs()) {
+                    if (input->IsImage())
+                        continue;
+                    const Input::State before = input->GetState();
+                    if (input->GetDataType() == MxID(CLSID_DataType_Point))
+                        bench.Set(input->GetID().c_str(), wild, wild);
+                    else
+                        bench.Set(input->GetID().c_str(), wild);
+                    const auto image = bench.Run(picture);
+                    QVERIFY2(image, input->GetID().c_str());
+                    QVERIFY2(isFinite(*image), input->GetID().c_str());
+                    QVERIFY2(image->Width() <= 64 && image->Height() <= 64, input->GetID().c_str());
+                    input->RestoreInputState(before);
+                }
+            }
+        }
+    }
+
+    void cancelledToolsGiveNothing_data() { toolsSurviveWildValues_data(); }
+    void cancelledToolsGiveNothing()
+    {
+        QFETCH(QString, tool);
+        Bench bench(qPrintable(tool));
+        for (const Ref<Input>& input : bench.Tool().Inputs()) {
+            if (input->GetDataType() == MxID(CLSID_DataType_Point))
+                bench.Set(input->GetID().c_str(), 0.3, 0.4);
+        }
+        RenderContext context;
+        context.Cancel();
+        QString error;
+        QVERIFY(!bench.Tool().Prepare(0.0)->Run(places(16, 9), context, error));
+        QVERIFY(error.isEmpty());
+    }
+
+    void overlaysFindTheirInputs_data() { toolsSurviveWildValues_data(); }
+    void overlaysFindTheirInputs()
+    {
+        QFETCH(QString, tool);
+        Bench bench(qPrintable(tool));
+        int overlays = 0;
+        for (const Ref<Input>& input : bench.Tool().Inputs()) {
+            const TagList& tags = input->Attributes();
+            overlays += tags.FindQuery(IAS_Overlay);
+            if (tags.FindQuery(IAS_OverlayWith)) {
+                const Input* first = bench.Tool().FindInput(input->GetAttrS(IAS_OverlayWith));
+                QVERIFY(first && first->Attributes().FindQuery(IAS_Overlay));
+            }
+            for (const TagPair* pair = tags.First(); pair; pair = tags.Next(pair)) {
+                if (TypeOfTag(u32(pair->tag)) == TagType::InputID || pair->tag == IAS_OverlayOffset)
+                    QVERIFY2(bench.Tool().FindInput(pair->value.text), pair->value.text);
+            }
+        }
+        QVERIFY(overlays > 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(OverlayToolsTest)
+#include "OverlayToolsTest.moc"
