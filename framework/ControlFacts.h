@@ -62,7 +62,7 @@ constexpr TagType TypeByName(std::string_view name)
 }
 
 /// Whether a tag-name table is well formed: ended by an empty entry, tags of group 005 whose first
-/// digits agree with their names, no name or tag twice.
+/// digits agree with their names, no name or tag twice; only strings are repeated.
 template <std::size_t size>
 consteval bool IsTagNameTable(const TagMapEntry (&table)[size])
 {
@@ -70,7 +70,8 @@ consteval bool IsTagNameTable(const TagMapEntry (&table)[size])
         return false;
     for (std::size_t i = 0; i + 1 < size; ++i) {
         if (!table[i].name || GroupOfTag(table[i].tag) != 0x005 ||
-            TypeByName(table[i].name) != TypeOfTag(table[i].tag))
+            TypeByName(table[i].name) != TypeOfTag(table[i].tag) ||
+            (table[i].repeated && TypeOfTag(table[i].tag) != TagType::String))
             return false;
         for (std::size_t k = 0; k < i; ++k) {
             if (table[k].tag == table[i].tag ||

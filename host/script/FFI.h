@@ -22,6 +22,7 @@ struct MARLOXSCRIPT_EXPORT TagMapEntry {
     const char* name = nullptr;
     u32 tag = 0;
     TagType type = TagType(0); // 0: as the tag's id says
+    bool repeated = false;     // strings: stands once for each value, in scripts a list
 
     /// What the tag carries: `type`, else a string for REG_ParentName, else the id's digit.
     TagType ValueType() const;
@@ -31,8 +32,9 @@ struct MARLOXSCRIPT_EXPORT TagMapEntry {
 /// when `toScript`. Names that the table lacks are left alone; what stands there already is
 /// replaced. By the type of an entry's value: an integer takes whole numbers and booleans, a double
 /// numbers, a string or input id strings, a pointer the text of a class id, an object a host
-/// object. False if a value did not fit its tag (the others are still converted). Strings are
-/// copied into the tag list; objects are not owned by either side.
+/// object; a repeated entry takes a list of strings, or one string, and becomes a list in scripts.
+/// False if a value did not fit its tag (the others are still converted). Strings are copied into
+/// the tag list; objects are not owned by either side.
 MARLOXSCRIPT_EXPORT bool scriptval_maptags(const TagMapEntry* table, bool toScript,
                                            ScriptVal& values, TagList& tags);
 

@@ -119,6 +119,7 @@ public:
     bool Add(const MxID& call, const std::string& name, const ScriptVal& value,
              TagList& tags) const;
     std::optional<u32> TagOf(const std::string& name, Object& object) const;
+    bool IsRepeated(u32 tag) const;
     ScriptVal ToScript(const MxID& call, TagList& tags) const;
     std::vector<std::string> All() const;
 
@@ -179,6 +180,15 @@ std::optional<u32> AttributeNames::TagOf(const std::string& name, Object& object
             return u32(probe.First()->tag);
     }
     return {};
+}
+
+bool AttributeNames::IsRepeated(u32 tag) const
+{
+    for (const TagMapEntry* entry = own_; entry && entry->name; ++entry) {
+        if (entry->tag == tag)
+            return entry->repeated;
+    }
+    return false;
 }
 
 ScriptVal AttributeNames::ToScript(const MxID& call, TagList& tags) const
@@ -322,6 +332,21 @@ void ListClasses(ScriptCall& call)
     call.Return(list);
 }
 
+/// Reads an attribute of the object; one that it lacks is left out.
+void ReadAttribute(const AttributeNames& names, u32 tag, Object& object, TagList& out)
+{
+    if (names.IsRepeated(tag)) {
+        TagList all({{tag, 0}});
+        if (object.DoTagList(Object::CommandGetRepeated, all) != 0) {
+            out.Merge(all);
+            return;
+        }
+    }
+    u64 bits = 0; // every form of value fits
+    if (object.CopyAttr(tag, &bits))
+        out.Set(tag, TagValue((unsigned long)(bits)));
+}
+
 void GetAttributes(ScriptCall& call)
 {
     Object& object = call.Self<Object>();
@@ -339,9 +364,7 @@ void GetAttributes(ScriptCall& call)
         const std::optional<u32> tag = names.TagOf(name, object);
         if (!tag)
             throw ScriptError("there is no attribute \"" + name + "\"");
-        u64 bits = 0; // every form of value fits
-        if (object.CopyAttr(*tag, &bits))
-            tags.Set(*tag, TagValue((unsigned long)(bits)));
+        ReadAttribute(names, *tag, object, tags);
     }
     const ScriptVal all = names.ToScript(MxID("GetAttrs"), tags);
     ScriptVal result = ScriptVal::MakeTable();

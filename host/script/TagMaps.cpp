@@ -4,6 +4,7 @@
 #include "system/base/Object.h"
 #include "system/base/Registry.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <optional>
@@ -23,6 +24,7 @@ constexpr TagMapEntry hostTags[] = {
     {"IA_Animatable", IA_Animatable},
     {"IA_ReadOnly", IA_ReadOnly},
     {"IA_OverlayStays", IA_OverlayStays},
+    {"IA_Stepped", IA_Stepped},
     {"IAD_Minimum", IAD_Minimum},
     {"IAD_Maximum", IAD_Maximum},
     {"IAD_LowScale", IAD_LowScale},
@@ -74,8 +76,25 @@ std::optional<int64> ToInteger(const ScriptVal& value)
     return int64(number);
 }
 
+/// A list of strings, one pair for each. An empty one would be no pair: it says nothing.
+bool ToRepeatedTag(const TagMapEntry& entry, const ScriptVal& list, TagList& tags)
+{
+    const auto& texts = list.Elements();
+    const bool fits = !texts.empty() && list.Fields().empty() &&
+                      std::all_of(texts.begin(), texts.end(),
+                                  [](const ScriptVal& text) { return text.IsString(); });
+    if (!fits)
+        return false;
+    tags.Remove(entry.tag);
+    for (const ScriptVal& text : texts)
+        tags.AddCopy(entry.tag, text.ToString());
+    return true;
+}
+
 bool ToTag(const TagMapEntry& entry, const ScriptVal& value, TagList& tags)
 {
+    if (entry.repeated && value.IsTable())
+        return ToRepeatedTag(entry, value, tags);
     switch (entry.ValueType()) {
     case TagType::Integer:
         if (const std::optional<int64> integer = ToInteger(value)) {
@@ -92,6 +111,8 @@ bool ToTag(const TagMapEntry& entry, const ScriptVal& value, TagList& tags)
     case TagType::InputID:
         if (!value.IsString())
             return false;
+        if (entry.repeated)
+            tags.Remove(entry.tag); // all that stand there
         tags.SetCopy(entry.tag, value.ToString());
         return true;
     case TagType::Pointer:
@@ -130,6 +151,14 @@ ScriptVal FromTag(TagType type, const TagPair& pair)
     return ScriptVal();
 }
 
+ScriptVal FromRepeatedTag(const TagList& tags, const TagPair& first)
+{
+    ScriptVal list = ScriptVal::MakeTable();
+    for (const TagPair* pair = &first; pair; pair = tags.FindNext(pair))
+        list.Append(FromTag(TagType::String, *pair));
+    return list;
+}
+
 } // namespace
 
 TagType TagMapEntry::ValueType() const
@@ -145,7 +174,8 @@ bool scriptval_maptags(const TagMapEntry* table, bool toScript, ScriptVal& value
     for (const TagMapEntry* entry = table; entry && entry->name; ++entry) {
         if (toScript) {
             if (const TagPair* pair = tags.Find(entry->tag))
-                values.Set(entry->name, FromTag(entry->ValueType(), *pair));
+                values.Set(entry->name, entry->repeated ? FromRepeatedTag(tags, *pair)
+                                                        : FromTag(entry->ValueType(), *pair));
         } else if (const ScriptVal& value = values.Get(entry->name); !value.IsNil()) {
             allFit = ToTag(*entry, value, tags) && allFit;
         }

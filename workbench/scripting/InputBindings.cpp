@@ -65,32 +65,53 @@ std::optional<Interpolation> interpolationAt(const ScriptCall& call, int index)
 
 /// The tag of an attribute by its name in the host's creation map, or in that of the control class
 /// which the input asks for.
-u32 tagOf(const Input& input, const std::string& name)
+const TagMapEntry& attributeNamed(const Input& input, const std::string& name)
 {
-    const auto findIn = [&name](const TagMapEntry* entry) -> u32 {
+    const auto findIn = [&name](const TagMapEntry* entry) -> const TagMapEntry* {
         for (; entry && entry->name; ++entry) {
             if (name == entry->name)
-                return entry->tag;
+                return entry;
         }
-        return 0;
+        return nullptr;
     };
     for (const char* map : {CreationMap_InputControl, CreationMap_PreviewControl}) {
-        if (const u32 tag = findIn(SharedCreationMap(map)))
-            return tag;
+        if (const TagMapEntry* entry = findIn(SharedCreationMap(map)))
+            return *entry;
     }
     for (const u32 chooser : {IAS_Control, IAS_Overlay}) {
         const FFIType* type = FFIType::Find(input.GetAttrS(chooser));
         const FFITagMap* map = type ? FFITagMap::Find(type, "Create") : nullptr;
-        if (const u32 tag = map ? findIn(map->own) : 0)
-            return tag;
+        if (const TagMapEntry* entry = map ? findIn(map->own) : nullptr)
+            return *entry;
     }
     throw ScriptError("no attribute is named \"" + name + "\"");
+}
+
+/// An attribute that stands once for each of its values, which scripts see as a list.
+void repeatedAttribute(ScriptCall& call, Input& input, const TagMapEntry& entry)
+{
+    const TagMapEntry table[] = {entry, {}};
+    if (call.Has(2)) {
+        ScriptVal given = ScriptVal::MakeTable();
+        given.Set(entry.name, call.Value(2));
+        TagList tags;
+        if (!scriptval_maptags(table, false, given, tags))
+            throw ScriptError(std::string(entry.name) + " is a list of texts");
+        input.SetAttrsTagList(tags);
+    }
+    ScriptVal values = ScriptVal::MakeTable();
+    TagList attributes(input.Attributes());
+    scriptval_maptags(table, true, values, attributes);
+    call.Return(values.Get(entry.name));
 }
 
 void attribute(ScriptCall& call)
 {
     Input& input = self(call);
-    const u32 tag = tagOf(input, call.Text(1));
+    const TagMapEntry& entry = attributeNamed(input, call.Text(1));
+    if (entry.repeated)
+        return repeatedAttribute(call, input, entry);
+    const u32 tag = entry.tag;
     if (call.Has(2)) {
         TagList tags;
         switch (TypeOfTag(tag)) {
@@ -120,7 +141,8 @@ void addValues(ScriptClass& input)
 {
     input.Method("id", [](ScriptCall& call) { call.Return(self(call).GetID().ToString()); });
     input.Method("name", [](ScriptCall& call) { call.Return(self(call).GetName()); });
-    input.Method("type", [](ScriptCall& call) { call.Return(self(call).GetDataType().ToString()); });
+    input.Method("type",
+                 [](ScriptCall& call) { call.Return(self(call).GetDataType().ToString()); });
     input.Method("get", [](ScriptCall& call) {
         const Input& in = self(call);
         call.Return(toScript(in.GetValue(timeOr(call, 1, in)).Get()));

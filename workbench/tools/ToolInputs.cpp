@@ -25,16 +25,18 @@ Input& AddSlider(Operator& tool, const SliderSpec& spec, const TagList& further)
 Input& AddChoice(Operator& tool, const char* id, const char* name, const char* help,
                  std::initializer_list<const char*> names, int normal)
 {
-    const double highest = double(names.size() - 1);
-    TagList tags{{IA_Integer, true},
+    TagList tags{{IAS_Name, name},
+                 {IAS_Help, help},
+                 {IAS_Control, CLSID_InputControl_Combo},
+                 {IAS_DataType, CLSID_DataType_Number},
+                 {IA_Integer, true},
+                 {IA_Stepped, true},
                  {IAD_Minimum, 0.0},
-                 {IAD_Maximum, highest},
-                 {IC_TickFreq, int(names.size())},
-                 {SLCS_LowName, names.begin()[0]},
-                 {SLCS_HighName, names.end()[-1]}};
-    if (names.size() > 2)
-        tags.Add(SLCS_MidName, names.begin()[names.size() / 2]);
-    return AddSlider(tool, {id, name, 0.0, highest, double(normal), help}, tags);
+                 {IAD_Maximum, double(names.size() - 1)},
+                 {IAD_Default, double(normal)}};
+    for (const char* entry : names)
+        tags.Add(CMBS_Entry, entry);
+    return tool.AddInput(id, tags);
 }
 
 Input& AddFlag(Operator& tool, const char* id, const char* name, const char* help, bool normal)
@@ -44,6 +46,7 @@ Input& AddFlag(Operator& tool, const char* id, const char* name, const char* hel
                               {IAS_Control, CLSID_InputControl_Checkbox},
                               {IAS_DataType, CLSID_DataType_Number},
                               {IA_Integer, true},
+                              {IA_Stepped, true},
                               {IAD_Minimum, 0.0},
                               {IAD_Maximum, 1.0},
                               {IAD_LowScale, 0.0},

@@ -8,11 +8,12 @@
 
 namespace Marlox {
 
-// The slider control's own creation tags, as its reference has them.
+// The own creation tags of the slider and of the combo control, as their references have them.
 inline constexpr u32 IC_TickFreq = 0x10050000;   // number of tick marks; 0: chosen by the slider
 inline constexpr u32 SLCS_LowName = 0x30050000;  // texts under the low end,
 inline constexpr u32 SLCS_MidName = 0x30050001;  // the middle
 inline constexpr u32 SLCS_HighName = 0x30050002; // and the high end
+inline constexpr u32 CMBS_Entry = 0x30050000;    // the text of an entry, once for each
 
 /// What a number input with a slider needs; further tags follow in the list given to AddSlider.
 struct SliderSpec {
@@ -26,7 +27,8 @@ struct SliderSpec {
 
 /// Adds a number input shown as a slider.
 Input& AddSlider(Operator& tool, const SliderSpec& spec, const TagList& further = {});
-/// A whole number from 0 to the number of names less one, named under the slider's ends and middle.
+/// A whole number from 0 to the number of names less one, chosen by name in a combo box. It holds
+/// between keys.
 Input& AddChoice(Operator& tool, const char* id, const char* name, const char* help,
                  std::initializer_list<const char*> names, int normal);
 /// A flag, 0 or 1.

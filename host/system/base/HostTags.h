@@ -16,6 +16,7 @@ inline constexpr u32 IA_Passive = 0x1003000d;      // changes neither record nor
 inline constexpr u32 IA_Animatable = 0x1003000e;   // may carry keys; set unless given
 inline constexpr u32 IA_ReadOnly = 0x1003000f;
 inline constexpr u32 IA_OverlayStays = 0x10030010; // overlay shows while another tool is selected
+inline constexpr u32 IA_Stepped = 0x10030011;      // new keys hold their value until the next
 inline constexpr u32 IAD_Minimum = 0x20030000;     // lowest value ever accepted
 inline constexpr u32 IAD_Maximum = 0x20030001;     // highest value ever accepted
 inline constexpr u32 IAD_LowScale = 0x20030002;    // value at the low end of a slider

@@ -90,7 +90,11 @@ public:
     virtual void Use();
     virtual void Recycle();
 
+    /// Runs a command; 0: there is none of that number, or it failed.
     virtual u64 DoTagList(unsigned int command, TagList& tags);
+    /// Command of DoTagList: `tags` holds one pair, whose tag names an attribute that stands once
+    /// for each of its values; all of them, in order, take its place. Texts are copied.
+    static constexpr unsigned int CommandGetRepeated = 1;
     virtual bool DoTable(const MxID& call, ScriptVal& table);
     virtual void OnAddToList(Object* list);
     virtual void OnRemoveFromList(Object* list);

@@ -217,7 +217,7 @@ bool Input::SetValue(const Parameter& value, double time, unsigned flags)
     if (next.animation.IsEmpty())
         next.value = Accepted(value);
     else if (std::isfinite(time))
-        next.animation.SetKey(time, Accepted(value));
+        next.animation.SetKey(time, Accepted(value), InterpolationOfKeySet(time));
     else
         return false;
     return Change(std::move(next), tr("Change %1"));
@@ -252,8 +252,17 @@ bool Input::AddKey(double time, std::optional<Interpolation> interpolation)
         time == TimeNone)
         return false;
     State next = state_;
-    next.animation.SetKey(time, GetValue(time), interpolation);
+    next.animation.SetKey(time, GetValue(time),
+                          interpolation ? interpolation : InterpolationOfKeySet(time));
     return Change(std::move(next), tr("Set Key of %1"));
+}
+
+/// Nothing: the usual one, or the one that the key has which is there.
+std::optional<Interpolation> Input::InterpolationOfKeySet(double time) const
+{
+    if (attributes_.GetBool(IA_Stepped) && !IsKeyAt(time))
+        return Interpolation::Step;
+    return {};
 }
 
 bool Input::RemoveKey(double time)

@@ -70,10 +70,10 @@ public:
     /// Clamped to IAD_Minimum and IAD_Maximum and made whole by IA_Integer.
     Ref<Parameter> Accepted(const Parameter& value) const;
 
-    /// Writes a value (as Accepted). With keys, a key at `time` is set or changed; TimeNone or
-    /// ReplaceAll drop keys and expression. Otherwise an expression stays and keeps ruling: what is
-    /// written lies underneath and shows once the expression is removed. False also for another
-    /// kind of value.
+    /// Writes a value (as Accepted). With keys, a key at `time` is set or changed (a new one of an
+    /// input with IA_Stepped holds its value until the next); TimeNone or ReplaceAll drop keys and
+    /// expression. Otherwise an expression stays and keeps ruling: what is written lies underneath
+    /// and shows once the expression is removed. False also for another kind of value.
     bool SetValue(const Parameter& value, double time, unsigned flags = KeepKeys);
     Ref<Parameter> DefaultValue() const; // by IAD_Default and its kin
     bool SetDefault();                   // back to the default: keys and expression go
@@ -134,6 +134,7 @@ private:
     bool Change(State next, const QString& text, Force force = Ask);
     void Assign(const State& state);
     void Announce(bool reconnected);
+    std::optional<Interpolation> InterpolationOfKeySet(double time) const;
     Ref<Parameter> EvaluateExpression(double time) const;
 
     Operator& owner_;

@@ -31,18 +31,15 @@ constexpr u32 textTag = 0x30050000;
 constexpr u32 objectTag = 0x40050000;
 constexpr u32 classTag = 0x60050000;
 constexpr u32 inputTag = 0x80050000;
+constexpr u32 listTag = 0x30050001;
 constexpr u32 oddTag = 0x20050009; // says double, carries an integer
 
 constexpr TagMapEntry table[] = {
-    {"Long", longTag},
-    {"Double", doubleTag},
-    {"Text", textTag},
-    {"Object", objectTag},
-    {"Class", classTag},
-    {"Input", inputTag},
-    {"Odd", oddTag, TagType::Integer},
-    {"Parent", REG_ParentName},
-    {},
+    {"Long", longTag},          {"Double", doubleTag},
+    {"Text", textTag},          {"List", listTag, {}, true},
+    {"Object", objectTag},      {"Class", classTag},
+    {"Input", inputTag},        {"Odd", oddTag, TagType::Integer},
+    {"Parent", REG_ParentName}, {},
 };
 
 bool ToTags(const char* name, const ScriptVal& value, TagList& tags)
@@ -61,6 +58,7 @@ private slots:
     void FindsFunctionsOfItsOwnLibrary();
     void TellsBasesOfClasses();
     void MapsBothWays();
+    void ListsAreRepeatedTags();
     void KeepsTextsOfItsOwn();
     void RefusesMisfits_data();
     void RefusesMisfits();
@@ -155,6 +153,32 @@ void FFITest::MapsBothWays()
     QCOMPARE(tags.GetLong(longTag), int64(1));
     QCOMPARE(tags.Count(), std::size_t(8));
     QVERIFY(scriptval_maptags(nullptr, false, values, tags));
+}
+
+void FFITest::ListsAreRepeatedTags()
+{
+    ScriptVal list = ScriptVal::MakeTable();
+    for (const char* text : {"one", "two", "one"})
+        list.Append(text);
+    TagList tags({{listTag, "old"}, {textTag, "between"}, {listTag, "older"}});
+    QVERIFY(ToTags("List", list, tags));
+    QCOMPARE(tags.Count(), std::size_t(4));
+    ScriptVal back = ScriptVal::MakeTable();
+    TagList merged; // as attributes travel
+    merged.Merge(tags);
+    QVERIFY(scriptval_maptags(table, true, back, merged));
+    QVERIFY(back.Get("List") == list);
+    QVERIFY(back.Get("Text").IsString());
+    // One text is a list of one.
+    QVERIFY(ToTags("List", "alone", tags));
+    QCOMPARE(tags.Count(), std::size_t(2));
+    QVERIFY(scriptval_maptags(table, true, back, tags));
+    QCOMPARE(back.Get("List").Length(), std::size_t(1));
+
+    list.Append(ScriptVal(3));
+    QVERIFY(!ToTags("List", list, tags) && !ToTags("List", ScriptVal::MakeTable(), tags));
+    QCOMPARE(tags.GetString(listTag), "alone");
+    QVERIFY(!ToTags("Text", back.Get("List"), tags)); // only where it says so
 }
 
 void FFITest::KeepsTextsOfItsOwn()

@@ -19,7 +19,9 @@ namespace {
 
 constexpr u32 EC_Ticks = 0x10050000;
 constexpr u32 ECS_Low = 0x30050002;
-constexpr TagMapEntry editNames[] = {{"EC_Ticks", EC_Ticks}, {"ECS_Low", ECS_Low}, {}};
+constexpr u32 ECS_Name = 0x30050003;
+constexpr TagMapEntry editNames[] = {
+    {"EC_Ticks", EC_Ticks}, {"ECS_Low", ECS_Low}, {"ECS_Name", ECS_Name, {}, true}, {}};
 
 MxID mappedCall; // the last call that the mapper was asked for
 
@@ -33,9 +35,24 @@ bool MapEdit(const MxID& call, bool toScript, ScriptVal& values, TagList& tags)
 /// name than its class id.
 class EditControl : public InputControl {
 public:
-    using InputControl::InputControl;
+    EditControl(const Registry* record, const ScriptVal& creator, const TagList& attributes)
+        : InputControl(record, creator, attributes)
+    {
+        made_.Merge(attributes);
+    }
     ~EditControl() override { --alive; }
+    u64 DoTagList(unsigned int command, TagList& tags) override
+    {
+        const u32 tag = u32(tags.First()->tag);
+        tags.Clear();
+        for (const TagPair* pair = made_.Find(tag); pair; pair = made_.FindNext(pair))
+            tags.AddCopy(tag, pair->value.text);
+        return command == CommandGetRepeated && tags.Count() > 0;
+    }
     static inline int alive = 0;
+
+private:
+    TagList made_;
 };
 
 class MarkControl : public PreviewControl {
@@ -607,6 +624,11 @@ void ScriptEngineTest::ReadsAndWritesAttributes()
     const ScriptVal all = Value("edit:GetAttrs()");
     QCOMPARE(all.Get("ECS_Low").ToString(), std::string("other"));
     QVERIFY(all.Get("IC_TabStop").IsNumber());
+    QVERIFY(all.Get("ECS_Name").IsNil());
+    QVERIFY(engine_->RunText("edit = create('EditControl', {ECS_Name = {'one', 'two'}})").ok);
+    const ScriptVal names = Value("edit:GetAttrs{'ECS_Name'}").Get("ECS_Name");
+    QCOMPARE(names.Length(), std::size_t(2));
+    QCOMPARE(names.At(2).ToString(), std::string("two"));
     engine_->ReleaseObjects();
 }
 

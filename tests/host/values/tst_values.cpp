@@ -226,6 +226,16 @@ private slots:
         QCOMPARE(gain.GetNumber(0), 1.0);
     }
 
+    void steppedInputsHoldBetweenKeys()
+    {
+        Input& gain = input("Gain");
+        gain.SetAttrsTagList(TagList({{IA_Stepped, 1}}));
+        QVERIFY(gain.AddKey(0) && gain.SetValue(Number(5), 10));
+        QCOMPARE(gain.GetNumber(9), 1.0);
+        QVERIFY(gain.AddKey(0, Interpolation::Linear) && gain.SetValue(Number(3), 0));
+        QCOMPARE(gain.GetNumber(5), 4.0); // a key that is there keeps what it was given
+    }
+
     void undoRestoresExactly()
     {
         Input& gain = input("Gain");
