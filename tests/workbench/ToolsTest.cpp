@@ -68,7 +68,8 @@ private slots:
 
     void slidersSayWhatTheyAre()
     {
-        for (const char* type : {"ImageSource", "BrightnessContrast", "Blur", "Transform"}) {
+        for (const char* type :
+             {"ImageSource", "BrightnessContrast", "Blur", "Crop", "CropRegion", "Transform"}) {
             Bench bench(type);
             for (const Ref<Input>& input : bench.Tool().Inputs()) {
                 if (input->GetAttrS(IAS_Control) != std::string_view(CLSID_InputControl_Slider))

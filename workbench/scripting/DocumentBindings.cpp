@@ -108,13 +108,14 @@ void addToolList(ScriptContext& context)
     engine.AddFunction("document.tool", [&document](ScriptCall& call) {
         call.ReturnObject(document.FindTool(call.String(1)));
     });
-    engine.AddFunction("document.add", [&session, &document](ScriptCall& call) {
+    engine.AddFunction("document.add", [&session](ScriptCall& call) {
         QString error;
         const MxID type(call.Text(1).c_str());
-        Operator* tool = call.Has(2) ? document.AddTool(type, call.Integer(2) - 1, &error)
-                                     : session.AddTool(type, &error);
+        std::optional<int> position;
+        if (call.Has(2))
+            position = call.Integer(2) - 1;
+        Operator* tool = session.AddTool(type, &error, position);
         require(tool, error);
-        session.SelectTool(tool);
         call.ReturnObject(tool);
     });
     engine.AddFunction("document.select", [&session](ScriptCall& call) {

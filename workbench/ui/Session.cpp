@@ -5,6 +5,7 @@
 #include "system/evaluation/Renderer.h"
 #include "workbench/images/Sequence.h"
 #include "workbench/tools/ImageSource.h"
+#include "workbench/tools/PictureFitted.h"
 
 #include <algorithm>
 #include <chrono>
@@ -169,12 +170,17 @@ bool Session::NameFilesInFull(const QDir& newFolder)
     return renamed;
 }
 
-Operator* Session::AddTool(const MxID& toolType, QString* error)
+Operator* Session::AddTool(const MxID& toolType, QString* error, std::optional<int> position)
 {
-    const int position = selected_ ? document_->IndexOf(*selected_) + 1 : -1;
-    Operator* tool = document_->AddTool(toolType, position, error);
-    if (tool)
-        SelectTool(tool);
+    const int behind = selected_ ? document_->IndexOf(*selected_) + 1 : -1;
+    Operator* tool = document_->AddTool(toolType, position.value_or(behind), error);
+    if (!tool)
+        return nullptr;
+    auto* fitted = dynamic_cast<PictureFitted*>(tool);
+    const Ref<Image> picture = document_->GetRenderer().LastResult().image;
+    if (fitted && picture)
+        fitted->FitTo(picture->GetFormat());
+    SelectTool(tool);
     return tool;
 }
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <QDir>
 #include <QObject>
@@ -45,8 +46,9 @@ public:
     bool Save(const QString& path, QString* error);
     static bool IsDocumentPath(const QString& path);
 
-    /// Adds a tool behind the selected one and selects it.
-    Operator* AddTool(const MxID& toolType, QString* error);
+    /// Adds a tool at `position` in the flow (behind the selected one unless given) and selects it.
+    /// A tool with values in pixels is fitted to the picture on show, if there is one.
+    Operator* AddTool(const MxID& toolType, QString* error, std::optional<int> position = {});
     Operator* DuplicateTool(Operator& tool, QString* error);
 
     // Keys of the selected tool, in frames; empty without a tool.
