@@ -43,6 +43,15 @@
     ["System.KeyColour"] = {124, 192, 148},
     ["System.CurrentTimeColour"] = {92, 158, 220},
 
+    -- Marks over the picture: the tool's own, what the pointer is on, where a drag began, the way of an
+    -- animated point, what moves with keys, what can't be changed.
+    ["Viewer.OverlayColour"] = {224, 224, 224},
+    ["Viewer.OverlayHighlightColour"] = {255, 196, 92},
+    ["Viewer.OverlayOriginColour"] = {196, 144, 96},
+    ["Viewer.OverlayPathColour"] = {124, 192, 148, 200},
+    ["Viewer.OverlayAnimatedColour"] = {186, 220, 198},
+    ["Viewer.OverlayLockedColour"] = {132, 132, 132},
+
     -- Controls.
     ["Controls.ColorRanges.BaseColour"] = {80, 80, 80},
     ["Controls.ColorRanges.HandleColour"] = {51, 153, 179},

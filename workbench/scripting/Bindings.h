@@ -29,6 +29,7 @@ void AddControlBindings(ScriptContext& context);
 void AddEventBindings(ScriptContext& context);
 void AddDialogBindings(ScriptContext& context);
 void AddPictureBindings(ScriptContext& context);
+void AddViewerBindings(ScriptContext& context); // behind the widgets
 void AddPluginBindings(ScriptContext& context);
 
 /// Runs the event loop for a time (seconds), then throws what dialogs left unanswered.

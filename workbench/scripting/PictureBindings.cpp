@@ -7,6 +7,7 @@
 #include "workbench/ui/MainWindow.h"
 #include "workbench/viewer/ViewerWidget.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <future>
@@ -121,25 +122,17 @@ void addGrab(ScriptEngine& engine)
 
 void addViewer(ScriptEngine& engine)
 {
-    ScriptClass& viewer = engine.AddClass<ViewerWidget>("Viewer", "Widget");
-    const auto place = [](ScriptCall& call, QPointF normalised) {
-        const QPointF at = call.Self<ViewerWidget>().ImageToWidget(normalised);
-        call.Return(at.x());
-        call.Return(at.y());
-    };
-    viewer.Method("normalised", [place](ScriptCall& call) {
-        place(call, {call.Number(1), call.Number(2)});
-    });
-    viewer.Method("image", [place](ScriptCall& call) {
-        const PreviewInfo info = call.Self<ViewerWidget>().GetPreviewInfo();
-        place(call, {call.Number(1) / info.pixelWidth, call.Number(2) / info.pixelHeight});
-    });
-    viewer.Method("color", [](ScriptCall& call) {
+    engine.AddClass<ViewerWidget>("Viewer").Method("color", [](ScriptCall& call) {
         const Ref<Image>& shown = call.Self<ViewerWidget>().ShownImage();
         call.Return(shown ? pixelOf(*shown, pixelAt(call)) : ScriptVal());
     });
-    viewer.Method("message",
-                  [](ScriptCall& call) { call.Return(call.Self<ViewerWidget>().Message()); });
+}
+
+bool areSettled(MainWindow& window)
+{
+    const std::vector<ViewerWidget*> viewers = window.Viewers();
+    return std::all_of(viewers.begin(), viewers.end(),
+                       [](const ViewerWidget* viewer) { return viewer->IsSettled(); });
 }
 
 void waitForRender(ScriptContext& context, double seconds)
@@ -152,7 +145,7 @@ void waitForRender(ScriptContext& context, double seconds)
             throw ScriptError(
                 QString("waitrender: the picture was not done after %1 s").arg(seconds));
         RunEvents(context, 0.005);
-    } while (renderer.IsBusy() || !context.window.Viewer().IsSettled());
+    } while (renderer.IsBusy() || !areSettled(context.window));
 }
 
 void renderFrame(ScriptContext& context, ScriptCall& call)

@@ -21,6 +21,7 @@ public:
         : log(window.GetSession().Document(), window.Inspector().Page()),
           context{engine, window, window.GetSession(), events, answers, log}
     {
+        QObject::connect(&window, &MainWindow::OverlayWrote, &log, &ScriptLog::OnValueWritten);
         engine.SetPrint([&host](const QString& line) { emit host.Printed(line); });
         AddDocumentBindings(context);
         AddInputBindings(context);
@@ -29,6 +30,7 @@ public:
         AddControlBindings(context);
         AddEventBindings(context);
         AddDialogBindings(context);
+        AddViewerBindings(context);
         AddPictureBindings(context);
         AddPluginBindings(context);
         AddHelp();

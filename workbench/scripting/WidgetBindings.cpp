@@ -160,9 +160,6 @@ void AddWidgetBindings(ScriptContext& context)
     engine.AddFunction("window", [&window](ScriptCall& call) {
         call.ReturnObject(static_cast<QWidget*>(&window));
     });
-    engine.AddFunction("viewer", [&window](ScriptCall& call) {
-        call.ReturnObject(static_cast<QWidget*>(&window.Viewer()));
-    });
     engine.AddFunction("inspector", [&window](ScriptCall& call) {
         call.ReturnObject(static_cast<QWidget*>(&window.Inspector()));
     });

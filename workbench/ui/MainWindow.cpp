@@ -10,10 +10,9 @@
 #include "workbench/ui/MainWindowMenus.h"
 #include "workbench/ui/Messages.h"
 #include "workbench/ui/PreferencesDlg.h"
-#include "workbench/ui/ReadOut.h"
 #include "workbench/ui/TimelinePanel.h"
 #include "workbench/ui/ToolPanel.h"
-#include "workbench/ui/ViewerBar.h"
+#include "workbench/ui/ViewerPane.h"
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <QAbstractButton>
@@ -41,10 +40,10 @@ constexpr int stateVersion = 1;
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent), viewer_(new ViewerWidget(session_.Document())),
-      tools_(new ToolPanel(session_)), inspector_(new InspectorPanel(session_)),
-      timeline_(new TimelinePanel(session_)), scripts_(std::make_unique<ScriptHost>(*this)),
-      console_(new ConsolePanel(*scripts_)), where_(new ElideLabel)
+    : QMainWindow(parent), tools_(new ToolPanel(session_)),
+      inspector_(new InspectorPanel(session_)), timeline_(new TimelinePanel(session_)),
+      scripts_(std::make_unique<ScriptHost>(*this)), console_(new ConsolePanel(*scripts_)),
+      where_(new ElideLabel)
 {
     setObjectName("mainwindow");
     setAcceptDrops(true);
@@ -74,30 +73,35 @@ MainWindow::MainWindow(QWidget* parent)
     });
     connect(&document, &MarloxDoc::AutosaveFailed, this,
             [this](const QString& error) { statusBar()->showMessage(error, 10000); });
-    connect(viewer_, &ViewerWidget::SpaceTapped, this,
-            [this] { session_.Play(!session_.IsPlaying()); });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* old, QWidget* now) {
         if (old)
             old->removeEventFilter(this);
+        for (ViewerPane* pane : panes_) {
+            if (now && pane->isAncestorOf(now))
+                Activate(pane->Viewer());
+        }
         if (qobject_cast<QAbstractButton*>(now) || qobject_cast<QComboBox*>(now))
             now->installEventFilter(this);
     });
-    if (!viewer_->Transform().Problem().isEmpty()) {
-        statusBar()->showMessage(viewer_->Transform().Problem());
-        console_->Append(viewer_->Transform().Problem(), true);
+    if (const QString problem = Viewer().Transform().Problem(); !problem.isEmpty()) {
+        statusBar()->showMessage(problem);
+        console_->Append(problem, true);
     }
     ShowTitle();
 
     const Preferences& preferences = MarloxDoc::GetPreferences();
     restoreGeometry(preferences.Get(geometryName).toByteArray());
     restoreState(preferences.Get(stateName).toByteArray(), stateVersion);
-    viewer_->setFocus();
+    Viewer().setFocus();
 }
 
 MainWindow::~MainWindow()
 {
     // The controls go before the document that their inputs belong to.
     inspector_->Page().SetOperator(nullptr);
+    qApp->disconnect(this); // the focus moves while the rest goes
+    for (ViewerPane* pane : std::exchange(panes_, {}))
+        delete pane;
     delete console_;
     scripts_.reset();
 }
@@ -108,11 +112,11 @@ void MainWindow::BuildDocks()
     auto* layout = new QVBoxLayout(middle);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(new ViewerBar(*viewer_));
-    layout->addWidget(viewer_, 1);
-    layout->addWidget(new ReadOut(*viewer_));
+    auto* pane = new ViewerPane(session_);
+    layout->addWidget(pane, 1);
     layout->addWidget(timeline_);
     setCentralWidget(middle);
+    Adopt(*pane);
 
     const auto dock = [this](const QString& title, const char* name, QWidget* content,
                              Qt::DockWidgetArea area) {
@@ -134,6 +138,60 @@ void MainWindow::BuildDocks()
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     resizeDocks({tools, inspector}, {240, 400}, Qt::Horizontal);
+}
+
+void MainWindow::Adopt(ViewerPane& pane)
+{
+    panes_.push_back(&pane);
+    ViewerWidget& viewer = pane.Viewer();
+    connect(&viewer.Overlays(), &OverlayStage::ValueWritten, this, &MainWindow::OverlayWrote);
+    connect(&viewer, &ViewerWidget::SettingsChanged, this, [this, &viewer] {
+        if (&viewer == active_)
+            emit ViewerSettingsChanged();
+    });
+    connect(&pane, &QObject::destroyed, this, [this, &pane, &viewer] {
+        std::erase(panes_, &pane);
+        if (&viewer == active_ && !panes_.empty())
+            Activate(Viewer());
+    });
+    if (!active_)
+        Activate(viewer);
+}
+
+void MainWindow::Activate(ViewerWidget& viewer)
+{
+    if (std::exchange(active_, &viewer) == &viewer)
+        return;
+    emit ActiveViewerChanged();
+    emit ViewerSettingsChanged();
+}
+
+ViewerWidget& MainWindow::Viewer()
+{
+    return panes_.front()->Viewer();
+}
+
+std::vector<ViewerWidget*> MainWindow::Viewers() const
+{
+    std::vector<ViewerWidget*> viewers;
+    for (ViewerPane* pane : panes_)
+        viewers.push_back(&pane->Viewer());
+    return viewers;
+}
+
+ViewerWidget& MainWindow::AddViewer()
+{
+    auto* pane = new ViewerPane(session_);
+    auto* dock = new QDockWidget(tr("Viewer %1").arg(panes_.size() + 1), this);
+    dock->setObjectName(QStringLiteral("viewerdock%1").arg(panes_.size() + 1));
+    dock->setAttribute(Qt::WA_DeleteOnClose);
+    dock->setWidget(pane);
+    addDockWidget(Qt::TopDockWidgetArea, dock);
+    dock->setFloating(true);
+    dock->resize(720, 480);
+    Adopt(*pane);
+    dock->show();
+    return pane->Viewer();
 }
 
 void MainWindow::ShowTitle()

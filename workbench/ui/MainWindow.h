@@ -2,6 +2,8 @@
 
 #include "workbench/ui/Session.h"
 
+#include <vector>
+
 #include <QMainWindow>
 
 namespace Marlox {
@@ -12,6 +14,7 @@ class InspectorPanel;
 class ScriptHost;
 class TimelinePanel;
 class ToolPanel;
+class ViewerPane;
 class ViewerWidget;
 
 /// The workbench's window: viewer in the middle, tools and history on the left, inspector on the
@@ -23,7 +26,13 @@ public:
     ~MainWindow() override;
 
     Session& GetSession() { return session_; }
-    ViewerWidget& Viewer() { return *viewer_; }
+    ViewerWidget& Viewer(); // the one in the middle
+    /// All viewers, the one in the middle first.
+    std::vector<ViewerWidget*> Viewers() const;
+    /// The one that had the keyboard focus last: the menu works on it.
+    ViewerWidget& ActiveViewer() { return *active_; }
+    /// Opens a further viewer in a window of its own, which can be docked.
+    ViewerWidget& AddViewer();
     ToolPanel& Tools() { return *tools_; }
     InspectorPanel& Inspector() { return *inspector_; }
     ScriptHost& Scripts() { return *scripts_; }
@@ -37,6 +46,12 @@ public:
     /// Offers what crashed processes left behind.
     void OfferRecovery();
 
+signals:
+    void ActiveViewerChanged();
+    void ViewerSettingsChanged(); // of the active one
+    /// An overlay of some viewer wrote a value (OverlayStage::ValueWritten).
+    void OverlayWrote(Marlox::Input* input, Marlox::Parameter* value, double time, bool final);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -46,11 +61,14 @@ protected:
 
 private:
     void BuildDocks();
+    void Adopt(ViewerPane& pane);
+    void Activate(ViewerWidget& viewer);
     void ShowTitle();
     bool MayLoseChanges();
 
     Session session_;
-    ViewerWidget* viewer_;
+    std::vector<ViewerPane*> panes_; // the one in the middle first
+    ViewerWidget* active_ = nullptr;
     ToolPanel* tools_;
     InspectorPanel* inspector_;
     TimelinePanel* timeline_;

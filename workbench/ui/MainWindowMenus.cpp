@@ -158,7 +158,7 @@ void showChannel(ViewerWidget& viewer, ChannelView channel)
 
 void buildChannels(Builder& b)
 {
-    ViewerWidget& viewer = b.window.Viewer();
+    MainWindow& window = b.window;
     auto* channels = new QActionGroup(&b.window);
     const struct {
         const char* text;
@@ -175,55 +175,67 @@ void buildChannels(Builder& b)
     };
     for (const auto& view : views) {
         QAction* action =
-            b.Add(view.text, QKeySequence(view.key), view.name,
-                  [&viewer, channel = view.channel] { showChannel(viewer, channel); });
+            b.Add(view.text, QKeySequence(view.key), view.name, [&window, channel = view.channel] {
+                showChannel(window.ActiveViewer(), channel);
+            });
         action->setCheckable(true);
         channels->addAction(action);
     }
-    const auto show = [channels, &viewer] {
-        channels->actions().at(int(viewer.Channels()))->setChecked(true);
+    const auto show = [channels, &window] {
+        channels->actions().at(int(window.ActiveViewer().Channels()))->setChecked(true);
     };
-    QObject::connect(&viewer, &ViewerWidget::SettingsChanged, channels, show);
+    QObject::connect(&window, &MainWindow::ViewerSettingsChanged, channels, show);
     show();
 }
 
-/// A menu entry that shows and changes a switch of the viewer.
+/// A menu entry that shows and changes a switch of the active viewer.
 void addSwitch(Builder& b, const char* text, const char* keys, const char* name,
                bool (ViewerWidget::*is)() const, void (ViewerWidget::*set)(bool))
 {
-    ViewerWidget& viewer = b.window.Viewer();
-    QAction* action = b.Add(text, QKeySequence(keys), name,
-                            [&viewer, is, set] { (viewer.*set)(!(viewer.*is)()); });
+    MainWindow& window = b.window;
+    QAction* action = b.Add(text, QKeySequence(keys), name, [&window, is, set] {
+        ViewerWidget& viewer = window.ActiveViewer();
+        (viewer.*set)(!(viewer.*is)());
+    });
     action->setCheckable(true);
-    const auto show = [action, &viewer, is] { action->setChecked((viewer.*is)()); };
-    QObject::connect(&viewer, &ViewerWidget::SettingsChanged, action, show);
+    const auto show = [action, &window, is] { action->setChecked((window.ActiveViewer().*is)()); };
+    QObject::connect(&window, &MainWindow::ViewerSettingsChanged, action, show);
     show();
 }
 
 void buildView(Builder& b)
 {
     MainWindow& window = b.window;
-    ViewerWidget& viewer = window.Viewer();
+    const auto onViewer = [&window](auto run) {
+        return [&window, run] { run(window.ActiveViewer()); };
+    };
     b.Start("&View", "viewmenu");
-    b.Add("&Fit", QKeySequence("F"), "fit", [&viewer] { viewer.Fit(); });
-    b.Add("&Actual Pixels", QKeySequence("1"), "actualpixels", [&viewer] { viewer.SetZoom(1.0); });
-    b.Add("Zoom &In", QKeySequence("+"), "zoomin", [&viewer] { viewer.ZoomBy(1.25); });
-    b.Add("Zoom &Out", QKeySequence("-"), "zoomout", [&viewer] { viewer.ZoomBy(0.8); });
+    b.Add("&Fit", QKeySequence("F"), "fit", onViewer([](ViewerWidget& viewer) { viewer.Fit(); }));
+    b.Add("&Actual Pixels", QKeySequence("1"), "actualpixels",
+          onViewer([](ViewerWidget& viewer) { viewer.SetZoom(1.0); }));
+    b.Add("Zoom &In", QKeySequence("+"), "zoomin",
+          onViewer([](ViewerWidget& viewer) { viewer.ZoomBy(1.25); }));
+    b.Add("Zoom &Out", QKeySequence("-"), "zoomout",
+          onViewer([](ViewerWidget& viewer) { viewer.ZoomBy(0.8); }));
     b.menu->addSeparator();
     buildChannels(b);
     b.menu->addSeparator();
     b.Add("Exposure &Up", QKeySequence("Ctrl+]"), "exposureup",
-          [&viewer] { viewer.SetExposure(viewer.Exposure() + 0.5); });
+          onViewer([](ViewerWidget& viewer) { viewer.SetExposure(viewer.Exposure() + 0.5); }));
     b.Add("Exposure &Down", QKeySequence("Ctrl+["), "exposuredown",
-          [&viewer] { viewer.SetExposure(viewer.Exposure() - 0.5); });
+          onViewer([](ViewerWidget& viewer) { viewer.SetExposure(viewer.Exposure() - 0.5); }));
     b.Add("&Normal Exposure", QKeySequence("Ctrl+\\"), "exposurenormal",
-          [&viewer] { viewer.SetExposure(0.0); });
+          onViewer([](ViewerWidget& viewer) { viewer.SetExposure(0.0); }));
     b.menu->addSeparator();
     addSwitch(b, "Che&querboard", "K", "checker", &ViewerWidget::IsCheckerShown,
               &ViewerWidget::ShowChecker);
+    addSwitch(b, "O&verlays", "H", "overlays", &ViewerWidget::AreOverlaysShown,
+              &ViewerWidget::ShowOverlays);
     addSwitch(b, "Outline of the &Image", "O", "windows", &ViewerWidget::AreWindowsShown,
               &ViewerWidget::ShowWindows);
     b.menu->addSeparator();
+    b.Add("Ne&w Viewer", QKeySequence("Ctrl+Shift+V"), "newviewer",
+          [&window] { window.AddViewer(); });
     for (QDockWidget* dock : window.findChildren<QDockWidget*>()) {
         QAction* action = dock->toggleViewAction();
         action->setObjectName("show" + dock->objectName());

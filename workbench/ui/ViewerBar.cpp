@@ -58,6 +58,7 @@ ViewerBar::ViewerBar(ViewerWidget& viewer, QWidget* parent)
       gamma_(valueEdit("gamma", tr("Gamma of the view"))),
       normalExposure_(iconButton("Exposure", "normalexposure", tr("Normal exposure (Ctrl+\\)"))),
       normalGamma_(iconButton("Gamma", "normalgamma", tr("Normal gamma"))),
+      overlays_(iconButton("Overlays", "overlaysbutton", tr("Overlays of the selected tool (H)"))),
       checker_(
           iconButton("Checker", "checkerbutton", tr("Chequerboard behind transparent parts (K)"))),
       zoom_(new QToolButton)
@@ -70,6 +71,7 @@ ViewerBar::ViewerBar(ViewerWidget& viewer, QWidget* parent)
     exposure_->SetStep(0.1);
     gamma_->SetStep(0.05);
     checker_->setCheckable(true);
+    overlays_->setCheckable(true);
     FillViews();
     FillZoomMenu();
 
@@ -86,6 +88,7 @@ ViewerBar::ViewerBar(ViewerWidget& viewer, QWidget* parent)
     row->addWidget(normalGamma_);
     row->addWidget(gamma_);
     row->addStretch();
+    row->addWidget(overlays_);
     row->addWidget(checker_);
     row->addWidget(zoom_);
     Connect();
@@ -138,6 +141,7 @@ void ViewerBar::Connect()
     connect(normalExposure_, &QToolButton::clicked, this, [this] { viewer_.SetExposure(0.0); });
     connect(normalGamma_, &QToolButton::clicked, this, [this] { viewer_.SetGamma(1.0); });
     connect(checker_, &QToolButton::clicked, &viewer_, &ViewerWidget::ShowChecker);
+    connect(overlays_, &QToolButton::clicked, &viewer_, &ViewerWidget::ShowOverlays);
     connect(&viewer_, &ViewerWidget::SettingsChanged, this, &ViewerBar::ShowSettings);
     connect(&viewer_, &ViewerWidget::ViewChanged, this, &ViewerBar::ShowSettings);
 }
@@ -156,6 +160,7 @@ void ViewerBar::ShowSettings()
     normalExposure_->setEnabled(settings.exposure != 0.0);
     normalGamma_->setEnabled(settings.gamma != 1.0);
     checker_->setChecked(viewer_.IsCheckerShown());
+    overlays_->setChecked(viewer_.AreOverlaysShown());
     zoom_->setText(tr("%1 %").arg(viewer_.Zoom() * 100.0, 0, 'f', viewer_.Zoom() < 0.1 ? 1 : 0));
 }
 

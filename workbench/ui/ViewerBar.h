@@ -12,8 +12,8 @@ class TimeCodeEdit;
 class ViewerWidget;
 
 /// The strip above the viewer: how the picture is shown. Channels, view of the colour
-/// configuration, exposure and gamma (their icons go back to normal), the chequerboard and the
-/// zoom.
+/// configuration, exposure and gamma (their icons go back to normal), overlays, the chequerboard
+/// and the zoom.
 class ViewerBar : public QWidget {
     Q_OBJECT
 public:
@@ -32,6 +32,7 @@ private:
     TimeCodeEdit* gamma_;
     QToolButton* normalExposure_;
     QToolButton* normalGamma_;
+    QToolButton* overlays_;
     QToolButton* checker_;
     QToolButton* zoom_;
 };

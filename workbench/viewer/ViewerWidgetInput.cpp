@@ -62,7 +62,7 @@ bool ViewerWidget::event(QEvent* event)
         SetViewSize(); // the pixel ratio may be another one
     // Keys of the viewer that are also shortcuts elsewhere are its own while it has the focus.
     if (event->type() == QEvent::ShortcutOverride &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
+        IsOwnKey(static_cast<QKeyEvent*>(event)->key()))
         event->accept();
     if (event->type() == QEvent::ToolTip) {
         ShowTip(*static_cast<QHelpEvent*>(event));
@@ -75,6 +75,13 @@ void ViewerWidget::resizeEvent(QResizeEvent* event)
 {
     QOpenGLWidget::resizeEvent(event);
     SetViewSize();
+}
+
+/// Space pans and plays; arrows, with Ctrl too, nudge the overlay that has the focus.
+bool ViewerWidget::IsOwnKey(int key) const
+{
+    const bool arrow = key >= Qt::Key_Left && key <= Qt::Key_Down;
+    return key == Qt::Key_Space || (arrow && overlays_.Focus());
 }
 
 void ViewerWidget::PlaceBars()
@@ -210,9 +217,6 @@ bool ViewerWidget::HandleViewKey(int key)
         return true;
     case Qt::Key_Minus:
         ZoomBy(0.8);
-        return true;
-    case Qt::Key_H:
-        ShowOverlays(!AreOverlaysShown());
         return true;
     case Qt::Key_Escape:
         if (overlays_.IsDragging()) {

@@ -29,9 +29,12 @@ std::vector<OverlayStage*>& Stages()
 class OverlayStage::Listener final : public Object {
 public:
     explicit Listener(OverlayStage& stage) : stage_(stage) {}
-    bool HandleEvent(Object* sender, const MxID& event, TagList&) override
+    bool HandleEvent(Object* sender, const MxID& event, TagList& tags) override
     {
-        if (dynamic_cast<PreviewControl*>(sender))
+        auto* overlay = dynamic_cast<PreviewControl*>(sender);
+        if (overlay && event == MxID("ValueWritten"))
+            TellWritten(*overlay, tags);
+        else if (overlay)
             emit stage_.Changed();
         else if (event == MxID("AttrsChanged")) // perhaps of what makes the overlay
             QMetaObject::invokeMethod(
@@ -40,6 +43,13 @@ public:
     }
 
 private:
+    void TellWritten(const PreviewControl& overlay, const TagList& tags)
+    {
+        Input* input = overlay.FindInputByIndex(unsigned(tags.GetLong(IA_OverlayIndex)));
+        auto* value = dynamic_cast<Parameter*>(tags.GetObject(PV_Value));
+        emit stage_.ValueWritten(input, value, tags.GetDouble(PVD_Time), tags.GetBool(PV_Final));
+    }
+
     OverlayStage& stage_;
 };
 
@@ -195,7 +205,7 @@ Ref<PreviewControl> OverlayStage::MakeOverlay(Input& main)
             overlay->SetAttrsTagList(input.Get(), tags);
     }
     overlay->ReadInputs();
-    overlay->AddNotify(listener_.Get(), "DisplayChanged");
+    overlay->AddNotify(listener_.Get(), MxID());
     return overlay;
 }
 

@@ -85,6 +85,8 @@ signals:
     void Changed();       // to be drawn again
     void CursorChanged(); // View().cursorShape
     void OverlaysChanged();
+    /// As ControlWnd::ValueWritten, for what overlays write.
+    void ValueWritten(Marlox::Input* input, Marlox::Parameter* value, double time, bool final);
 
 private:
     class Listener;

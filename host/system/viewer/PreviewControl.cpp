@@ -24,6 +24,12 @@ const MxID& DisplayChangedEvent()
     return id;
 }
 
+const MxID& ValueWrittenEvent()
+{
+    static const MxID id = "ValueWritten";
+    return id;
+}
+
 /// Copies UTF-8 text into a buffer of `size` bytes, cut between characters.
 bool CopyText(const QString& text, char* out, int size)
 {
@@ -132,6 +138,7 @@ void PreviewControl::AddToMenu(Menu*, TagList&) {}
 void PreviewControl::GetAvailableEvents(std::vector<MxID>& out) const
 {
     out.push_back(DisplayChangedEvent());
+    out.push_back(ValueWrittenEvent());
 }
 
 // Inputs -----------------------------------------------------------------------------------------
@@ -286,6 +293,13 @@ bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index
     const bool written = input->SetValue(*accepted, time);
     if (!gesture)
         ResetUndo(tags);
+    if (written) {
+        TagList what{{PV_Value, accepted.Get()},
+                     {PVD_Time, time},
+                     {IA_OverlayIndex, index},
+                     {PV_Final, !gesture}};
+        Notify(ValueWrittenEvent(), what);
+    }
     return written;
 }
 

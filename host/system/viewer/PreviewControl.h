@@ -22,6 +22,7 @@ enum class DragType {
 // Arguments of PreviewControl::DoTagList, besides IA_OverlayIndex.
 inline constexpr u32 PV_Value = 0x40040000; // a Parameter
 inline constexpr u32 PVD_Time = 0x20040009; // in frames; the current time unless given
+inline constexpr u32 PV_Final = 0x10048004; // no further value of the same gesture follows
 
 /// What rules the values of an overlay, for its colour.
 enum class OverlayCondition { Plain, Animated, Keyed, Expression, Locked };
@@ -61,6 +62,7 @@ public:
     void EndUndo(bool keep) override; // false: what the group did is undone
     void AddToMenu(Menu* menu, TagList& tags) override;
     /// "DisplayChanged": what the overlay draws is another now; a viewer listens to it.
+    /// "ValueWritten": SetInputs wrote; PV_Value, PVD_Time, IA_OverlayIndex and PV_Final tell what.
     void GetAvailableEvents(std::vector<MxID>& out) const override;
     bool HandleEvent(Object* sender, const MxID& event, TagList& tags) override;
     using Object::OnConnect;
