@@ -266,10 +266,137 @@ private slots:
         QCOMPARE(width->GetNumber(0.0), 4000.0);
     }
 
+    void shadowsFallUnderThePicture()
+    {
+        // A square of 4 x 4 pixels, half seen through.
+        const auto image = Picture(20, 10, [](int x, int y) {
+            const bool inside = x >= 4 && x < 8 && y >= 3 && y < 7;
+            return inside ? Rgba{0.5f, 0, 0, 0.5f} : Rgba{};
+        });
+        Bench bench("DropShadow");
+        bench.Set("OffsetX", 2.0 / 20.0).Set("OffsetY", -3.0 / 10.0).Set("Softness", 0);
+        bench.Set("Opacity", 0.5).Set("Green", 2.0);
+        auto shadowed = bench.Run(image);
+        QVERIFY(isNear(At(*shadowed, 9, 9), {0, 0.5f, 0, 0.25f}));      // shadow alone
+        QVERIFY(isNear(At(*shadowed, 6, 6), {0.5f, 0.25f, 0, 0.625f})); // picture over it
+        QVERIFY(isNear(At(*shadowed, 5, 4), {0.5f, 0, 0, 0.5f}));       // picture alone
+        QVERIFY(isNear(At(*shadowed, 10, 9), {}));
+        QCOMPARE(shadowed->GetFormat().displayWindow, MxRect(0, 0, 20, 10));
+
+        // Twice as large about the picture's left bottom: pixels 10 to 18 across, -1 to 7 down.
+        bench.Set("Origin", 0.0, 0.0).Set("Size", 2.0);
+        shadowed = bench.Run(image);
+        QVERIFY(isNear(At(*shadowed, 10, 1), {0, 0.5f, 0, 0.25f}, 0.2f));
+        QVERIFY(isNear(At(*shadowed, 14, 5), {0, 0.5f, 0, 0.25f}));
+        QVERIFY(isNear(At(*shadowed, 19, 5), {}));
+        QVERIFY(isNear(At(*shadowed, 14, 0), {0, 0.5f, 0, 0.25f}));
+        QVERIFY(isNear(At(*shadowed, 14, 8), {}));
+
+        const std::string key = bench.Key();
+        bench.Set("Opacity", 0);
+        QVERIFY(bench.Key() != key);
+        QVERIFY(bench.Run(image) == image);
+    }
+
+    void softShadowsKeepTheirDensity()
+    {
+        Image::Format wide;
+        wide.pixelAspect = 2.0;
+        const auto image = Picture(
+            21, 21,
+            [](int x, int y) {
+                return x == 10 && y == 10 ? Rgba{0, 0, 0, 3.0f} : Rgba{};
+            },
+            wide);
+        Bench bench("DropShadow");
+        bench.Set("OffsetX", 5.0 / 21.0).Set("OffsetY", 0).Set("Opacity", 1).Set("Softness", 2);
+        bench.Set("Red", 1.0);
+        const auto soft = bench.Run(image);
+        // The picture's cover counts as 1, though its alpha is more.
+        QVERIFY(std::abs(total(*soft, 0) - 1.0) < 0.01);
+        QVERIFY(soft->GetFormat().dataWindow.right > 21 || soft->GetFormat().dataWindow.top < 0);
+        // Round where pixels are square: as light two pixels above as one pixel beside.
+        QVERIFY(std::abs(At(*soft, 16, 10)[0] - At(*soft, 15, 8)[0]) < 0.01);
+        QVERIFY(At(*soft, 16, 10)[0] > 0.01);
+    }
+
+    void gradientsRunBetweenTheirPoints()
+    {
+        Image::Format format;
+        format.pixelAspect = 2.0;
+        format.dataWindow = {2, 2, 10, 6}; // beyond the picture, which is 8 x 8, and within
+        const auto image = Picture(
+            8, 8,
+            [](int, int) {
+                return Rgba{4, 4, 4, 1};
+            },
+            format);
+        Bench bench("ColorGradient");
+        // From the middle of the pixel (1, 6) four pixels right and eight pixel heights up: a
+        // diagonal where pixels are square.
+        bench.Set("Start", 1.5 / 8, 1.5 / 8).Set("End", 5.5 / 8, 9.5 / 8);
+        bench.Set("EndRed", 3.0);
+        const auto linear = bench.Run(image);
+        QCOMPARE(linear->GetFormat().dataWindow, MxRect(0, 0, 10, 8));
+        QCOMPARE(linear->GetFormat().displayWindow, MxRect(0, 0, 8, 8));
+        QVERIFY(isNear(At(*linear, 1, 6), {0, 0, 0, 1}));
+        QVERIFY(isNear(At(*linear, 0, 7), {0, 0, 0, 1}));
+        QVERIFY(isNear(At(*linear, 3, 6), {0.75f, 0.25f, 0.25f, 1})); // 4 of 16 on the way
+        QVERIFY(isNear(At(*linear, 1, 2), {0.75f, 0.25f, 0.25f, 1}));
+        QVERIFY(isNear(At(*linear, 9, 0), {3, 1, 1, 1}));
+
+        bench.Set("Shape", 1).Set("End", 5.5 / 8, 1.5 / 8); // a radius of 8 pixel heights
+        const auto radial = bench.Run(image);
+        QVERIFY(isNear(At(*radial, 1, 6), {0, 0, 0, 1}));
+        QVERIFY(isNear(At(*radial, 3, 6), {1.5f, 0.5f, 0.5f, 1}));
+        QVERIFY(isNear(At(*radial, 1, 2), {1.5f, 0.5f, 0.5f, 1}));
+        QVERIFY(isNear(At(*radial, 7, 6), {3, 1, 1, 1}));
+
+        // Half of it over the picture, and through what is itself seen through.
+        bench.Set("Mix", 0.5);
+        const Rgba below = At(*radial, 3, 4);
+        QVERIFY(isNear(At(*bench.Run(image), 3, 4),
+                       {2 + below[0] / 2, 2 + below[1] / 2, 2 + below[2] / 2, 1}));
+        bench.Set("Mix", 1).Set("StartAlpha", 0).Set("EndAlpha", 0.5);
+        QVERIFY(isNear(At(*bench.Run(image), 9, 3), {3.5f, 2.5f, 2.5f, 1}));
+        QVERIFY(isNear(At(*bench.Run(image), 7, 6), {1.5f, 0.5f, 0.5f, 0.5f}));
+        bench.Set("Mix", 0);
+        QVERIFY(bench.Run(image) == image);
+    }
+
+    void gradientsAreSourcesToo()
+    {
+        Bench bench("ColorGradient");
+        const auto full = bench.Run();
+        QCOMPARE(full->GetFormat().displayWindow, MxRect(0, 0, 1920, 1080));
+        const auto proxy = bench.Run({}, 0.0, 0.25);
+        QCOMPARE(proxy->GetFormat().dataWindow, MxRect(0, 0, 480, 270));
+        QCOMPARE(proxy->GetFormat().scale, 0.25);
+        QVERIFY(isNear(At(*full, 961, 500), At(*proxy, 240, 125), 0.002f));
+    }
+
+    void colourInputsChangeTheKey()
+    {
+        for (const char* type : {"DropShadow", "ColorGradient"}) {
+            Bench bench(type);
+            std::string before = bench.Key();
+            for (const Ref<Input>& input : bench.Tool().Inputs()) {
+                if (input->IsImage())
+                    continue;
+                if (input->GetDataType() == MxID(CLSID_DataType_Point))
+                    bench.Set(input->GetID().c_str(), 0.3, 0.4);
+                else
+                    bench.Set(input->GetID().c_str(), input->GetNumber(0.0) > 0.7 ? 0.0 : 1.0);
+                QVERIFY2(bench.Key() != before, input->GetID().c_str());
+                before = bench.Key();
+            }
+        }
+    }
+
     void toolsSurviveWildValues_data()
     {
         QTest::addColumn<QString>("tool");
-        for (const char* tool : {"Crop", "CropRegion", "Transform"})
+        for (const char* tool : {"ColorGradient", "Crop", "CropRegion", "DropShadow", "Transform"})
             QTest::newRow(tool) << tool;
     }
     void toolsSurviveWildValues()
@@ -292,7 +419,8 @@ private slots:
                     const auto image = bench.Run(picture);
                     QVERIFY2(image, input->GetID().c_str());
                     QVERIFY2(isFinite(*image), input->GetID().c_str());
-                    QVERIFY2(image->Width() <= 64 && image->Height() <= 64, input->GetID().c_str());
+                    QVERIFY2(image->Width() <= 2000 && image->Height() <= 2000,
+                             input->GetID().c_str());
                     input->RestoreInputState(before);
                 }
             }

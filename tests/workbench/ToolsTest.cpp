@@ -68,17 +68,18 @@ private slots:
 
     void slidersSayWhatTheyAre()
     {
-        for (const char* type :
-             {"ImageSource", "BrightnessContrast", "Blur", "Crop", "CropRegion", "Transform"}) {
+        for (const char* type : {"ImageSource", "ColorGradient", "BrightnessContrast", "Blur",
+                                 "DropShadow", "Crop", "CropRegion", "Transform"}) {
             Bench bench(type);
             for (const Ref<Input>& input : bench.Tool().Inputs()) {
-                if (input->GetAttrS(IAS_Control) != std::string_view(CLSID_InputControl_Slider))
+                QVERIFY2(input->IsImage() || *input->GetAttrS(IAS_Help, ""),
+                         input->GetID().c_str());
+                if (input->GetAttrS(IAS_Control, "") != std::string_view(CLSID_InputControl_Slider))
                     continue;
                 const double low = input->GetAttrD(IAD_LowScale);
                 const double high = input->GetAttrD(IAD_HighScale);
                 const double normal = input->GetNumber(0.0, -1e9);
                 QVERIFY2(low < high && normal >= low && normal <= high, input->GetID().c_str());
-                QVERIFY(*input->GetAttrS(IAS_Help) != '\0');
                 if (input->GetAttrB(IC_Centred)) {
                     const double centre = input->GetAttrD(ICD_Centre, 1e9);
                     QVERIFY(centre > low && centre < high);

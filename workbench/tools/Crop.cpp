@@ -1,7 +1,7 @@
 #include "workbench/tools/Crop.h"
 
+#include "workbench/tools/ImageWindows.h"
 #include "workbench/tools/OverlayTags.h"
-#include "workbench/tools/Resample.h"
 #include "workbench/tools/ToolInputs.h"
 
 #include <algorithm>
@@ -25,12 +25,6 @@ struct Region {
 
     bool IsNumber() const { return !std::isnan(left + bottom + right + top); }
 };
-
-MxRect shared(const MxRect& a, const MxRect& b)
-{
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
 
 /// The region in the picture's own pixels, y down.
 MxRect windowOf(const Region& region, const Image::Format& format)
@@ -65,7 +59,7 @@ public:
             return MakeRef<Image>(format);
         }
         const MxRect window = windowOf(region_, format);
-        const MxRect kept = shared(window, format.dataWindow);
+        const MxRect kept = Shared(window, format.dataWindow);
         if (kept == format.dataWindow && (!reformats_ || window == format.displayWindow))
             return upstream;
         if (reformats_)

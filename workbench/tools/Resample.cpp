@@ -1,5 +1,7 @@
 #include "workbench/tools/Resample.h"
 
+#include "workbench/tools/ImageWindows.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -242,12 +244,6 @@ MxRect windowOf(const Image::Format& format, const QTransform& matrix)
 }
 
 } // namespace
-
-void MakeEmpty(Image::Format& format)
-{
-    const MxRect& frame = format.displayWindow;
-    format.dataWindow = {frame.left, frame.top, frame.left, frame.top};
-}
 
 int WholeWithin(double value, int low, int high)
 {

@@ -15,9 +15,6 @@ enum class ResampleFilter { Nearest, Bilinear, Bicubic };
 Ref<Image> Resampled(const Image& source, const QTransform& matrix, ResampleFilter filter,
                      RenderContext& context);
 
-/// A format's data window made empty, where its display window begins.
-void MakeEmpty(Image::Format& format);
-
 /// A whole number in [low, high], also from what no integer holds; a NaN gives `low`.
 int WholeWithin(double value, int low, int high);
 

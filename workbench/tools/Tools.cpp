@@ -3,7 +3,9 @@
 #include "system/base/Registry.h"
 #include "workbench/tools/Blur.h"
 #include "workbench/tools/BrightnessContrast.h"
+#include "workbench/tools/ColorGradient.h"
 #include "workbench/tools/Crop.h"
+#include "workbench/tools/DropShadow.h"
 #include "workbench/tools/ImageSource.h"
 #include "workbench/tools/Transform.h"
 
@@ -43,6 +45,8 @@ void RegisterTools()
     static const ToolClass<BrightnessContrast> grade("BrightnessContrast", "Brightness Contrast",
                                                      "Colour");
     static const ToolClass<Blur> blur("Blur", "Blur", "Filter");
+    static const ToolClass<ColorGradient> gradient("ColorGradient", "Gradient", "Input");
+    static const ToolClass<DropShadow> shadow("DropShadow", "Drop Shadow", "Filter");
     static const ToolClass<Crop> crop("Crop", "Crop", "Transform");
     static const ToolClass<CropRegion> cropRegion("CropRegion", "Crop Region", "Transform");
     static const ToolClass<Transform> transform("Transform", "Transform", "Transform");

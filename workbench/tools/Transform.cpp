@@ -1,5 +1,6 @@
 #include "workbench/tools/Transform.h"
 
+#include "workbench/tools/ImageWindows.h"
 #include "workbench/tools/OverlayInputs.h"
 #include "workbench/tools/Resample.h"
 #include "workbench/tools/ToolInputs.h"
@@ -31,12 +32,10 @@ struct Placement {
     QTransform Matrix(const Image::Format& format) const
     {
         const MxRect& frame = format.displayWindow;
-        const auto place = [&frame](double x, double y) {
-            return QPointF(frame.left + x * frame.Width(), frame.top + (1.0 - y) * frame.Height());
-        };
-        const QPointF from = place(pivot.x(), pivot.y());
+        const QPointF from = PlaceIn(frame, pivot.x(), pivot.y());
         // The pivot in the middle leaves the centre's digits alone.
-        const QPointF to = place(centre.x() + (pivot.x() - 0.5), centre.y() + (pivot.y() - 0.5));
+        const QPointF to =
+            PlaceIn(frame, centre.x() + (pivot.x() - 0.5), centre.y() + (pivot.y() - 0.5));
         QTransform matrix; // written from the last step to the first
         matrix.translate(to.x(), to.y());
         matrix.scale(1.0 / format.pixelAspect, 1.0); // turned where pixels are square
