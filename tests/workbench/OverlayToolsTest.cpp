@@ -360,6 +360,9 @@ private slots:
         bench.Set("Mix", 1).Set("StartAlpha", 0).Set("EndAlpha", 0.5);
         QVERIFY(isNear(At(*bench.Run(image), 9, 3), {3.5f, 2.5f, 2.5f, 1}));
         QVERIFY(isNear(At(*bench.Run(image), 7, 6), {1.5f, 0.5f, 0.5f, 0.5f}));
+        bench.Set("Behind", 1);
+        QVERIFY(isNear(At(*bench.Run(image), 9, 3), {4, 4, 4, 1}));
+        QVERIFY(isNear(At(*bench.Run(image), 7, 6), {1.5f, 0.5f, 0.5f, 0.5f}));
         bench.Set("Mix", 0);
         QVERIFY(bench.Run(image) == image);
     }

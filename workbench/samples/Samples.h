@@ -20,12 +20,15 @@ Ref<Image> Chart();
 /// A balloon that drifts over hills from left to right, 640 x 360, frames 1 to 48.
 Ref<Image> BalloonFrame(int frame);
 
-/// Writes all pictures and the sample document into `folder`, leaving alone what is there already
+/// Writes all pictures and the sample documents into `folder`, leaving alone what is there already
 /// unless `anew`. Tells each file as it is written. False and `error` on failure.
 bool WriteAll(const QString& folder, bool anew, const std::function<void(const QString&)>& tell,
               QString* error);
 
 inline constexpr char documentName[] = "dusk.marlox";
+/// A picture cropped, on a curved path over a backdrop, with a shadow: values to drag in the
+/// viewer.
+inline constexpr char overlaysName[] = "overlays.marlox";
 inline constexpr char sequencePattern[] = "balloon.####.exr";
 
 /// The folder with the samples: beside the program in a build, else where they are installed; empty

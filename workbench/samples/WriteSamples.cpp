@@ -3,6 +3,9 @@
 #include "workbench/images/Sequence.h"
 #include "workbench/samples/Samples.h"
 
+#include <map>
+#include <string>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -10,6 +13,13 @@
 namespace Marlox::Samples {
 
 namespace {
+
+bool save(MarloxDoc& document, const QString& path, QString* error)
+{
+    document.SetFrameRange(sequenceFirst, sequenceLast);
+    document.SetCurrentTime(sequenceFirst);
+    return document.Save(path, error);
+}
 
 bool writeDocument(const QString& path, QString* error)
 {
@@ -19,9 +29,66 @@ bool writeDocument(const QString& path, QString* error)
     if (!grade)
         return false;
     source->FindInput("File")->SetValue(Text("dusk.exr"), TimeNone, Input::ReplaceAll);
-    document.SetFrameRange(sequenceFirst, sequenceLast);
-    document.SetCurrentTime(sequenceFirst);
-    return document.Save(path, error);
+    return save(document, path, error);
+}
+
+struct Setting {
+    const char* tool;
+    const char* input;
+    double value;
+};
+
+constexpr Setting settings[] = {
+    {"Crop", "Left", 150.0},
+    {"Crop", "Bottom", 60.0},
+    {"Crop", "Right", 1130.0},
+    {"Crop", "Top", 640.0},
+    {"Transform", "Size", 0.45},
+    {"Transform", "Angle", -8.0},
+    {"DropShadow", "OffsetX", 0.025},
+    {"DropShadow", "OffsetY", -0.06},
+    {"DropShadow", "Softness", 30.0},
+    {"ColorGradient", "Behind", 1.0},
+    {"ColorGradient", "Shape", 1.0},
+    {"ColorGradient", "StartRed", 0.42},
+    {"ColorGradient", "StartGreen", 0.4},
+    {"ColorGradient", "StartBlue", 0.38},
+    {"ColorGradient", "EndRed", 0.04},
+    {"ColorGradient", "EndGreen", 0.05},
+    {"ColorGradient", "EndBlue", 0.08},
+};
+
+/// A curve from the left bottom to the right.
+Animation curvedPath()
+{
+    Animation path;
+    path.SetKey(1.0, MakeRef<Point>(0.27, 0.3));
+    path.SetKey(16.0, MakeRef<Point>(0.34, 0.62));
+    path.SetKey(32.0, MakeRef<Point>(0.62, 0.7));
+    path.SetKey(48.0, MakeRef<Point>(0.74, 0.34));
+    return path;
+}
+
+bool writeOverlays(const QString& path, QString* error)
+{
+    MarloxDoc document;
+    std::map<std::string, Operator*> tools;
+    for (const char* type : {"ImageSource", "Crop", "Transform", "DropShadow", "ColorGradient"}) {
+        tools[type] = document.AddTool(type, -1, error);
+        if (!tools[type])
+            return false;
+    }
+    const auto set = [&tools](const char* tool, const char* input, const Parameter& value) {
+        tools[tool]->FindInput(input)->SetValue(value, TimeNone, Input::ReplaceAll);
+    };
+    set("ImageSource", "File", Text("dusk.exr"));
+    for (const Setting& setting : settings)
+        set(setting.tool, setting.input, Number(setting.value));
+    set("Transform", "Pivot", Point(0.45, 0.5));
+    set("ColorGradient", "Start", Point(0.45, 0.75));
+    set("ColorGradient", "End", Point(0.95, 0.15));
+    tools["Transform"]->FindInput("Centre")->SetAnimation(curvedPath());
+    return save(document, path, error);
 }
 
 } // namespace
@@ -50,7 +117,9 @@ bool WriteAll(const QString& folder, bool anew, const std::function<void(const Q
         if (!write(frames.FramePath(frame), picture([frame] { return BalloonFrame(frame); })))
             return false;
     }
-    return write(documentName, [error](const QString& path) { return writeDocument(path, error); });
+    return write(documentName,
+                 [error](const QString& path) { return writeDocument(path, error); }) &&
+           write(overlaysName, [error](const QString& path) { return writeOverlays(path, error); });
 }
 
 QString Folder()

@@ -21,6 +21,7 @@ struct Ramp {
     QPointF start;
     QPointF end;
     GradientShape shape = GradientShape::Linear;
+    bool behind = false;
     double mix = 1.0;
     Color startColor{};
     Color endColor{};
@@ -105,7 +106,7 @@ public:
     Ref<Image> Run(const Ref<Image>& upstream, RenderContext& context, QString&) override
     {
         if (upstream && start_ == Pixel{} && end_ == Pixel{})
-            return upstream;
+            return upstream; // nothing to see of it
         Image::Format format = upstream ? upstream->GetFormat() : standardFormat(context);
         format.dataWindow = United(format.displayWindow, format.dataWindow);
         auto result = MakeRef<Image>(format);
@@ -117,7 +118,8 @@ public:
                     CopyRow(*upstream, row, *result);
                 line.Row(format.dataWindow.left, format.dataWindow.top + row, result->Width(),
                          positions.data());
-                LayRow(positions, result->Row(row));
+                ramp_.behind ? LayRowBehind(positions, result->Row(row))
+                             : LayRowOver(positions, result->Row(row));
             }
         });
         return context.IsCancelled() ? Ref<Image>() : result;
@@ -126,7 +128,7 @@ public:
     std::string CacheKey() const override
     {
         std::string key = KeyOf({ramp_.start.x(), ramp_.start.y(), ramp_.end.x(), ramp_.end.y(),
-                                 double(ramp_.shape), ramp_.mix});
+                                 double(ramp_.shape), double(ramp_.behind), ramp_.mix});
         for (const Color& color : {ramp_.startColor, ramp_.endColor})
             key += KeyOf({color[0], color[1], color[2], color[3]});
         return key;
@@ -143,17 +145,30 @@ private:
                         to.Row(row) + std::ptrdiff_t(source.left - window.left) * 4);
     }
 
+    float At(float position, std::size_t channel) const
+    {
+        return start_[channel] + (end_[channel] - start_[channel]) * position;
+    }
+
     /// The gradient over what is there.
-    void LayRow(const std::vector<float>& positions, float* pixel) const
+    void LayRowOver(const std::vector<float>& positions, float* pixel) const
     {
         for (const float position : positions) {
-            const float cover = start_[3] + (end_[3] - start_[3]) * position;
-            const float seen = 1.0f - cover;
+            const float seen = 1.0f - At(position, 3);
             for (std::size_t i = 0; i < 4; ++i) {
-                const float layer = start_[i] + (end_[i] - start_[i]) * position;
                 // Wholly covered is gone, even what is infinite or not a number.
-                pixel[i] = seen > 0.0f ? pixel[i] * seen + layer : layer;
+                pixel[i] = (seen > 0.0f ? pixel[i] * seen : 0.0f) + At(position, i);
             }
+            pixel += 4;
+        }
+    }
+
+    void LayRowBehind(const std::vector<float>& positions, float* pixel) const
+    {
+        for (const float position : positions) {
+            const float seen = std::clamp(1.0f - pixel[3], 0.0f, 1.0f);
+            for (std::size_t i = 0; i < 4; ++i)
+                pixel[i] += At(position, i) * seen;
             pixel += 4;
         }
     }
@@ -180,9 +195,10 @@ ColorGradient::ColorGradient(const Registry* record) : Operator(record)
               {PCID_PrevPoint, "Start"}});
     AddChoice(*this, "Shape", "Shape", "Runs along a line, or outwards from the start",
               {"Linear", "Radial"}, int(GradientShape::Linear));
+    AddFlag(*this, "Behind", "Behind", "Lays it behind the picture instead of over it", false);
     AddSlider(*this,
               {"Mix", "Mix", 0.0, 1.0, 1.0,
-               "How much of the gradient lies over the picture; 0 leaves the picture as it is"},
+               "How much there is of the gradient; 0 leaves the picture as it is"},
               {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
     AddColor(*this, {"Start", "Start ", {0.0, 0.0, 0.0, 1.0}, true});
     AddColor(*this, {"End", "End ", {1.0, 1.0, 1.0, 1.0}, true});
@@ -194,6 +210,7 @@ std::unique_ptr<ToolProcess> ColorGradient::Prepare(double time) const
     ramp.start = PointAt(*this, "Start", time);
     ramp.end = PointAt(*this, "End", time);
     ramp.shape = GradientShape(std::clamp(WholeAt(*this, "Shape", time), 0, 1));
+    ramp.behind = WholeAt(*this, "Behind", time) != 0;
     const double mix = NumberAt(*this, "Mix", time);
     ramp.mix = mix > 0.0 ? std::min(mix, 1.0) : 0.0;
     ramp.startColor = ColorAt(*this, "Start", time);
