@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/document/MarloxDoc.h"
 #include "system/viewer/PreviewControl.h"
 
 #include <utility>
@@ -24,14 +25,15 @@ public:
 
     /// Takes the input that the tags tell: by its id, where that tag is present and the overlay has
     /// a tool (an id that the tool does not have yields none); else by the pointer, and without
-    /// that tag the one it has. An id tag of 0 means that there is none.
+    /// that tag the one it has. An id tag of 0 means that there is none. An address that is no
+    /// input of the document's tools is none: the tags may have outlived the tool.
     void ReadFrom(const TagList& tags, u32 idTag, u32 pointerTag)
     {
         Operator* tool = overlay_.GetOperator(nullptr);
         if (idTag != 0 && tool && tags.FindQuery(idTag))
             Attach(tool->FindInput(tags.GetID(idTag)));
         else
-            Attach(static_cast<Input*>(const_cast<void*>(tags.GetPtr(pointerTag, input_))));
+            Attach(InputAt(tags.GetPtr(pointerTag, input_)));
     }
 
     /// Null detaches.
@@ -61,6 +63,26 @@ public:
     }
 
 private:
+    Input* InputAt(const void* address) const
+    {
+        if (!address || address == input_)
+            return address ? input_ : nullptr;
+        const auto find = [address](const Operator* tool) -> Input* {
+            for (const Ref<Input>& input : tool->Inputs()) {
+                if (input.Get() == address)
+                    return input.Get();
+            }
+            return nullptr;
+        };
+        Operator* const own = overlay_.GetOperator(nullptr);
+        Input* found = own ? find(own) : nullptr;
+        if (MarloxDoc* const document = found ? nullptr : overlay_.GetDoc()) {
+            for (const Ref<Operator>& tool : document->Tools())
+                found = found ? found : find(tool.Get());
+        }
+        return found;
+    }
+
     Overlay& overlay_;
     Input* input_ = nullptr; // kept alive by the overlay's base while it listens
 };

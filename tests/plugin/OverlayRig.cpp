@@ -8,7 +8,7 @@ namespace Marlox {
 
 OverlayRig::OverlayRig(std::vector<RigInput> inputs) : document(std::make_unique<MarloxDoc>())
 {
-    SetProbeInputs([&inputs](Operator& made) {
+    SetProbeInputs([inputs](Operator& made) {
         for (const RigInput& each : inputs) {
             TagList tags{{IAS_Name, each.id}, {IAS_DataType, each.dataType}};
             for (const TagPair& pair : each.attributes)
