@@ -1,5 +1,7 @@
 #include "system/values/Image.h"
 
+#include <cmath>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -36,9 +38,38 @@ MxID Image::GetDataType() const
 Ref<Parameter> Image::Copy() const
 {
     auto copy = MakeRef<Image>();
-    copy->format_ = format_;
-    copy->pixels_ = pixels_;
+    copy->TakeFrom(*this);
     return copy;
+}
+
+void Image::TakeFrom(const Image& other)
+{
+    format_ = other.format_;
+    pixels_ = other.pixels_;
+    TakeTags(other);
+}
+
+bool Image::CopyAttr(u64 tag, void* out)
+{
+    if (Parameter::CopyAttr(tag, out))
+        return true;
+    const auto answer = [out](auto value) {
+        std::memcpy(out, &value, sizeof value);
+        return true;
+    };
+    const auto full = [this](int pixels) { return int64(std::llround(pixels / format_.scale)); };
+    switch (tag) {
+    case IMG_Width:
+        return answer(full(format_.displayWindow.Width()));
+    case IMG_Height:
+        return answer(full(format_.displayWindow.Height()));
+    case IMGD_PixelAspectX:
+        return answer(format_.pixelAspect);
+    case IMGD_PixelAspectY:
+        return answer(1.0);
+    default:
+        return false;
+    }
 }
 
 bool Image::IsEqual(const Parameter& other) const
@@ -62,8 +93,7 @@ MxID Mask::GetDataType() const
 Ref<Parameter> Mask::Copy() const
 {
     auto copy = MakeRef<Mask>();
-    copy->format_ = format_;
-    copy->pixels_ = pixels_;
+    copy->TakeFrom(*this);
     return copy;
 }
 

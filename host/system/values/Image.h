@@ -7,10 +7,16 @@
 
 namespace Marlox {
 
+// Attributes of an image: from its notes (Parameter::Tags), else from its format.
+inline constexpr u32 IMG_Width = 0x1002000d; // of the display window at full resolution, pixels
+inline constexpr u32 IMG_Height = 0x1002000e;
+inline constexpr u32 IMGD_PixelAspectX = 0x20000005; // their ratio is Format::pixelAspect
+inline constexpr u32 IMGD_PixelAspectY = 0x20000006;
+
 /// A picture of 32-bit floats, interleaved RGBA, scene-linear, alpha premultiplied, rows from the
 /// top. The data window is the rectangle that has pixels; the display window is the frame of the
 /// picture, and normalised image coordinates run across it. Pixels are shared between copies and
-/// never changed once the image has been handed over.
+/// never changed once the image has been handed over. Notes go with its copies.
 class MARLOXSYSTEM_EXPORT Image : public Parameter {
 public:
     struct Format {
@@ -39,8 +45,11 @@ public:
     bool IsEqual(const Parameter& other) const override; // same pixels in memory
     ScriptVal ToScriptVal() const override;              // nil: pixels are not part of documents
     std::size_t SizeOf() const override { return sizeof(*this); }
+    bool CopyAttr(u64 tag, void* out) override;
 
 protected:
+    void TakeFrom(const Image& other);
+
     Format format_;
     std::shared_ptr<std::vector<float>> pixels_;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <optional>
 
@@ -136,6 +137,21 @@ TagList& Parameter::Tags()
     if (!tags_)
         tags_ = std::make_unique<TagList>();
     return *tags_;
+}
+
+bool Parameter::CopyAttr(u64 tag, void* out)
+{
+    u64 bits = 0;
+    if (!tags_ || !tags_->Get(u32(tag), bits))
+        return Object::CopyAttr(tag, out);
+    std::memcpy(out, &bits, sizeof bits);
+    return true;
+}
+
+void Parameter::TakeTags(const Parameter& from)
+{
+    if (from.tags_)
+        Tags().Merge(*from.tags_);
 }
 
 Ref<Parameter> Parameter::WithComponents(std::span<const double>) const

@@ -38,6 +38,11 @@ public:
 
     // Object
     std::size_t SizeOf() const override = 0;
+    bool CopyAttr(u64 tag, void* out) override; // from the notes
+
+protected:
+    /// For kinds whose notes go with their copies.
+    void TakeTags(const Parameter& from);
 
 private:
     std::unique_ptr<TagList> tags_; // made when first asked for
