@@ -9,7 +9,7 @@ add_library(overlay_rig OBJECT
 marlox_target(overlay_rig)
 target_include_directories(overlay_rig PRIVATE ${PROJECT_SOURCE_DIR}/tests)
 target_compile_definitions(overlay_rig PRIVATE MARLOX_BINARY_DIR="${CMAKE_BINARY_DIR}")
-target_link_libraries(overlay_rig PUBLIC marloxscript Qt5::Test ${CMAKE_DL_LIBS})
+target_link_libraries(overlay_rig PUBLIC marloxscript Qt5::Test OpenGL::GL ${CMAKE_DL_LIBS})
 file(GLOB overlay_tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/overlay_*_test.cpp)
 foreach(source ${overlay_tests})
     get_filename_component(name ${source} NAME_WE)

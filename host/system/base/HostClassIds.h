@@ -16,6 +16,7 @@ inline constexpr char CLSID_InputControl_ListID[] = "ListIDControl";
 inline constexpr char CLSID_InputControl_MultiButton[] = "MultiButtonControl";
 inline constexpr char CLSID_InputControl_MultiButtonID[] = "MultiButtonIDControl";
 inline constexpr char CLSID_InputControl_Slider[] = "SliderControl";
+inline constexpr char CLSID_PreviewControl_Angle[] = "AngleControl";
 inline constexpr char CLSID_PreviewControl_Crop[] = "CropControl";
 
 inline constexpr char CLSID_DataType_Number[] = "Number";

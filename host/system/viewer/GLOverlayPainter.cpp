@@ -12,6 +12,13 @@ namespace {
 constexpr MxColor casingColor{0, 0, 0, 176};
 constexpr double dashPeriod = 8.0; // of the pattern, in units
 constexpr double room = 16.0;      // around the view that is drawn to, in units
+constexpr double farthest = 1e7;   // view pixels; what is further away comes as near
+
+/// So that the difference of two positions still tells pixels.
+OverlayPoint Nearer(OverlayPoint point)
+{
+    return {std::clamp(point.x, -farthest, farthest), std::clamp(point.y, -farthest, farthest)};
+}
 
 /// The part of a segment from 0 to 1 within [low, high] of one axis.
 bool ClipAxis(double from, double to, double low, double high, double& begin, double& end)
@@ -59,30 +66,36 @@ void GLOverlayPainter::Emit(Shape shape, std::span<const OverlayPoint> points)
             AddLine(Placed(points[i]), Placed(points[i + 1]));
         return;
     }
-    OverlayPoint last = Placed(points[0]);
-    const OverlayPoint first = last;
-    const bool fills = shape == Shape::Fill;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        const OverlayPoint next = Placed(points[i]);
-        if (fills) {
-            AddCasing(last, next, crispCasing_);
-            if (i >= 2) {
-                for (const OverlayPoint& corner : {first, last, next})
-                    fills_.push_back({float(corner.x), float(corner.y), Current().color});
-            }
-        } else {
-            AddLine(last, next);
-        }
-        last = next;
+    if (shape == Shape::Fill)
+        return AddFill(points);
+    for (std::size_t i = 1; i < points.size(); ++i)
+        AddLine(Placed(points[i - 1]), Placed(points[i]));
+    if (shape == Shape::Loop)
+        AddLine(Placed(points.back()), Placed(points.front()));
+}
+
+/// A fan of triangles. Nothing if a corner is far outside the view, or no number.
+void GLOverlayPainter::AddFill(std::span<const OverlayPoint> points)
+{
+    const std::size_t before = fills_.size();
+    const OverlayPoint first = Placed(points.front());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const OverlayPoint at = Placed(points[i]);
+        if (!(std::abs(at.x) < farthest && std::abs(at.y) < farthest))
+            return fills_.resize(before, {});
+        const OverlayPoint next = Placed(points[(i + 1) % points.size()]);
+        AddCasing(at, next, crispCasing_);
+        if (i == 0 || i + 1 == points.size())
+            continue;
+        for (const OverlayPoint& corner : {first, at, next})
+            fills_.push_back({float(corner.x), float(corner.y), Current().color});
     }
-    if (fills)
-        AddCasing(last, first, crispCasing_);
-    else if (shape == Shape::Loop)
-        AddLine(last, first);
 }
 
 void GLOverlayPainter::AddLine(OverlayPoint from, OverlayPoint to)
 {
+    from = Nearer(from);
+    to = Nearer(to);
     const double margin = room * unit_;
     double begin = 0.0;
     double end = 1.0;

@@ -118,6 +118,7 @@ private:
     void Emit(Shape shape, std::span<const OverlayPoint> points) override;
     OverlayPoint Placed(OverlayPoint point) const;
     void AddLine(OverlayPoint from, OverlayPoint to);
+    void AddFill(std::span<const OverlayPoint> points);
     void AddCasing(OverlayPoint from, OverlayPoint to, Vertices& casing) const;
     void DrawVertices(unsigned mode, const Vertices& vertices, bool colored) const;
 

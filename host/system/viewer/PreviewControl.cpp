@@ -84,11 +84,12 @@ MarloxDoc* PreviewControl::GetDoc() const
 bool PreviewControl::SetAttrsTagList(const TagList& tags)
 {
     attributes_.Merge(tags);
+    laterChanges_.Merge(tags);
     ReadBaseTags(tags);
     bool accepted = true;
     for (Input* input : std::vector(inputs_)) {
         TagList all(input->Attributes());
-        all.Merge(attributes_);
+        all.Merge(laterChanges_);
         accepted = SetAttrsTagList(input, all) && accepted;
     }
     UpdateDisplay(nullptr, nullptr);
@@ -256,7 +257,7 @@ void PreviewControl::StopListening(Input* input)
 Input* PreviewControl::FindInputByIndex(unsigned int index) const
 {
     for (Input* input : inputs_) {
-        if (input->GetAttr(IA_OverlayIndex, -1) == int64(index))
+        if (input->GetAttr(IA_OverlayIndex) == int64(index))
             return input;
     }
     return nullptr;
@@ -335,7 +336,9 @@ bool PreviewControl::HandleEvent(Object* sender, const MxID& event, TagList& tag
     if (event == MxID("AttrsChanged")) {
         if (IsOwn(input)) {
             TagList all(input->Attributes());
-            all.Merge(attributes_);
+            all.Merge(laterChanges_);
+            if (input == inputs_.front())
+                attributes_.Merge(all);
             SetAttrsTagList(input, all);
             changed_ = true;
         }

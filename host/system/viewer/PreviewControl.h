@@ -172,6 +172,7 @@ private:
     bool hidesInDrag_ = false;
     bool changed_ = false; // the base was told of something that is not redrawn yet
     TagList attributes_;
+    TagList laterChanges_; // that were set after it was made: they outrank the inputs' attributes
     bool active_ = false;
     UndoGesture undo_;
     QMetaObject::Connection timeChanges_;
