@@ -48,8 +48,14 @@ void ControlWnd::SetOperator(Operator* tool)
 
 InputControl* ControlWnd::ControlOf(const Input& input) const
 {
-    const auto found = d_->byInput.find(&input);
-    return found != d_->byInput.end() ? found->second : nullptr;
+    if (const auto found = d_->byInput.find(&input); found != d_->byInput.end())
+        return found->second;
+    Private::Row* row = d_->RowFor(input);
+    if (!row || !row->IsWaiting())
+        return nullptr;
+    d_->Open(*row);
+    d_->ApplyShown(*row);
+    return row->control;
 }
 
 void ControlWnd::RecalcSizes(const InputControl* changed)

@@ -14,6 +14,10 @@ namespace Marlox {
 ///
 /// A row, from the left: a mark of the state of its inputs, the control, the keyframe button of its
 /// first input. Pixels.
+///
+/// Headings fold the rows below them: such rows take no room and no keyboard focus, whatever hides
+/// them besides. A row's control is made when the row is first unfolded, but for headings: those of
+/// the class CLSID_InputControl_Nest and of classes that inherit from it are there from the start.
 class MARLOXSYSTEM_EXPORT ControlWnd : public QWidget {
     Q_OBJECT
 public:
@@ -24,7 +28,9 @@ public:
     /// a line that says so.
     void SetOperator(Operator* tool);
     Operator* GetOperator() const { return operator_; }
+    /// From top to bottom, without those of rows that were never unfolded.
     const std::vector<Ref<InputControl>>& Controls() const { return controls_; }
+    /// Makes that of a row which was never unfolded (and stays folded). Null: there is none.
     InputControl* ControlOf(const Input& input) const;
     /// The wish of `changed` (null: of all) is another now: the rows are placed anew, in one pass
     /// at the next turn of the event loop.
@@ -33,6 +39,17 @@ public:
     void UpdateState(const InputControl& control);
     /// A place below a control for the expression lines of one whose layout has none.
     Container* PlaceBelow(const InputControl& control);
+    /// Makes a control the heading of rows below it, or tells that it has changed; controls call it
+    /// from their Open on. It folds, while not `open`, the rows of the next `inputs` inputs of the
+    /// page; 0: all up to the next heading. A heading among the rows that another one counts stands
+    /// inside it and reaches no further than that one does. Rows that get folded end their gestures
+    /// and hand the focus to the heading.
+    void SetHeading(InputControl& control, int inputs, bool open);
+    /// Whether a heading above the control's row has it folded.
+    bool IsFolded(const InputControl& control) const;
+    /// When the rows are placed: scrolls the area that the page stands in, if any, as far as is
+    /// needed and possible to show the heading and what it has unfolded.
+    void Reveal(const InputControl& heading);
     /// Controls in the middle of a gesture end it (the page goes away, the plug-in is unloaded).
     void EndGestures();
     MxColor BackgroundColor() const;

@@ -44,7 +44,7 @@ void ControlWnd::Private::Measure()
             continue;
         if (!row.measured)
             MeasureRow(row);
-        width = std::max(width, row.minimumWidth);
+        width = std::max(width, row.minimumWidth + Indent(row));
         bottom += row.height + rowGap;
         if (row.below)
             bottom += row.below->sizeHint().height();
@@ -56,52 +56,74 @@ void ControlWnd::Private::Measure()
 void ControlWnd::Private::Layout()
 {
     layoutPosted = false;
-    const QSize before(minimumWidth, height);
+    OpenUnfolded();
     Measure();
     const int available = std::max(page.width(), minimumWidth) - marginLeft - keyColumn;
     int y = marginTop;
     for (Row& row : rows) {
-        QWidget* widget = row.control ? static_cast<QWidget*>(row.control) : row.line;
-        if (row.control && row.control->isHidden() == IsShown(row) && !row.place.isNull())
-            widget->setVisible(IsShown(row));
-        if (row.keys)
-            row.keys->setVisible(IsShown(row));
-        if (!IsShown(row))
-            continue;
-        int width =
-            std::clamp(available, row.minimumWidth, std::max(row.maximumWidth, row.minimumWidth));
-        int rowHeight = row.height;
-        const QRect place(marginLeft, y, width, rowHeight);
-        // Rows that have the size they were given are not told again.
-        if (row.control && (!row.placed || place.size() != row.place.size())) {
-            widget->move(place.topLeft());
-            row.control->SetSize(width, rowHeight, nullptr);
-        } else {
-            widget->setGeometry(place);
+        if (IsShown(row)) {
+            PlaceControl(row, y, available);
+            PlaceKeys(row, y, available);
+            y += row.height;
+            if (row.below) {
+                const int belowHeight = row.below->sizeHint().height();
+                row.below->setGeometry(marginLeft, y, available, belowHeight);
+                y += belowHeight;
+            }
+            y += rowGap;
         }
-        row.place = place;
-        row.placed = true;
-        if (row.keys) {
-            const QSize size = row.keys->sizeHint();
-            row.keys->setGeometry(marginLeft + available + (keyColumn - size.width()) / 2,
-                                  y + (std::min(rowHeight, InspectorLineHeight) - size.height()) /
-                                          2,
-                                  size.width(), size.height());
-        }
-        y += row.height;
-        if (row.below) {
-            const int belowHeight = row.below->sizeHint().height();
-            row.below->setGeometry(marginLeft, y, available, belowHeight);
-            y += belowHeight;
-        }
-        y += rowGap;
+        ApplyShown(row);
     }
-    if (before == QSize(minimumWidth, height))
+    // Against the last layout: somebody may have asked for the size since, which measures.
+    const QSize before = std::exchange(laidOut, QSize(minimumWidth, height));
+    if (before != laidOut) {
+        page.updateGeometry();
+        page.update();
+        if (before.height() != height)
+            emit page.HeightChanged(height);
+    }
+    // The area that the page stands in has been asked for its new size and knows it by then.
+    if (revealed)
+        QMetaObject::invokeMethod(
+            &page, [this] { Reveal(); }, Qt::QueuedConnection);
+}
+
+void ControlWnd::Private::PlaceControl(Row& row, int y, int available) const
+{
+    int width = std::clamp(available - Indent(row), row.minimumWidth,
+                           std::max(row.maximumWidth, row.minimumWidth));
+    int rowHeight = row.height;
+    const QRect place(marginLeft + Indent(row), y, width, rowHeight);
+    // Rows that have the size they were given are not told again.
+    if (row.control && (!row.placed || place.size() != row.place.size())) {
+        row.control->move(place.topLeft());
+        row.control->SetSize(width, rowHeight, nullptr);
+    } else {
+        QWidget* widget = row.control ? static_cast<QWidget*>(row.control) : row.line;
+        widget->setGeometry(place);
+    }
+    row.place = place;
+    row.placed = true;
+}
+
+void ControlWnd::Private::PlaceKeys(const Row& row, int y, int available) const
+{
+    if (!row.keys)
         return;
-    page.updateGeometry();
-    page.update();
-    if (before.height() != height)
-        emit page.HeightChanged(height);
+    const QSize size = row.keys->sizeHint();
+    row.keys->setGeometry(marginLeft + available + (keyColumn - size.width()) / 2,
+                          y + (std::min(row.height, InspectorLineHeight) - size.height()) / 2,
+                          size.width(), size.height());
+}
+
+void ControlWnd::Private::ApplyShown(const Row& row) const
+{
+    const bool shown = IsShown(row);
+    for (QWidget* widget : {static_cast<QWidget*>(row.control), static_cast<QWidget*>(row.line),
+                            static_cast<QWidget*>(row.keys), static_cast<QWidget*>(row.below)}) {
+        if (widget && widget->isHidden() == shown)
+            widget->setVisible(shown);
+    }
 }
 
 QRect ControlWnd::Private::MarkOf(const Row& row) const

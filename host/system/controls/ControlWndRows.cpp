@@ -9,13 +9,12 @@
 
 namespace Marlox {
 
-/// The inputs that share one control; the first is the main one.
-struct ControlWnd::Private::Group {
-    MxID classID;
-    std::vector<Input*> inputs;
-};
-
 namespace {
+
+bool IsHeadingClass(const MxID& classID)
+{
+    return ClassRegistry::Global().IsKindOf(classID, CLSID_InputControl_Nest);
+}
 
 void SetControlIndex(Input& input, std::size_t index)
 {
@@ -60,17 +59,18 @@ void ControlWnd::Private::Show(Operator* shown)
         document = shown->GetDoc();
         ConnectDocument();
         page.setUpdatesEnabled(false);
-        const std::vector<Group> groups = Groups();
-        rows.reserve(groups.size());
-        for (const Group& group : groups)
-            Open(group);
+        opening = true;
+        for (Group& group : Groups())
+            rows.emplace_back().group = std::move(group);
+        for (Row& row : rows) {
+            // Rows below a heading are known to be folded by then.
+            if (!row.folded || IsHeadingClass(row.group.classID))
+                Open(row);
+        }
+        opening = false;
         page.setUpdatesEnabled(true);
     }
     Layout();
-    for (Row& row : rows) {
-        if (row.control)
-            row.control->setVisible(IsShown(row));
-    }
 }
 
 void ControlWnd::Private::ConnectDocument()
@@ -137,42 +137,44 @@ void ControlWnd::Private::Bind(InputControl& control, const Group& group, QStrin
     }
 }
 
-void ControlWnd::Private::Open(const Group& group)
+void ControlWnd::Private::Open(Row& row)
 {
+    const Group& group = row.group;
     QString problem;
     const Ref<InputControl> control = Make(group, problem);
     if (control)
         Bind(*control, group, problem);
-    if (!control || control->Inputs().empty()) {
-        AddLine(problem);
-        return;
-    }
-    Row row;
-    row.control = control.Get();
-    rows.push_back(row); // the control may ask for its row while it opens
-    page.controls_.push_back(control);
+    if (!control || control->Inputs().empty())
+        return AddLine(row, problem);
+    auto& controls = page.controls_;
+    const auto above = std::count_if(rows.data(), &row, [](const Row& r) { return r.control; });
+    controls.insert(controls.begin() + above, control);
+    row.control = control.Get(); // it may ask for its row while it opens
+    row.measured = false;        // somebody asked for the page's size while it waited
     const int width = std::max(page.width() - marginLeft - keyColumn, 0);
     MxRect place(marginLeft, 0, marginLeft + width, InspectorLineHeight);
     if (!control->Open(&page, place, nullptr)) {
         const QString fault = control->Fault();
-        rows.pop_back();
-        page.controls_.pop_back();
+        row.control = nullptr;
+        std::erase(controls, control);
         Unbind(*control);
-        AddLine(fault.isEmpty()
-                    ? ControlWnd::tr("%1: the control \"%2\" could not be opened")
-                          .arg(group.inputs.front()->GetName(), group.classID.ToString())
-                    : group.inputs.front()->GetName() + QStringLiteral(": ") + fault);
-        return;
+        return AddLine(row,
+                       fault.isEmpty()
+                           ? ControlWnd::tr("%1: the control \"%2\" could not be opened")
+                                 .arg(group.inputs.front()->GetName(), group.classID.ToString())
+                           : group.inputs.front()->GetName() + QStringLiteral(": ") + fault);
     }
     if (!control->Fault().isEmpty()) {
         for (QWidget* child :
              control->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
             child->hide();
     }
-    AddKeys(rows.back(), *group.inputs.front());
+    AddKeys(row, *group.inputs.front());
     for (Input* input : control->Inputs())
         control->ExpressionChanged(input, nullptr);
-    UpdateState(rows.back());
+    UpdateState(row);
+    if (!opening)
+        AdoptTabOrder(row);
 }
 
 void ControlWnd::Private::Unbind(InputControl& control)
@@ -187,21 +189,20 @@ void ControlWnd::Private::Unbind(InputControl& control)
     }
 }
 
-void ControlWnd::Private::AddLine(const QString& text)
+void ControlWnd::Private::AddLine(Row& row, const QString& text)
 {
-    Row row;
     row.line = new ElideLabel(&page);
     row.line->SetText(text);
-    row.line->show();
-    rows.push_back(row);
     emit page.Problem(text);
 }
 
 void ControlWnd::Private::AddKeys(Row& row, Input& first)
 {
     const MxID type = first.GetDataType();
-    if (!first.GetAttrB(IA_Animatable, true) || type == CLSID_DataType_Image ||
-        type == CLSID_DataType_Mask)
+    // The control may know better than its input: a label has no value to animate.
+    const bool animatable =
+        row.control->GetAttrB(IA_Animatable, first.GetAttrB(IA_Animatable, true));
+    if (!animatable || type == CLSID_DataType_Image || type == CLSID_DataType_Mask)
         return;
     row.keys = new KeyFrameIndicator(&page);
     row.keys->setAttribute(Qt::WA_Resized); // by Layout
@@ -246,6 +247,7 @@ void ControlWnd::Private::Release()
         }
     }
     byInput.clear();
+    revealed = nullptr;
     document = nullptr;
     tool = nullptr;
     if (controls.empty())

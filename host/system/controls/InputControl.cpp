@@ -119,7 +119,9 @@ bool InputControl::GetDisabledTags(const TagList& tags, bool ofInput)
 
 void InputControl::ApplyEnabled()
 {
-    const bool enabled = !disabled_ && !(owner_ && owner_->IsLocked());
+    // What is passive is not the tool's result, which a lock keeps: a locked tool can be looked at.
+    const bool locked = owner_ && owner_->IsLocked() && !IsAllPassive(nullptr);
+    const bool enabled = !disabled_ && !locked;
     if (enabled == testAttribute(Qt::WA_ForceDisabled))
         setEnabled(enabled);
 }

@@ -153,7 +153,8 @@ public:
     /// Why an expression would give that input no value at the current time; empty: it would.
     QString ExpressionProblem(unsigned int index, const QString& expression) const;
     /// Reads IC_Disabled (and IA_ReadOnly when `ofInput`), applies them, and returns whether the
-    /// control is disabled. The inputs of a locked tool are disabled besides.
+    /// control is disabled. Those of a locked tool are disabled besides, unless all inputs are
+    /// passive.
     bool GetDisabledTags(const TagList& tags, bool ofInput);
     bool IsAllPassive(TagList* tags) const;
     MxColor GetBackgroundColor() const;
@@ -181,7 +182,7 @@ public:
     ControlWnd* Window() const { return window_; }
     bool TabStop() const { return tabStop_; }
     bool ControlDisabled() const { return disabled_; }
-    bool IsRowHidden() const; // IC_Hidden: takes no room
+    bool IsRowHidden() const; // IC_Hidden: takes no room (folded rows: ControlWnd::IsFolded)
     int UndoDepth() const { return undo_.IsOpen() ? 1 : 0; }
 
 protected:

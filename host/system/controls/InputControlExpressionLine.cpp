@@ -14,9 +14,16 @@ namespace {
 QWidget* LastInTabOrder(QWidget* parent)
 {
     QWidget* last = parent;
-    for (QWidget* next = parent->nextInFocusChain(); parent->isAncestorOf(next);
-         next = next->nextInFocusChain())
+    QWidget* next = parent->nextInFocusChain();
+    for (; parent->isAncestorOf(next); next = next->nextInFocusChain())
         last = next;
+    if (last->focusPolicy() != Qt::NoFocus)
+        return last;
+    // In a row that was unfolded later those that take the keyboard stand elsewhere.
+    for (; next != parent; next = next->nextInFocusChain()) {
+        if (next->focusPolicy() != Qt::NoFocus && parent->isAncestorOf(next))
+            last = next;
+    }
     return last;
 }
 

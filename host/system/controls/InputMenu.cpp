@@ -28,8 +28,7 @@ struct Context {
 
 bool IsEditable(const Context& at)
 {
-    return !at.control.ControlDisabled() && !at.input.Owner().IsLocked() &&
-           !at.input.GetAttrB(IA_ReadOnly);
+    return !at.control.ControlDisabled() && at.input.IsChangeable();
 }
 
 bool CanAnimate(const Context& at)

@@ -28,6 +28,7 @@ public:
     void AddCheck(unsigned int id, const QString& text, bool checked, bool enabled = true);
     void AddSeparator();                  // none at the start or behind another
     Menu AddSubmenu(const QString& text); // writes into this menu; valid until the next Add
+    void Clear() { entries_->clear(); }   // for controls that what was added says nothing to
     const std::vector<Entry>& Entries() const { return *entries_; }
 
     /// Fills a QMenu; the data() of its actions is the entry's id.

@@ -180,7 +180,8 @@ double Input::GetNumber(double time, double otherwise) const
 
 bool Input::IsChangeable() const
 {
-    return !owner_.IsLocked() && !attributes_.GetBool(IA_ReadOnly);
+    const bool locked = owner_.IsLocked() && !attributes_.GetBool(IA_Passive);
+    return !locked && !attributes_.GetBool(IA_ReadOnly);
 }
 
 bool Input::ChangeTo(State next, Force force)

@@ -27,8 +27,7 @@ inline constexpr double TimeNone = -2000000000.0;
 /// Every operation that changes the state is one undo step of the document, named after the input
 /// ("Change Gain") when it stands outside a group; steps of one input within a group are merged. An
 /// input with IA_Passive, or of a tool that stands in no document, simply changes. Operations
-/// refuse (false) while the tool is locked or the input has IA_ReadOnly, and are no step, yet true,
-/// when they change nothing.
+/// refuse (false) while IsChangeable says no, and are no step, yet true, when they change nothing.
 ///
 /// Events to listeners: "ValueChanged" after every change of the state, "ConnectionChanged" before
 /// it when the connection changed too, "AttrsChanged".
@@ -59,6 +58,9 @@ public:
     const MxID& GetID() const { return id_; }
     QString GetName() const; // IAS_Name, or the id
     MxID GetDataType() const { return dataType_; }
+    /// Not with IA_ReadOnly, nor while the tool is locked; a lock keeps what the tool gives, so it
+    /// leaves inputs with IA_Passive alone.
+    bool IsChangeable() const;
 
     /// The value at `time` in frames; null only for a connected image input. A failing expression
     /// yields the last good value, and ExpressionError tells what is wrong. Inputs whose
@@ -130,7 +132,6 @@ public:
 private:
     class Step;
 
-    bool IsChangeable() const;
     bool Change(State next, const QString& text, Force force = Ask);
     void Assign(const State& state);
     void Announce(bool reconnected);

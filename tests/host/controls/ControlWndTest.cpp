@@ -60,6 +60,11 @@ private slots:
     void attributesChangeWhileOpen();
     void sizesInOnePass();
     void hiddenAndNarrowRows();
+    void headingsFold_data();
+    void headingsFold();
+    void foldedRowsWait();
+    void foldingEndsWhatGoesOn();
+    void headingsShowWhatTheyUnfold();
     void keyButtons();
     void lockedTool();
     void wheelNeedsFocus();
@@ -73,6 +78,12 @@ private slots:
 
 private:
     Operator* OpenTool(int numbers);
+    Operator* OpenFolded(const QString& rows);
+    void Fold(const char* id, int inputs, bool open)
+    {
+        page_->SetHeading(*ProbeOf(*page_, id), inputs, open);
+        QCoreApplication::processEvents();
+    }
     std::unique_ptr<MarloxDoc> document_;
     std::unique_ptr<ControlWnd> page_;
 };
@@ -306,6 +317,208 @@ void ControlWndTest::hiddenAndNarrowRows()
     QCoreApplication::processEvents();
     QVERIFY(!ProbeOf(*page_, "a")->isHidden());
     QCOMPARE(page_->sizeHint().height(), before);
+}
+
+/// Rows of one letter each: capitals are headings, followed by the number of inputs that they count
+/// (0: none), and by "-" where they are folded. An apostrophe marks an input that joins the row
+/// before.
+Operator* ControlWndTest::OpenFolded(const QString& rows)
+{
+    const QStringList words = rows.split(' ');
+    const auto wordOf = [words](const QString& id) {
+        return *std::find_if(words.begin(), words.end(),
+                             [&id](const QString& word) { return word.startsWith(id); });
+    };
+    SetProbeInputs([words](Operator& tool) {
+        QByteArray before;
+        for (const QString& word : words) {
+            const QByteArray id = word.left(1).toLatin1();
+            TagList tags = ProbeAttributes(id);
+            if (word[0].isUpper())
+                tags.Set(IAS_Control, "ProbeHeading");
+            if (word.endsWith('\''))
+                tags.Set(IAS_SharedWith, before.constData());
+            tool.AddInput(MxID(id.constData()), tags);
+            before = id;
+        }
+    });
+    ProbeControl::settings.onOpen = [this, wordOf](ProbeControl& control) {
+        const QString word = wordOf(control.Inputs().front()->GetID().ToString());
+        if (word[0].isUpper())
+            page_->SetHeading(control, word.mid(1, 1).toInt(), !word.endsWith('-'));
+    };
+    page_->resize(300, 200);
+    page_->SetOperator(document_->AddTool("ProbeTool"));
+    return page_->GetOperator();
+}
+
+void ControlWndTest::headingsFold_data()
+{
+    QTest::addColumn<QString>("rows");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("counted") << "a H2- b c d"
+                             << "a H d";
+    QTest::newRow("open") << "H2 a b c"
+                          << "H a b c";
+    QTest::newRow("to the next heading") << "H0- a b G0 c"
+                                         << "H G c";
+    QTest::newRow("to the next that counts") << "H0- a G1 b c"
+                                             << "H G b c";
+    QTest::newRow("to the end") << "a H0- b c"
+                                << "a H";
+    QTest::newRow("more than there are") << "H9- a b"
+                                         << "H";
+    QTest::newRow("joined inputs count") << "H3- a b' c d"
+                                         << "H d";
+    QTest::newRow("inside") << "H3 a G1- b c"
+                            << "H a G c";
+    QTest::newRow("inside a folded one") << "H3- a G1 b c"
+                                         << "H c";
+    QTest::newRow("no further than outside") << "H2 a G9- b c"
+                                             << "H a G b c";
+    QTest::newRow("uncounted inside") << "H3 G0- a b c"
+                                      << "H G c";
+    QTest::newRow("next to each other inside") << "H4 G0- a K0 b c"
+                                               << "H G K b c";
+    QTest::newRow("three deep") << "H6 a G4 b K2- c d e"
+                                << "H a G b K e";
+}
+
+void ControlWndTest::headingsFold()
+{
+    QFETCH(QString, rows);
+    QFETCH(QString, shown);
+    OpenFolded(rows);
+    QStringList seen;
+    int bottom = 0;
+    for (const Ref<InputControl>& control : page_->Controls()) {
+        QCOMPARE(control->isHidden(), page_->IsFolded(*control));
+        if (control->isHidden())
+            continue;                       // a heading inside a folded one
+        QCOMPARE(control->y(), bottom + 4); // no room for the folded ones
+        bottom = control->geometry().bottom() + 1;
+        seen += control->objectName();
+    }
+    QCOMPARE(seen.join(' '), shown);
+    QCOMPARE(page_->sizeHint().height(), bottom + 8);
+}
+
+void ControlWndTest::foldedRowsWait()
+{
+    ProbeControl::settings.spin = true;
+    Operator* tool = OpenFolded("a H3- b c d e");
+    tool->FindInput("c")->SetAttrsTagList({{IC_Hidden, 1}});
+    QVERIFY(ProbeControl::TakeLog().filter("b").empty());
+    QCOMPARE(page_->Controls().size(), std::size_t(3));
+    const InputControl* asked = ProbeOf(*page_, "d"); // made for whoever wants it
+    QVERIFY(asked && asked->isHidden() && page_->IsFolded(*asked));
+    QCOMPARE(page_->Controls()[2].Get(), asked);
+
+    tool->FindInput("b")->SetValue(Number(3.0), 0.0);
+    Fold("H", 3, true);
+    QString order;
+    for (const Ref<InputControl>& control : page_->Controls())
+        order += control->objectName();
+    QCOMPARE(order, QString("aHbcde"));
+    QVERIFY(!ProbeOf(*page_, "b")->isHidden() && !asked->isHidden());
+    QVERIFY(ProbeOf(*page_, "c")->isHidden()); // for its own reason
+    QVERIFY(!ProbeOf(*page_, "b")->size().isEmpty());
+
+    // Tabbing takes the rows in their order, a line that comes later too.
+    tool->FindInput("b")->SetExpression("1");
+    QWidget* line = static_cast<QWidget*>(ProbeOf(*page_, "b")->GetExpressionData(0, nullptr));
+    QStringList tabs;
+    for (QWidget* next = page_->nextInFocusChain(); next != page_.get();
+         next = next->nextInFocusChain()) {
+        if (next == line)
+            tabs += "line";
+        else if (qobject_cast<QSpinBox*>(next) || qobject_cast<KeyFrameIndicator*>(next))
+            tabs += next->parent() == page_.get() ? next->accessibleName().right(1) + " key"
+                                                  : next->parentWidget()->objectName();
+    }
+    QStringList rows{"a", "a key", "H", "H key", "b", "line", "b key"};
+    for (const char* id : {"c", "d", "e"})
+        rows << id << QString(id) + " key";
+    QCOMPARE(tabs, rows);
+}
+
+void ControlWndTest::foldingEndsWhatGoesOn()
+{
+    ProbeControl::settings.spin = true;
+    Operator* tool = OpenFolded("H2 a b c");
+    page_->show();
+    page_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(page_.get()));
+    ProbeControl* heading = ProbeOf(*page_, "H");
+    ProbeControl* b = ProbeOf(*page_, "b");
+    heading->setFocusPolicy(Qt::StrongFocus);
+    b->child->setFocus();
+    ProbeOf(*page_, "a")->SetUndo(0, nullptr);
+    ProbeOf(*page_, "a")->SetInputs(MakeRef<Number>(2.0).Get(), 0.0, 0, false, nullptr);
+    QCOMPARE(document_->Undo().Depth(), 1);
+
+    page_->SetHeading(*heading, 2, false);
+    QVERIFY(b->isHidden()); // at once
+    QVERIFY(heading->hasFocus());
+    QCOMPARE(document_->Undo().Depth(), 0);
+    QCOMPARE(document_->Undo().UndoText(), QString("Adjust a"));
+    QVERIFY(KeysOf(*page_).at(2)->isHidden());
+
+    // What is folded goes on following its input.
+    ProbeControl::TakeLog();
+    tool->FindInput("b")->SetValue(Number(5.0), 0.0);
+    QCOMPARE(ProbeControl::TakeLog(), QStringList({"notify b=5", "display b"}));
+    document_->Undo().Undo();
+    QCOMPARE(b->shown, 0.0);
+
+    // A heading that takes no focus: it must not stay in what is hidden, nor pass to another row.
+    Fold("H", 2, true);
+    b->child->setFocus();
+    heading->setEnabled(false);
+    Fold("H", 2, false);
+    QVERIFY(!page_->window()->focusWidget() ||
+            !page_->isAncestorOf(page_->window()->focusWidget()));
+
+    // The end of the gesture takes the page away.
+    Fold("H", 2, true);
+    b->SetUndo(0, nullptr);
+    b->child->setFocus();
+    connect(qApp, &QApplication::focusChanged, page_.get(),
+            [this] { page_->SetOperator(nullptr); });
+    page_->SetHeading(*heading, 2, false);
+    QVERIFY(page_->Controls().empty());
+    QCOMPARE(document_->Undo().Depth(), 0);
+}
+
+void ControlWndTest::headingsShowWhatTheyUnfold()
+{
+    ProbeControl::settings.minimumHeight = 60;
+    QScrollArea area;
+    area.setWidgetResizable(true);
+    area.setWidget(page_.get());
+    const auto taken = qScopeGuard([&area] { (void)area.takeWidget(); });
+    OpenFolded("a b c d H3- e f g i j");
+    area.resize(300, 300);
+    area.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&area));
+    QScrollBar* bar = area.verticalScrollBar();
+    ProbeControl* heading = ProbeOf(*page_, "H");
+    const auto unfold = [&](int inputs) {
+        page_->SetHeading(*heading, inputs, true);
+        page_->Reveal(*heading);
+        for (int turn = 0; turn < 3; ++turn) // the page's, the area's, the scrolling
+            QCoreApplication::processEvents();
+    };
+    bar->setValue(20);
+    unfold(1);
+    const QRect last = ProbeOf(*page_, "e")->geometry();
+    QCOMPARE(bar->value(), last.bottom() + 4 - area.viewport()->height()); // just so far
+    unfold(0); // more than there is room for: the heading stays
+    QCOMPARE(bar->value(), heading->y() - 4);
+    page_->SetHeading(*heading, 0, false);
+    QCoreApplication::processEvents();
+    QVERIFY(bar->value() <= bar->maximum());
+    QVERIFY(area.viewport()->rect().contains(heading->mapTo(area.viewport(), QPoint(0, 0))));
 }
 
 void ControlWndTest::keyButtons()

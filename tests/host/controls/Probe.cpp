@@ -1,5 +1,6 @@
 #include "host/controls/Probe.h"
 
+#include "system/base/HostClassIds.h"
 #include "system/base/ScriptServices.h"
 
 #include <QSpinBox>
@@ -55,9 +56,15 @@ const TagPair controlTags[] = {{REG_Kind, int(ClassKind::InputControl)},
                                {REG_Create, CreateFunction(MakeControl)},
                                {REG_Parent, &InputControl::ClassID},
                                {}};
+const MxID nestID(CLSID_InputControl_Nest);
+const TagPair headingTags[] = {{REG_Kind, int(ClassKind::InputControl)},
+                               {REG_Create, CreateFunction(MakeControl)},
+                               {REG_Parent, &nestID},
+                               {}};
 
 const Registry toolRecord("ProbeTool", toolTags);
 const Registry controlRecord("ProbeControl", controlTags);
+const Registry headingRecord("ProbeHeading", headingTags); // a ProbeControl too
 
 QString IdOf(const Input* input)
 {
@@ -153,6 +160,8 @@ bool ProbeControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
         ScriptServices::Installed()->ParseValue(settings.layoutText, description, nullptr);
         CreateLayout(description, false, nullptr, nullptr);
     }
+    if (settings.onOpen)
+        settings.onOpen(*this);
     return true;
 }
 

@@ -10,6 +10,8 @@
 
 namespace Marlox {
 
+class ProbeControl;
+
 /// What a ProbeControl is to do; set before the page is opened.
 struct ProbeSettings {
     QString refuseInput; // id that AddInput refuses
@@ -20,6 +22,7 @@ struct ProbeSettings {
     int minimumHeight = 24;
     int minimumWidth = 60;
     int maximumWidth = 10000;
+    std::function<void(ProbeControl& control)> onOpen; // at the end of Open
 };
 
 /// An inspector control that writes down what it is told.
