@@ -62,10 +62,10 @@ constexpr Setting settings[] = {
 Animation curvedPath()
 {
     Animation path;
-    path.SetKey(1.0, MakeRef<Point>(0.27, 0.3));
-    path.SetKey(16.0, MakeRef<Point>(0.34, 0.62));
-    path.SetKey(32.0, MakeRef<Point>(0.62, 0.7));
-    path.SetKey(48.0, MakeRef<Point>(0.74, 0.34));
+    path.SetKey(1.0, MakeRef<Point>(0.33, 0.36));
+    path.SetKey(16.0, MakeRef<Point>(0.4, 0.68));
+    path.SetKey(32.0, MakeRef<Point>(0.66, 0.76));
+    path.SetKey(48.0, MakeRef<Point>(0.8, 0.42));
     return path;
 }
 
@@ -84,9 +84,9 @@ bool writeOverlays(const QString& path, QString* error)
     set("ImageSource", "File", Text("dusk.exr"));
     for (const Setting& setting : settings)
         set(setting.tool, setting.input, Number(setting.value));
-    set("Transform", "Pivot", Point(0.45, 0.5));
+    set("Transform", "Pivot", Point(0.3, 0.32));
     set("ColorGradient", "Start", Point(0.45, 0.75));
-    set("ColorGradient", "End", Point(0.95, 0.15));
+    set("ColorGradient", "End", Point(0.98, 0.05));
     tools["Transform"]->FindInput("Centre")->SetAnimation(curvedPath());
     return save(document, path, error);
 }
