@@ -115,7 +115,7 @@ void GLOverlayPainter::AddLine(OverlayPoint from, OverlayPoint to)
     const OverlayPoint b{from.x + dx * end, from.y + dy * end};
     if (!std::isfinite(a.x + a.y + b.x + b.y))
         return;
-    const bool oblique = !state.framed && dx != 0.0 && dy != 0.0;
+    const bool oblique = dx != 0.0 && dy != 0.0;
     Vertices& lines = state.dashed ? dashed_ : oblique ? smooth_ : crisp_;
     Vertices& casing = state.dashed ? dashedCasing_ : oblique ? smoothCasing_ : crispCasing_;
     lines.push_back({float(a.x), float(a.y), state.color});

@@ -125,7 +125,7 @@ private:
     double unit_;
     double width_; // the view's, with room for casings
     double height_;
-    Vertices crisp_; // of marks and along an axis: drawn on whole pixels
+    Vertices crisp_; // along an axis: on whole pixels
     Vertices crispCasing_;
     Vertices smooth_; // oblique
     Vertices smoothCasing_;
