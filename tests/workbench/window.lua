@@ -256,6 +256,29 @@ for _, at in ipairs({{10, 20}, {200, 100}}) do
     end
 end
 
+-- A new crop is the whole of the picture on show, as part of its one entry of the history.
+for class, inputs in pairs({Crop = {"Right", "Top"}, CropRegion = {"Width", "Height"}}) do
+    local entries = #undo.texts()
+    local crop = document.add(class)
+    equal(#undo.texts(), entries + 1, "entries for a new crop")
+    undo.undo()
+    undo.redo()
+    crop = document.tool(class .. "1")
+    equal(crop:input(inputs[1]):get(), 640, "width of a new crop")
+    equal(crop:input(inputs[2]):get(), 360, "height of a new crop")
+end
+waitrender()
+equal(view:message(), "", "message of crops")
+
+-- The sample with overlays renders, and its picture moves with the time.
+document.open(samples .. "/overlays.marlox")
+waitrender()
+local placed = view:color(280, 540)
+document.time(48)
+waitrender()
+equal(view:message(), "", "message of the overlays")
+assert(view:color(280, 540)[3] ~= placed[3], "the picture has moved")
+
 -- Saved by keys and opened again; saved to another folder, the pictures are still found.
 openfresh()
 document.save(out .. "/saved.marlox")
