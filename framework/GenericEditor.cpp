@@ -2,7 +2,6 @@
 
 #include "framework/GenericInputControl.h"
 #include "system/document/MarloxDoc.h"
-#include "system/widgets/CustomCheckBox.h"
 #include "system/widgets/MxLineEdit.h"
 #include "system/widgets/TimeCodeEdit.h"
 
@@ -143,22 +142,6 @@ private:
     bool severalLines_ = false;
 };
 
-class CheckEditor final : public GenericEditor {
-public:
-    CheckEditor(GenericInputControl& control, Input& input) : GenericEditor(control, input)
-    {
-        box_ = new CustomCheckBox(&control);
-        QObject::connect(box_, &QCheckBox::clicked, connections_.get(),
-                         [this](bool on) { Send(MakeRef<Number>(on ? 1.0 : 0.0)); });
-        Append("checkbox", box_);
-    }
-
-    void ShowValue(const Parameter& value) override { box_->setChecked(NumberOf(&value) != 0.0); }
-
-private:
-    CustomCheckBox* box_;
-};
-
 template <class Editor>
 std::unique_ptr<GenericEditor> MakeA(GenericInputControl& control, Input& input)
 {
@@ -200,12 +183,6 @@ std::unique_ptr<GenericEditor> GenericEditor::Make(GenericInputControl& control,
             return editor.make(control, input);
     }
     return nullptr;
-}
-
-std::unique_ptr<GenericEditor> GenericEditor::MakeCheckBox(GenericInputControl& control,
-                                                           Input& input)
-{
-    return std::make_unique<CheckEditor>(control, input);
 }
 
 void GenericEditor::Append(const char* name, QWidget* widget, const char* which)

@@ -35,8 +35,6 @@ public:
 
     /// The editor for the input's kind of value; null for kinds that have none.
     static std::unique_ptr<GenericEditor> Make(GenericInputControl& control, Input& input);
-    /// A check box for a number: 0 is off, anything else on.
-    static std::unique_ptr<GenericEditor> MakeCheckBox(GenericInputControl& control, Input& input);
 
 protected:
     /// Appends a widget, from the left. Screen readers call it after the input and `which` of its

@@ -30,14 +30,14 @@ void CustomController::LoseGesture()
     CustomControl::LoseGesture();
 }
 
-int CustomController::LevelOf(Qt::KeyboardModifiers modifiers) const
+int CustomController::LevelOf(int, Qt::KeyboardModifiers modifiers) const
 {
     if (modifiers & Qt::ControlModifier)
         return 0;
     return shiftHeld_ || (modifiers & Qt::ShiftModifier) ? 2 : 1;
 }
 
-std::optional<CustomController::Way> CustomController::WayOf(int key)
+std::optional<CustomController::Way> CustomController::WayOf(int key) const
 {
     switch (key) {
     case Qt::Key_Home:
@@ -80,7 +80,7 @@ void CustomController::keyPressEvent(QKeyEvent* event)
         if (!alive)
             return;
         BeginGesture(false);
-        StepBy(*way, LevelOf(event->modifiers()));
+        StepBy(*way, LevelOf(event->key(), event->modifiers()));
         return;
     }
     if (event->key() == Qt::Key_Control) {
@@ -163,7 +163,7 @@ void CustomController::wheelEvent(QWheelEvent* event)
     wheelRest_ %= wheelStep;
     BeginGesture(false);
     wheelEnd_.start(wheelPause, this);
-    StepByWheel(steps, LevelOf(event->modifiers()));
+    StepByWheel(steps, LevelOf(0, event->modifiers()));
 }
 
 void CustomController::StepByWheel(int steps, int level)

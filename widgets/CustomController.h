@@ -9,13 +9,13 @@
 
 namespace Marlox {
 
-/// Base of the drawn widgets that hold one number on a scale or more: keys, wheel and what they
-/// have in common.
+/// Base of the drawn widgets that hold one number on a scale or more, or one of several entries:
+/// keys, wheel and what they have in common.
 ///
-/// Step keys: Left and Page Down go down, Right and Page Up go up, Home and End to the ends. They
-/// step with level 1, with Ctrl 0 (fine), else with Shift 2 (coarse), before any shortcut of the
-/// window gets them. What is done until a key is released is one undo entry. Up and Down are left
-/// to others.
+/// Step keys: Left and Page Down go down, Right and Page Up go up, Home and End to the ends (of a
+/// scale; others say what theirs are). They step with level 1, with Ctrl 0 (fine), else with Shift
+/// 2 (coarse), before any shortcut of the window gets them. What is done until a key is released is
+/// one undo entry. Up and Down are left to others.
 ///
 /// Wheel: steps with the same levels, in the widget with keyboard focus only, and never takes a
 /// scroll that began elsewhere. Deltas of touchpads add up to steps of 120. What is done until a
@@ -34,6 +34,8 @@ protected:
     enum class Way { Down, Up, Low, High };
     /// One step (`level` as above) or a jump to an end.
     virtual void StepBy(Way way, int level) = 0;
+    virtual std::optional<Way> WayOf(int key) const;                     // of a step key
+    virtual int LevelOf(int key, Qt::KeyboardModifiers modifiers) const; // key 0: the wheel's
     /// The pointer holds something: keys and wheel must wait.
     virtual bool IsHeld() const = 0;
     /// Ctrl went down or up.
@@ -50,8 +52,6 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    static std::optional<Way> WayOf(int key); // of a step key
-    int LevelOf(Qt::KeyboardModifiers modifiers) const;
     bool IsForeign(const QWheelEvent& event);
     void StepByWheel(int steps, int level);
 

@@ -1,27 +1,79 @@
 #include "controls/inspector/CheckBoxControl.h"
 
+#include "framework/ControlClass.h"
+#include "system/widgets/CustomCheckBox.h"
+
 namespace Marlox {
 
-std::size_t CheckBoxControl::SizeOf() const
+namespace {
+
+constexpr char layoutName[] = "Controls.CheckBox.Layout";
+
+Qt::CheckState stateOf(double value)
 {
-    return sizeof(*this);
+    return value == 0.0 ? Qt::Unchecked : value == 1.0 ? Qt::Checked : Qt::PartiallyChecked;
 }
 
-std::unique_ptr<GenericEditor> CheckBoxControl::MakeEditor(Input& input)
+} // namespace
+
+CheckBoxControl::CheckBoxControl(const Registry* record, const ScriptVal& creator,
+                                 const TagList& attributes)
+    : OneInputControl(record, creator, attributes), box_(new CustomCheckBox(this))
 {
-    return input.GetDataType() == MxID(CLSID_DataType_Number)
-               ? GenericEditor::MakeCheckBox(*this, input)
-               : GenericInputControl::MakeEditor(input);
+    box_->setObjectName(QStringLiteral("checkbox"));
+    connect(box_, &QCheckBox::clicked, this, &CheckBoxControl::OnClicked);
+    ReadTags(CreationTags());
+}
+
+CheckBoxControl::~CheckBoxControl()
+{
+    box_->disconnect(this);
+}
+
+bool CheckBoxControl::Takes(const Input& input) const
+{
+    return input.GetDataType() == MxID(CLSID_DataType_Number);
+}
+
+const char* CheckBoxControl::LayoutName() const
+{
+    return layoutName;
+}
+
+void CheckBoxControl::ReadTags(const TagList& tags)
+{
+    nameHidden_ = tags.GetBool(IC_NoLabel);
+    editDisabled_ = tags.GetBool(IC_EditDisabled);
+}
+
+void CheckBoxControl::Show()
+{
+    const QString name = InputName();
+    box_->setText(nameHidden_ ? QString() : QString(name).replace(u'&', QLatin1String("&&")));
+    box_->setAccessibleName(name);
+    box_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
+    box_->setEnabled(!editDisabled_);
+    const Qt::CheckState state = stateOf(NumberOf(ShownValue().Get()));
+    box_->setTristate(state == Qt::PartiallyChecked);
+    box_->setCheckState(state);
+    const Motion motion = InputMotion();
+    box_->SetStateColor(ColorOf(motion), motion == Motion::Expression);
+}
+
+void CheckBoxControl::OnClicked(bool on)
+{
+    Write(MakeRef<Number>(on ? 1.0 : 0.0), false);
 }
 
 namespace {
 
-struct CheckBoxFacts : GenericInspectorFacts {
+struct CheckBoxFacts : InspectorFacts {
     using Class = CheckBoxControl;
     static constexpr char name[] = "CheckBoxControl";
     static constexpr RecordFacts records[] = {{CLSID_InputControl_Checkbox, "CheckboxControl"}};
     struct Resources {
-        ResData layout{"Controls.CheckBox.Layout"};
+        ResColor expression{"Controls.ExpressionColour", {230, 215, 135}, {9, 9, 9}};
+        ResData layout{layoutName};
     };
 };
 

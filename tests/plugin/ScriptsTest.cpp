@@ -16,6 +16,7 @@ private slots:
     void CreatesAndCasts_data();
     void CreatesAndCasts();
     void AttributesByName();
+    void ListsAsAttributes();
     void UnknownNamesAreRefused();
     void UnloadsBehindTheScript();
 
@@ -79,6 +80,25 @@ void ScriptsTest::AttributesByName()
     Run("user = usercontrol{Control = 'SliderControl', Name = 'Mine', SLCS_MidName = 'grey'}");
     QCOMPARE(Run("user:GetAttrs{'SLCS_MidName'}").Get("SLCS_MidName").ToString(),
              std::string("grey"));
+}
+
+void ScriptsTest::ListsAsAttributes()
+{
+    for (const char* id : {"ComboControl", "ComboIDControl"}) {
+        Run(QString("combo = create('%1', {CMBS_Entry = {'Nearest', 'Bilinear'}, "
+                    "CMBS_EntryID = {'near'}, CMB_Vertical = true})")
+                .arg(id));
+        ScriptVal read = Run("combo:GetAttrs()");
+        QCOMPARE(read.Get("CMBS_Entry").Length(), std::size_t(2));
+        QCOMPARE(read.Get("CMBS_Entry").At(2).ToString(), std::string("Bilinear"));
+        QCOMPARE(read.Get("CMBS_EntryID").At(1).ToString(), std::string("near"));
+        QCOMPARE(read.Get("CMBS_EntryID").At(2).ToString(), std::string("Bilinear"));
+        QCOMPARE(read.Get("CMB_Vertical").ToNumber(), 1.0);
+        Run("combo:SetAttrs{CMBS_Entry = {'a', 'b', 'c'}}");
+        QCOMPARE(Run("combo:GetAttrs{'CMBS_Entry'}").Get("CMBS_Entry").Length(), std::size_t(3));
+    }
+    QVERIFY(!engine_->RunText("create('ComboControl', {CMBS_Entry = {1, 2}})").ok);
+    QVERIFY(!engine_->RunText("create('SliderControl', {SLCS_LowName = {'a', 'b'}})").ok);
 }
 
 void ScriptsTest::UnknownNamesAreRefused()

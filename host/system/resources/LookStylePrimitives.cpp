@@ -127,9 +127,14 @@ void LookStyle::DrawCheck(const QStyleOption& option, QPainter& painter, bool ro
     const bool on = option.state & State_On;
     const bool partly = option.state & State_NoChange;
     const bool set = on || partly;
-    const QColor fill = !enabled ? colors_.window : set ? colors_.accent : colors_.field;
+    const bool down = option.state & State_Sunken;
+    const QColor accent = down ? colors_.accent.darker(130) : colors_.accent;
+    const QColor fill = !enabled ? colors_.window
+                        : set    ? accent
+                        : down   ? colors_.button
+                                 : colors_.field;
     const QColor mark = enabled ? colors_.accentText : colors_.disabledText;
-    const QColor edge = set && enabled                              ? colors_.accent
+    const QColor edge = set && enabled                              ? accent
                         : enabled && option.state & State_MouseOver ? colors_.text
                         : enabled                                   ? colors_.scroll
                                                                     : colors_.line;

@@ -37,6 +37,15 @@ QRect CustomCheckBox::TextRect() const
                                                 : rect().adjusted(used, 0, 0, 0);
 }
 
+void CustomCheckBox::SetStateColor(const QColor& color, bool ruled)
+{
+    if (color == stateColor_ && ruled == ruled_)
+        return;
+    stateColor_ = color;
+    ruled_ = ruled && color.isValid();
+    update();
+}
+
 QSize CustomCheckBox::sizeHint() const
 {
     const QSize words = fontMetrics().size(Qt::TextShowMnemonic, text());
@@ -56,9 +65,12 @@ void CustomCheckBox::paintEvent(QPaintEvent*)
     QStyleOptionButton option;
     initStyleOption(&option);
     option.rect = BoxRect();
+    if (ruled_)
+        option.state &= ~QStyle::State_Enabled;
     style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &painter, this);
-    const QColor ink = WidgetLook::Text(*this);
-    painter.setPen(ink);
+    if (stateColor_.isValid() && isEnabled())
+        WidgetLook::DrawFrame(painter, BoxRect(), stateColor_, 2.0);
+    painter.setPen(ruled_ && isEnabled() ? stateColor_ : WidgetLook::Text(*this));
     const QString shown =
         fontMetrics().elidedText(text(), Qt::ElideRight, TextRect().width(), Qt::TextShowMnemonic);
     painter.drawText(TextRect(), int(Qt::AlignLeft | Qt::AlignVCenter) | int(Qt::TextShowMnemonic),
@@ -72,15 +84,27 @@ bool CustomCheckBox::hitButton(const QPoint& at) const
     return rect().contains(at);
 }
 
+QString CustomCheckBox::ToolTipText() const
+{
+    if (fontMetrics().size(Qt::TextShowMnemonic, text()).width() <= TextRect().width())
+        return {};
+    const QChar mark(1);
+    QString name = text();
+    name.replace(QLatin1String("&&"), mark).remove(u'&').replace(mark, u'&');
+    const QString help =
+        toolTip().isEmpty() && parentWidget() ? parentWidget()->toolTip() : toolTip();
+    return help.isEmpty() ? name : name + u'\n' + help;
+}
+
 bool CustomCheckBox::event(QEvent* event)
 {
-    if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
-        const int words = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
-        if (words > TextRect().width())
-            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
-        return true;
+    if (event->type() == QEvent::ToolTip) {
+        if (const QString told = ToolTipText(); !told.isEmpty()) {
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), told, this);
+            return true;
+        }
     }
-    return QCheckBox::event(event);
+    return QCheckBox::event(event); // without a tooltip of its own, its parent's
 }
 
 } // namespace Marlox

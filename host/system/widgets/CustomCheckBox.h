@@ -3,17 +3,22 @@
 #include "system/base/Types.h"
 
 #include <QCheckBox>
+#include <QColor>
 
 namespace Marlox {
 
-/// A check box drawn crisply at any pixel ratio: a box with a tick, or with a bar when it stands
-/// for several values that differ (`setTristate`). The label shortens with an ellipsis when room is
-/// short; the whole text is then the tooltip.
+/// A check box drawn crisply at any pixel ratio: a box with a tick, or with a bar when it is
+/// neither on nor off (`setTristate`). The label shortens with an ellipsis when room is short; the
+/// whole text then stands in the tooltip, above the help of the box or its parent.
 class MARLOXSYSTEM_EXPORT CustomCheckBox : public QCheckBox {
     Q_OBJECT
 public:
     explicit CustomCheckBox(QWidget* parent = nullptr);
     explicit CustomCheckBox(const QString& text, QWidget* parent = nullptr);
+
+    /// A frame around the box that tells of keys, or of an expression, which `ruled` the box then
+    /// follows: it shows flat, and the label has the colour too. An invalid colour takes it away.
+    void SetStateColor(const QColor& color, bool ruled = false);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -26,6 +31,10 @@ protected:
 private:
     QRect BoxRect() const;
     QRect TextRect() const;
+    QString ToolTipText() const; // empty: none of its own
+
+    QColor stateColor_;
+    bool ruled_ = false;
 };
 
 } // namespace Marlox
