@@ -277,6 +277,10 @@ void OverlayStageTest::lostDragsEnd()
     else
         rig.stage = nullptr;
     QCOMPARE(rig.document->Undo().Depth(), 0);
+    if (how == "tool removed") {
+        QCOMPARE(rig.UndoEntries(), 2);
+        QCOMPARE(rig.UndoText(), QString("Remove ProbeTool1"));
+    }
     if (how == "undo") { // the rest of the drag is an entry of its own
         QCOMPARE(rig.PointOf("a"), std::string("0.5 0.5"));
         rig.stage->Move({360, 150}, 0);

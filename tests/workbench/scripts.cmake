@@ -6,6 +6,10 @@ marlox_script_test(workbench-reference ${scripts}/reference.lua
     ${CMAKE_BINARY_DIR}/samples/dusk.marlox
     ${PROJECT_SOURCE_DIR}/docs/script-the-workbench.md ${pictures})
 
+# Overlays dragged over a picture.
+marlox_script_test(workbench-overlays ${scripts}/overlays.lua
+    ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${pictures} ${CMAKE_BINARY_DIR}/samples/dusk.marlox)
+
 # Broken files of all kinds, in a look with some broken files of its own.
 set(look ${pictures}/look)
 file(COPY ${PROJECT_SOURCE_DIR}/host/look/ DESTINATION ${look})

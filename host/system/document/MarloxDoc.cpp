@@ -118,6 +118,7 @@ bool MarloxDoc::RemoveTool(Operator& tool)
         return false;
     const auto held = Ref<Operator>::Share(&tool);
     const QString text = tr("Remove %1").arg(tool.name_);
+    undo_->EndGestures(); // a drag of the tool is an entry of its own
     undo_->Begin(text);
     BypassConnections(*this, tool);
     Take(tool);

@@ -73,6 +73,13 @@ void UndoHistory::EndGroup(u64 group, bool keep)
     EndThoseOver();
 }
 
+void UndoHistory::EndGestures()
+{
+    for (Group& open : open_)
+        open.ended = open.ended || open.ofGesture;
+    EndThoseOver();
+}
+
 void UndoHistory::EndThoseOver()
 {
     while (!open_.empty() && open_.back().ended)

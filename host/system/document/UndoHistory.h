@@ -44,6 +44,8 @@ public:
     /// has ended. keep = false ends those inside it, too, and undoes what they and it did.
     void EndGroup(u64 group, bool keep = true);
     bool IsOpen(u64 group) const;
+    /// Ends the groups of all gestures: what comes next is no part of them.
+    void EndGestures();
     int Depth() const { return int(open_.size()); }
     /// Hands over a change that was just made. Outside a group it is an entry of its own, named
     /// `text`; inside, an earlier step of the innermost group may absorb it. While the history

@@ -212,11 +212,10 @@ void OverlayStage::Leave()
 
 void OverlayStage::PlacementChanged()
 {
-    if (!pointerInside_)
+    if (!pointerInside_ || pressed_) // a drag may have rewritten the cursor
         return;
     PlaceCursor(at_);
-    if (!pressed_)
-        TestHover();
+    TestHover();
 }
 
 // Keys --------------------------------------------------------------------------------------------
