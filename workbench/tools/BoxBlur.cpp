@@ -155,6 +155,48 @@ Ref<Image> blurColumns(const Image& image, const Box& box, bool repeatEdges, Ren
     return result;
 }
 
+constexpr int together = 4; // values in a pixel
+
+int fours(int count)
+{
+    return (count + together - 1) / together;
+}
+
+/// The alpha of four neighbouring rows as the channels of one: a blur along the rows takes four of
+/// them at once.
+Ref<Image> alphaByRows(const Image& image, RenderContext& context)
+{
+    Image::Format format;
+    format.dataWindow = {0, 0, image.Width(), fours(image.Height())};
+    auto rows = MakeRef<Image>(format);
+    context.ForRows(image.Height(), [&](int first, int last) {
+        for (int y = first; y < last; ++y) {
+            const float* alpha = image.Row(y) + 3;
+            float* to = rows->Row(y / together) + y % together;
+            for (int x = 0; x < image.Width(); ++x, alpha += 4, to += together)
+                *to = *alpha > 0.0f ? std::min(*alpha, 1.0f) : 0.0f;
+        }
+    });
+    return rows;
+}
+
+/// The same values, four of a row as the channels of a pixel, which is one float after the other.
+Ref<Image> alphaByColumns(const Image& rows, const MxRect& window, RenderContext& context)
+{
+    Image::Format format;
+    format.dataWindow = {0, 0, fours(window.Width()), window.Height()};
+    auto columns = MakeRef<Image>(format);
+    context.ForRows(window.Height(), [&](int first, int last) {
+        for (int y = first; y < last; ++y) {
+            const float* from = rows.Row(y / together) + y % together;
+            float* to = columns->Row(y);
+            for (int x = 0; x < window.Width(); ++x)
+                to[x] = from[std::ptrdiff_t(x) * together];
+        }
+    });
+    return columns;
+}
+
 } // namespace
 
 Ref<Image> Blurred(const Ref<Image>& image, const BlurSize& size, RenderContext& context,
@@ -173,6 +215,28 @@ Ref<Image> Blurred(const Ref<Image>& image, const BlurSize& size, RenderContext&
     if (down.passes > 0 && !context.IsCancelled())
         result = blurColumns(*result, down, size.repeatEdges, context);
     return context.IsCancelled() ? Ref<Image>() : result;
+}
+
+AlphaPlane BlurredAlpha(const Image& image, const BlurSize& size, RenderContext& context,
+                        double from, double to)
+{
+    const Box across(size.deviationX, size.passes);
+    const Box down(size.deviationY, size.passes);
+    const double middle = (from + to) / 2.0;
+    context.SetPart(from, middle);
+    Ref<Image> rows = alphaByRows(image, context);
+    if (across.passes > 0 && !rows->GetFormat().dataWindow.IsEmpty())
+        rows = blurRows(*rows, across, false, context);
+    context.SetPart(middle, to);
+    AlphaPlane plane;
+    plane.window = image.GetFormat().dataWindow.Widened(across.Spread(), 0);
+    plane.rows = alphaByColumns(*rows, plane.window, context);
+    if (down.passes > 0 && !plane.window.IsEmpty())
+        plane.rows = blurColumns(*plane.rows, down, false, context);
+    plane.window = plane.window.Widened(0, down.Spread());
+    if (context.IsCancelled())
+        plane.rows = {};
+    return plane;
 }
 
 } // namespace Marlox

@@ -17,4 +17,18 @@ struct BlurSize {
 Ref<Image> Blurred(const Ref<Image>& image, const BlurSize& size, RenderContext& context,
                    double from = 0.0, double to = 1.0);
 
+/// One channel of a picture, a float a pixel.
+struct AlphaPlane {
+    MxRect window;   // as a data window
+    Ref<Image> rows; // four neighbours of a row as the channels of a pixel; null when cancelled
+
+    /// Row `y` of the window, from 0 at the top: Width() floats.
+    const float* Row(int y) const { return rows->Row(y); }
+};
+
+/// The alpha of an image alone, limited to 0 and 1 (not a number is 0) and softened, in a quarter
+/// of the time. The window grows by what the blur spreads; edges are not repeated.
+AlphaPlane BlurredAlpha(const Image& image, const BlurSize& size, RenderContext& context,
+                        double from, double to);
+
 } // namespace Marlox

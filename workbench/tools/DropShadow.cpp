@@ -39,39 +39,13 @@ struct Shadow {
     }
 };
 
-/// What is seen of the picture, 0 to 1, as the alpha of an image without colours.
-Ref<Image> coverOf(const Image& picture, RenderContext& context)
+/// The row at `y` of an image or a plane with this window; null: it has none there.
+template <class Rows>
+const float* rowAt(const Rows& rows, const MxRect& window, int y)
 {
-    auto cover = MakeRef<Image>(picture.GetFormat());
-    const std::ptrdiff_t rowFloats = std::ptrdiff_t(picture.Width()) * 4;
-    context.ForRows(picture.Height(), [&](int first, int last) {
-        for (int y = first; y < last; ++y) {
-            const float* from = picture.Row(y);
-            float* to = cover->Row(y);
-            for (std::ptrdiff_t x = 3; x < rowFloats; x += 4)
-                to[x] = from[x] > 0.0f ? std::min(from[x], 1.0f) : 0.0f; // a NaN covers nothing
-        }
-    });
-    return cover;
+    return !window.IsEmpty() && y >= window.top && y < window.bottom ? rows.Row(y - window.top)
+                                                                     : nullptr;
 }
-
-/// The part of an image's row at `y` of the result's coordinates, and where in the result it
-/// starts.
-struct RowPart {
-    const float* pixels = nullptr;
-    int start = 0;
-    int end = 0;
-
-    RowPart(const Image& image, int y, int left)
-    {
-        const MxRect& window = image.GetFormat().dataWindow;
-        if (window.IsEmpty() || y < window.top || y >= window.bottom)
-            return;
-        pixels = image.Row(y - window.top);
-        start = window.left - left;
-        end = window.right - left;
-    }
-};
 
 class ShadowProcess final : public ToolProcess {
 public:
@@ -86,21 +60,19 @@ public:
         if (!(shadow_.opacity > 0.0))
             return upstream;
         const Image::Format& format = upstream->GetFormat();
-        context.SetPart(0.0, 0.1);
-        const Ref<Image> cover = coverOf(*upstream, context);
-        context.SetPart(0.1, 0.4);
-        Ref<Image> shadow = Resampled(*cover, shadow_.Matrix(format.displayWindow),
-                                      ResampleFilter::Bilinear, context);
-        if (!shadow)
+        context.SetPart(0.0, 0.3);
+        const Ref<Image> sharp = Resampled(*upstream, shadow_.Matrix(format.displayWindow),
+                                           ResampleFilter::Bilinear, context);
+        if (!sharp)
             return {};
+        if (sharp->GetFormat().dataWindow.IsEmpty())
+            return upstream;
         const double deviation = shadow_.softness * format.scale / 2.0;
-        shadow = Blurred(shadow, {deviation, deviation * format.pixelAspect, blurPasses, false},
-                         context, 0.4, 0.8);
-        if (!shadow)
-            return {};
+        const AlphaPlane soft =
+            BlurredAlpha(*sharp, {deviation, deviation * format.pixelAspect, blurPasses, false},
+                         context, 0.3, 0.8);
         context.SetPart(0.8, 1.0);
-        return shadow->GetFormat().dataWindow.IsEmpty() ? upstream
-                                                        : Laid(*upstream, *shadow, context);
+        return soft.rows ? Laid(*upstream, soft, context) : Ref<Image>();
     }
 
     std::string CacheKey() const override
@@ -112,32 +84,34 @@ public:
 
 private:
     /// The picture over its shadow.
-    Ref<Image> Laid(const Image& picture, const Image& shadow, RenderContext& context) const
+    Ref<Image> Laid(const Image& picture, const AlphaPlane& shadow, RenderContext& context) const
     {
         Image::Format format = picture.GetFormat();
-        format.dataWindow = United(format.dataWindow, shadow.GetFormat().dataWindow);
+        const MxRect window = format.dataWindow;
+        format.dataWindow = United(window, shadow.window);
         auto result = MakeRef<Image>(format);
         context.ForRows(result->Height(), [&](int first, int last) {
             for (int row = first; row < last; ++row) {
                 const int y = format.dataWindow.top + row;
-                LayRow(RowPart(picture, y, format.dataWindow.left),
-                       RowPart(shadow, y, format.dataWindow.left), result->Row(row));
+                const auto at = [&](int x) {
+                    return result->Row(row) + std::ptrdiff_t(x - format.dataWindow.left) * 4;
+                };
+                if (const float* from = rowAt(picture, window, y))
+                    std::copy_n(from, std::ptrdiff_t(window.Width()) * 4, at(window.left));
+                if (const float* cover = rowAt(shadow, shadow.window, y))
+                    LayRow(cover, shadow.window.Width(), at(shadow.window.left));
             }
         });
         return context.IsCancelled() ? Ref<Image>() : result;
     }
 
-    void LayRow(const RowPart& picture, const RowPart& shadow, float* to) const
+    void LayRow(const float* cover, int count, float* pixel) const
     {
-        std::copy_n(picture.pixels, std::ptrdiff_t(picture.end - picture.start) * 4,
-                    to + std::ptrdiff_t(picture.start) * 4);
         std::array<float, 4> color{};
         for (std::size_t i = 0; i < 4; ++i)
             color[i] = float(shadow_.color[i] * shadow_.opacity);
-        const float* cover = shadow.pixels + 3;
-        float* pixel = to + std::ptrdiff_t(shadow.start) * 4;
-        for (int x = shadow.start; x < shadow.end; ++x, cover += 4, pixel += 4) {
-            const float seen = *cover * std::max(1.0f - pixel[3], 0.0f);
+        for (int x = 0; x < count; ++x, pixel += 4) {
+            const float seen = cover[x] * std::max(1.0f - pixel[3], 0.0f);
             if (!(seen > 0.0f))
                 continue;
             for (std::size_t i = 0; i < 4; ++i)
