@@ -1,8 +1,18 @@
 #include "controls/inspector/LabelControl.h"
 
+#include "controls/inspector/LabelControlAccess.h"
+#include "framework/ControlClass.h"
+#include "system/controls/ControlWnd.h"
+#include "system/document/MarloxDoc.h"
 #include "system/widgets/ElideLabel.h"
+#include "widgets/CustomNestButton.h"
+#include "widgets/CustomSeparator.h"
 
-#include <QPainter>
+#include <utility>
+
+#include <QAccessible>
+#include <QLabel>
+#include <QPointer>
 
 namespace Marlox {
 
@@ -19,23 +29,26 @@ struct LabelResources {
     ResData separatorLayout{"Controls.Separator.Layout"};
     ResData spacerLayout{"Controls.Spacer.Layout"};
 };
-const LabelResources& Resources();
+const LabelResources& resources();
 
-constexpr int gapHeight = 8; // pixels, of separators and spacers
+constexpr int textMargin = 4; // above and below the text of a label, pixels
 
-LabelControl::Variant VariantOf(const Registry* record)
+constexpr struct {
+    const char* id;
+    LabelControl::Variant variant;
+    const char* layout;
+} variants[] = {
+    {CLSID_InputControl_Label, LabelControl::Variant::Label, "Controls.Label.Layout"},
+    {CLSID_InputControl_Nest, LabelControl::Variant::Nest, "Controls.Nest.Layout"},
+    {CLSID_InputControl_Separator, LabelControl::Variant::Separator, "Controls.Separator.Layout"},
+    {CLSID_InputControl_Spacer, LabelControl::Variant::Spacer, "Controls.Spacer.Layout"},
+};
+
+LabelControl::Variant variantOf(const Registry* record)
 {
-    constexpr struct {
-        const char* id;
-        LabelControl::Variant variant;
-    } variants[] = {
-        {CLSID_InputControl_Nest, LabelControl::Variant::Nest},
-        {CLSID_InputControl_Separator, LabelControl::Variant::Separator},
-        {CLSID_InputControl_Spacer, LabelControl::Variant::Spacer},
-    };
-    for (const auto& [id, variant] : variants) {
-        if (record && record->ClassID() == MxID(id))
-            return variant;
+    for (const auto& row : variants) {
+        if (record && record->ClassID() == MxID(row.id))
+            return row.variant;
     }
     return LabelControl::Variant::Label;
 }
@@ -44,67 +57,252 @@ LabelControl::Variant VariantOf(const Registry* record)
 
 LabelControl::LabelControl(const Registry* record, const ScriptVal& creator,
                            const TagList& attributes)
-    : GenericInputControl(record, creator, attributes), variant_(VariantOf(record))
+    : InputControl(record, creator, attributes), variant_(variantOf(record))
 {
+    MakeLabelsAccessible();
+    MakeWidgets();
+    creation_.Merge(attributes);
+    ReadTags(creation_);
 }
+
+LabelControl::~LabelControl() = default;
 
 std::size_t LabelControl::SizeOf() const
 {
     return sizeof(*this);
 }
 
-std::unique_ptr<GenericEditor> LabelControl::MakeEditor(Input&)
+void LabelControl::MakeWidgets()
 {
-    return nullptr;
+    switch (variant_) {
+    case Variant::Label:
+        text_ = new QLabel(this);
+        text_->setObjectName("label");
+        text_->setTextFormat(Qt::PlainText);
+        text_->setWordWrap(true);
+        text_->setContentsMargins(0, textMargin, 0, textMargin);
+        text_->setMinimumWidth(1); // a long word does not widen the page
+        break;
+    case Variant::Nest: {
+        button_ = new CustomNestButton(this);
+        button_->setObjectName("button");
+        title_ = new ElideLabel(this);
+        title_->setObjectName("label");
+        QFont bold = title_->font();
+        bold.setBold(true);
+        title_->setFont(bold);
+        QPalette palette = title_->palette();
+        for (const auto group : {QPalette::Active, QPalette::Inactive})
+            palette.setColor(group, QPalette::WindowText,
+                             resources().nestTextColour.Color().ToQColor());
+        title_->setPalette(palette);
+        break;
+    }
+    case Variant::Separator:
+        line_ = new CustomSeparator(this);
+        line_->setObjectName("line");
+        break;
+    case Variant::Spacer:
+        break;
+    }
+}
+
+// Attributes -------------------------------------------------------------------------------------
+
+QString LabelControl::Text() const
+{
+    if (!givenText_.empty() || Inputs().empty())
+        return QString::fromStdString(givenText_);
+    return Inputs().front()->GetName();
+}
+
+bool LabelControl::CopyAttr(u64 tag, void* out)
+{
+    if (tag == IA_Animatable) {
+        *static_cast<int64*>(out) = 0; // whatever the input allows
+        return true;
+    }
+    // Without an input the base knows better: what was set since is not read before one comes.
+    if (Inputs().empty() && InputControl::CopyAttr(tag, out))
+        return true;
+    switch (tag) {
+    case LBL_Rows:
+        *static_cast<int64*>(out) = rows_;
+        return true;
+    case LBLS_Text:
+        *static_cast<const char**>(out) = givenText_.c_str();
+        return true;
+    default:
+        return InputControl::CopyAttr(tag, out);
+    }
+}
+
+bool LabelControl::SetAttrsTagList(Input* input, const TagList& tags)
+{
+    if (!InputControl::SetAttrsTagList(input, tags))
+        return false;
+    if (!Inputs().empty() && input != Inputs().front())
+        return true; // another one joins: what is shown stays the first's
+    TagList all(creation_);
+    all.Merge(tags);
+    ReadTags(all);
+    return true;
+}
+
+void LabelControl::ReadTags(const TagList& tags)
+{
+    rows_ = int(tags.GetLong(LBL_Rows));
+    givenText_ = tags.GetString(LBLS_Text, "");
+}
+
+// Life cycle -------------------------------------------------------------------------------------
+
+bool LabelControl::AddInput(Input* input, TagList* tags)
+{
+    if (!InputControl::AddInput(input, tags))
+        return false;
+    if (input != Inputs().front())
+        return true;
+    inputId_ = unsigned(input->GetAttr(IA_ControlIndex));
+    if (const Ref<Parameter> value = input->GetValue(CurrentTime()))
+        NotifyChanged(input, value.Get(), nullptr);
+    return true;
 }
 
 bool LabelControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
 {
-    if (!GenericInputControl::Open(window, rect, tags))
+    if (!InputControl::Open(window, rect, tags))
         return false;
-    const bool nest = variant_ == Variant::Nest;
-    TitleLabel()->setVisible(nest || variant_ == Variant::Label);
-    if (nest) {
-        QFont bold = TitleLabel()->font();
-        bold.setBold(true);
-        TitleLabel()->setFont(bold);
-        QPalette palette = TitleLabel()->palette();
-        palette.setColor(QPalette::WindowText, Resources().nestTextColour.Color().ToQColor());
-        TitleLabel()->setPalette(palette);
+    const bool built = LoadLayout(variants[int(variant_)].layout, false, nullptr, nullptr);
+    for (QWidget* part : {static_cast<QWidget*>(text_), static_cast<QWidget*>(title_),
+                          static_cast<QWidget*>(button_), line_}) {
+        LayoutObj* place = part && built ? FindLayoutObj(MxID(part->objectName())) : nullptr;
+        if (place)
+            place->SetWidget(part);
+        else if (part)
+            part->hide();
     }
+    if (text_)
+        text_->resize(rect.Width(), text_->height()); // good enough a guess of the room
+    if (IsNest())
+        setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
+    ApplyText();
+    ApplyFolding();
     return true;
 }
 
-bool LabelControl::GetMinSize(int& width, int& height, TagList* tags)
+bool LabelControl::SetSize(int& width, int& height, TagList* tags)
 {
-    if (variant_ == Variant::Label || variant_ == Variant::Nest)
-        return GenericInputControl::GetMinSize(width, height, tags);
-    width = 0;
-    height = gapHeight;
-    return true;
+    const bool done = InputControl::SetSize(width, height, tags);
+    FitText();
+    return done;
 }
 
-bool LabelControl::GetMaxSize(int& width, int& height, TagList* tags)
+void LabelControl::ApplyText()
 {
-    if (variant_ == Variant::Label || variant_ == Variant::Nest)
-        return GenericInputControl::GetMaxSize(width, height, tags);
-    width = QWIDGETSIZE_MAX; // the layout, whose title is hidden, would say 0
-    height = gapHeight;
-    return true;
-}
-
-void LabelControl::paintEvent(QPaintEvent* event)
-{
-    GenericInputControl::paintEvent(event);
-    if (variant_ == Variant::Separator) {
-        QPainter painter(this);
-        painter.fillRect(0, height() / 2, width(), 1, palette().color(QPalette::Mid));
+    const QString text = Text();
+    setAccessibleName(text);
+    if (title_) {
+        title_->SetText(text);
+        const QString help =
+            Inputs().empty() ? QString() : QString::fromUtf8(Inputs().front()->GetAttrS(IAS_Help));
+        const QString use = tr("Click: fold or open\nCtrl+click: all nests");
+        setToolTip(help.isEmpty() ? use : help + '\n' + use);
+    }
+    if (text_ && text_->text() != text) {
+        text_->setText(text);
+        FitText();
     }
 }
+
+/// Asks for the height that the text needs at the width it has got. (QLabel's own answer is never
+/// below its minimum height, which is what is to be found.)
+void LabelControl::FitText()
+{
+    if (!text_)
+        return;
+    const QRect room(0, 0, text_->width(), QWIDGETSIZE_MAX);
+    const QRect needed =
+        text_->fontMetrics().boundingRect(room, Qt::AlignLeft | Qt::TextWordWrap, text_->text());
+    const int height = needed.height() + 2 * textMargin;
+    if (height == text_->minimumHeight())
+        return;
+    text_->setMinimumHeight(height);
+    RecalcControlSize();
+}
+
+// The nest ---------------------------------------------------------------------------------------
+
+void LabelControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
+{
+    if (input && unsigned(input->GetAttr(IA_ControlIndex)) == inputId_)
+        nestOpen_ = NumberOf(value, nestOpen_ ? 1.0 : 0.0) != 0.0;
+    InputControl::NotifyChanged(input, value, tags);
+}
+
+void LabelControl::UpdateDisplay(Input* input, TagList* tags)
+{
+    if (!IsOpen())
+        return;
+    const auto alive = Ref<LabelControl>::Share(this); // folding may end what closes the page
+    ApplyText();
+    ApplyFolding();
+    InputControl::UpdateDisplay(input, tags);
+}
+
+void LabelControl::ApplyFolding()
+{
+    if (!IsNest())
+        return;
+    ApplyButton();
+    const bool told = std::exchange(shownOpen_, nestOpen_) == nestOpen_;
+    Window()->SetHeading(*this, rows_, nestOpen_);
+    if (told || !QAccessible::isActive())
+        return;
+    QAccessible::State changed;
+    changed.expanded = true;
+    changed.collapsed = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
+}
+
+void LabelControl::SetNestOpen(bool open)
+{
+    if (!IsNest() || open == nestOpen_)
+        return;
+    const auto alive = Ref<LabelControl>::Share(this);
+    const Input* input = FindInputByIndex(inputId_);
+    if (input && input->GetDataType() == MxID(CLSID_DataType_Number)) {
+        SetInputs(AutoNumber(new Number(open ? 1.0 : 0.0)).Get(), CurrentTime(), inputId_, true,
+                  nullptr);
+        return;
+    }
+    nestOpen_ = open;
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void LabelControl::SetAllNestsOpen(bool open)
+{
+    if (!IsOpen())
+        return;
+    // One undo entry for those whose input is not passive.
+    const QPointer<MarloxDoc> document(GetDoc());
+    if (document)
+        document->StartUndo(open ? "Open All" : "Fold All");
+    for (const Ref<InputControl>& control : std::vector(Window()->Controls())) {
+        auto* nest = dynamic_cast<LabelControl*>(control.Get());
+        if (nest && nest->isEnabled())
+            nest->SetNestOpen(open);
+    }
+    if (document)
+        document->EndUndo(true);
+}
+
+// Registration -----------------------------------------------------------------------------------
 
 namespace {
 
-struct LabelFacts : GenericInspectorFacts {
+struct LabelFacts : InspectorFacts {
     using Class = LabelControl;
     static constexpr char name[] = "LabelControl";
     static constexpr RecordFacts records[] = {
@@ -113,6 +311,8 @@ struct LabelFacts : GenericInspectorFacts {
         {CLSID_InputControl_Separator, nullptr, CLSID_InputControl_Label},
         {CLSID_InputControl_Spacer, nullptr, CLSID_InputControl_Label},
     };
+    static constexpr TagMapEntry tagNames[] = {
+        {"LBL_Rows", LBL_Rows}, {"LBLS_Text", LBLS_Text}, {}};
     using Resources = LabelResources;
 };
 
@@ -124,7 +324,7 @@ MARLOX_SCRIPT_CASTS(LabelControl)
 
 namespace {
 
-const LabelResources& Resources()
+const LabelResources& resources()
 {
     return controlClass<LabelFacts>.resources;
 }

@@ -19,7 +19,7 @@ SliderStage::SliderStage(std::vector<StagedInput> inputs, int width)
       page(new ControlWnd(window.get()))
 {
     InstallScripting();
-    SetProbeInputs([&inputs](Operator& added) {
+    SetProbeInputs([inputs](Operator& added) {
         for (const StagedInput& input : inputs) {
             TagList tags({{IAS_Name, input.id}, {IAS_Control, CLSID_InputControl_Slider}});
             for (const TagPair& pair : input.attributes)

@@ -1,6 +1,6 @@
--- A line between controls.
+-- A line between controls, in the middle of its place.
 {"Controls.Separator.Layout",
-    {"VGroup", MinHeight = 9, MaxHeight = 9, Margin = {0, 4, 0, 4},
-        {"Item", Name = "line", MinHeight = 1, MaxHeight = 1},
+    {"VGroup", MinHeight = 9, MaxHeight = 9,
+        {"Item", Name = "line"},
     }
 }

@@ -1,0 +1,24 @@
+#include "widgets/CustomSeparator.h"
+
+#include "system/resources/Resources.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QPainter>
+
+namespace Marlox {
+
+void CustomSeparator::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF all = toDevice.mapRect(QRectF(rect()));
+    const double thickness = std::max(1.0, std::round(toDevice.m22()));
+    const double top = std::round(all.center().y() - thickness / 2);
+    const QRectF line(all.left(), top, all.width(), thickness);
+    painter.fillRect(toDevice.inverted().mapRect(line),
+                     LookPack::Global().Color("System.LineColour", {72, 72, 72}).ToQColor());
+}
+
+} // namespace Marlox
