@@ -1,5 +1,7 @@
 #include "system/values/Image.h"
 
+#include "system/values/PixelPool.h"
+
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -25,7 +27,7 @@ std::size_t floatsIn(const MxRect& window)
 Image::Image() = default;
 
 Image::Image(const Format& format)
-    : format_(format), pixels_(std::make_shared<std::vector<float>>(floatsIn(format.dataWindow)))
+    : format_(format), pixels_(PixelPool::Global().Take(floatsIn(format.dataWindow)))
 {
 }
 

@@ -1,5 +1,6 @@
 #include "host/TestTools.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -96,6 +97,25 @@ private slots:
         QCOMPARE(static_cast<const Image&>(*copy).Row(4)[19], 7.0f);
         format.dataWindow = {0, 0, 2000000000, 2000000000};
         QVERIFY_EXCEPTION_THROWN(Image{format}, std::bad_alloc);
+    }
+
+    void imagesStartEmptyInUsedMemory()
+    {
+        // Large ones, smaller and larger than the one before, while others hold their pixels.
+        std::vector<Ref<Image>> held;
+        for (const int height : {600, 500, 590, 610, 400, 600}) {
+            Image::Format format;
+            format.dataWindow = {0, 0, 1000, height};
+            auto image = MakeRef<Image>(format);
+            const std::size_t count = std::size_t(1000) * 4 * std::size_t(height);
+            QVERIFY(std::all_of(image->Row(0), image->Row(0) + count,
+                                [](float value) { return value == 0.0f; }));
+            std::fill_n(image->Row(0), count, float(height));
+            if (held.size() < 2)
+                held.push_back(image);
+        }
+        QCOMPARE(held[0]->Row(599)[3999], 600.0f);
+        QCOMPARE(held[1]->Row(0)[0], 500.0f);
     }
 
     void keysHoldOutsideAndStep()

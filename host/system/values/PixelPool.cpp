@@ -1,0 +1,70 @@
+#include "system/values/PixelPool.h"
+
+#include <algorithm>
+
+namespace Marlox {
+
+namespace {
+
+constexpr std::size_t smallest = std::size_t(1) << 18; // floats; below it the system is as quick
+constexpr std::size_t mostKept = std::size_t(1) << 26; // floats, 256 MiB
+
+} // namespace
+
+PixelPool::PixelPool()
+{
+    blocks_.reserve(mostKept / smallest);
+}
+
+PixelPool& PixelPool::Global()
+{
+    static auto* pool = new PixelPool;
+    return *pool;
+}
+
+std::shared_ptr<std::vector<float>> PixelPool::Take(std::size_t floats)
+{
+    if (floats < smallest)
+        return std::make_shared<std::vector<float>>(floats);
+    Block block = Find(floats);
+    if (block)
+        block->assign(floats, 0.0f);
+    else
+        block = std::make_unique<std::vector<float>>(floats);
+    return {block.release(), [this](std::vector<float>* pixels) { Return(Block(pixels)); }};
+}
+
+/// A block that holds as much and is not much too large; null: none.
+PixelPool::Block PixelPool::Find(std::size_t floats)
+{
+    std::lock_guard lock(mutex_);
+    auto best = blocks_.end();
+    for (auto block = blocks_.begin(); block != blocks_.end(); ++block) {
+        const std::size_t capacity = (*block)->capacity();
+        if (capacity >= floats && capacity - floats <= floats / 2 &&
+            (best == blocks_.end() || capacity < (*best)->capacity()))
+            best = block;
+    }
+    if (best == blocks_.end())
+        return {};
+    Block found = std::move(*best);
+    kept_ -= found->capacity();
+    blocks_.erase(best);
+    return found;
+}
+
+void PixelPool::Return(Block block)
+{
+    const std::size_t capacity = block->capacity();
+    if (capacity > mostKept)
+        return;
+    std::lock_guard lock(mutex_);
+    while (kept_ + capacity > mostKept) {
+        kept_ -= blocks_.front()->capacity();
+        blocks_.erase(blocks_.begin());
+    }
+    blocks_.push_back(std::move(block)); // in the room of the construction: nothing is thrown
+    kept_ += capacity;
+}
+
+} // namespace Marlox
