@@ -41,7 +41,7 @@ QImage pictureOf(QWidget& widget)
         return viewer->Screenshot();
     QImage picture = widget.grab().toImage();
     for (ViewerWidget* viewer : widget.findChildren<ViewerWidget*>()) {
-        if (viewer->isVisibleTo(&widget)) {
+        if (viewer->isVisibleTo(&widget) && viewer->window() == widget.window()) {
             QPainter painter(&picture);
             painter.drawImage(viewer->mapTo(&widget, QPoint()), viewer->Screenshot());
         }

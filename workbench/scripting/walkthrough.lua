@@ -70,6 +70,16 @@ dragto(control("Saturation"):widget("slider"), 1.25)
 waitrender()
 shot(window(), "graded", "Contrast and saturation raised")
 
+-- A nest folds the controls below its heading. That is no edit.
+local range = control("Range")
+entries = #undo.texts()
+range:click(40, 10)
+assert(not control("Posterise"):visible(), "the nest is folded")
+assert(#undo.texts() == entries and grade:input("Range"):get() == 0, "remembered without an edit")
+shot(inspector(), "folded", "The controls below 'Range' are folded; the document remembers it")
+range:key("Right")
+assert(control("Posterise"):visible(), "the nest is open")
+
 -- Typing: arithmetic in the value field. Ctrl on the slider is fine.
 local edit = control("Gain"):widget("edit")
 edit:key("A", {ctrl = true})
@@ -123,6 +133,58 @@ assert(near(blur:input("XSize"):get(), 24, 1), "the blur is " .. blur:input("XSi
 assert(near(blur:input("YSize"):get(), blur:input("XSize"):get() / 4))
 shot(window(), "blur", "A second tool: a blur, its height tied to its width by an expression")
 blur:enabled(false)
+waitrender()
+
+-- Overlays: marks over the picture, dragged there. A tool is added for each and goes again.
+action("fit")
+action("zoomout")
+local view = viewer()
+
+-- A drag in the viewer from an image position (0 to 1, y up) by pixels, with a picture of its middle.
+local function place(x, y, dx, dy, name, what)
+    local px, py = view:normalised(x, y)
+    local entries = #undo.texts()
+    view:move(px, py)
+    view:press(px, py)
+    view:move(px + dx / 2, py + dy / 2)
+    view:move(px + dx, py + dy)
+    waitrender()
+    shot(view, name, what)
+    view:release(px + dx, py + dy)
+    waitrender()
+    assert(#undo.texts() == entries + 1, "one drag, one undo entry")
+end
+
+local move = document.add("Transform")
+local centre = move:input("Centre")
+move:input("Size"):set(0.5)
+waitrender()
+place(0.5, 0.5, 120, -60, "crosshair", "A crosshair places the picture; it follows while it is dragged")
+assert(centre:get().x > 0.5 and centre:get().y > 0.5)
+centre:addkey(document.time())
+document.time(document.time() + 20)
+local at = centre:get()
+place(at.x, at.y, -200, 90, "path", "Another key by another drag: the centre has a path")
+assert(#centre:keys() == 2)
+at = centre:get()
+local reach = select(1, view:normalised(0.15 * 0.5, 0)) - select(1, view:normalised(0, 0))
+place(at.x + 0.15 * 0.5, at.y, 0.3 * reach - reach, -0.95 * reach, "angle", "The angle turns by its handle")
+assert(near(move:input("Angle"):get(), 72.5, 3), "the angle is " .. move:input("Angle"):get())
+local shadow = document.add("DropShadow")
+local origin = shadow:input("Origin"):get()
+place(origin.x + shadow:input("OffsetX"):get(), origin.y + shadow:input("OffsetY"):get(), 60, 40, "offset",
+    "The shadow's offset from its origin")
+local gradient = document.add("ColorGradient")
+gradient:input("Behind"):set(1)
+local start = gradient:input("Start"):get()
+place(start.x, start.y, 90, 60, "points", "A gradient between two joined points, behind the picture")
+document.add("Crop")
+place(0, 1, 80, 50, "crop", "A crop by two of its edges at once")
+for _, name in ipairs({"Crop", "ColorGradient", "DropShadow", "Transform"}) do
+    document.tool(name .. "1"):remove()
+end
+document.time(first + 12)
+document.select(blur)
 waitrender()
 
 -- The viewer: actual pixels, the read-out under the cursor, one channel.
