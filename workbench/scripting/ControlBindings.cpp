@@ -12,16 +12,25 @@ namespace Marlox {
 
 namespace {
 
+std::vector<const Input*> inputsOf(const ControlWnd& page)
+{
+    std::vector<const Input*> inputs;
+    if (const Operator* tool = page.GetOperator()) {
+        for (const Ref<Input>& input : tool->Inputs())
+            inputs.push_back(input.Get());
+    }
+    return inputs;
+}
+
 InputControl* findControl(ScriptContext& context, const QString& name)
 {
     context.window.Inspector().Page().RecalcSizes();
     QCoreApplication::processEvents(); // rows that are placed later
-    for (const Ref<InputControl>& control : context.window.Inspector().Page().Controls()) {
-        const ReadLock lock(control->InputsLock());
-        for (const Input* input : control->Inputs()) {
-            if (input->GetID().ToString() == name || input->GetName() == name)
-                return control.Get();
-        }
+    const ControlWnd& page = context.window.Inspector().Page();
+    for (const Input* input : inputsOf(page)) {
+        const bool meant = input->GetID().ToString() == name || input->GetName() == name;
+        if (InputControl* control = meant ? page.ControlOf(*input) : nullptr)
+            return control;
     }
     return nullptr;
 }
@@ -137,8 +146,11 @@ void AddControlBindings(ScriptContext& context)
         call.ReturnObject(found);
     });
     context.engine.AddFunction("controls", [&context](ScriptCall& call) {
+        const ControlWnd& page = context.window.Inspector().Page();
+        for (const Input* input : inputsOf(page))
+            page.ControlOf(*input); // those of folded rows too
         std::vector<InputControl*> list;
-        for (const Ref<InputControl>& control : context.window.Inspector().Page().Controls())
+        for (const Ref<InputControl>& control : page.Controls())
             list.push_back(control.Get());
         call.ReturnObjects(list);
     });

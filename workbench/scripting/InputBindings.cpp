@@ -1,6 +1,7 @@
 // Inputs of tools: values, keys, expressions, connections, attributes.
 
 #include "script/FFI.h"
+#include "system/base/Registry.h"
 #include "system/document/MarloxDoc.h"
 #include "workbench/scripting/Bindings.h"
 
@@ -63,6 +64,20 @@ std::optional<Interpolation> interpolationAt(const ScriptCall& call, int index)
     throw ScriptError("an interpolation is \"step\", \"linear\" or \"smooth\"");
 }
 
+/// The script type of a class, or of the nearest it inherits from; null: there is none.
+const FFIType* scriptTypeOf(MxID classID)
+{
+    for (int depth = 0; depth < 8; ++depth) { // a loop of parents ends too
+        if (const FFIType* type = FFIType::Find(classID.c_str()))
+            return type;
+        const Registry* record = ClassRegistry::Global().Find(classID);
+        if (!record)
+            return nullptr;
+        classID = record->Parent();
+    }
+    return nullptr;
+}
+
 /// The tag of an attribute by its name in the host's creation map, or in that of the control class
 /// which the input asks for.
 const TagMapEntry& attributeNamed(const Input& input, const std::string& name)
@@ -79,7 +94,7 @@ const TagMapEntry& attributeNamed(const Input& input, const std::string& name)
             return *entry;
     }
     for (const u32 chooser : {IAS_Control, IAS_Overlay}) {
-        const FFIType* type = FFIType::Find(input.GetAttrS(chooser));
+        const FFIType* type = scriptTypeOf(MxID(input.GetAttrS(chooser)));
         const FFITagMap* map = type ? FFITagMap::Find(type, "Create") : nullptr;
         if (const TagMapEntry* entry = map ? findIn(map->own) : nullptr)
             return *entry;

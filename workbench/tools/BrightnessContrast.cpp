@@ -161,6 +161,7 @@ BrightnessContrast::BrightnessContrast(const Registry* record) : Operator(record
     saturation.Add(SLCS_HighName, "Vivid");
     AddSlider(*this, {"Saturation", "Saturation", 0.0, 2.0, 1.0, "Strength of the colours"},
               saturation);
+    AddNest(*this, "Range", "Range", 3, true, "Steps and limits of the values");
     AddSlider(*this,
               {"Posterise", "Posterise", 0.0, 32.0, 0.0,
                "Number of steps from black to white; 0 leaves them smooth"},

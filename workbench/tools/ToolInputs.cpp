@@ -54,6 +54,22 @@ Input& AddFlag(Operator& tool, const char* id, const char* name, const char* hel
                               {IAD_Default, normal ? 1.0 : 0.0}});
 }
 
+Input& AddNest(Operator& tool, const char* id, const char* name, int rows, bool open,
+               const char* help)
+{
+    return tool.AddInput(id, {{IAS_Name, name},
+                              {IAS_Help, help},
+                              {IAS_Control, CLSID_InputControl_Nest},
+                              {IAS_DataType, CLSID_DataType_Number},
+                              {IA_Integer, true},
+                              {IA_Passive, true},
+                              {IA_Animatable, false},
+                              {IAD_Minimum, 0.0},
+                              {IAD_Maximum, 1.0},
+                              {IAD_Default, open ? 1.0 : 0.0},
+                              {LBL_Rows, rows}});
+}
+
 Input& AddImageInput(Operator& tool)
 {
     return tool.AddInput("Input", {{IAS_Name, "Input"}, {IAS_DataType, CLSID_DataType_Image}});

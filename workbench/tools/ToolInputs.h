@@ -8,12 +8,14 @@
 
 namespace Marlox {
 
-// The own creation tags of the slider and of the combo control, as their references have them.
+// The own creation tags of the slider, the combo and the label control, as their references have
+// them.
 inline constexpr u32 IC_TickFreq = 0x10050000;   // number of tick marks; 0: chosen by the slider
 inline constexpr u32 SLCS_LowName = 0x30050000;  // texts under the low end,
 inline constexpr u32 SLCS_MidName = 0x30050001;  // the middle
 inline constexpr u32 SLCS_HighName = 0x30050002; // and the high end
 inline constexpr u32 CMBS_Entry = 0x30050000;    // the text of an entry, once for each
+inline constexpr u32 LBL_Rows = 0x10050000;      // number of inputs that a nest folds
 
 /// What a number input with a slider needs; further tags follow in the list given to AddSlider.
 struct SliderSpec {
@@ -33,6 +35,10 @@ Input& AddChoice(Operator& tool, const char* id, const char* name, const char* h
                  std::initializer_list<const char*> names, int normal);
 /// A flag, 0 or 1.
 Input& AddFlag(Operator& tool, const char* id, const char* name, const char* help, bool normal);
+/// The heading of the next `rows` inputs that have controls, which it folds. Whether it is open is
+/// kept with the tool, yet is no value of the tool's: changing it neither records nor renders.
+Input& AddNest(Operator& tool, const char* id, const char* name, int rows, bool open,
+               const char* help = "");
 /// The main image input, id "Input".
 Input& AddImageInput(Operator& tool);
 
