@@ -96,38 +96,30 @@ void AngleControl::DrawRing(const PreviewInfo& view, double brightness) const
 void AngleControl::DrawLever(const PreviewInfo& view, double brightness) const
 {
     OverlayPainter& painter = *view.painter;
-    const auto lever = [&painter, &view](OverlayPoint foot, double angle) {
+    const double scale = view.controlScale;
+    const auto drawLever = [&painter, scale](OverlayPoint foot, double angle) {
         const OverlayPoint direction = DirectionOf(angle);
-        {
-            const OverlayPainter::Mark mark(painter, foot, view.controlScale);
-            painter.Line({0.0, 0.0}, Along({0.0, 0.0}, direction, leverLength - 3.0));
-        }
-        DrawRingAt(painter, Along(foot, direction, leverLength * view.controlScale),
-                   view.controlScale);
+        painter.Line(foot, Along(foot, direction, (leverLength - 3.0) * scale));
+        DrawRingAt(painter, Along(foot, direction, leverLength * scale), scale);
     };
+    const OverlayPoint centre = CentreInView(view);
     const bool active = hovered_ || dragState_ != DragType::None;
     painter.SetColor(active ? OverlayColor::Highlight : OverlayColor::Normal, brightness);
-    lever(CentreInView(view), angle_);
-    {
-        // Arrows both ways on the circle of the tip.
-        const OverlayPainter::Mark mark(painter, CentreInView(view), view.controlScale);
-        for (const double side : {1.0, -1.0}) {
-            std::array<OverlayPoint, 5> arc;
-            for (std::size_t i = 0; i < arc.size(); ++i)
-                arc[i] =
-                    Along({}, DirectionOf(angle_ + side * (8.0 + 4.0 * double(i))), leverLength);
-            painter.Strip(arc);
-            const OverlayPoint outward = DirectionOf(angle_ + side * 24.0);
-            painter.Fill({Along({}, outward, leverLength + 3.0),
-                          Along({}, DirectionOf(angle_ + side * 32.0), leverLength),
-                          Along({}, outward, leverLength - 3.0)});
-        }
+    drawLever(centre, angle_);
+    for (const double side : {1.0, -1.0}) { // arrows both ways on the circle of the tip
+        const auto place = [this, centre, side, scale](double ahead, double outside) {
+            return Along(centre, DirectionOf(angle_ + side * ahead),
+                         (leverLength + outside) * scale);
+        };
+        painter.Strip({place(8.0, 0.0), place(12.0, 0.0), place(16.0, 0.0), place(20.0, 0.0),
+                       place(24.0, 0.0)});
+        painter.Fill({place(24.0, 3.0), place(32.0, 0.0), place(24.0, -3.0)});
     }
     if (dragState_ == DragType::Dragged && view.showGhosts && start_) {
         OverlayPoint ghost;
         view.TransformOut(start_->x, start_->y, ghost.x, ghost.y);
         painter.SetColor(OverlayColor::Ghost);
-        lever(ghost, startAngle_);
+        drawLever(ghost, startAngle_);
     }
 }
 
