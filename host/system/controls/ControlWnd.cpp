@@ -54,6 +54,9 @@ InputControl* ControlWnd::ControlOf(const Input& input) const
     if (!row || !row->IsWaiting())
         return nullptr;
     d_->Open(*row);
+    row = d_->RowFor(input);
+    if (!row)
+        return nullptr;
     d_->ApplyShown(*row);
     return row->control;
 }

@@ -125,9 +125,9 @@ ControlWnd::Private::Row* ControlWnd::Private::RowFor(const Input& input)
 
 void ControlWnd::Private::OpenUnfolded()
 {
-    for (Row& row : rows) {
-        if (!row.folded && row.IsWaiting())
-            Open(row);
+    for (std::size_t i = 0; i < rows.size(); ++i) { // opening one may clear them
+        if (!rows[i].folded && rows[i].IsWaiting())
+            Open(rows[i]);
     }
 }
 

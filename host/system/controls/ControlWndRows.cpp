@@ -62,10 +62,10 @@ void ControlWnd::Private::Show(Operator* shown)
         opening = true;
         for (Group& group : Groups())
             rows.emplace_back().group = std::move(group);
-        for (Row& row : rows) {
+        for (std::size_t i = 0; tool.Get() == shown && i < rows.size(); ++i) {
             // Rows below a heading are known to be folded by then.
-            if (!row.folded || IsHeadingClass(row.group.classID))
-                Open(row);
+            if (!rows[i].folded || IsHeadingClass(rows[i].group.classID))
+                Open(rows[i]);
         }
         opening = false;
         page.setUpdatesEnabled(true);
@@ -153,7 +153,11 @@ void ControlWnd::Private::Open(Row& row)
     row.measured = false;        // somebody asked for the page's size while it waited
     const int width = std::max(page.width() - marginLeft - keyColumn, 0);
     MxRect place(marginLeft, 0, marginLeft + width, InspectorLineHeight);
-    if (!control->Open(&page, place, nullptr)) {
+    const Operator* shown = tool.Get();
+    const bool opened = control->Open(&page, place, nullptr);
+    if (tool.Get() != shown)
+        return; // opening it made the page show another tool: the row is gone
+    if (!opened) {
         const QString fault = control->Fault();
         row.control = nullptr;
         std::erase(controls, control);

@@ -440,6 +440,12 @@ void ControlWndTest::foldedRowsWait()
     for (const char* id : {"c", "d", "e"})
         rows << id << QString(id) + " key";
     QCOMPARE(tabs, rows);
+
+    // One that takes the page away while it opens.
+    OpenFolded("H0- a b c");
+    ProbeControl::settings.onOpen = [this](ProbeControl&) { page_->SetOperator(nullptr); };
+    Fold("H", 0, true);
+    QVERIFY(page_->Controls().empty());
 }
 
 void ControlWndTest::foldingEndsWhatGoesOn()
