@@ -8,8 +8,6 @@ namespace Marlox {
 
 namespace {
 
-constexpr int betweenKeys = 128; // opacity of a line at a time without a key
-
 void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
 {
     const QString name = object.Name().ToString();
@@ -144,18 +142,19 @@ OneInputControl::Motion OneInputControl::InputMotion() const
     return input->IsKeyAt(CurrentTime()) ? Motion::Keyed : Motion::Animated;
 }
 
-QColor OneInputControl::ColorOf(Motion motion)
+QColor OneInputControl::ColorOf(Motion motion) const
 {
     const auto color = [](const char* name, MxColor fallback) {
         return LookPack::Global().Color(name, fallback).ToQColor();
     };
-    QColor key = color("System.KeyColour", {124, 192, 148});
+    const QColor key = color("System.KeyColour", {124, 192, 148});
+    const QColor ground = GetBackgroundColor().ToQColor();
     switch (motion) {
     case Motion::None:
         break;
-    case Motion::Animated:
-        key.setAlpha(betweenKeys);
-        return key;
+    case Motion::Animated: // at a time without a key: half as strong
+        return {(key.red() + ground.red()) / 2, (key.green() + ground.green()) / 2,
+                (key.blue() + ground.blue()) / 2};
     case Motion::Keyed:
         return key;
     case Motion::Expression:

@@ -48,7 +48,7 @@ protected:
     enum class Motion { None, Animated, Keyed, Expression };
     Motion InputMotion() const;
     /// Of a line or frame that tells the motion; invalid for none.
-    static QColor ColorOf(Motion motion);
+    QColor ColorOf(Motion motion) const;
 
 private:
     unsigned int Index() const;

@@ -19,6 +19,7 @@ namespace {
 
 constexpr int tickColumn = 24; // left of the texts, pixels
 constexpr int textMargin = 12; // right of them
+constexpr int mostWidth = 480; // unless the field is wider
 constexpr int wheelRow = 40;   // eighths of a degree: three rows a notch
 
 QColor lookColor(const char* name, MxColor fallback)
@@ -83,7 +84,8 @@ int ComboPopup::WantedWidth() const
     int widest = 0;
     for (const ComboEntry& entry : model_.Entries())
         widest = std::max(widest, fontMetrics().horizontalAdvance(entry.text));
-    return widest + 1 + tickColumn + textMargin + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    return std::min(widest + 1 + tickColumn + textMargin + bar, mostWidth);
 }
 
 QRect ComboPopup::RowRect(int row) const

@@ -109,7 +109,6 @@ bool ComboControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
     if (!OneInputControl::Open(window, rect, tags))
         return false;
     combo_->SetOwner(this);
-    combo_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
     return true;
 }
 
@@ -143,6 +142,7 @@ void ComboControl::Show()
     label_->SetText(InputName());
     label_->setVisible(!nameHidden_ && FindLayoutObj("label"));
     combo_->setAccessibleName(InputName());
+    combo_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
     if (const int place = ShownPlace(); place != ComboModel::none)
         combo_->ShowIndex(place);
     else

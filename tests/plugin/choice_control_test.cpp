@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -150,6 +151,7 @@ private slots:
     void ChoicesAreKeys();
     void ExpressionsRule();
     void ClosesWithItsReason();
+    void TooltipsTellAll();
     void SpeaksToScreenReaders();
     void BoxToggles();
     void BoxCancelsOutside();
@@ -557,6 +559,29 @@ void ChoiceControlTest::ClosesWithItsReason()
     Pointer::Press(field, {10, 10});
     QVERIFY(!field.IsListOpen());
     QCOMPARE(stage.Number(), 2.0);
+}
+
+void ChoiceControlTest::TooltipsTellAll()
+{
+    const QByteArray wide(80, 'w');
+    const ChoiceStage stage(
+        {{"Filter", combo, {{CMBS_Entry, "short"}, {CMBS_Entry, wide.constData()}}},
+         {wide.constData(), checkBox, {{IAS_Help, "What it does."}}}});
+    const auto told = [](QWidget& widget) {
+        QToolTip::hideText();
+        QHelpEvent asks(QEvent::ToolTip, {5, 5}, widget.mapToGlobal({5, 5}));
+        QApplication::sendEvent(&widget, &asks);
+        return QToolTip::text();
+    };
+    CustomCombo& field = stage.Combo("Filter");
+    QCOMPARE(told(field), QString());
+    stage.In("Filter").SetValue(Number(1.0), 0.0);
+    QCOMPARE(told(field), QString(wide));
+    field.SetHelp("Help.");
+    QCOMPARE(told(field), wide + "\nHelp.");
+    stage.In("Filter").SetValue(Number(9.0), 0.0);
+    QVERIFY(told(field).contains("\"9\"") && told(field).endsWith("\nHelp."));
+    QCOMPARE(told(stage.Box(wide)), wide + "\nWhat it does.");
 }
 
 void ChoiceControlTest::SpeaksToScreenReaders()

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollArea>
@@ -12,9 +13,25 @@
 
 namespace Marlox {
 
+namespace {
+
+/// There is nothing to scroll sideways: these keys are the time's.
+class PageScroll : public QScrollArea {
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)
+            event->ignore();
+        else
+            QScrollArea::keyPressEvent(event);
+    }
+};
+
+} // namespace
+
 InspectorPanel::InspectorPanel(Session& session, QWidget* parent)
     : QWidget(parent), session_(session), name_(new QLineEdit), type_(new QLabel),
-      scroll_(new QScrollArea), page_(new ControlWnd)
+      scroll_(new PageScroll), page_(new ControlWnd)
 {
     setObjectName("inspector");
     name_->setObjectName("toolname");

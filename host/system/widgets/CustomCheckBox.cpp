@@ -22,6 +22,7 @@ CustomCheckBox::CustomCheckBox(QWidget* parent) : CustomCheckBox(QString(), pare
 CustomCheckBox::CustomCheckBox(const QString& text, QWidget* parent) : QCheckBox(text, parent)
 {
     setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // the label shortens
 }
 
 QRect CustomCheckBox::BoxRect() const
@@ -68,8 +69,10 @@ void CustomCheckBox::paintEvent(QPaintEvent*)
     if (ruled_)
         option.state &= ~QStyle::State_Enabled;
     style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &option, &painter, this);
-    if (stateColor_.isValid() && isEnabled())
+    if (stateColor_.isValid() && isEnabled()) {
         WidgetLook::DrawFrame(painter, BoxRect(), stateColor_, 2.0);
+        WidgetLook::DrawFrame(painter, BoxRect().adjusted(1, 1, -1, -1), stateColor_, 1.0);
+    }
     painter.setPen(ruled_ && isEnabled() ? stateColor_ : WidgetLook::Text(*this));
     const QString shown =
         fontMetrics().elidedText(text(), Qt::ElideRight, TextRect().width(), Qt::TextShowMnemonic);
