@@ -84,12 +84,12 @@ void AngleControl::DrawRing(const PreviewInfo& view, double brightness) const
     }
     if (hovered_ || dragState_ != DragType::None)
         painter.SetColor(OverlayColor::Highlight, brightness);
-    DrawRingAt(painter, handle, 1.0); // of the same size on every screen: this is meant
+    DrawRingAt(painter, handle, view.pixelRatio); // not with the control's scale: this is meant
     if (dragState_ == DragType::Dragged && view.showGhosts && start_) {
         OverlayPoint ghost;
         view.TransformOut(start_->x, start_->y, ghost.x, ghost.y);
         painter.SetColor(OverlayColor::Ghost);
-        DrawRingAt(painter, ghost, 1.0);
+        DrawRingAt(painter, ghost, view.pixelRatio);
     }
 }
 

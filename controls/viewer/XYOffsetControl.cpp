@@ -93,8 +93,9 @@ void XYOffsetControl::GLDrawControls(PreviewInfo* view, TagList* tags)
         painter->SetDashed(true);
         painter->Line(mark, origin);
         painter->SetDashed(false);
-        painter->Line({mark.x - 5, mark.y + 5}, {mark.x + 5, mark.y - 5});
-        painter->Line({mark.x - 5, mark.y - 5}, {mark.x + 5, mark.y + 5});
+        const double reach = 5.0 * view->pixelRatio; // not with the control's scale
+        painter->Line({mark.x - reach, mark.y + reach}, {mark.x + reach, mark.y - reach});
+        painter->Line({mark.x - reach, mark.y - reach}, {mark.x + reach, mark.y + reach});
     }
     PreviewControl::GLDrawControls(view, tags);
 }

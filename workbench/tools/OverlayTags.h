@@ -8,7 +8,6 @@ namespace Marlox {
 
 inline constexpr char CLSID_PreviewControl_Point[] = "PointControl";
 inline constexpr char CLSID_PreviewControl_Crosshair[] = "CrosshairControl";
-inline constexpr char CLSID_PreviewControl_AngleHandle[] = "AngleControl";
 inline constexpr char CLSID_PreviewControl_XYOffset[] = "XYOffsetControl";
 
 // PointControl

@@ -101,7 +101,7 @@ Transform::Transform(const Registry* record) : Operator(record)
               size);
     TagList angle = centred(0.0);
     angle.Merge({{ICD_Snap, 90.0},
-                 {IAS_Overlay, CLSID_PreviewControl_AngleHandle},
+                 {IAS_Overlay, CLSID_PreviewControl_Angle},
                  {IA_OverlayIndex, 0},
                  {IAS_OverlayOffset, "Centre"},
                  {ACID_Center, "Pivot"},

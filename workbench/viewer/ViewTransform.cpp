@@ -83,6 +83,7 @@ void ViewTransform::Place(PreviewInfo& info, double devicePixelRatio) const
     info.viewWidth = int(viewWidth_);
     info.viewHeight = int(viewHeight_);
     info.controlScale = devicePixelRatio;
+    info.pixelRatio = devicePixelRatio;
     info.pickRadius = int(std::lround(6.0 * devicePixelRatio));
 }
 

@@ -298,7 +298,7 @@ bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index
         TagList what{{PV_Value, accepted.Get()},
                      {PVD_Time, time},
                      {IA_OverlayIndex, index},
-                     {PV_Final, !gesture}};
+                     {PV_Final, !gesture && !value->Tags().GetBool(PA_Dragged)}};
         Notify(ValueWrittenEvent(), what);
     }
     return written;

@@ -55,6 +55,7 @@ public:
     int viewWidth = 1; // view pixels
     int viewHeight = 1;
     double controlScale = 1.0; // multiplies the sizes of marks; includes the device pixel ratio
+    double pixelRatio = 1.0;   // that ratio: marks without the control's scale follow it alone
     int pickRadius = 6;        // view pixels
     int drawMode = DrawIdle;
     bool showGhosts = true; // marks of where a drag began
