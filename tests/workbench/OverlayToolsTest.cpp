@@ -384,7 +384,7 @@ private slots:
             Bench bench(type);
             std::string before = bench.Key();
             for (const Ref<Input>& input : bench.Tool().Inputs()) {
-                if (input->IsImage())
+                if (input->IsImage() || input->GetAttrB(IA_Passive))
                     continue;
                 if (input->GetDataType() == MxID(CLSID_DataType_Point))
                     bench.Set(input->GetID().c_str(), 0.3, 0.4);

@@ -17,7 +17,11 @@ constexpr double brightest = 1e9; // sums of such values stay finite in 32 bits
 
 void AddColor(Operator& tool, const ColorSpec& spec)
 {
-    for (std::size_t i = 0; i < (spec.hasAlpha ? channels.size() : alpha); ++i) {
+    const std::size_t count = spec.hasAlpha ? channels.size() : alpha;
+    AddNest(tool, (std::string(spec.id) + "Colour").c_str(),
+            (std::string(spec.name) + "Colour").c_str(), int(count), true,
+            "Red, green and blue in linear light");
+    for (std::size_t i = 0; i < count; ++i) {
         const std::string id = std::string(spec.id) + channels[i];
         const std::string name = std::string(spec.name) + channels[i];
         if (i == alpha)

@@ -11,7 +11,7 @@ namespace Marlox {
 using Color = std::array<double, 4>;
 
 /// What the sliders of a colour need: the ids and names are `id` and `name` followed by "Red",
-/// "Green", "Blue" and, if wanted, "Alpha".
+/// "Green", "Blue" and, if wanted, "Alpha"; those of the heading that folds them by "Colour".
 struct ColorSpec {
     const char* id;
     const char* name;
