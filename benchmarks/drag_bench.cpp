@@ -24,9 +24,10 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTimer>
 
 using namespace Marlox;
 
@@ -121,8 +122,11 @@ public:
             withoutImage_.push_back(now);
             Send(QEvent::MouseMove, from + QPointF(150 * std::sin(turn), 90 * std::sin(turn * 1.3)),
                  Qt::LeftButton);
-            while (SecondsSince(start_) < (i + 1) * frame)
-                QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+            QEventLoop wait; // sleeps while there is nothing to do, as the application does
+            const double left = (i + 1) * frame - SecondsSince(start_);
+            QTimer::singleShot(std::max(0, int(left * 1000.0)), Qt::PreciseTimer, &wait,
+                               &QEventLoop::quit);
+            wait.exec();
         }
         Send(QEvent::MouseButtonRelease, from, Qt::LeftButton);
         return latencies_;

@@ -188,6 +188,8 @@ void ViewerWidget::wheelEvent(QWheelEvent* event)
     view_.ZoomTo(stoppedAtOne(zoom, zoom * std::pow(step, notches)), ToDevice(event->position()));
     pointer_ = event->position();
     ChangeView();
+    if (shown_.image)
+        overlays_.Move(ToOverlays(pointer_), modifiersOf(event->modifiers()));
     event->accept();
 }
 

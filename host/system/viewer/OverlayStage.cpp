@@ -183,6 +183,7 @@ void OverlayStage::Rebuild()
         if (&entry.main->Owner() == tool_.Get() && !entry.overlay->IsActive())
             entry.overlay->SetActive(1, nullptr);
     }
+    PlacementChanged(); // another overlay may lie below the pointer
     emit OverlaysChanged();
     emit Changed();
 }
@@ -246,6 +247,7 @@ void OverlayStage::LetGo(Operator& tool)
     }
     if (tool_.Get() == &tool)
         tool_ = nullptr;
+    PlacementChanged(); // another overlay may lie below the pointer
     emit OverlaysChanged();
     emit Changed();
 }

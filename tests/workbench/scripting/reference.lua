@@ -217,6 +217,22 @@ viewer():wheel(x, up, 1)
 assert(viewer():property("zoom") > zoom and viewer():message() == "")
 action("fit")
 
+-- Overlays
+local mover = document.add("Transform")
+waitrender()
+local mark = viewer():overlay("Centre")
+assert(#viewer():overlays() == 3 and viewer():overlays()[1] == mark)
+assert(mark:class() == "CrosshairControl" and mark:inputs()[1] == mover:input("Centre"))
+assert(mark:active() and mark:editable() and mark:condition() == "plain" and mark:drag() == "idle")
+assert(mark:GetAttrs({"CHCD_CurrentX"}).CHCD_CurrentX == 0.5)
+viewer():move(viewer():normalised(0.5, 0.5))
+assert(viewer():current() == mark and viewer():tip():find("Centre") and viewer():focusedoverlay() == nil)
+assert(math.abs(viewer():cursor().x - 0.5) < 1e-2 and viewer():cursor().shape == "move")
+assert(viewer():drawn():find("normal", 1, true))
+refused(function() viewer():overlay("Gain") end, "Gain")
+refused(function() viewer(2) end, "viewer 2")
+mover:remove()
+
 -- Dialogs
 gain:set(3)
 document.range(10, 29)
