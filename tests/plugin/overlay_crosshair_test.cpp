@@ -196,7 +196,9 @@ void CrosshairOverlayTest::StaysOnItsAxis()
     QCOMPARE(rig.View().cursorY, 0.49);
     rig.stage->Move({360, 40}, 0);
     QCOMPARE(rig.PointOf("pos"), std::string("0.6 0.5"));
-    QCOMPARE(rig.View().cursorY, 0.49);
+    rig.stage->Release({360, 150}, 0); // the cursor is the pointer again, on the arm
+    QCOMPARE(rig.View().cursorX, 0.65);
+    QCOMPARE(rig.View().cursorShape, ViewCursor::MoveX);
 }
 
 void CrosshairOverlayTest::DragIsOneEntry()
@@ -270,7 +272,8 @@ void CrosshairOverlayTest::AttributesReadBack()
     QCOMPARE(ReadBack(overlay, CHCD_CurrentY), 0.75);
     overlay.SetAttrsTagList(TagList{{PCD_DragOffsetX, 9.0}, {CHCD_FollowX, 0.125}});
     QCOMPARE(ReadBack(overlay, PCD_DragOffsetX), 9.0);
-    QCOMPARE(ReadBack(overlay, CHCD_FollowX), 0.125);
+    overlay.SetAttrsTagList(&rig.InputOf("pos"), TagList{{CHCD_FollowX, 0.25}});
+    QCOMPARE(ReadBack(overlay, CHCD_FollowX), 0.25);
     rig.stage->Press({202, 203}, 0);
     rig.InputOf("pos").SetAttrsTagList(TagList{{CHC_Style, 1}});
     QCOMPARE(ReadBack(overlay, PCD_DragOffsetX), -2.0); // not as it was set once

@@ -192,6 +192,7 @@ void OverlayStage::FinishDrag(bool keep)
             other->ControlUp(&view_, at_, &tags);
     }
     dragged->ControlUp(&view_, at_, &tags);
+    view_.TransformIn(at_.x, at_.y, view_.cursorX, view_.cursorY); // a drag may have rewritten it
     view_.hit = {};
     view_.currentControl = nullptr;
     if (IsShown())
