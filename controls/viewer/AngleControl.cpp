@@ -90,6 +90,8 @@ bool AngleControl::SetAttrsTagList(Input* input, const TagList& tags)
     for (std::size_t i = 0; i < seconds_.size(); ++i)
         seconds_[i].ReadFrom(tags, secondTags[i].id, secondTags[i].pointer);
     ReadSizes(tags);
+    TakeFollow(tags);
+    grab_.TakeFrom(tags);
     return PreviewControl::SetAttrsTagList(input, tags);
 }
 
@@ -192,9 +194,7 @@ bool AngleControl::IsDrivenBy(const PreviewInfo& view) const
 {
     if (!view.hit.control)
         return false;
-    const Input* input = view.hit.input;
-    return std::any_of(seconds_.begin(), seconds_.begin() + CentreZ,
-                       [input](const Second& second) { return second.Is(input); }) ||
+    return seconds_[Centre].Is(view.hit.input) || seconds_[Radius].Is(view.hit.input) ||
            (IsFollowing() && Leader(view));
 }
 

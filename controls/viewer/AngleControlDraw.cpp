@@ -3,7 +3,6 @@
 #include "controls/viewer/AngleControl.h"
 
 #include <algorithm>
-#include <array>
 
 namespace Marlox {
 
@@ -12,17 +11,13 @@ namespace {
 constexpr double leverLength = 50.0; // pixels of the mark
 
 /// A radius of 3, anticlockwise from the bottom.
-constexpr float ringTable[12][2] = {{0.0F, -3.0F}, {1.5F, -2.598F},  {2.598F, -1.5F},
-                                    {3.0F, 0.0F},  {2.598F, 1.5F},   {1.5F, 2.598F},
-                                    {0.0F, 3.0F},  {-1.5F, 2.598F},  {-2.598F, 1.5F},
-                                    {-3.0F, 0.0F}, {-2.598F, -1.5F}, {-1.5F, -2.598F}};
+constexpr OverlayPoint ring[] = {{0.0F, -3.0F}, {1.5F, -2.598F},  {2.598F, -1.5F},
+                                 {3.0F, 0.0F},  {2.598F, 1.5F},   {1.5F, 2.598F},
+                                 {0.0F, 3.0F},  {-1.5F, 2.598F},  {-2.598F, 1.5F},
+                                 {-3.0F, 0.0F}, {-2.598F, -1.5F}, {-1.5F, -2.598F}};
 
 void DrawRingAt(OverlayPainter& painter, OverlayPoint at, double scale)
 {
-    std::array<OverlayPoint, std::size(ringTable)> ring;
-    std::transform(std::begin(ringTable), std::end(ringTable), ring.begin(), [](const float* xy) {
-        return OverlayPoint{double(xy[0]), double(xy[1])};
-    });
     const OverlayPainter::Mark mark(painter, at, scale);
     painter.Loop(ring);
 }

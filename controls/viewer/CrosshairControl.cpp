@@ -49,6 +49,8 @@ bool CrosshairControl::SetAttrsTagList(const TagList& tags)
 bool CrosshairControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
     ReadStyle(tags);
+    TakeFollow(tags);
+    grab_.TakeFrom(tags);
     return PreviewControl::SetAttrsTagList(input, tags);
 }
 
@@ -297,7 +299,7 @@ bool CrosshairControl::HitTest(PreviewInfo& view, const TagList* tags)
         view.SetCursor(axes.Both() ? ViewCursor::Move
                        : axes.x    ? ViewCursor::MoveX
                                    : ViewCursor::MoveY);
-    const CrosshairAxes highlight = IsEditable() ? axes : CrosshairAxes();
+    const CrosshairAxes highlight = axes.Any() && IsEditable() ? axes : CrosshairAxes();
     if (std::exchange(highlight_, highlight) != highlight)
         UpdateDisplay(nullptr, nullptr);
     return axes.Any();
@@ -311,7 +313,7 @@ bool CrosshairControl::ControlCommand(PreviewInfo* view, const MxID& command, u6
     if (command == CCMD_KeyDown) {
         const u32 modifiers = tags ? u32(tags->GetLong(PV_Modifiers)) : 0;
         if (const auto to = Nudged(position_, data, modifiers, view->pixelWidth)) {
-            SetInputs(MakeRef<Point>(to->x, to->y).Get(), CurrentTime(), 0, nullptr);
+            SetInputs(MakeRef<Point>(to->x, to->y).Get(), CurrentTime(), 0, tags);
             return true;
         }
     }

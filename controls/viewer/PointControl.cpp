@@ -32,6 +32,7 @@ bool PointControl::CopyAttr(u64 tag, void* out)
 
 bool PointControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
+    grab_.TakeFrom(tags);
     previousInput_.ReadFrom(tags, PCID_PrevPoint, PCP_PrevPoint);
     ReadPrevious(tags);
     return PreviewControl::SetAttrsTagList(input, tags);

@@ -42,6 +42,7 @@ bool XYOffsetControl::CopyAttr(u64 tag, void* out)
 
 bool XYOffsetControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
+    grab_.TakeFrom(tags);
     axis_.ReadFrom(tags, 0, XYOCP_AxisInput);
     return PreviewControl::SetAttrsTagList(input, tags);
 }

@@ -323,7 +323,8 @@ void AngleOverlayTest::AttributesReadBack()
 {
     OverlayRig rig(AngleInputs());
     PreviewControl& overlay = rig.OverlayOf("angle");
-    overlay.SetAttrsTagList(TagList{{PCD_DragOffsetX, 9.0}, {ACD_FollowX, 0.125}});
+    overlay.SetAttrsTagList(TagList{{PCD_DragOffsetX, 9.0}});
+    overlay.SetAttrsTagList(&rig.InputOf("angle"), TagList{{ACD_FollowX, 0.125}});
     QCOMPARE(ReadBack(overlay, PCD_DragOffsetX), 9.0);
     QCOMPARE(ReadBack(overlay, ACD_FollowX), 0.125);
     rig.stage->Press({403, 148}, 0);
