@@ -461,7 +461,9 @@ void PreviewControl::SetInactive(TagList* tags)
 
 void PreviewControl::GLDrawControls(PreviewInfo* view, TagList*)
 {
-    for (const Input* input : view && view->painter ? inputs_ : std::vector<Input*>()) {
+    if (!view || !view->painter)
+        return;
+    for (const Input* input : inputs_) {
         if (input->IsAnimated() && input->GetDataType() == MxID(CLSID_DataType_Point))
             DrawMotionPath(*view, *input, {baseOffset_[0], baseOffset_[1]});
     }
