@@ -286,6 +286,8 @@ void OverlayPointTest::ToolsThatGo()
     rig.stage->Move({380, 150}, 0);
     QCOMPARE(rig.UndoEntries(), 2); // the drag, and the removal that ended it
     rig.document->Undo().Undo();
+    QCOMPARE(rig.PointOf("pos"), std::string("0.6 0.5"));
+    rig.document->Undo().Undo();
     QCOMPARE(rig.PointOf("pos"), std::string("0.5 0.5"));
 }
 
