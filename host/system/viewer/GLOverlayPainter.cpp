@@ -1,4 +1,4 @@
-#include "system/viewer/OverlayPainter.h"
+#include "system/viewer/MarkStamps.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,12 +12,23 @@ namespace {
 constexpr MxColor casingColor{0, 0, 0, 176};
 constexpr double dashPeriod = 8.0; // of the pattern, in units
 constexpr double room = 16.0;      // around the view that is drawn to, in units
+constexpr double markRoom = 64.0;  // the same for the origins of marks
 constexpr double farthest = 1e7;   // view pixels; what is further away comes as near
 
 /// So that the difference of two positions still tells pixels.
 OverlayPoint Nearer(OverlayPoint point)
 {
     return {std::clamp(point.x, -farthest, farthest), std::clamp(point.y, -farthest, farthest)};
+}
+
+bool IsOblique(OverlayPainter::Shape shape, std::span<const OverlayPoint> points)
+{
+    const std::size_t step = shape == OverlayPainter::Shape::Lines ? 2 : 1;
+    for (std::size_t i = 1; i < points.size(); i += step) {
+        if (points[i].x != points[i - 1].x && points[i].y != points[i - 1].y)
+            return true;
+    }
+    return false;
 }
 
 /// The part of a segment from 0 to 1 within [low, high] of one axis.
@@ -38,7 +49,8 @@ bool ClipAxis(double from, double to, double low, double high, double& begin, do
 } // namespace
 
 GLOverlayPainter::GLOverlayPainter(const PreviewInfo& view, double unit)
-    : unit_(std::max(1.0, std::round(unit))), width_(view.viewWidth), height_(view.viewHeight)
+    : unit_(std::max(1.0, std::round(unit))), width_(view.viewWidth), height_(view.viewHeight),
+      stamps_(std::make_unique<MarkStamps>(unit_, casingColor))
 {
     SetView(view);
 }
@@ -54,13 +66,20 @@ OverlayPoint GLOverlayPainter::Placed(OverlayPoint point) const
     const State& state = Current();
     if (!state.framed)
         return point;
-    const double half = int(unit_) % 2 == 1 ? 0.5 : 0.0;
-    return {std::floor(state.origin.x) + half + point.x * state.scale,
-            std::floor(state.origin.y) + half + point.y * state.scale};
+    return {OnPixel(state.origin.x) + point.x * state.scale,
+            OnPixel(state.origin.y) + point.y * state.scale};
+}
+
+/// The middle of the pixel, or its edge where lines are an even number of pixels wide.
+double GLOverlayPainter::OnPixel(double at) const
+{
+    return std::floor(at) + (int(unit_) % 2 == 1 ? 0.5 : 0.0);
 }
 
 void GLOverlayPainter::Emit(Shape shape, std::span<const OverlayPoint> points)
 {
+    if (AddStamp(shape, points))
+        return;
     if (shape == Shape::Lines) {
         for (std::size_t i = 0; i + 1 < points.size(); i += 2)
             AddLine(Placed(points[i]), Placed(points[i + 1]));
@@ -72,6 +91,21 @@ void GLOverlayPainter::Emit(Shape shape, std::span<const OverlayPoint> points)
         AddLine(Placed(points[i - 1]), Placed(points[i]));
     if (shape == Shape::Loop)
         AddLine(Placed(points.back()), Placed(points.front()));
+}
+
+/// A small shape of a mark. False: it is to be drawn as others are, which for a few lines along the
+/// axes costs less.
+bool GLOverlayPainter::AddStamp(Shape shape, std::span<const OverlayPoint> points)
+{
+    const State& state = Current();
+    if (!state.framed || state.dashed || (shape <= Shape::Strip && !IsOblique(shape, points)))
+        return false;
+    const OverlayPoint at{std::floor(state.origin.x), std::floor(state.origin.y)};
+    const double margin = markRoom * unit_;
+    const bool inView =
+        at.x > -margin && at.x < width_ + margin && at.y > -margin && at.y < height_ + margin;
+    return inView &&
+           stamps_->Add({shape, points, state.scale, state.color}, {int(at.x), int(at.y)});
 }
 
 /// A fan of triangles. Nothing if a corner is far outside the view, or no number.
@@ -96,6 +130,10 @@ void GLOverlayPainter::AddLine(OverlayPoint from, OverlayPoint to)
 {
     from = Nearer(from);
     to = Nearer(to);
+    if (from.x == to.x) // on the same pixel as a mark there
+        from.x = to.x = OnPixel(from.x);
+    if (from.y == to.y)
+        from.y = to.y = OnPixel(from.y);
     const double margin = room * unit_;
     double begin = 0.0;
     double end = 1.0;
@@ -152,8 +190,9 @@ void GLOverlayPainter::DrawVertices(unsigned mode, const Vertices& vertices, boo
 
 void GLOverlayPainter::Flush()
 {
-    glPushAttrib(GL_ENABLE_BIT | GL_LINE_BIT | GL_CURRENT_BIT | GL_COLOR_BUFFER_BIT);
-    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+    glPushAttrib(GL_ENABLE_BIT | GL_LINE_BIT | GL_CURRENT_BIT | GL_COLOR_BUFFER_BIT |
+                 GL_TEXTURE_BIT);
+    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT | GL_CLIENT_PIXEL_STORE_BIT);
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
@@ -174,6 +213,7 @@ void GLOverlayPainter::Flush()
         }
     };
     drawLines(3.0 * unit_, crispCasing_, smoothCasing_, dashedCasing_, false);
+    stamps_->Draw();
     DrawVertices(GL_TRIANGLES, fills_, true);
     drawLines(unit_, crisp_, smooth_, dashed_, true);
     glPopClientAttrib();

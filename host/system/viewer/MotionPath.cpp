@@ -50,7 +50,7 @@ void DrawMotionPath(const PreviewInfo& view, const Input& point, OverlayPoint of
     for (std::size_t i = 1; step == 1.0 && i + 1 < path.size(); ++i) {
         const double gap = std::hypot(path[i].x - path[i - 1].x, path[i].y - path[i - 1].y);
         if (gap >= tickRoom * view.controlScale)
-            DrawSquare(painter, path[i], 1.5, view.controlScale, true);
+            DrawSquare(painter, path[i], 1.0, view.controlScale, true);
     }
     painter.SetColor(OverlayColor::PathKey);
     for (const auto& [time, key] : animation.Keys())

@@ -2,12 +2,15 @@
 
 #include "system/viewer/PreviewInfo.h"
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace Marlox {
+
+class MarkStamps;
 
 /// A position in view pixels or, within a mark's frame, in pixels of the mark; y upwards.
 struct OverlayPoint {
@@ -21,7 +24,8 @@ struct OverlayPoint {
 /// a dark casing.
 class MARLOXSYSTEM_EXPORT OverlayPainter {
 public:
-    enum class Shape { Lines, Strip, Loop, Fill }; // Lines: pairs; Fill: a convex polygon
+    /// Lines: pairs; Fill: a convex polygon with its outline.
+    enum class Shape { Lines, Strip, Loop, Fill };
 
     virtual ~OverlayPainter();
 
@@ -98,8 +102,8 @@ private:
 
 /// Draws with OpenGL 1.x into the current context, whose projection must be the view's pixels, y
 /// upwards. What overlays draw is gathered and drawn at once by Flush, or when the painter goes:
-/// all casings, then all shapes. Positions that are no numbers are left out; what lies far outside
-/// the view is cut off.
+/// casings, then small shapes of marks with theirs, then all other shapes. Positions that are no
+/// numbers are left out; what lies far outside the view is cut off.
 class MARLOXSYSTEM_EXPORT GLOverlayPainter final : public OverlayPainter {
 public:
     /// `unit` is the width of a line in view pixels.
@@ -116,7 +120,9 @@ private:
     /// Pairs of vertices.
     using Vertices = std::vector<Vertex>;
     void Emit(Shape shape, std::span<const OverlayPoint> points) override;
+    bool AddStamp(Shape shape, std::span<const OverlayPoint> points);
     OverlayPoint Placed(OverlayPoint point) const;
+    double OnPixel(double at) const;
     void AddLine(OverlayPoint from, OverlayPoint to);
     void AddFill(std::span<const OverlayPoint> points);
     void AddCasing(OverlayPoint from, OverlayPoint to, Vertices& casing) const;
@@ -132,6 +138,7 @@ private:
     Vertices dashed_;
     Vertices dashedCasing_;
     Vertices fills_; // triangles
+    std::unique_ptr<MarkStamps> stamps_;
 };
 
 /// Writes down what is drawn, one line for each shape with its state:

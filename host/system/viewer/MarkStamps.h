@@ -1,0 +1,60 @@
+#pragma once
+
+#include "system/viewer/OverlayPainter.h"
+
+#include <span>
+#include <vector>
+
+namespace Marlox {
+
+/// Small shapes of marks, with their casings, drawn from pictures of them: many marks show the same
+/// few shapes, and a copy costs a fraction of the lines it replaces. Made anew for each picture of
+/// the view; positions are view pixels.
+class MarkStamps {
+public:
+    struct Shape {
+        OverlayPainter::Shape form;
+        std::span<const OverlayPoint> points; // from the mark's origin
+        double scale;                         // pixels for each unit of the points
+        MxColor color;
+    };
+
+    /// `unit` is the width of a line in pixels, `casing` the colour around it.
+    MarkStamps(double unit, const MxColor& casing);
+
+    /// A copy at a whole pixel, whose middle is the origin where the unit is odd, else its bottom
+    /// left corner. False: it is too large for this, or there are too many different ones.
+    bool Add(const Shape& shape, const MxPoint& origin);
+    /// Draws all with OpenGL 1.x into the current context and forgets them. Leaves other states of
+    /// textures, client arrays and pixel store than it found; blending is the caller's.
+    void Draw();
+
+private:
+    /// A shape in its colour. Its picture stands in a row with those of the others.
+    struct Kind {
+        OverlayPainter::Shape form;
+        std::vector<OverlayPoint> points; // pixels from the origin
+        MxColor color;
+        MxPoint corner; // bottom left of the picture, from the origin
+        MxPoint size;
+        int column; // in the row
+    };
+    struct Copy {
+        int kind;
+        MxPoint origin;
+    };
+    double PixelMiddle() const;
+    int FindKind(const Shape& shape);
+    Kind MakeKind(const Shape& shape) const;
+    void Paint(const Kind& kind, std::vector<MxColor>& row, int width) const;
+    MxPoint LoadPictures() const;
+
+    double unit_;
+    MxColor casing_;
+    std::vector<Kind> kinds_;
+    std::vector<Copy> copies_;
+    std::vector<OverlayPoint> points_; // of the shape that is being added, in pixels
+    int columns_ = 0;                  // of the row, used so far
+};
+
+} // namespace Marlox
