@@ -1,6 +1,7 @@
 // Reads results of Google Benchmark (JSON files with repetitions) and prints, for each line of the
-// goals file, the minimum of ours, the minimum of its peer, their ratio and whether the goal is held.
-// Medians are printed beside them. Exit status 1 if a named benchmark is missing from the results.
+// goals file, the minimum of ours, the minimum of its peer, their ratio and whether the goal is
+// held. Medians are printed beside them. Exit status 1 if a named benchmark is missing from the
+// results. A peer may also be a time: "2000 us".
 
 #include <algorithm>
 #include <cstdio>
@@ -26,17 +27,26 @@ void readResults(const QString& path, std::map<QString, Times>& results)
     }
     static const std::map<QString, double> units{
         {"ns", 1e-3}, {"us", 1.0}, {"ms", 1e3}, {"s", 1e6}};
-    const QJsonArray runs = QJsonDocument::fromJson(file.readAll()).object()["benchmarks"].toArray();
+    const QJsonArray runs =
+        QJsonDocument::fromJson(file.readAll()).object()["benchmarks"].toArray();
     for (const QJsonValue& value : runs) {
         const QJsonObject run = value.toObject();
         if (run["run_type"].toString() != "iteration")
             continue;
-        const double time = run[run["name"].toString().contains("/real_time") ? "real_time"
-                                                                              : "cpu_time"]
-                                .toDouble();
-        results[run["run_name"].toString()].push_back(time *
-                                                      units.at(run["time_unit"].toString()));
+        const double time =
+            run[run["name"].toString().contains("/real_time") ? "real_time" : "cpu_time"]
+                .toDouble();
+        results[run["run_name"].toString()].push_back(time * units.at(run["time_unit"].toString()));
     }
+}
+
+/// The measured times of a benchmark, or the time that the name tells; empty if there are none.
+Times timesOf(const QString& name, const std::map<QString, Times>& results)
+{
+    const auto found = results.find(name);
+    if (found != results.end())
+        return found->second;
+    return name.endsWith(" us") ? Times{name.chopped(3).toDouble()} : Times{};
 }
 
 double minimum(const Times& times)
@@ -75,24 +85,24 @@ int main(int argc, char** argv)
             continue;
         const QStringList fields = QString::fromUtf8(line).split('|');
         const QString name = fields.value(0).trimmed();
-        const auto ours = results.find(fields.value(1).trimmed());
         const QString peerName = fields.value(2).trimmed();
-        const auto peer = results.find(peerName);
-        if (ours == results.end() || (peerName != "-" && peer == results.end())) {
+        const Times ours = timesOf(fields.value(1).trimmed(), results);
+        const Times peer = timesOf(peerName, results);
+        if (ours.empty() || (peerName != "-" && peer.empty())) {
             std::printf("%-58s not measured\n", qPrintable(name));
             status = 1;
             continue;
         }
         if (peerName == "-") {
-            std::printf("%-58s %12.3f\n", qPrintable(name), minimum(ours->second));
+            std::printf("%-58s %12.3f\n", qPrintable(name), minimum(ours));
             continue;
         }
-        const double ratio = minimum(ours->second) / minimum(peer->second);
-        const double medians = median(ours->second) / median(peer->second);
+        const double ratio = minimum(ours) / minimum(peer);
+        const double medians = median(ours) / median(peer);
         bool limited = false;
         const double limit = fields.value(3).trimmed().toDouble(&limited);
-        std::printf("%-58s %12.3f %12.3f %8.3f %8.3f %6s  %s\n", qPrintable(name),
-                    minimum(ours->second), minimum(peer->second), ratio, medians,
+        std::printf("%-58s %12.3f %12.3f %8.3f %8.3f %6s  %s\n", qPrintable(name), minimum(ours),
+                    minimum(peer), ratio, medians,
                     limited ? qPrintable(QString::number(limit)) : "-",
                     !limited         ? "reported"
                     : ratio <= limit ? "yes"
