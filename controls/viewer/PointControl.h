@@ -37,6 +37,7 @@ public:
     DragType ControlDown(PreviewInfo* view, const MxPointT<int>& at, TagList* tags) override;
     void ControlMove(PreviewInfo* view, const MxPointT<int>& at, TagList* tags) override;
     bool ControlCommand(PreviewInfo* view, const MxID& command, u64 data, TagList* tags) override;
+    bool MarksHover() const override { return false; } // it has one colour
 
 private:
     template <class Overlay>

@@ -77,6 +77,9 @@ private slots:
         rig.stage->Move({302, 152}, 0);
         QCOMPARE(rig.View().currentControl, &rig.OverlayOf("a"));
         QCOMPARE(rig.View().cursorShape, ViewCursor::Move);
+        rig.Drawn(); // the hovered one last: a point has one colour, which the view makes another
+        QVERIFY(rig.View().Color(OverlayColor::Normal) ==
+                rig.View().Color(OverlayColor::Highlight));
         rig.Drag({middle, {340, 150}});
         QCOMPARE(rig.PointOf("a"), std::string("0.6 0.5"));
         QCOMPARE(rig.PointOf("b"), std::string("0.5 0.5"));
@@ -88,6 +91,34 @@ private slots:
         QVERIFY(!rig.stage->Press({30, 30}, 0)); // beside all of them
         rig.stage->Leave();
         QVERIFY(!rig.View().currentControl);
+    }
+
+    void secondClickGoesToTheMarkBelow()
+    {
+        OverlayRig rig(threePoints());
+        QVERIFY(rig.stage->Tip().isEmpty());
+        rig.Drag({middle});
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("a"));
+        QVERIFY(rig.stage->Tip().contains("Also here: " + rig.InputOf("b").GetName()));
+        rig.Drag({{302, 149}});
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("b"));
+        rig.Drag({middle, {340, 150}});
+        QCOMPARE(rig.PointOf("a"), std::string("0.5 0.5"));
+        QCOMPARE(rig.PointOf("b"), std::string("0.6 0.5"));
+        rig.document->Undo().Undo();
+        rig.Drag({middle}); // after a drag it is the first click again
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("b"));
+        rig.Drag({middle});
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("a"));
+        rig.stage->Move({200, 100}, 0); // so it is when the pointer was away
+        rig.Drag({middle});
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("a"));
+        rig.InputOf("a").SetExpression("{0.5, 0.5}");
+        rig.Drag({middle});
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("b"));
+        QVERIFY(rig.stage->Press(middle, 0)); // keys leave a drag alone
+        QVERIFY(rig.stage->FocusNext(true));
+        QCOMPARE(rig.stage->Focus(), &rig.OverlayOf("b"));
     }
 
     void dragIsOneEntryAtProxyResolution()

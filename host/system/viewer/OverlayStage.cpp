@@ -286,6 +286,9 @@ void OverlayStage::ReadColors()
 
 MxColor OverlayStage::NormalColor(const PreviewControl& overlay) const
 {
+    // What draws in one colour alone would not show that the pointer is on it.
+    if (&overlay == view_.currentControl && !overlay.MarksHover() && overlay.IsEditable())
+        return view_.Color(OverlayColor::Highlight);
     return focusShows_ && &overlay == focus_ ? normalColors_.back()
                                              : normalColors_[std::size_t(overlay.Condition())];
 }

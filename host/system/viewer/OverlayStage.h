@@ -3,6 +3,7 @@
 #include "system/viewer/PreviewControl.h"
 
 #include <array>
+#include <optional>
 #include <vector>
 
 #include <QObject>
@@ -21,9 +22,10 @@ class OverlayPainter;
 ///
 /// Picking asks the overlays: the one with the keyboard focus first, then in the order of the
 /// inputs, the tool's own before those that stay. They are drawn in the reverse order. One overlay
-/// takes a press; others may let themselves be driven by it. A drag renders at proxy resolution
-/// from the first move on and asks for a render at full resolution when it is over. Overlays that
-/// can't be changed show so, and take a press without doing anything.
+/// takes a press; others may let themselves be driven by it. A second click at the same place gives
+/// the focus to the next overlay there, so that a mark below another can be dragged. A drag renders
+/// at proxy resolution from the first move on and asks for a render at full resolution when it is
+/// over. Overlays that can't be changed show so, and take a press without doing anything.
 ///
 /// Whatever ends a drag without its release (the tool goes, the view is hidden, the library is
 /// unloaded) must call EndDrag, or happens through this class, which does: no undo group stays
@@ -69,10 +71,13 @@ public:
     /// The overlay that keys go to: the one pressed last, or chosen by FocusNext; null: none.
     PreviewControl* Focus() const { return focus_; }
     void SetFocus(PreviewControl* overlay);
-    /// To the next overlay, or the one before; false: there is no further one.
+    /// Whether arrow keys move what has the focus: a point that can be changed.
+    bool NudgesFocus() const;
+    /// To the next overlay, or the one before; false: there is no further one. Not in a drag.
     bool FocusNext(bool forward);
 
-    /// What the overlay under the pointer says of itself; empty: nothing.
+    /// What the overlay under the pointer says of itself, and what others are there; empty:
+    /// nothing.
     QString Tip();
     void Draw(OverlayPainter& painter);
 
@@ -100,6 +105,9 @@ private:
     void Discard(const Entry& entry);
     void LetGo(Operator& tool);
     std::vector<PreviewControl*> PickOrder() const;
+    std::vector<PreviewControl*> UnderPointer();
+    bool IsNear(const MxPoint& at, const MxPoint& other) const;
+    void EndClick(const MxPoint& at);
     void TestHover();
     Input* InputAt(PreviewControl& overlay);
     PreviewControl* Grab(TagList& tags);
@@ -126,6 +134,9 @@ private:
     bool released_ = false; // by ReleaseAll
     Ref<Operator> proxied_; // renders at proxy resolution for this drag
     MxPoint at_;            // of the pointer
+    MxPoint pressedAt_;
+    bool moved_ = false;               // since the press
+    std::optional<MxPoint> clickedAt_; // the last press and release, until the pointer goes away
     u32 modifiers_ = 0;
     ViewCursor cursor_ = ViewCursor::Arrow; // as told last
     bool fades_ = false;                    // a step of fading is on its way

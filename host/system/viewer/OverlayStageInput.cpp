@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <utility>
+
+#include <QStringList>
 
 namespace Marlox {
 
@@ -17,6 +20,25 @@ std::vector<PreviewControl*> OverlayStage::PickOrder() const
     if (focused != order.end())
         std::rotate(order.begin(), focused, focused + 1);
     return order;
+}
+
+/// All that a press could mean, in the order of the inputs.
+std::vector<PreviewControl*> OverlayStage::UnderPointer()
+{
+    std::vector<PreviewControl*> under = Overlays();
+    TagList tags{{PV_Modifiers, modifiers_}};
+    std::erase_if(under, [this, &tags](PreviewControl* overlay) {
+        view_.hit = {};
+        return !overlay->ControlCommand(&view_, CCMD_HitTest, 0, &tags);
+    });
+    TestHover(); // each took itself for the one that is hit
+    return under;
+}
+
+bool OverlayStage::IsNear(const MxPoint& at, const MxPoint& other) const
+{
+    return std::abs(at.x - other.x) < view_.pickRadius &&
+           std::abs(at.y - other.y) < view_.pickRadius;
 }
 
 Input* OverlayStage::InputAt(PreviewControl& overlay)
@@ -48,6 +70,8 @@ void OverlayStage::TestHover()
         tags.Add(PC_PointerGone, true);
     view_.SetCursor(ViewCursor::Arrow);
     view_.hit = {};
+    if (clickedAt_ && !IsNear(at_, *clickedAt_))
+        clickedAt_.reset();
     for (PreviewControl* overlay : PickOrder()) {
         const bool hit = overlay->ControlCommand(&view_, CCMD_HitTest, 0, &tags);
         if (hit && !view_.hit.control)
@@ -78,6 +102,8 @@ bool OverlayStage::Press(const MxPoint& at, u32 modifiers)
     KeyUpAll();
     modifiers_ = modifiers;
     PlaceCursor(at);
+    pressedAt_ = at;
+    moved_ = false;
     TestHover();
     TagList tags{{PV_MouseState, MouseLeft | (modifiers & KeyAlt ? MouseAlternate : 0u)},
                  {PV_Modifiers, modifiers}};
@@ -131,6 +157,7 @@ void OverlayStage::Move(const MxPoint& at, u32 modifiers)
         return;
     modifiers_ = modifiers;
     PlaceCursor(at);
+    moved_ = moved_ || at != pressedAt_;
     if (!pressed_)
         return TestHover();
     if (!dragged_)
@@ -165,6 +192,23 @@ void OverlayStage::Release(const MxPoint& at, u32 modifiers)
         return;
     Move(at, modifiers);
     EndDrag();
+    TestHover();
+    EndClick(at);
+}
+
+/// A second click at the same place goes on to the overlay below.
+void OverlayStage::EndClick(const MxPoint& at)
+{
+    const bool again = clickedAt_.has_value();
+    clickedAt_ = moved_ ? std::nullopt : std::optional(at);
+    if (!again || moved_ || !IsShown())
+        return;
+    const std::vector<PreviewControl*> under = UnderPointer();
+    const auto found = std::find(under.begin(), under.end(), focus_);
+    if (found == under.end() || under.size() < 2)
+        return;
+    SetFocus(found + 1 == under.end() ? under.front() : *(found + 1));
+    focusShows_ = true;
     TestHover();
 }
 
@@ -254,8 +298,16 @@ void OverlayStage::SetFocus(PreviewControl* overlay)
     emit Changed();
 }
 
+bool OverlayStage::NudgesFocus() const
+{
+    return focus_ && focus_->IsEditable() && !focus_->Inputs().empty() &&
+           focus_->Inputs().front()->GetDataType() == MxID(CLSID_DataType_Point);
+}
+
 bool OverlayStage::FocusNext(bool forward)
 {
+    if (pressed_)
+        return true;
     const std::vector<PreviewControl*> order = Overlays();
     const auto at = std::find(order.begin(), order.end(), focus_);
     const std::ptrdiff_t step = forward ? 1 : -1;
@@ -271,10 +323,20 @@ bool OverlayStage::FocusNext(bool forward)
 QString OverlayStage::Tip()
 {
     std::array<char, 256> text{};
+    const std::vector<PreviewControl*> under =
+        pressed_ ? std::vector<PreviewControl*>() : UnderPointer();
     PreviewControl* overlay = view_.currentControl;
-    return overlay && overlay->ControlGetTip(&view_, text.data(), nullptr)
-               ? QString::fromUtf8(text.data())
-               : QString();
+    if (!overlay || !overlay->ControlGetTip(&view_, text.data(), nullptr))
+        return {};
+    QString tip = QString::fromUtf8(text.data());
+    QStringList others;
+    for (PreviewControl* other : under) {
+        if (other != overlay && other->GetName(text.data(), int(text.size()), nullptr))
+            others << QString::fromUtf8(text.data());
+    }
+    if (!others.isEmpty())
+        tip += tr("\nAlso here: %1. Click twice to get at it.").arg(others.join(", "));
+    return tip;
 }
 
 } // namespace Marlox

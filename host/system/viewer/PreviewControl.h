@@ -122,6 +122,9 @@ public:
     /// Whether a drag could change anything: false with the tool locked, or all inputs read-only or
     /// driven by expressions and connections.
     bool IsEditable() const;
+    /// Whether it shows by itself what the pointer is on. For one that does not, the view does: by
+    /// its normal colour.
+    virtual bool MarksHover() const { return true; }
     // The base offset, image coordinates: by PCD_BaseOffsetX and Y, or the point of the input that
     // IAS_OverlayOffset of the first input names, less the image's centre.
     double BaseOffsetX() const { return baseOffset_[0]; }
