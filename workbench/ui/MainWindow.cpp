@@ -182,8 +182,12 @@ std::vector<ViewerWidget*> MainWindow::Viewers() const
 ViewerWidget& MainWindow::AddViewer()
 {
     auto* pane = new ViewerPane(session_);
-    auto* dock = new QDockWidget(tr("Viewer %1").arg(panes_.size() + 1), this);
-    dock->setObjectName(QStringLiteral("viewerdock%1").arg(panes_.size() + 1));
+    int number = 2; // the first that none has: others may have been closed
+    const auto name = [&number] { return QStringLiteral("viewerdock%1").arg(number); };
+    while (findChild<QDockWidget*>(name()))
+        ++number;
+    auto* dock = new QDockWidget(tr("Viewer %1").arg(number), this);
+    dock->setObjectName(name());
     dock->setAttribute(Qt::WA_DeleteOnClose);
     dock->setWidget(pane);
     addDockWidget(Qt::TopDockWidgetArea, dock);

@@ -66,6 +66,7 @@ ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
     });
     connect(&document_, &MarloxDoc::ToolAdded, this, QOverload<>::of(&QWidget::update));
     connect(&document_, &MarloxDoc::ToolRemoved, this, QOverload<>::of(&QWidget::update));
+    OnFinished(document_.GetRenderer().LastResult()); // a further viewer of the same picture
     if (!converter_.Transform().Problem().isEmpty())
         SetMessage(converter_.Transform().Problem());
 }
@@ -301,6 +302,8 @@ void ViewerWidget::paintGL()
         DrawOverlays();
     else if (document_.Tools().empty())
         PaintHint();
+    if (focusByKeys_ && !overlays_.Focus())
+        PaintFocus();
 }
 
 void ViewerWidget::DrawOverlays()
@@ -321,6 +324,13 @@ void ViewerWidget::PaintHint()
     painter.setPen(lookColor("System.PlaceholderTextColour", {138, 138, 138}));
     painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap,
                      tr("Open a picture, a sequence or a document (Ctrl+O), or drop one here."));
+}
+
+void ViewerWidget::PaintFocus()
+{
+    QPainter painter(this);
+    painter.setPen(QPen(lookColor("System.AccentColour", {92, 158, 220}), 1.0));
+    painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
 QImage ViewerWidget::Screenshot()

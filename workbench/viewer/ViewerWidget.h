@@ -105,6 +105,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -117,6 +118,7 @@ private:
     void SetMessage(const QString& text);
     void DropImage();
     void PaintHint();
+    void PaintFocus();
     void ChangeView();
     void SetViewSize();
     void TrackPointer(QPointF position);
@@ -147,7 +149,8 @@ private:
     bool spaceHeld_ = false;
     bool spaceUsed_ = false; // the image was moved with it
     bool panning_ = false;
-    QPointF panFrom_; // widget position of the last move
+    bool focusByKeys_ = false; // shown by a frame while no overlay has it
+    QPointF panFrom_;          // widget position of the last move
     QPointF pointer_{-1.0, -1.0};
 };
 

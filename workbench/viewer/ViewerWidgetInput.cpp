@@ -77,11 +77,11 @@ void ViewerWidget::resizeEvent(QResizeEvent* event)
     SetViewSize();
 }
 
-/// Space pans and plays; arrows, with Ctrl too, nudge the overlay that has the focus.
+/// Space pans and plays; arrows, with Ctrl too, nudge the point that has the focus.
 bool ViewerWidget::IsOwnKey(int key) const
 {
     const bool arrow = key >= Qt::Key_Left && key <= Qt::Key_Down;
-    return key == Qt::Key_Space || (arrow && overlays_.Focus());
+    return key == Qt::Key_Space || (arrow && overlays_.NudgesFocus());
 }
 
 void ViewerWidget::PlaceBars()
@@ -118,6 +118,7 @@ void ViewerWidget::mousePressEvent(QMouseEvent* event)
 {
     const bool pans =
         event->button() == Qt::MiddleButton || (event->button() == Qt::LeftButton && spaceHeld_);
+    focusByKeys_ = false;
     if (!pans) {
         const bool taken =
             event->button() == Qt::LeftButton && shown_.image &&
@@ -135,6 +136,8 @@ void ViewerWidget::mousePressEvent(QMouseEvent* event)
 
 void ViewerWidget::mouseMoveEvent(QMouseEvent* event)
 {
+    if (overlays_.IsPressed() && !(event->buttons() & Qt::LeftButton))
+        overlays_.EndDrag(); // the release went elsewhere
     if (panning_) {
         // The view keeps whole device pixels; what a fractional ratio leaves over waits.
         const QPointF moved = ToDevice(event->localPos() - panFrom_);
@@ -255,8 +258,18 @@ void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
     QOpenGLWidget::keyReleaseEvent(event);
 }
 
+void ViewerWidget::focusInEvent(QFocusEvent* event)
+{
+    focusByKeys_ =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QOpenGLWidget::focusInEvent(event);
+    update();
+}
+
 void ViewerWidget::focusOutEvent(QFocusEvent* event)
 {
+    focusByKeys_ = false;
+    update();
     spaceHeld_ = false;
     EndPan();
     overlays_.KeyUpAll();
