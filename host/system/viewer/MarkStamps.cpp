@@ -66,14 +66,12 @@ double Coverage(double distance, double width)
     return std::clamp(width / 2.0 + 0.5 - distance, 0.0, 1.0);
 }
 
-/// `above` over `below`, both as far as they cover the pixel.
+/// `above` over `below`, both as far as they cover the pixel; premultiplied.
 MxColor Over(const MxColor& above, double coverage, const MxColor& below, double coverageBelow)
 {
     const double a = above.Alpha() * coverage;
     const double b = below.Alpha() * coverageBelow * (1.0 - a);
-    if (!(a + b > 0.0))
-        return {};
-    const auto mix = [&](double x, double y) { return (x * a + y * b) / (a + b); };
+    const auto mix = [&](double x, double y) { return x * a + y * b; };
     return MxColor::FromDoubles(mix(above.Red(), below.Red()), mix(above.Green(), below.Green()),
                                 mix(above.Blue(), below.Blue()), a + b);
 }
@@ -214,12 +212,14 @@ void MarkStamps::Draw()
     }
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
     glEnable(GL_TEXTURE_2D);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDisableClientState(GL_COLOR_ARRAY);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glVertexPointer(2, GL_FLOAT, sizeof(Vertex), &corners[0].x);
     glTexCoordPointer(2, GL_FLOAT, sizeof(Vertex), &corners[0].s);
     glDrawArrays(GL_QUADS, 0, int(corners.size()));
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glDisable(GL_TEXTURE_2D);
     glDeleteTextures(1, &texture);
     copies_.clear();

@@ -25,8 +25,9 @@ public:
     /// A copy at a whole pixel, whose middle is the origin where the unit is odd, else its bottom
     /// left corner. False: it is too large for this, or there are too many different ones.
     bool Add(const Shape& shape, const MxPoint& origin);
-    /// Draws all with OpenGL 1.x into the current context and forgets them. Leaves other states of
-    /// textures, client arrays and pixel store than it found; blending is the caller's.
+    /// Draws all with OpenGL 1.x into the current context, where blending is on, and forgets them.
+    /// Leaves other states of textures, client arrays and pixel store than it found, and the blend
+    /// function of colours that are not premultiplied.
     void Draw();
 
 private:
