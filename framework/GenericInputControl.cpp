@@ -201,10 +201,13 @@ void GenericInputControl::BuildRows()
     layout.Append("VGroup");
     layout.Set("spacing", rowSpacing);
     for (Row& row : rows_) {
-        row.editor = MakeEditor(*row.input);
-        if (!row.editor)
-            continue;
+        // Before its editor: behind it, the label would give Tab back to the editor's first widget.
         row.label = std::make_unique<ElideLabel>(this);
+        row.editor = MakeEditor(*row.input);
+        if (!row.editor) {
+            row.label.reset();
+            continue;
+        }
         row.label->setFocusProxy(row.editor->Parts().front().widget);
         ReadAttributes(row);
         AppendRow(layout, RowNumber(row), row.editor->Parts());

@@ -230,6 +230,11 @@ drag(x, y, 30, 0, nil)
 view:key("H")
 assert(view:drawn() ~= "", "shown again")
 
+-- So it does through the fields of points.
+control("Centre"):widget("edity"):focus()
+for _ = 1, 2 do window():key("Tab") end
+assert(control("Pivot"):widget("edit"):focused(), "Tab leaves the fields of a point")
+
 -- Two viewers of one tool, and a tool that goes in mid-drag.
 action("newviewer")
 wait(0.2)
