@@ -213,10 +213,5 @@ int main(int argc, char** argv)
     Add("drag/painted-99", &Latencies::painted, 0.99);
     Add("drag/image-median", &Latencies::updated, 0.5);
     Add("drag/image-99", &Latencies::updated, 0.99);
-    benchmark::RegisterBenchmark("drag/one-frame",
-                                 [](benchmark::State& state) { Report(state, frame); })
-        ->UseManualTime()
-        ->Iterations(1)
-        ->Unit(benchmark::kMillisecond);
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -33,9 +33,9 @@ void readResults(const QString& path, std::map<QString, Times>& results)
         const QJsonObject run = value.toObject();
         if (run["run_type"].toString() != "iteration")
             continue;
-        const double time =
-            run[run["name"].toString().contains("/real_time") ? "real_time" : "cpu_time"]
-                .toDouble();
+        const QString name = run["name"].toString();
+        const bool byClock = name.contains("/real_time") || name.contains("/manual_time");
+        const double time = run[byClock ? "real_time" : "cpu_time"].toDouble();
         results[run["run_name"].toString()].push_back(time * units.at(run["time_unit"].toString()));
     }
 }
