@@ -37,8 +37,8 @@ struct Probe {
 /// are device-independent pixels; everything else goes through View().
 ///
 /// Overlays of the selected tool lie over the image and take the left button; a press beside them
-/// is left alone. Tab goes from one to the next, arrow keys nudge the one that has the focus,
-/// Escape gives up a drag.
+/// is left alone. A second click at the same place goes on to the one below, Tab from one to the
+/// next; arrow keys nudge the one that has the focus, Escape gives up a drag.
 class ViewerWidget : public QOpenGLWidget {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)

@@ -106,6 +106,7 @@ void OverlayStage::SetOperator(Operator* tool)
         return;
     EndDrag();
     KeyUpAll();
+    clickedAt_.reset();
     tool_ = Ref<Operator>::Share(tool);
     for (const Entry& entry : entries_)
         entry.overlay->SetInactive(nullptr);

@@ -25,6 +25,8 @@ std::vector<PreviewControl*> OverlayStage::PickOrder() const
 /// All that a press could mean, in the order of the inputs.
 std::vector<PreviewControl*> OverlayStage::UnderPointer()
 {
+    if (!pointerInside_ || !IsShown())
+        return {};
     std::vector<PreviewControl*> under = Overlays();
     TagList tags{{PV_Modifiers, modifiers_}};
     std::erase_if(under, [this, &tags](PreviewControl* overlay) {
