@@ -2,6 +2,8 @@
 
 #include "system/widgets/WidgetLook_p.h"
 
+#include <algorithm>
+
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyleOption>
@@ -84,7 +86,8 @@ void CustomCheckBox::paintEvent(QPaintEvent*)
 
 bool CustomCheckBox::hitButton(const QPoint& at) const
 {
-    return rect().contains(at);
+    const QRect taken(0, 0, std::min(width(), sizeHint().width() + margin), height());
+    return QStyle::visualRect(layoutDirection(), rect(), taken).contains(at);
 }
 
 QString CustomCheckBox::ToolTipText() const

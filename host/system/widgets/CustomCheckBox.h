@@ -9,7 +9,8 @@ namespace Marlox {
 
 /// A check box drawn crisply at any pixel ratio: a box with a tick, or with a bar when it is
 /// neither on nor off (`setTristate`). The label shortens with an ellipsis when room is short; the
-/// whole text then stands in the tooltip, above the help of the box or its parent.
+/// whole text then stands in the tooltip, above the help of the box or its parent. A click on the
+/// box or the label changes it; the room right of them is nobody's.
 class MARLOXSYSTEM_EXPORT CustomCheckBox : public QCheckBox {
     Q_OBJECT
 public:

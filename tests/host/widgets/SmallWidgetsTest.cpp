@@ -43,7 +43,7 @@ private slots:
     void IndicatorStates();
     void IndicatorAsks();
     void ButtonKeysAndSizes();
-    void CheckBoxTakesItsWholeWidth();
+    void CheckBoxTakesItsLabel();
     void LabelElides_data();
     void LabelElides();
     void SpeakToScreenReaders();
@@ -178,12 +178,19 @@ void SmallWidgetsTest::ButtonKeysAndSizes()
     QCOMPARE(button.sizeHint().width(), words);
 }
 
-void SmallWidgetsTest::CheckBoxTakesItsWholeWidth()
+void SmallWidgetsTest::CheckBoxTakesItsLabel()
 {
     CustomCheckBox box("Premultiplied");
     box.resize(200, 20);
     box.show();
     QTest::mouseClick(&box, Qt::LeftButton, {}, {190, 10});
+    QVERIFY(!box.isChecked());
+    const int label = box.sizeHint().width() - 2;
+    box.setLayoutDirection(Qt::RightToLeft);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {label - 60, 10});
+    QVERIFY(!box.isChecked());
+    box.setLayoutDirection(Qt::LeftToRight);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {label, 10});
     QVERIFY(box.isChecked());
     const int ticked = Marked(box);
     QTest::keyClick(&box, Qt::Key_Space);
