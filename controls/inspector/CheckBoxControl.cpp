@@ -50,7 +50,8 @@ void CheckBoxControl::Show()
 {
     const QString name = InputName();
     box_->setText(nameHidden_ ? QString() : QString(name).replace(u'&', QLatin1String("&&")));
-    box_->setAccessibleName(name);
+    if (box_->accessibleName() != name)
+        box_->setAccessibleName(name); // tells screen readers each time
     box_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
     box_->setEnabled(!editDisabled_);
     const Qt::CheckState state = stateOf(NumberOf(ShownValue().Get()));

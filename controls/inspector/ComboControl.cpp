@@ -141,7 +141,8 @@ void ComboControl::Show()
 {
     label_->SetText(InputName());
     label_->setVisible(!nameHidden_ && FindLayoutObj("label"));
-    combo_->setAccessibleName(InputName());
+    if (combo_->accessibleName() != InputName())
+        combo_->setAccessibleName(InputName()); // tells screen readers each time
     combo_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
     if (const int place = ShownPlace(); place != ComboModel::none)
         combo_->ShowIndex(place);

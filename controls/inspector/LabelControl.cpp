@@ -201,7 +201,8 @@ bool LabelControl::SetSize(int& width, int& height, TagList* tags)
 void LabelControl::ApplyText()
 {
     const QString text = Text();
-    setAccessibleName(text);
+    if (accessibleName() != text)
+        setAccessibleName(text); // tells screen readers each time
     if (title_) {
         title_->SetText(text);
         const QString help =
