@@ -83,7 +83,7 @@ Container* ControlWnd::PlaceBelow(const InputControl& control)
         return nullptr;
     if (!row->below) {
         row->below = new Container(this);
-        row->below->show();
+        row->below->setVisible(!row->folded);
         connect(row->below, &Container::HeightChanged, this, [this] { RecalcSizes(); });
     }
     return row->below;

@@ -63,8 +63,9 @@ void ControlWnd::Private::Show(Operator* shown)
         for (Group& group : Groups())
             rows.emplace_back().group = std::move(group);
         for (std::size_t i = 0; tool.Get() == shown && i < rows.size(); ++i) {
-            // Rows below a heading are known to be folded by then.
-            if (!rows[i].folded || IsHeadingClass(rows[i].group.classID))
+            // Rows below a heading are known to be folded by then; one that opens may have shown
+            // the tool anew.
+            if (rows[i].IsWaiting() && (!rows[i].folded || IsHeadingClass(rows[i].group.classID)))
                 Open(rows[i]);
         }
         opening = false;
@@ -153,10 +154,9 @@ void ControlWnd::Private::Open(Row& row)
     row.measured = false;        // somebody asked for the page's size while it waited
     const int width = std::max(page.width() - marginLeft - keyColumn, 0);
     MxRect place(marginLeft, 0, marginLeft + width, InspectorLineHeight);
-    const Operator* shown = tool.Get();
     const bool opened = control->Open(&page, place, nullptr);
-    if (tool.Get() != shown)
-        return; // opening it made the page show another tool: the row is gone
+    if (!RowOf(*control))
+        return; // opening it made the page show another tool, or this one anew: the row is gone
     if (!opened) {
         const QString fault = control->Fault();
         row.control = nullptr;

@@ -446,6 +446,20 @@ void ControlWndTest::foldedRowsWait()
     ProbeControl::settings.onOpen = [this](ProbeControl&) { page_->SetOperator(nullptr); };
     Fold("H", 0, true);
     QVERIFY(page_->Controls().empty());
+    // The page shows the tool anew while its second row opens.
+    int opened = 0;
+    ProbeControl::settings.onOpen = [this, &opened](ProbeControl&) {
+        Operator* const shown = page_->GetOperator();
+        if (++opened != 2)
+            return;
+        page_->SetOperator(nullptr);
+        page_->SetOperator(shown);
+    };
+    page_->SetOperator(document_->AddTool("ProbeTool"));
+    const std::size_t inputs = page_->GetOperator()->Inputs().size();
+    QVERIFY(inputs > 2);
+    QCOMPARE(page_->Controls().size(), inputs);
+    QCOMPARE(opened, int(inputs) + 2);
 }
 
 void ControlWndTest::foldingEndsWhatGoesOn()
