@@ -12,12 +12,6 @@ namespace Marlox {
 
 namespace {
 
-/// The input's place among the values; -1: none.
-int IndexOf(const Input& input)
-{
-    return int(input.GetAttr(IA_OverlayIndex, -1));
-}
-
 /// Whether what is dragged can reach the input.
 bool IsFree(const Input* input)
 {
@@ -131,7 +125,8 @@ void CropControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
         ReadImage(value);
     } else if (input != BaseInput()) {
         const auto* number = dynamic_cast<const Number*>(value);
-        if (!input || !number || !model_.Store(IndexOf(*input), number->GetValue()))
+        const int index = input ? int(input->GetAttr(IA_OverlayIndex)) : -1;
+        if (!number || !model_.Store(index, number->GetValue()))
             return;
     }
     PreviewControl::NotifyChanged(input, value, tags);
@@ -173,6 +168,16 @@ Input* CropControl::InputOf(CropEdges::Edge edge, int direction) const
         return nullptr;
     const int first = edge == CropEdges::Low ? 0 : model_.IsSizeLinked() ? 4 : 2;
     return FindInputByIndex(unsigned(first + direction));
+}
+
+/// The grabbed edges that a drag moves; one driven by an expression or a connection stays, and the
+/// opposite one with it.
+CropEdges CropControl::HeldEdges() const
+{
+    const auto held = [this](CropEdges::Edge edge, int direction) {
+        return IsFree(InputOf(edge, direction)) ? edge : CropEdges::None;
+    };
+    return {held(grabbed_.x, 0), held(grabbed_.y, 1)};
 }
 
 void CropControl::GLDrawControls(PreviewInfo* view, TagList* tags)
@@ -306,7 +311,8 @@ void CropControl::ControlMove(PreviewInfo* view, const MxPoint& at, TagList* tag
     if (!view || dragState_ != DragType::Dragged)
         return;
     const CropModel before = model_; // which follows what is sent
-    const CropModel after = before.Dragged(grabbed_, {view->cursorX, view->cursorY}, SizeIn(*view));
+    const CropModel after =
+        before.Dragged(HeldEdges(), {view->cursorX, view->cursorY}, SizeIn(*view));
     const auto alive = Ref<CropControl>::Share(this); // what is sent may end the drag
     for (const int index : before.StoredValues()) {
         const double value = after.Value(index);

@@ -64,6 +64,7 @@ private:
     CropCorners CornersIn(const PreviewInfo& view) const;
     CropEdges EdgesUnderCursor(const PreviewInfo& view) const;
     Input* InputOf(CropEdges::Edge edge, int direction) const;
+    CropEdges HeldEdges() const;
     bool HitTest(PreviewInfo& view, const TagList* tags);
     bool TellInput(const PreviewInfo& view, Input*& input) const;
     void Draw(const PreviewInfo& view) const;

@@ -235,8 +235,11 @@ void OverlayCropTest::oneEntryForEachDrag()
     rig.stage->Move({160, 150}, 0);
     QCOMPARE(int(rig.View().cursorShape), int(ViewCursor::Forbidden));
     rig.document->Undo().Clear();
-    rig.Drag({{300, 90}, {320, 100}});
-    QCOMPARE(rig.UndoEntries(), 1); // the others may be dragged
+    rig.Drag({{160, 150}, {170, 150}, {180, 150}});
+    QCOMPARE(rig.UndoEntries(), 0); // the width stays too
+    rig.Drag({{160, 90}, {180, 100}});
+    QCOMPARE(rig.Values(), (QList<double>{60, 50, 300, 130}));
+    QCOMPARE(rig.UndoEntries(), 1); // of the edge that may be dragged
 }
 
 void OverlayCropTest::endsWithoutRelease()
