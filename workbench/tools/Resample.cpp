@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
 namespace Marlox {
 
@@ -12,6 +13,32 @@ namespace {
 
 constexpr int mostSamples = 8;     // along one side, for each pixel, where the picture shrinks
 constexpr double filterRoom = 2.0; // pixels that a filter reaches beyond the picture
+
+/// The channels of a pixel at once: a compiler left to itself takes them one by one.
+using Channels [[gnu::vector_size(4 * sizeof(float))]] = float;
+
+Channels channelsAt(const float* pixel)
+{
+    Channels channels;
+    std::memcpy(&channels, pixel, sizeof channels);
+    return channels;
+}
+
+void addTo(float* pixel, const Channels& channels)
+{
+    const Channels sum = channelsAt(pixel) + channels;
+    std::memcpy(pixel, &sum, sizeof sum);
+}
+
+/// The way from a pixel to a position behind it. Where the rounding of a matrix may account for
+/// what is missing or over, the position is on the pixel or on the next one.
+float fractionOf(double way)
+{
+    constexpr double least = 1e-6;
+    if (way < least)
+        return 0.0f;
+    return way > 1.0 - least ? 1.0f : float(way);
+}
 
 /// Columns first to last, one behind.
 struct Span {
@@ -86,7 +113,8 @@ template <class Filter>
 class Sampler {
 public:
     Sampler(const Image& image, float weight)
-        : image_(image), width_(image.Width()), height_(image.Height()), weight_(weight)
+        : pixels_(image.IsEmpty() ? nullptr : image.Row(0)), width_(image.Width()),
+          height_(image.Height()), weight_(weight)
     {
     }
 
@@ -116,40 +144,46 @@ private:
         return line.Inside(Filter::before, size + Filter::before + 1 - Filter::count, count);
     }
 
-    const float* PixelAt(int x, int y) const { return image_.Row(y) + std::ptrdiff_t(x) * 4; }
+    const float* PixelAt(int x, int y) const
+    {
+        return pixels_ + (std::ptrdiff_t(y) * width_ + x) * 4;
+    }
 
     void AddInside(double x, double y, float* to) const
     {
         const int left = int(x); // not below 0 here
         const int top = int(y);
-        const auto across = Filter::Weights(float(x - left));
-        const auto down = Filter::Weights(float(y - top));
+        const auto across = Filter::Weights(fractionOf(x - left));
+        const auto down = Filter::Weights(fractionOf(y - top));
         // A pixel of no weight must not leak in when it is infinite or not a number.
-        if (Filter::count > 1 && (across[Filter::count - 1] == 0.0f || down.back() == 0.0f)) {
+        if (Filter::count > 1 && (HasZeroEnd(across) || HasZeroEnd(down))) {
             AddNearEdge(x, y, to);
             return;
         }
-        std::array<float, 4> sum{};
+        Channels sum{};
         for (int j = 0; j < Filter::count; ++j) {
             const float* from = PixelAt(left - Filter::before, top - Filter::before + j);
-            std::array<float, 4> line{};
-            for (int i = 0; i < Filter::count; ++i, from += 4) {
-                for (std::size_t channel = 0; channel < 4; ++channel)
-                    line[channel] += across[std::size_t(i)] * from[channel];
-            }
-            for (std::size_t channel = 0; channel < 4; ++channel)
-                sum[channel] += down[std::size_t(j)] * line[channel];
+            Channels line{};
+            for (int i = 0; i < Filter::count; ++i)
+                line += across[std::size_t(i)] * channelsAt(from + std::ptrdiff_t(i) * 4);
+            sum += down[std::size_t(j)] * line;
         }
-        for (std::size_t channel = 0; channel < 4; ++channel)
-            to[channel] += weight_ * sum[channel];
+        addTo(to, weight_ * sum);
+    }
+
+    /// As it is exactly on a pixel.
+    template <class Weights>
+    static bool HasZeroEnd(const Weights& weights)
+    {
+        return weights.front() == 0.0f || weights.back() == 0.0f;
     }
 
     void AddNearEdge(double x, double y, float* to) const
     {
         const double left = std::floor(x);
         const double top = std::floor(y);
-        const auto across = Filter::Weights(float(x - left));
-        const auto down = Filter::Weights(float(y - top));
+        const auto across = Filter::Weights(fractionOf(x - left));
+        const auto down = Filter::Weights(fractionOf(y - top));
         for (int j = 0; j < Filter::count; ++j) {
             for (int i = 0; i < Filter::count; ++i) {
                 const float weight = across[std::size_t(i)] * down[std::size_t(j)];
@@ -158,14 +192,12 @@ private:
                 if (weight == 0.0f || pixelX < 0 || pixelX >= width_ || pixelY < 0 ||
                     pixelY >= height_)
                     continue;
-                const float* from = PixelAt(pixelX, pixelY);
-                for (std::size_t channel = 0; channel < 4; ++channel)
-                    to[channel] += weight_ * weight * from[channel];
+                addTo(to, weight_ * weight * channelsAt(PixelAt(pixelX, pixelY)));
             }
         }
     }
 
-    const Image& image_;
+    const float* pixels_; // the rows one after the other
     int width_;
     int height_;
     float weight_;
