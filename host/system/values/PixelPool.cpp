@@ -53,15 +53,19 @@ PixelPool::Block PixelPool::Find(std::size_t floats)
     return found;
 }
 
-void PixelPool::Return(Block block)
+void PixelPool::Return(Block block) noexcept
 {
     const std::size_t capacity = block->capacity();
     if (capacity > mostKept)
         return;
-    std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     while (kept_ + capacity > mostKept) {
-        kept_ -= blocks_.front()->capacity();
+        Block oldest = std::move(blocks_.front());
         blocks_.erase(blocks_.begin());
+        kept_ -= oldest->capacity();
+        lock.unlock(); // the system takes its time over many pages
+        oldest = nullptr;
+        lock.lock();
     }
     blocks_.push_back(std::move(block)); // in the room of the construction: nothing is thrown
     kept_ += capacity;

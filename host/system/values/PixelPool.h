@@ -9,8 +9,8 @@
 namespace Marlox {
 
 /// The memory of pictures let go, kept for the next ones: a render makes pictures of the same few
-/// sizes again and again, and fresh pages cost more than the work that many tools do on them.
-/// Thread-safe.
+/// sizes again and again, and fresh pages cost more than the work that many tools do on them. It
+/// keeps at most 256 MiB, those let go last. Thread-safe.
 class PixelPool {
 public:
     /// The process's; never destroyed, since pictures may be.
@@ -25,7 +25,7 @@ private:
     using Block = std::unique_ptr<std::vector<float>>;
 
     Block Find(std::size_t floats);
-    void Return(Block block);
+    void Return(Block block) noexcept;
 
     std::mutex mutex_;
     std::vector<Block> blocks_; // the longest kept first
