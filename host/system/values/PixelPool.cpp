@@ -1,6 +1,6 @@
 #include "system/values/PixelPool.h"
 
-#include <algorithm>
+#include <bit>
 
 namespace Marlox {
 
@@ -8,6 +8,14 @@ namespace {
 
 constexpr std::size_t smallest = std::size_t(1) << 18; // floats; below it the system is as quick
 constexpr std::size_t mostKept = std::size_t(1) << 26; // floats, 256 MiB
+
+/// With room for pictures a little larger: those of a drag grow from one to the next. What is not
+/// touched costs no memory.
+std::size_t WithRoom(std::size_t floats)
+{
+    const std::size_t step = std::bit_floor(floats) / 8;
+    return (floats + step - 1) / step * step;
+}
 
 } // namespace
 
@@ -27,10 +35,11 @@ std::shared_ptr<std::vector<float>> PixelPool::Take(std::size_t floats)
     if (floats < smallest)
         return std::make_shared<std::vector<float>>(floats);
     Block block = Find(floats);
-    if (block)
-        block->assign(floats, 0.0f);
-    else
-        block = std::make_unique<std::vector<float>>(floats);
+    if (!block) {
+        block = std::make_unique<std::vector<float>>();
+        block->reserve(floats < mostKept ? WithRoom(floats) : floats);
+    }
+    block->assign(floats, 0.0f);
     return {block.release(), [this](std::vector<float>* pixels) { Return(Block(pixels)); }};
 }
 
