@@ -1,5 +1,7 @@
 #include "workbench/viewer/DisplayConverter.h"
 
+#include "system/evaluation/Process.h"
+
 #include <QMetaObject>
 
 namespace Marlox {
@@ -38,6 +40,7 @@ void DisplayConverter::Start()
 {
     running_ = std::move(pending_);
     pool_.start([this, job = running_] {
+        WorkBehindInterface();
         job->picture = transform_.Apply(*job->image, job->settings, &job->cancelled, &job->error);
         // Not delivered to a converter that is gone: its destructor waits and drops the event.
         QMetaObject::invokeMethod(

@@ -1,6 +1,7 @@
 #include "workbench/viewer/ViewerPainter.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <QOpenGLContext>
@@ -60,26 +61,6 @@ void drawDashedFrame(const QRectF& rect, double width)
     glDisable(GL_LINE_STIPPLE);
 }
 
-/// Squares fixed to the view, within `area`.
-void drawChecker(const QRectF& area, const ViewerPainter::Look& look)
-{
-    const double step = std::max(1.0, std::round(checkerSize * look.devicePixelRatio));
-    glBegin(GL_QUADS);
-    setColor(look.checkerDark);
-    fillRect(area.left(), area.top(), area.right(), area.bottom());
-    setColor(look.checkerLight);
-    for (int row = int(std::floor(area.top() / step)); row * step < area.bottom(); ++row) {
-        int column = int(std::floor(area.left() / step));
-        if ((row + column) % 2 != 0)
-            ++column;
-        for (; column * step < area.right(); column += 2)
-            fillRect(std::max(column * step, area.left()), std::max(row * step, area.top()),
-                     std::min((column + 1) * step, area.right()),
-                     std::min((row + 1) * step, area.bottom()));
-    }
-    glEnd();
-}
-
 void setUpView(const QSize& size)
 {
     glViewport(0, 0, size.width(), size.height());
@@ -105,8 +86,40 @@ int tileSide()
 
 ViewerPainter::~ViewerPainter() = default;
 
+/// Squares fixed to the view, within `area`: two by two texels, repeated.
+void ViewerPainter::DrawChecker(const QRectF& area, const Look& look)
+{
+    const double step = std::max(1.0, std::round(checkerSize * look.devicePixelRatio));
+    const auto texel = [](const QColor& color) {
+        return std::array<GLubyte, 4>{GLubyte(color.red()), GLubyte(color.green()),
+                                      GLubyte(color.blue()), 255};
+    };
+    const std::array texels{texel(look.checkerLight), texel(look.checkerDark),
+                            texel(look.checkerDark), texel(look.checkerLight)};
+    if (checker_ == 0)
+        glGenTextures(1, &checker_);
+    glBindTexture(GL_TEXTURE_2D, checker_);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 2, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    glEnable(GL_TEXTURE_2D);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
+    glBegin(GL_QUADS);
+    for (const QPointF& corner :
+         {area.topLeft(), area.topRight(), area.bottomRight(), area.bottomLeft()}) {
+        glTexCoord2d(corner.x() / (2.0 * step), corner.y() / (2.0 * step));
+        glVertex2d(corner.x(), corner.y());
+    }
+    glEnd();
+    glDisable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
 void ViewerPainter::Release()
 {
+    if (checker_ != 0)
+        glDeleteTextures(1, &checker_);
+    checker_ = 0;
     for (const Tile& tile : tiles_)
         glDeleteTextures(1, &tile.texture);
     tiles_.clear();
@@ -161,7 +174,7 @@ void ViewerPainter::Paint(const ViewTransform& view, const QSize& size, const Lo
                                                        view.ToView(dataWindow_.bottomRight()));
     const QRectF visible = frame.united(data) & QRectF(QPointF(), QSizeF(size));
     if (look.checker) {
-        drawChecker(visible, look);
+        DrawChecker(visible, look);
     } else {
         glColor4ub(0, 0, 0, 255);
         glBegin(GL_QUADS);

@@ -42,9 +42,11 @@ private:
         QRect pixels; // of the picture, without the border
         QRect loaded; // with it
     };
+    void DrawChecker(const QRectF& area, const Look& look);
     void DrawTiles(const ViewTransform& view);
     void DrawTile(const Tile& tile, const QRectF& place) const;
 
+    unsigned int checker_ = 0; // texture; 0: none yet
     std::vector<Tile> tiles_;
     QSize picture_;
     QRectF dataWindow_;

@@ -4,6 +4,10 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <utility>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <QThread>
 #include <QThreadPool>
@@ -26,6 +30,8 @@ QThreadPool& helpers()
     }();
     return *pool;
 }
+
+constexpr int niceness = 10; // of threads behind the interface: about a tenth of its share
 
 /// One call of ForRows, shared with its helpers. A helper that starts late finds no piece left and
 /// never touches the body.
@@ -102,9 +108,19 @@ void RenderContext::ForRows(int count, const std::function<void(int, int)>& body
     const int pieces = std::min(count, std::max(cores * 8, count / 64));
     const auto work = std::make_shared<RowWork>(*this, count, pieces, body);
     for (int helper = 1; helper < std::min(cores, pieces); ++helper)
-        helpers().start([work] { work->Work(); });
+        helpers().start([work] {
+            WorkBehindInterface();
+            work->Work();
+        });
     work->Work();
     work->WaitAndRethrow();
+}
+
+void WorkBehindInterface()
+{
+    thread_local bool done = false;
+    if (!std::exchange(done, true)) // on Linux threads have priorities of their own
+        setpriority(PRIO_PROCESS, id_t(gettid()), niceness);
 }
 
 ToolProcess::~ToolProcess() = default;

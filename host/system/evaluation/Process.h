@@ -13,6 +13,10 @@
 
 namespace Marlox {
 
+/// The calling thread's work is behind the interface's from then on: with all cores busy, a drag is
+/// painted first. For threads that do nothing else.
+MARLOXSYSTEM_EXPORT void WorkBehindInterface();
+
 /// What a running process may ask and must tell. Thread-safe.
 class MARLOXSYSTEM_EXPORT RenderContext {
 public:

@@ -193,6 +193,7 @@ void Renderer::Private::Deliver(const RenderResult& result)
 /// The render thread: takes the waiting job, runs it, posts its result.
 void Renderer::Private::RenderLoop()
 {
+    WorkBehindInterface();
     std::unique_lock lock(mutex_);
     for (;;) {
         wake_.wait(lock, [this] { return stop_ || waiting_; });
