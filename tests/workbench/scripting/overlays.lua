@@ -100,6 +100,7 @@ equal(#undo.texts(), entries + 3, "each key is an entry")
 undo.undo() undo.undo() undo.undo()
 
 -- The picture follows: what was in its middle is where the centre comes to.
+waitrender()
 local middle = view:color(W / 2, H / 2)
 drag(x, y, 100, 0, "Adjust Centre")
 local shown = view:color(W / 2 + math.floor(100 / width() * W + 0.5), H / 2)
