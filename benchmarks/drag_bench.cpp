@@ -1,8 +1,8 @@
 // A drag of a transform's centre over a picture of 4096 x 2160 floats, sixty moves a second, in a
 // viewer with all that belongs to it: rendering at proxy resolution, display conversion, painting.
-// Tells how long it takes from a move of the mouse to the overlay painted at its new place, and to
-// the picture that was rendered for it or for a later one. Measured in one drag; the repetitions
-// report the same figures.
+// Tells how far the painted frames are apart, how long it takes from a move of the mouse to the
+// overlay painted at its new place, and to the picture that was rendered for it or for a later one.
+// Measured in one drag; the repetitions report the same figures.
 
 #include "script/ScriptSystem.h"
 #include "system/document/MarloxDoc.h"
@@ -19,6 +19,7 @@
 #include <deque>
 #include <dlfcn.h>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -53,6 +54,7 @@ double SecondsSince(Clock::time_point start)
 struct Latencies {
     std::vector<double> painted;
     std::vector<double> updated;
+    std::vector<double> between; // from one painted frame to the next
 };
 
 double Percentile(std::vector<double> values, double part)
@@ -154,6 +156,7 @@ private:
     void Swapped()
     {
         const double now = SecondsSince(start_);
+        latencies_.between.push_back(now - std::exchange(swapped_, now));
         for (; !unpainted_.empty(); unpainted_.pop_front())
             latencies_.painted.push_back(now - unpainted_.front());
         for (; !withoutImage_.empty() && withoutImage_.front() <= shownFrom_;
@@ -166,9 +169,10 @@ private:
     Clock::time_point start_ = Clock::now();
     std::map<quint64, double> started_;   // renders, by serial
     std::map<const Image*, double> made_; // when the render of an image began
-    double shownFrom_ = -1.0;             // of the image on show
-    std::deque<double> unpainted_;        // moves whose overlay is not painted yet
-    std::deque<double> withoutImage_;     // moves whose picture is not there yet
+    double swapped_ = 0.0;
+    double shownFrom_ = -1.0;         // of the image on show
+    std::deque<double> unpainted_;    // moves whose overlay is not painted yet
+    std::deque<double> withoutImage_; // moves whose picture is not there yet
     Latencies latencies_;
 };
 
@@ -211,6 +215,7 @@ int main(int argc, char** argv)
         Fail(dlerror());
     Add("drag/painted-median", &Latencies::painted, 0.5);
     Add("drag/painted-99", &Latencies::painted, 0.99);
+    Add("drag/frames", &Latencies::between, 0.5);
     Add("drag/image-median", &Latencies::updated, 0.5);
     Add("drag/image-99", &Latencies::updated, 0.99);
     benchmark::RunSpecifiedBenchmarks();

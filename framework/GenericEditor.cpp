@@ -73,6 +73,8 @@ public:
         const auto edited = [this](TimeCodeEdit& edit) { OnEdited(edit); };
         x_ = MakeNumberEdit(control, *connections_, edited);
         y_ = MakeNumberEdit(control, *connections_, edited);
+        for (TimeCodeEdit* edit : {x_, y_})
+            edit->SetShownDecimals(5); // finer than a pixel; typing shows them all
         Append("edit", x_, " X");
         Append("edity", y_, " Y");
     }

@@ -264,8 +264,9 @@ bool CropControl::ControlCommand(PreviewInfo* view, const MxID& command, u64 dat
 bool CropControl::HitTest(PreviewInfo& view, const TagList* tags)
 {
     const CropEdges edges = MayBeHit(view, tags) ? EdgesUnderCursor(view) : CropEdges();
-    if (edges != hovered_) {
-        hovered_ = edges;
+    const CropEdges lit = IsEditable() ? edges : CropEdges();
+    if (lit != hovered_) {
+        hovered_ = lit;
         UpdateDisplay(nullptr, nullptr);
     }
     if (!edges.Any())

@@ -234,6 +234,8 @@ void CrosshairControl::Drag(PreviewInfo& view, TagList* tags)
         return;
     to = AlongAxes(Grabbed(), to, origin_);
     Send(to, tags);
+    if (dragState_ != DragType::Dragged)
+        return; // what was sent ended the drag
     // Where the cursor goes is meant like this, the offset's sign and the base offset's included:
     // the position comes first, and what the view tells of it stays on the axis.
     view.TransformOut(to.x, to.y, at.x, at.y);

@@ -38,6 +38,7 @@ public:
     void ControlMove(PreviewInfo* view, const MxPointT<int>& at, TagList* tags) override;
     bool ControlCommand(PreviewInfo* view, const MxID& command, u64 data, TagList* tags) override;
     bool MarksHover() const override { return false; } // it has one colour
+    bool IsDisplaced() const override { return false; }
 
 private:
     template <class Overlay>

@@ -2,9 +2,11 @@
 // crosshairs.
 
 #include "plugin/OverlayRig.h"
+#include "script/ScriptSystem.h"
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -29,6 +31,10 @@ std::vector<RigInput> threePoints()
 }
 
 constexpr MxPoint middle{300, 150};
+
+// The overlays' own tags, as their references have them.
+constexpr u32 PCID_PrevPoint = 0x80058000;
+constexpr u32 ACID_Center = 0x80058000;
 
 /// What a closure draws, as OpenGL leaves it; transparent where nothing is drawn.
 template <class Paint>
@@ -67,6 +73,7 @@ class OverlayStageTest : public QObject {
 private slots:
     void initTestCase()
     {
+        InstallScripting();
         QVERIFY2(PluginLibrary().IsLoaded(), PluginLibrary().Error().constData());
     }
 
@@ -263,6 +270,9 @@ private slots:
         QCOMPARE(rig.PointOf("pivot"), std::string("0.5 0.6"));
     }
 
+    // Whatever is done in whatever order, nothing stays open and every value can be undone.
+    void soak();
+
     void linesHaveACasing()
     {
         OverlayRig rig({});
@@ -323,6 +333,78 @@ void OverlayStageTest::lostDragsEnd()
     if (rig.stage) {
         QVERIFY(!rig.stage->IsPressed());
         OverlayStage::ReopenAll();
+    }
+}
+
+void OverlayStageTest::soak()
+{
+    const std::vector<RigInput> inputs{
+        {"centre", CLSID_DataType_Point, {{IAS_Overlay, "CrosshairControl"}}},
+        point("next", {{PCID_PrevPoint, "centre"}, {IAS_OverlayOffset, "centre"}}),
+        {"angle", CLSID_DataType_Number, {{IAS_Overlay, "AngleControl"}, {ACID_Center, "centre"}}},
+        {"left",
+         CLSID_DataType_Number,
+         {{IAS_Overlay, CLSID_PreviewControl_Crop}, {IA_OverlayIndex, 0}}},
+        {"right",
+         CLSID_DataType_Number,
+         {{IAS_OverlayWith, "left"}, {IA_OverlayIndex, 2}, {IAD_Default, 400.0}}}};
+    for (const unsigned seed : {1u, 20u, 300u}) {
+        OverlayRig rig(inputs);
+        const std::string fresh = rig.document->ToText();
+        OverlayStage second(*rig.document);
+        second.View() = rig.View();
+        std::mt19937 random(seed);
+        const auto below = [&random](int limit) { return int(random() % unsigned(limit)); };
+        const auto place = [&below] { return MxPoint(below(620) - 10, below(320) - 10); };
+        for (int step = 0; step < 600; ++step) {
+            OverlayStage& stage = below(3) == 0 ? second : *rig.stage;
+            const u32 held = u32(below(8));
+            switch (below(12)) {
+            case 0:
+                stage.Press(below(2) == 0 ? middle : place(), held);
+                break;
+            case 1:
+                stage.Release(place(), held);
+                break;
+            case 2:
+                stage.KeyDown(Qt::Key_Left + below(4), held);
+                break;
+            case 3:
+                stage.KeyUpAll();
+                break;
+            case 4:
+                stage.CancelDrag();
+                break;
+            case 5:
+                stage.SetOperator(below(2) == 0 ? nullptr : rig.tool);
+                break;
+            case 6:
+                stage.FocusNext(below(2) == 0);
+                break;
+            case 7:
+                below(2) == 0 ? rig.document->Undo().Undo() : rig.document->Undo().Redo();
+                break;
+            case 8:
+                rig.tool->SetLocked(below(4) == 0);
+                break;
+            case 9:
+                stage.SetShown(below(3) != 0);
+                break;
+            default:
+                stage.Move(place(), held);
+            }
+            OverlayRecorder recorder;
+            stage.Draw(recorder);
+        }
+        for (OverlayStage* stage : {rig.stage.get(), &second}) {
+            stage->EndDrag();
+            stage->KeyUpAll();
+        }
+        QCOMPARE(rig.document->Undo().Depth(), 0);
+        QVERIFY(!rig.document->IsAutoProxy());
+        while (rig.document->Undo().CanUndo())
+            rig.document->Undo().Undo();
+        QCOMPARE(rig.document->ToText(), fresh);
     }
 }
 

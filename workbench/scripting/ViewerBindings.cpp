@@ -61,8 +61,7 @@ void addOverlayClass(ScriptEngine& engine)
     overlay.Method("active",
                    [](ScriptCall& call) { call.Return(call.Self<PreviewControl>().IsActive()); });
     overlay.Method("condition", [](ScriptCall& call) {
-        static const QString conditions[] = {"plain", "animated", "keyed", "expression",
-                                                     "locked"};
+        static const QString conditions[] = {"plain", "animated", "keyed", "expression", "locked"};
         call.Return(conditions[std::size_t(call.Self<PreviewControl>().Condition())]);
     });
     overlay.Method("editable",

@@ -253,7 +253,8 @@ void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
             emit SpaceTapped();
         return;
     }
-    if (!event->isAutoRepeat())
+    const bool modifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
+    if (!event->isAutoRepeat() && !modifier)
         overlays_.KeyUpAll();
     QOpenGLWidget::keyReleaseEvent(event);
 }

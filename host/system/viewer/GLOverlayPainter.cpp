@@ -111,12 +111,15 @@ bool GLOverlayPainter::AddStamp(Shape shape, std::span<const OverlayPoint> point
 /// A fan of triangles. Nothing if a corner is far outside the view, or no number.
 void GLOverlayPainter::AddFill(std::span<const OverlayPoint> points)
 {
-    const std::size_t before = fills_.size();
+    const auto isFar = [this](const OverlayPoint& point) {
+        const OverlayPoint at = Placed(point);
+        return !(std::abs(at.x) < farthest && std::abs(at.y) < farthest);
+    };
+    if (std::any_of(points.begin(), points.end(), isFar))
+        return;
     const OverlayPoint first = Placed(points.front());
     for (std::size_t i = 0; i < points.size(); ++i) {
         const OverlayPoint at = Placed(points[i]);
-        if (!(std::abs(at.x) < farthest && std::abs(at.y) < farthest))
-            return fills_.resize(before, {});
         const OverlayPoint next = Placed(points[(i + 1) % points.size()]);
         AddCasing(at, next, crispCasing_);
         if (i == 0 || i + 1 == points.size())

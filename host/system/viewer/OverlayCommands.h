@@ -47,7 +47,8 @@ inline constexpr u32 PC_FollowEnded = 0x10048003;
 // From the cursor to the mark when a drag began, view pixels; read and written.
 inline constexpr u32 PCD_DragOffsetX = 0x20048001;
 inline constexpr u32 PCD_DragOffsetY = 0x20048002;
-// The base offset, image coordinates: an overlay is drawn and grabbed at its position plus it.
+// The base offset, image coordinates: crosshairs and angles are drawn and grabbed at their position
+// plus it.
 inline constexpr u32 PCD_BaseOffsetX = 0x20048003;
 inline constexpr u32 PCD_BaseOffsetY = 0x20048004;
 

@@ -20,7 +20,7 @@ struct OverlayPoint {
 
 /// What overlays draw with: lines and filled shapes in view pixels, in colours by role, dashed or
 /// not, and marks in a frame of their own. Two forms: one draws with OpenGL, one writes down what
-/// is drawn. Who draws lines under an image of any brightness need not care: every light line gets
+/// is drawn. Who draws lines under an image of any brightness need not care: every line gets
 /// a dark casing.
 class MARLOXSYSTEM_EXPORT OverlayPainter {
 public:

@@ -36,7 +36,7 @@ public:
             TellWritten(*overlay, tags);
         else if (overlay)
             emit stage_.Changed();
-        else if (event == MxID("AttrsChanged")) // perhaps of what makes the overlay
+        else if (event == MxID("AttrsChanged") && !std::exchange(stage_.rebuilds_, true))
             QMetaObject::invokeMethod(
                 &stage_, [this] { stage_.Rebuild(); }, Qt::QueuedConnection);
         return true;
@@ -157,6 +157,7 @@ std::vector<Input*> OverlayStage::WantedInputs() const
 
 void OverlayStage::Rebuild()
 {
+    rebuilds_ = false;
     std::vector<Entry> before = std::exchange(entries_, {});
     for (Input* main : WantedInputs()) {
         const auto found = std::find_if(before.begin(), before.end(), [main](const Entry& entry) {
@@ -176,8 +177,7 @@ void OverlayStage::Rebuild()
     for (const Ref<Operator>& tool : document_.Tools()) {
         for (const Ref<Input>& input : tool->Inputs()) {
             input->RemoveNotify(listener_.Get());
-            if (*input->GetAttrS(IAS_Overlay))
-                input->AddNotify(listener_.Get(), "AttrsChanged");
+            input->AddNotify(listener_.Get(), "AttrsChanged");
         }
     }
     for (const Entry& entry : entries_) {

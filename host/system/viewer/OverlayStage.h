@@ -43,7 +43,7 @@ public:
     std::vector<PreviewControl*> Overlays() const;
     PreviewControl* OverlayOf(const Input& input) const;
 
-    /// The context of the view. The viewer writes the placement, the sizes and the draw mode.
+    /// The context of the view. The viewer writes the placement and the sizes.
     PreviewInfo& View() { return view_; }
     const PreviewInfo& View() const { return view_; }
     /// Hidden overlays are neither drawn nor picked; a drag ends.
@@ -136,6 +136,8 @@ private:
     MxPoint at_;            // of the pointer
     MxPoint pressedAt_;
     bool moved_ = false;               // since the press
+    bool replaced_ = false;            // the image moved below a drag
+    bool rebuilds_ = false;            // at the next turn of the event loop
     std::optional<MxPoint> clickedAt_; // the last press and release, until the pointer goes away
     u32 modifiers_ = 0;
     ViewCursor cursor_ = ViewCursor::Arrow; // as told last

@@ -154,8 +154,9 @@ void OverlayStage::OfferTo(PreviewControl& other, TagList& tags)
 
 void OverlayStage::Move(const MxPoint& at, u32 modifiers)
 {
-    const bool same = at == at_ && modifiers == modifiers_ && pointerInside_;
-    if (same)
+    // In a drag a modifier alone is no move: a click must not write.
+    const bool same = at == at_ && pointerInside_ && (pressed_ || modifiers == modifiers_);
+    if (!std::exchange(replaced_, false) && same)
         return;
     modifiers_ = modifiers;
     PlaceCursor(at);
@@ -222,6 +223,7 @@ void OverlayStage::EndDrag()
 void OverlayStage::CancelDrag()
 {
     FinishDrag(false);
+    TestHover();
 }
 
 void OverlayStage::FinishDrag(bool keep)
@@ -259,8 +261,9 @@ void OverlayStage::Leave()
 
 void OverlayStage::PlacementChanged()
 {
-    if (!pointerInside_ || pressed_) // a drag may have rewritten the cursor
-        return;
+    replaced_ = pressed_; // the next move of the drag counts wherever it is
+    if (!pointerInside_ || pressed_)
+        return; // the drag may have rewritten the cursor
     PlaceCursor(at_);
     TestHover();
 }
@@ -269,7 +272,7 @@ void OverlayStage::PlacementChanged()
 
 bool OverlayStage::KeyDown(int key, u32 modifiers)
 {
-    PreviewControl* overlay = focus_ ? focus_ : view_.currentControl;
+    PreviewControl* overlay = focus_;
     if (!overlay || pressed_ || !IsShown() || !overlay->IsEditable())
         return false;
     const auto alive = Ref<PreviewControl>::Share(overlay);

@@ -226,9 +226,11 @@ void PreviewControl::GLDrawControls(PreviewInfo* view, TagList*)
 {
     if (!view || !view->painter)
         return;
+    const OverlayPoint offset =
+        IsDisplaced() ? OverlayPoint{baseOffset_[0], baseOffset_[1]} : OverlayPoint();
     for (const Input* input : inputs_) {
         if (input->IsAnimated() && input->GetDataType() == MxID(CLSID_DataType_Point))
-            DrawMotionPath(*view, *input, {baseOffset_[0], baseOffset_[1]});
+            DrawMotionPath(*view, *input, offset);
     }
 }
 

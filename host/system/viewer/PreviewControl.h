@@ -125,6 +125,8 @@ public:
     /// Whether it shows by itself what the pointer is on. For one that does not, the view does: by
     /// its normal colour.
     virtual bool MarksHover() const { return true; }
+    /// Whether the base offset displaces it, and with it its motion path.
+    virtual bool IsDisplaced() const { return true; }
     // The base offset, image coordinates: by PCD_BaseOffsetX and Y, or the point of the input that
     // IAS_OverlayOffset of the first input names, less the image's centre.
     double BaseOffsetX() const { return baseOffset_[0]; }

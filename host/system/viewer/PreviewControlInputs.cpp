@@ -59,7 +59,7 @@ void PreviewControl::AttachBaseInput(Input& main)
 {
     const char* id = main.GetAttrS(IAS_OverlayOffset);
     Input* input = *id ? main.Owner().FindInput(id) : nullptr;
-    if (!input)
+    if (!input || input == baseInput_)
         return;
     baseInput_ = input;
     Listen(input);
