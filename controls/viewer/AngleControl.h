@@ -49,10 +49,10 @@ inline constexpr u32 ACP_CenterZ = 0x60058004;
 /// radius, taken at its tip. With Alt the place of that tip takes either one. During a drag a ghost
 /// stays where it began. What the pointer is on stands out, and fades when it leaves (MarkFade).
 ///
-/// When the centre or the radius is dragged by another overlay, the drag state is Driven. With
-/// PC_Follow it is so too when another angle is dragged, and this one turns along by as much: it
-/// takes over the other's centre (ACD_FollowX and Y, which keep this one's base offset out), grab
-/// and lead (ACD_FollowAngle) at the press; what a host sets during the drag replaces them.
+/// When the centre point or the radius is dragged by another overlay, the drag state is Driven.
+/// With PC_Follow it is so too when another angle is dragged, and this one turns along by as much:
+/// it takes over the other's centre (ACD_FollowX and Y, which keep this one's base offset out),
+/// grab and lead (ACD_FollowAngle) at the press; what a host sets during the drag replaces them.
 class AngleControl final : public PreviewControl {
 public:
     static void RegCleanup(Registry* record);

@@ -111,6 +111,8 @@ DragOffset XYOffsetControl::MarkFromCursor(const PreviewInfo& view) const
 
 DragType XYOffsetControl::ControlDown(PreviewInfo* view, const MxPointT<int>& at, TagList* tags)
 {
+    if (dragState_ == DragType::None)
+        undoBegun_ = false; // the last release may have been lost
     if (view->hit.control && axis_.Is(view->hit.input)) {
         dragState_ = DragType::Driven;
     } else {

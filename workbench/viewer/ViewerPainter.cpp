@@ -96,12 +96,17 @@ void ViewerPainter::DrawChecker(const QRectF& area, const Look& look)
     };
     const std::array texels{texel(look.checkerLight), texel(look.checkerDark),
                             texel(look.checkerDark), texel(look.checkerLight)};
-    if (checker_ == 0)
+    const bool isNew = checker_ == 0;
+    if (isNew)
         glGenTextures(1, &checker_);
     glBindTexture(GL_TEXTURE_2D, checker_);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 2, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    if (isNew) {
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    }
+    if (isNew || texels != checkerTexels_)
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 2, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    checkerTexels_ = texels;
     glEnable(GL_TEXTURE_2D);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
     glBegin(GL_QUADS);
@@ -120,6 +125,11 @@ void ViewerPainter::Release()
     if (checker_ != 0)
         glDeleteTextures(1, &checker_);
     checker_ = 0;
+    ReleaseTiles();
+}
+
+void ViewerPainter::ReleaseTiles()
+{
     for (const Tile& tile : tiles_)
         glDeleteTextures(1, &tile.texture);
     tiles_.clear();
@@ -127,13 +137,13 @@ void ViewerPainter::Release()
 
 void ViewerPainter::Clear()
 {
-    Release();
+    ReleaseTiles();
     hasImage_ = false;
 }
 
 void ViewerPainter::SetPicture(const QImage& picture, const QRectF& dataWindow)
 {
-    Release();
+    ReleaseTiles();
     picture_ = picture.size();
     dataWindow_ = dataWindow;
     hasImage_ = true;

@@ -3,6 +3,7 @@
 #include "workbench/viewer/DisplayConverter.h"
 #include "workbench/viewer/ViewTransform.h"
 
+#include <array>
 #include <vector>
 
 #include <QColor>
@@ -43,10 +44,12 @@ private:
         QRect loaded; // with it
     };
     void DrawChecker(const QRectF& area, const Look& look);
+    void ReleaseTiles();
     void DrawTiles(const ViewTransform& view);
     void DrawTile(const Tile& tile, const QRectF& place) const;
 
-    unsigned int checker_ = 0; // texture; 0: none yet
+    unsigned int checker_ = 0;                                    // texture; 0: none yet
+    std::array<std::array<unsigned char, 4>, 4> checkerTexels_{}; // as loaded up
     std::vector<Tile> tiles_;
     QSize picture_;
     QRectF dataWindow_;
