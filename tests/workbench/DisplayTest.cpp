@@ -235,6 +235,74 @@ private slots:
             }
         }
     }
+
+    void opaquePartsLeaveNothingOut()
+    {
+        QImage picture(97, 71, QImage::Format_RGBA8888_Premultiplied);
+        picture.fill(Qt::white);
+        QCOMPARE(OpaqueParts(picture).Region(5), QRegion(picture.rect()));
+        QVERIFY(OpaqueParts().Region(1).isEmpty());
+        const QPoint holes[] = {{3, 40}, {90, 10}, {96, 70}};
+        for (const QPoint& hole : holes)
+            picture.setPixelColor(hole, QColor(0, 0, 0, 254));
+        for (const int margin : {0, 1, 9, 40}) {
+            const QRegion region = OpaqueParts(picture).Region(margin);
+            for (const QPoint& hole : holes)
+                QVERIFY(!region.intersects(
+                    QRect(hole, hole).adjusted(-margin, -margin, margin, margin)));
+            QVERIFY(region.contains(QPoint(45, 69)) || margin == 40); // and not too little
+        }
+    }
+
+    void groundShowsThroughHolesOnly()
+    {
+        QOpenGLContext trial;
+        if (!trial.create())
+            QSKIP("no OpenGL here");
+        MarloxDoc document;
+        ViewerWidget viewer(document);
+        viewer.ShowWindows(false);
+        viewer.resize(240, 200);
+        viewer.show();
+        const auto isHole = [](int x, int y) { return x + y / 2 < 60 || (x > 90 && y > 70); };
+        RenderResult result;
+        Image::Format format;
+        format.dataWindow = {10, 0, 130, 110}; // less than the display window
+        result.image = Picture(
+            120, 100,
+            [&](int x, int y) {
+                return isHole(x, y) ? Rgba{} : Rgba{1, 1, 1, 1};
+            },
+            format);
+        emit document.GetRenderer().Finished(result);
+        QTRY_VERIFY(viewer.ShownImage() == result.image);
+        for (const double zoom : {0.3, 0.7, 1.0, 1.5, 3.0}) {
+            viewer.SetZoom(zoom);
+            const QImage shot = viewer.Screenshot();
+            const int reach = zoom < 1.0 ? 1 + int(4.0 / zoom) : 0;
+            for (int y = 0; y < 100; ++y) {
+                for (int x = 0; x < 120; ++x) {
+                    const QPointF at = viewer.View().ToView(QPointF(x + 0.5, y + 0.5));
+                    const auto isHidden = [&](int column, int row) {
+                        return column >= 10 && !isHole(column, row);
+                    };
+                    const bool hidden = isHidden(x, y);
+                    bool isAlone = shot.rect().contains(at.toPoint());
+                    for (const int dx : {-reach, 0, reach}) {
+                        for (const int dy : {-reach, 0, reach})
+                            isAlone = isAlone && hidden == isHidden(x + dx, y + dy);
+                    }
+                    if (!isAlone)
+                        continue; // the filter mixes
+                    const int shown = shot.pixelColor(int(at.x()), int(at.y())).red();
+                    QVERIFY2(
+                        hidden ? shown >= 253 : shown == 52 || shown == 68,
+                        qPrintable(
+                            QString("%1 at %2, %3, zoom %4").arg(shown).arg(x).arg(y).arg(zoom)));
+                }
+            }
+        }
+    }
 };
 
 QTEST_MAIN(DisplayTest)

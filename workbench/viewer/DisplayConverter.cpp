@@ -7,10 +7,9 @@
 namespace Marlox {
 
 struct DisplayConverter::Job {
-    Ref<Image> image;
+    DisplayedImage displayed;
     DisplaySettings settings;
     std::atomic<bool> cancelled{false};
-    QImage picture;
     QString error;
 };
 
@@ -29,7 +28,7 @@ DisplayConverter::~DisplayConverter()
 void DisplayConverter::Request(Ref<Image> image, const DisplaySettings& settings)
 {
     pending_ = std::make_shared<Job>();
-    pending_->image = std::move(image);
+    pending_->displayed.image = std::move(image);
     pending_->settings = settings;
     // The running one goes on: while values are dragged each picture that is ready should show.
     if (!running_)
@@ -41,7 +40,10 @@ void DisplayConverter::Start()
     running_ = std::move(pending_);
     pool_.start([this, job = running_] {
         WorkBehindInterface();
-        job->picture = transform_.Apply(*job->image, job->settings, &job->cancelled, &job->error);
+        DisplayedImage& displayed = job->displayed;
+        displayed.picture =
+            transform_.Apply(*displayed.image, job->settings, &job->cancelled, &job->error);
+        displayed.opaque = OpaqueParts(displayed.picture);
         // Not delivered to a converter that is gone: its destructor waits and drops the event.
         QMetaObject::invokeMethod(
             this, [this, job] { Finish(job); }, Qt::QueuedConnection);
@@ -56,7 +58,7 @@ void DisplayConverter::Finish(std::shared_ptr<Job> job)
     if (!job->error.isEmpty())
         emit Failed(job->error);
     else if (!job->cancelled)
-        emit Converted({job->image, job->picture});
+        emit Converted(job->displayed);
 }
 
 } // namespace Marlox

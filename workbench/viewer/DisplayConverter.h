@@ -1,6 +1,7 @@
 #pragma once
 
 #include "workbench/viewer/DisplayTransform.h"
+#include "workbench/viewer/OpaqueParts.h"
 
 #include <functional>
 #include <memory>
@@ -14,6 +15,7 @@ namespace Marlox {
 struct DisplayedImage {
     Ref<Image> image;
     QImage picture; // of the data window
+    OpaqueParts opaque;
 };
 
 /// Applies the display transform off the user-interface thread; the newest request wins. Lives on

@@ -39,6 +39,8 @@ public:
     /// Tells overlays where the image lies. Mark sizes follow `devicePixelRatio`.
     void Place(PreviewInfo& info, double devicePixelRatio) const;
 
+    friend bool operator==(const ViewTransform&, const ViewTransform&) = default;
+
 private:
     void PlaceAt(QPointF origin);
 

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
 #include <QOpenGLFunctions>
 #include <QtGui/qopengl.h>
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int largestTile = 2048;
 constexpr double checkerSize = 12.0; // device-independent pixels
+constexpr double mipmapsBelow = 0.5; // view pixels for each of the picture's
 
 void setColor(const QColor& color)
 {
@@ -84,12 +86,34 @@ int tileSide()
 
 } // namespace
 
+ViewerPainter::ViewerPainter() = default;
+
 ViewerPainter::~ViewerPainter() = default;
 
-/// Squares fixed to the view, within `area`: two by two texels, repeated.
-void ViewerPainter::DrawChecker(const QRectF& area, const Look& look)
+/// What shows through the picture: squares fixed to the view, two by two texels, repeated; or
+/// black.
+void ViewerPainter::DrawGround(const std::vector<QRectF>& areas, const Look& look)
 {
-    const double step = std::max(1.0, std::round(checkerSize * look.devicePixelRatio));
+    const double square = std::max(1.0, std::round(checkerSize * look.devicePixelRatio));
+    if (look.checker)
+        LoadChecker(look);
+    glColor4ub(0, 0, 0, 255);
+    glBegin(GL_QUADS);
+    for (const QRectF& area : areas) {
+        for (const QPointF& corner :
+             {area.topLeft(), area.topRight(), area.bottomRight(), area.bottomLeft()}) {
+            glTexCoord2d(corner.x() / (2.0 * square), corner.y() / (2.0 * square));
+            glVertex2d(corner.x(), corner.y());
+        }
+    }
+    glEnd();
+    glDisable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+/// Leaves its texture bound and enabled.
+void ViewerPainter::LoadChecker(const Look& look)
+{
     const auto texel = [](const QColor& color) {
         return std::array<GLubyte, 4>{GLubyte(color.red()), GLubyte(color.green()),
                                       GLubyte(color.blue()), 255};
@@ -109,15 +133,6 @@ void ViewerPainter::DrawChecker(const QRectF& area, const Look& look)
     checkerTexels_ = texels;
     glEnable(GL_TEXTURE_2D);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
-    glBegin(GL_QUADS);
-    for (const QPointF& corner :
-         {area.topLeft(), area.topRight(), area.bottomRight(), area.bottomLeft()}) {
-        glTexCoord2d(corner.x() / (2.0 * step), corner.y() / (2.0 * step));
-        glVertex2d(corner.x(), corner.y());
-    }
-    glEnd();
-    glDisable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 void ViewerPainter::Release()
@@ -125,6 +140,7 @@ void ViewerPainter::Release()
     if (checker_ != 0)
         glDeleteTextures(1, &checker_);
     checker_ = 0;
+    kept_.reset();
     ReleaseTiles();
 }
 
@@ -133,6 +149,7 @@ void ViewerPainter::ReleaseTiles()
     for (const Tile& tile : tiles_)
         glDeleteTextures(1, &tile.texture);
     tiles_.clear();
+    keptFrame_.reset();
 }
 
 void ViewerPainter::Clear()
@@ -141,10 +158,12 @@ void ViewerPainter::Clear()
     hasImage_ = false;
 }
 
-void ViewerPainter::SetPicture(const QImage& picture, const QRectF& dataWindow)
+void ViewerPainter::SetPicture(const QImage& picture, const OpaqueParts& opaque,
+                               const QRectF& dataWindow)
 {
     ReleaseTiles();
     picture_ = picture.size();
+    opaque_ = opaque;
     dataWindow_ = dataWindow;
     hasImage_ = true;
     hasMipmaps_ = false;
@@ -173,88 +192,150 @@ void ViewerPainter::SetPicture(const QImage& picture, const QRectF& dataWindow)
 void ViewerPainter::Paint(const ViewTransform& view, const QSize& size, const Look& look)
 {
     setUpView(size);
+    const Frame frame{view, size, look};
+    if (!QOpenGLFramebufferObject::hasOpenGLFramebufferBlit()) {
+        PaintAnew(frame);
+        return;
+    }
+    if (keptFrame_ != frame) {
+        if (!kept_ || kept_->size() != size)
+            kept_ = std::make_unique<QOpenGLFramebufferObject>(size);
+        kept_->bind();
+        PaintAnew(frame);
+        kept_->release();
+        keptFrame_ = frame;
+    }
+    const QRect whole(QPoint(), size);
+    QOpenGLFramebufferObject::blitFramebuffer(nullptr, whole, kept_.get(), whole);
+}
+
+void ViewerPainter::PaintAnew(const Frame& frame)
+{
+    const auto& [view, size, look] = frame;
     glClearColor(float(look.background.redF()), float(look.background.greenF()),
                  float(look.background.blueF()), 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
     if (!hasImage_)
         return;
-    const QRectF frame = view.ToView(view.DisplayWindow());
-    const QRectF data = dataWindow_.isEmpty() ? frame
+    const QRectF window = view.ToView(view.DisplayWindow());
+    const QRectF data = dataWindow_.isEmpty() ? window
                                               : QRectF(view.ToView(dataWindow_.topLeft()),
                                                        view.ToView(dataWindow_.bottomRight()));
-    const QRectF visible = frame.united(data) & QRectF(QPointF(), QSizeF(size));
-    if (look.checker) {
-        DrawChecker(visible, look);
-    } else {
-        glColor4ub(0, 0, 0, 255);
-        glBegin(GL_QUADS);
-        fillRect(visible.left(), visible.top(), visible.right(), visible.bottom());
-        glEnd();
-    }
-    if (!tiles_.empty())
-        DrawTiles(view);
+    const QRectF visible = window.united(data) & QRectF(QPointF(), QSizeF(size));
+    const QRegion opaque = opaque_.Region(FilterReach(view));
+    DrawGround(GroundAreas(view, visible, opaque), look);
+    DrawTiles(view, opaque);
     if (!look.windows)
         return;
     const double line = std::max(1.0, std::round(look.devicePixelRatio));
     setColor(look.frame);
-    drawFrame(frame, line);
-    if (data != frame) {
+    drawFrame(window, line);
+    if (data != window) {
         setColor(look.outline);
         drawDashedFrame(data, line);
     }
 }
 
-void ViewerPainter::DrawTiles(const ViewTransform& view)
+/// View pixels for each of the picture's in height: a proxy's are larger than the image's.
+double ViewerPainter::Magnification(const ViewTransform& view) const
 {
-    // View pixels for each pixel of the picture: a proxy's pixels are larger than the image's.
-    const double scaleX = dataWindow_.width() / picture_.width();
-    const double scaleY = dataWindow_.height() / picture_.height();
-    const double magnified = view.Zoom() * scaleY;
-    const bool shrinksMuch = magnified < 0.5;
+    return view.Zoom() * dataWindow_.height() / picture_.height();
+}
+
+/// How many of the picture's pixels around a place drawing mixes into it.
+int ViewerPainter::FilterReach(const ViewTransform& view) const
+{
+    const double magnified = Magnification(view);
+    // A pixel of the mipmap that is too small by up to a half, and its neighbour.
+    return magnified < mipmapsBelow ? int(std::ceil(4.0 / magnified)) : 1;
+}
+
+/// Where `part` of the picture, in its pixels, lies in the view. All that meets is placed by this,
+/// so that edges meet exactly.
+QRectF ViewerPainter::PlaceOf(const QRect& part, const ViewTransform& view) const
+{
+    const auto place = [&](int x, int y) {
+        return view.ToView(
+            QPointF(dataWindow_.left() + x * (dataWindow_.width() / picture_.width()),
+                    dataWindow_.top() + y * (dataWindow_.height() / picture_.height())));
+    };
+    return {place(part.left(), part.top()), place(part.right() + 1, part.bottom() + 1)};
+}
+
+/// The parts of `visible` that the picture doesn't hide, in the view.
+std::vector<QRectF> ViewerPainter::GroundAreas(const ViewTransform& view, const QRectF& visible,
+                                               const QRegion& opaque) const
+{
+    if (tiles_.empty())
+        return {visible};
+    const QRect whole(QPoint(), picture_);
+    const QRectF data = PlaceOf(whole, view);
+    const double top = std::clamp(data.top(), visible.top(), visible.bottom());
+    const double bottom = std::clamp(data.bottom(), visible.top(), visible.bottom());
+    std::vector<QRectF> areas{
+        {visible.topLeft(), QPointF(visible.right(), top)},
+        {QPointF(visible.left(), bottom), visible.bottomRight()},
+        {QPointF(visible.left(), top), QPointF(std::max(visible.left(), data.left()), bottom)},
+        {QPointF(std::min(visible.right(), data.right()), top), QPointF(visible.right(), bottom)}};
+    for (const QRect& part : QRegion(whole) - opaque)
+        areas.push_back(PlaceOf(part, view));
+    return areas;
+}
+
+void ViewerPainter::DrawTiles(const ViewTransform& view, const QRegion& opaque)
+{
+    const double magnified = Magnification(view);
+    const bool shrinksMuch = magnified < mipmapsBelow;
+    const GLint smaller = shrinksMuch ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR;
     QOpenGLFunctions* functions = QOpenGLContext::currentContext()->functions();
     glEnable(GL_TEXTURE_2D);
-    glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
     for (const Tile& tile : tiles_) {
         glBindTexture(GL_TEXTURE_2D, tile.texture);
         if (shrinksMuch && !hasMipmaps_)
             functions->glGenerateMipmap(GL_TEXTURE_2D);
-        const GLint smaller = shrinksMuch ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR;
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
                         magnified >= 1.0 ? GL_NEAREST : smaller);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER,
                         magnified >= 1.0 ? GL_NEAREST : GL_LINEAR);
-        const auto corner = [&](int x, int y) {
-            return view.ToView(
-                QPointF(dataWindow_.left() + x * scaleX, dataWindow_.top() + y * scaleY));
-        };
-        DrawTile(tile, {corner(tile.pixels.left(), tile.pixels.top()),
-                        corner(tile.pixels.right() + 1, tile.pixels.bottom() + 1)});
+        DrawParts(tile, QRegion(tile.pixels) & opaque, view);
+        glEnable(GL_BLEND);
+        DrawParts(tile, QRegion(tile.pixels) - opaque, view);
+        glDisable(GL_BLEND);
     }
     hasMipmaps_ = hasMipmaps_ || shrinksMuch;
     glBindTexture(GL_TEXTURE_2D, 0);
-    glDisable(GL_BLEND);
     glDisable(GL_TEXTURE_2D);
 }
 
-void ViewerPainter::DrawTile(const Tile& tile, const QRectF& place) const
+void ViewerPainter::DrawParts(const Tile& tile, const QRegion& parts,
+                              const ViewTransform& view) const
 {
     const double width = tile.loaded.width();
     const double height = tile.loaded.height();
-    const double left = (tile.pixels.left() - tile.loaded.left()) / width;
-    const double top = (tile.pixels.top() - tile.loaded.top()) / height;
-    const double right = (tile.pixels.right() + 1 - tile.loaded.left()) / width;
-    const double bottom = (tile.pixels.bottom() + 1 - tile.loaded.top()) / height;
+    // Less than is seen, so that at a zoom of 1.5 all parts take the same one of two pixels that a
+    // place lies between.
+    const double magnified = Magnification(view);
+    const double nudge = magnified < 1.0 ? 0.0 : 1.0 / 64.0 / magnified;
+    const double originX = tile.loaded.left() - nudge;
+    const double originY = tile.loaded.top() - nudge;
     glBegin(GL_QUADS);
-    glTexCoord2d(left, top);
-    glVertex2d(place.left(), place.top());
-    glTexCoord2d(right, top);
-    glVertex2d(place.right(), place.top());
-    glTexCoord2d(right, bottom);
-    glVertex2d(place.right(), place.bottom());
-    glTexCoord2d(left, bottom);
-    glVertex2d(place.left(), place.bottom());
+    for (const QRect& part : parts) {
+        const QRectF place = PlaceOf(part, view);
+        const double left = (part.left() - originX) / width;
+        const double top = (part.top() - originY) / height;
+        const double right = (part.right() + 1 - originX) / width;
+        const double bottom = (part.bottom() + 1 - originY) / height;
+        glTexCoord2d(left, top);
+        glVertex2d(place.left(), place.top());
+        glTexCoord2d(right, top);
+        glVertex2d(place.right(), place.top());
+        glTexCoord2d(right, bottom);
+        glVertex2d(place.right(), place.bottom());
+        glTexCoord2d(left, bottom);
+        glVertex2d(place.left(), place.bottom());
+    }
     glEnd();
 }
 

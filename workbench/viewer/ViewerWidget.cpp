@@ -55,6 +55,7 @@ ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setMinimumSize(64, 64);
+    setUpdateBehavior(PartialUpdate); // each frame covers all of the view: it needs no clearing
     connect(&overlays_, &OverlayStage::Changed, this, QOverload<>::of(&QWidget::update));
     connect(&overlays_, &OverlayStage::CursorChanged, this, &ViewerWidget::ShowCursor);
     connect(&converter_, &DisplayConverter::Converted, this, &ViewerWidget::OnConverted);
@@ -283,7 +284,8 @@ void ViewerWidget::ReleasePainter()
 void ViewerWidget::paintGL()
 {
     if (!isLoaded_ && shown_.image)
-        painter_->SetPicture(shown_.picture, fullDataWindow(shown_.image->GetFormat()));
+        painter_->SetPicture(shown_.picture, shown_.opaque,
+                             fullDataWindow(shown_.image->GetFormat()));
     else if (!isLoaded_)
         painter_->Clear();
     isLoaded_ = true;
