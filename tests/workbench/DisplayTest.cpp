@@ -83,6 +83,32 @@ private slots:
         QCOMPARE(shownAs(color, settings), qRgba(64, 64, 64, 255));
     }
 
+    void proxiesAreACodeOffAtMost()
+    {
+        const auto paint = [](int x, int y) {
+            const float light = std::exp2(float(x) / 64.0f - 12.0f);
+            return Rgba{light, y ? -light : 1e30f, std::numeric_limits<float>::quiet_NaN(),
+                        float(x) / 1023.0f};
+        };
+        Image::Format proxy;
+        proxy.scale = 0.25;
+        const DisplayTransform transform{QString()};
+        for (const double exposure : {0.0, -6.0, 3.0}) {
+            DisplaySettings settings;
+            settings.exposure = exposure;
+            settings.gamma = exposure < 0.0 ? 1.3 : 1.0;
+            const QImage exact = transform.Apply(*Picture(1024, 2, paint), settings);
+            const QImage quick = transform.Apply(*Picture(1024, 2, paint, proxy), settings);
+            QCOMPARE(quick.size(), exact.size());
+            for (int y = 0; y < 2; ++y) {
+                for (int byte = 0; byte < 4096; ++byte) {
+                    const int off = quick.constScanLine(y)[byte] - exact.constScanLine(y)[byte];
+                    QVERIFY(std::abs(off) <= (byte % 4 == 3 ? 0 : 1));
+                }
+            }
+        }
+    }
+
     void brokenConfigurationsFallBack()
     {
         QTemporaryDir folder;
