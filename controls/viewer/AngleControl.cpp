@@ -223,8 +223,9 @@ void AngleControl::Grab(const PreviewInfo& view, OverlayPoint pointer, bool alte
     ahead_ = hold.ahead;
     if (!IsHeld(view, hold))
         return;
+    const bool anew = dragState_ == DragType::None; // what is left is of a drag without a release
     dragState_ = DragType::Dragged;
-    if (!start_ || !alternate) {
+    if (!start_ || !alternate || anew) {
         start_.emplace();
         view.TransformIn(hold.start.x, hold.start.y, start_->x, start_->y);
     }

@@ -12,13 +12,6 @@ namespace Marlox {
 
 namespace {
 
-/// Whether what is dragged can reach the input.
-bool IsFree(const Input* input)
-{
-    return input && !input->HasExpression() && input->GetState().source.empty() &&
-           !input->GetAttrB(IA_ReadOnly);
-}
-
 /// From normalised image coordinates to view pixels.
 QPointF ToView(const PreviewInfo& view, double x, double y)
 {

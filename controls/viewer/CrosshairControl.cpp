@@ -201,6 +201,8 @@ DragType CrosshairControl::ControlDown(PreviewInfo* view, const MxPointT<int>& a
 
 void CrosshairControl::Grab(const PreviewInfo& view, const MxPointT<int>& at, const TagList* tags)
 {
+    if (dragState_ == DragType::None)
+        firstGrab_ = {}; // of a drag that lost its release
     grab_ = {OffsetFrom(view, {double(at.x), double(at.y)})};
     const bool alternate = tags && (u32(tags->GetLong(PV_MouseState)) & MouseAlternate);
     if (alternate && firstGrab_.x == 0.0 && firstGrab_.y == 0.0)

@@ -243,6 +243,26 @@ private slots:
         other->FindInput("b")->SetAttrsTagList(TagList({{IA_OverlayStays, false}}));
         rig.stage->SetOperator(rig.tool);
         QCOMPARE(rig.stage->Overlays().size(), std::size_t(2));
+        Operator* third = rig.document->AddTool("ProbeTool");
+        other->FindInput("b")->SetAttrsTagList(TagList({{IA_OverlayStays, true}}));
+        QTRY_COMPARE(rig.stage->Overlays().size(), std::size_t(4));
+        QCOMPARE(rig.stage->Overlays().back(), rig.stage->OverlayOf(*third->FindInput("b")));
+        rig.document->MoveTool(*other, 2);
+        QCOMPARE(rig.stage->Overlays().back(), rig.stage->OverlayOf(*other->FindInput("b")));
+    }
+
+    void inputsJoinAndLeaveAnOverlay()
+    {
+        OverlayRig rig({{"left",
+                         CLSID_DataType_Number,
+                         {{IAS_Overlay, CLSID_PreviewControl_Crop}, {IA_OverlayIndex, 0}}},
+                        {"right", CLSID_DataType_Number, {{IA_OverlayIndex, 2}}}});
+        const auto inputs = [&rig] { return rig.OverlayOf("left").Inputs().size(); };
+        QCOMPARE(inputs(), std::size_t(1));
+        for (const auto& [partner, joined] : {std::pair("left", 2), {"", 1}}) {
+            rig.InputOf("right").SetAttrsTagList(TagList({{IAS_OverlayWith, partner}}));
+            QTRY_COMPARE(int(inputs()), joined);
+        }
     }
 
     void twoViewsShowOneTool()
@@ -282,6 +302,7 @@ private slots:
             painter.Line({none, 10.0}, {20.0, 10.0});
             painter.Line({-1e300, 1e300}, {1e300, 1e300});
             painter.Line({-1e300, 100.5}, {1e300, 100.5});
+            painter.Fill({{400, 200}, {440, 200}, {440, 240}, {400, 240}});
             const OverlayPainter::Mark mark(painter, {50.2, 50.7}, 1.0);
             painter.Fill({{-4, -4}, {4, -4}, {4, 4}, {-4, 4}});
         });
@@ -293,6 +314,9 @@ private slots:
         QCOMPARE(pixel(300, 103).alpha(), 0);
         QCOMPARE(pixel(50, 50), QColor(255, 200, 100));
         QCOMPARE(pixel(10, 10).alpha(), 0);
+        for (const int edge : {400, 440}) // half of the outline lies outside
+            QCOMPARE(pixel(edge, 220), QColor(255, 200, 100));
+        QCOMPARE(pixel(441, 220).value(), 0);
     }
 };
 

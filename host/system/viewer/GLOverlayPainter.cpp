@@ -121,7 +121,7 @@ void GLOverlayPainter::AddFill(std::span<const OverlayPoint> points)
     for (std::size_t i = 0; i < points.size(); ++i) {
         const OverlayPoint at = Placed(points[i]);
         const OverlayPoint next = Placed(points[(i + 1) % points.size()]);
-        AddCasing(at, next, crispCasing_);
+        AddLine(at, next); // the outline, half of which lies outside, as around the small ones
         if (i == 0 || i + 1 == points.size())
             continue;
         for (const OverlayPoint& corner : {first, at, next})

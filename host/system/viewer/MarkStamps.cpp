@@ -178,8 +178,10 @@ MxPoint MarkStamps::LoadPictures() const
     const MxPoint size(int(std::bit_ceil(unsigned(columns_))),
                        int(std::bit_ceil(unsigned(height))));
     std::vector<MxColor> row(std::size_t(size.x) * std::size_t(size.y));
-    for (const Kind& kind : kinds_)
-        Paint(kind, row, size.x);
+    for (const Kind& kind : kinds_) {
+        if (kind.shown)
+            Paint(kind, row, size.x);
+    }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
@@ -192,6 +194,8 @@ void MarkStamps::Draw()
 {
     if (copies_.empty())
         return;
+    for (const Copy& copy : copies_)
+        kinds_[std::size_t(copy.kind)].shown = true;
     unsigned texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);

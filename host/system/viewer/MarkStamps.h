@@ -38,7 +38,8 @@ private:
         MxColor color;
         MxPoint corner; // bottom left of the picture, from the origin
         MxPoint size;
-        int column; // in the row
+        int column;         // in the row
+        bool shown = false; // lines that others were joined to are not
     };
     struct Copy {
         int kind;

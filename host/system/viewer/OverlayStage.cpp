@@ -23,6 +23,17 @@ std::vector<OverlayStage*>& Stages()
     return stages;
 }
 
+/// The inputs of an overlay that `main` asks for, in the order of the tool's.
+std::vector<Input*> JoinedInputs(const Input& main)
+{
+    std::vector<Input*> joined;
+    for (const Ref<Input>& input : main.Owner().Inputs()) {
+        if (input.Get() == &main || MxID(input->GetAttrS(IAS_OverlayWith)) == main.GetID())
+            joined.push_back(input.Get());
+    }
+    return joined;
+}
+
 } // namespace
 
 /// Hears what overlays and inputs say.
@@ -58,6 +69,7 @@ OverlayStage::OverlayStage(MarloxDoc& document, QObject* parent)
 {
     Stages().push_back(this);
     connect(&document_, &MarloxDoc::ToolAdded, this, &OverlayStage::Rebuild);
+    connect(&document_, &MarloxDoc::ToolMoved, this, &OverlayStage::Rebuild);
     connect(&document_, &MarloxDoc::ToolAboutToBeRemoved, this,
             [this](Operator* tool) { LetGo(*tool); });
     connect(&document_, &MarloxDoc::ToolChanged, this, &OverlayStage::Changed);
@@ -160,15 +172,16 @@ void OverlayStage::Rebuild()
     rebuilds_ = false;
     std::vector<Entry> before = std::exchange(entries_, {});
     for (Input* main : WantedInputs()) {
-        const auto found = std::find_if(before.begin(), before.end(), [main](const Entry& entry) {
-            return entry.main == main &&
+        const std::vector<Input*> joined = JoinedInputs(*main);
+        const auto found = std::find_if(before.begin(), before.end(), [&](const Entry& entry) {
+            return entry.main == main && entry.joined == joined &&
                    entry.overlay->GetRegistry()->ClassID() == MxID(main->GetAttrS(IAS_Overlay));
         });
         if (found != before.end()) {
             entries_.push_back(std::move(*found));
             before.erase(found);
-        } else if (Ref<PreviewControl> made = MakeOverlay(*main)) {
-            entries_.push_back({std::move(made), main});
+        } else if (Ref<PreviewControl> made = MakeOverlay(*main, joined)) {
+            entries_.push_back({std::move(made), main, joined});
         }
     }
     for (const Entry& entry : before)
@@ -189,22 +202,19 @@ void OverlayStage::Rebuild()
     emit Changed();
 }
 
-Ref<PreviewControl> OverlayStage::MakeOverlay(Input& main)
+Ref<PreviewControl> OverlayStage::MakeOverlay(Input& main, const std::vector<Input*>& joined)
 {
     Ref<Object> made(
         ClassRegistry::Global().Create(main.GetAttrS(IAS_Overlay), ScriptVal(), main.Attributes()));
     const auto overlay = Ref<PreviewControl>::Share(dynamic_cast<PreviewControl*>(made.Get()));
     if (!overlay)
         return {};
-    Operator& tool = main.Owner();
-    overlay->SetOperator(&tool);
+    overlay->SetOperator(&main.Owner());
     overlay->SetView(&view_, nullptr);
-    for (const Ref<Input>& input : tool.Inputs()) {
-        if (input.Get() != &main && MxID(input->GetAttrS(IAS_OverlayWith)) != main.GetID())
-            continue;
+    for (Input* input : joined) {
         TagList tags(input->Attributes());
-        if (overlay->AddInput(input.Get(), &tags))
-            overlay->SetAttrsTagList(input.Get(), tags);
+        if (overlay->AddInput(input, &tags))
+            overlay->SetAttrsTagList(input, tags);
     }
     overlay->ReadInputs();
     overlay->AddNotify(listener_.Get(), MxID());

@@ -97,11 +97,12 @@ private:
     class Listener;
     struct Entry {
         Ref<PreviewControl> overlay;
-        Input* main; // whose IAS_Overlay asked for it
+        Input* main;                // whose IAS_Overlay asked for it
+        std::vector<Input*> joined; // that it was offered
     };
     void Rebuild();
     std::vector<Input*> WantedInputs() const;
-    Ref<PreviewControl> MakeOverlay(Input& main);
+    Ref<PreviewControl> MakeOverlay(Input& main, const std::vector<Input*>& joined);
     void Discard(const Entry& entry);
     void LetGo(Operator& tool);
     std::vector<PreviewControl*> PickOrder() const;

@@ -152,7 +152,7 @@ bool PreviewControl::HasGesture() const
 bool PreviewControl::SetInputs(Parameter* value, double time, unsigned int index, TagList* tags)
 {
     Input* input = FindInputByIndex(index);
-    if (!value || !input || input->HasExpression() || !input->GetState().source.empty())
+    if (!value || !IsFree(input))
         return false;
     const Ref<Parameter> accepted = input->Accepted(*value);
     if (!accepted)

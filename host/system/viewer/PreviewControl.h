@@ -78,8 +78,7 @@ public:
     /// Forgets an input, also one it only listens to. False: it was none.
     virtual bool RemoveInput(Input* input, TagList* tags);
     /// Writes into the input whose attribute IA_OverlayIndex is `index`, in an undo group of its
-    /// own unless one is open. False: no such input, refused, or driven by an expression or
-    /// connection.
+    /// own unless one is open. False: no such input, not free (IsFree), or a value it refuses.
     virtual bool SetInputs(Parameter* value, double time, unsigned int index, TagList* tags);
     /// A new value (null: a connected image), to be stored; then UpdateDisplay, to show it. The
     /// base is told only of values that change what is shown: without that, UpdateDisplay for an
@@ -139,6 +138,9 @@ protected:
     /// its present value at once. As often as Listen was called, StopListening must be.
     void Listen(Input* input);
     void StopListening(Input* input);
+    /// Whether SetInputs can write it: neither read-only nor driven by an expression or a
+    /// connection. Null: no.
+    bool IsFree(const Input* input) const;
     bool IsFollowing() const { return following_; }          // PC_Follow
     bool HidesWhileDragging() const { return hidesInDrag_; } // PC_HideWhileDragging
 

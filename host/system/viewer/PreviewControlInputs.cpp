@@ -240,9 +240,13 @@ OverlayCondition PreviewControl::Condition() const
 bool PreviewControl::IsEditable() const
 {
     return !(owner_ && owner_->IsLocked()) &&
-           std::any_of(inputs_.begin(), inputs_.end(), [this](const Input* input) {
-               return ConditionOf(*input) < OverlayCondition::Expression;
-           });
+           std::any_of(inputs_.begin(), inputs_.end(),
+                       [this](const Input* input) { return IsFree(input); });
+}
+
+bool PreviewControl::IsFree(const Input* input) const
+{
+    return input && ConditionOf(*input) < OverlayCondition::Expression;
 }
 
 } // namespace Marlox
