@@ -76,6 +76,8 @@ void addViewerClass(ScriptContext& context)
     });
     viewer.Method("image", [](ScriptCall& call) {
         const PreviewInfo& info = call.Self<ViewerWidget>().GetPreviewInfo();
+        if (info.pixelWidth <= 0 || info.pixelHeight <= 0)
+            throw ScriptError("there is no picture");
         returnPlace(call, {call.Number(1) / info.pixelWidth, call.Number(2) / info.pixelHeight});
     });
     viewer.Method("message",

@@ -204,6 +204,8 @@ void ViewerWidget::ShowWindows(bool shown)
 void ViewerWidget::ChangeView()
 {
     view_.Place(overlays_.View(), devicePixelRatioF());
+    if (!shown_.image)
+        overlays_.View().pixelWidth = overlays_.View().pixelHeight = 0;
     overlays_.PlacementChanged();
     update();
     emit ViewChanged();

@@ -111,7 +111,7 @@ void ViewerWidget::TrackPointer(QPointF position)
 
 void ViewerWidget::ShowTip(const QHelpEvent& event)
 {
-    QToolTip::showText(event.globalPos(), overlays_.Tip(), this);
+    QToolTip::showText(event.globalPos(), shown_.image ? overlays_.Tip() : QString(), this);
 }
 
 void ViewerWidget::mousePressEvent(QMouseEvent* event)

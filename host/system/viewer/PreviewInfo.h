@@ -49,8 +49,8 @@ public:
     double imageHeight = 1.0;
     /// Size of the picture in its own pixels (full resolution) and the shape of these (width to
     /// height). Without a picture 0.
-    int pixelWidth = 1;
-    int pixelHeight = 1;
+    int pixelWidth = 0;
+    int pixelHeight = 0;
     double pixelAspect = 1.0;
     int viewWidth = 1; // view pixels
     int viewHeight = 1;
