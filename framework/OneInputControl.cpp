@@ -102,12 +102,6 @@ void OneInputControl::OnDisconnect(Input* input, TagList* tags)
     InputControl::OnDisconnect(input, tags);
 }
 
-Input* OneInputControl::GetInputFrom(QWidget* widget, TagList* tags)
-{
-    const bool ours = widget && (widget == this || isAncestorOf(widget));
-    return ours && ShownInput() ? ShownInput() : InputControl::GetInputFrom(widget, tags);
-}
-
 unsigned int OneInputControl::Index() const
 {
     const Input* input = ShownInput();

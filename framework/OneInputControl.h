@@ -4,8 +4,8 @@
 
 namespace Marlox {
 
-/// Base of the inspector controls that show and edit the value of one input. Further inputs that
-/// join the control are kept, yet the first is what it shows.
+/// Base of the inspector controls that stand for one input, most of them showing and editing its
+/// value. Further inputs that join the control are kept, yet the first is what it shows.
 ///
 /// A subclass makes its widgets as children named after their places in the layout, reads its tags
 /// in ReadTags (and calls that in its constructor, with CreationTags), shows what it is told in
@@ -26,15 +26,15 @@ public:
     void UpdateDisplay(Input* input, TagList* tags) override;
     using InputControl::OnDisconnect;
     void OnDisconnect(Input* input, TagList* tags) override;
-    Input* GetInputFrom(QWidget* widget, TagList* tags) override;
 
 protected:
     /// Whether the value of this input is of a kind that the control edits; others are refused.
-    virtual bool Takes(const Input& input) const = 0;
+    virtual bool Takes(const Input&) const { return true; }
     virtual const char* LayoutName() const = 0;
     /// Reads the creation tags, which the input's attributes replace where they give the same.
     virtual void ReadTags(const TagList& tags) = 0;
-    /// Shows the name, the value and the state of the input in the widgets.
+    /// Shows the name, the value and the state of the input in the widgets. Not called where the
+    /// layout has a fault: there are no places for them.
     virtual void Show() = 0;
 
     /// Tags that the control was made with, and those set since while it had no input.
@@ -49,10 +49,10 @@ protected:
     Motion InputMotion() const;
     /// Of a line or frame that tells the motion; invalid for none.
     QColor ColorOf(Motion motion) const;
-
-private:
+    /// IA_ControlIndex of the input shown; 0 without one.
     unsigned int Index() const;
 
+private:
     TagList creation_;
     Ref<Parameter> value_;
 };

@@ -57,19 +57,11 @@ LabelControl::Variant variantOf(const Registry* record)
 
 LabelControl::LabelControl(const Registry* record, const ScriptVal& creator,
                            const TagList& attributes)
-    : InputControl(record, creator, attributes), variant_(variantOf(record))
+    : OneInputControl(record, creator, attributes), variant_(variantOf(record))
 {
     MakeLabelsAccessible();
     MakeWidgets();
-    creation_.Merge(attributes);
-    ReadTags(creation_);
-}
-
-LabelControl::~LabelControl() = default;
-
-std::size_t LabelControl::SizeOf() const
-{
-    return sizeof(*this);
+    ReadTags(CreationTags());
 }
 
 void LabelControl::MakeWidgets()
@@ -111,9 +103,7 @@ void LabelControl::MakeWidgets()
 
 QString LabelControl::Text() const
 {
-    if (!givenText_.empty() || Inputs().empty())
-        return QString::fromStdString(givenText_);
-    return Inputs().front()->GetName();
+    return givenText_.empty() ? InputName() : QString::fromStdString(givenText_);
 }
 
 bool LabelControl::CopyAttr(u64 tag, void* out)
@@ -122,9 +112,6 @@ bool LabelControl::CopyAttr(u64 tag, void* out)
         *static_cast<int64*>(out) = 0; // whatever the input allows
         return true;
     }
-    // Without an input the base knows better: what was set since is not read before one comes.
-    if (Inputs().empty() && InputControl::CopyAttr(tag, out))
-        return true;
     switch (tag) {
     case LBL_Rows:
         *static_cast<int64*>(out) = rows_;
@@ -137,16 +124,9 @@ bool LabelControl::CopyAttr(u64 tag, void* out)
     }
 }
 
-bool LabelControl::SetAttrsTagList(Input* input, const TagList& tags)
+const char* LabelControl::LayoutName() const
 {
-    if (!InputControl::SetAttrsTagList(input, tags))
-        return false;
-    if (!Inputs().empty() && input != Inputs().front())
-        return true; // another one joins: what is shown stays the first's
-    TagList all(creation_);
-    all.Merge(tags);
-    ReadTags(all);
-    return true;
+    return variants[int(variant_)].layout;
 }
 
 void LabelControl::ReadTags(const TagList& tags)
@@ -159,34 +139,20 @@ void LabelControl::ReadTags(const TagList& tags)
 
 bool LabelControl::AddInput(Input* input, TagList* tags)
 {
-    if (!InputControl::AddInput(input, tags))
+    if (!OneInputControl::AddInput(input, tags))
         return false;
-    if (input != Inputs().front())
-        return true;
-    inputId_ = unsigned(input->GetAttr(IA_ControlIndex));
-    if (const Ref<Parameter> value = input->GetValue(CurrentTime()))
-        NotifyChanged(input, value.Get(), nullptr);
+    ReadFolding(ShownValue().Get());
     return true;
 }
 
 bool LabelControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
 {
-    if (!InputControl::Open(window, rect, tags))
-        return false;
-    const bool built = LoadLayout(variants[int(variant_)].layout, false, nullptr, nullptr);
-    for (QWidget* part : {static_cast<QWidget*>(text_), static_cast<QWidget*>(title_),
-                          static_cast<QWidget*>(button_), line_}) {
-        LayoutObj* place = part && built ? FindLayoutObj(MxID(part->objectName())) : nullptr;
-        if (place)
-            place->SetWidget(part);
-        else if (part)
-            part->hide();
-    }
     if (text_)
         text_->resize(rect.Width(), text_->height()); // good enough a guess of the room
+    if (!OneInputControl::Open(window, rect, tags))
+        return false;
     if (IsNest())
         setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
-    ApplyText();
     ApplyFolding();
     return true;
 }
@@ -198,7 +164,7 @@ bool LabelControl::SetSize(int& width, int& height, TagList* tags)
     return done;
 }
 
-void LabelControl::ApplyText()
+void LabelControl::Show()
 {
     const QString text = Text();
     if (accessibleName() != text)
@@ -206,7 +172,7 @@ void LabelControl::ApplyText()
     if (title_) {
         title_->SetText(text);
         const QString help =
-            Inputs().empty() ? QString() : QString::fromUtf8(Inputs().front()->GetAttrS(IAS_Help));
+            ShownInput() ? QString::fromUtf8(ShownInput()->GetAttrS(IAS_Help)) : QString();
         const QString use = tr("Click: fold or open\nCtrl+click: all nests");
         setToolTip(help.isEmpty() ? use : help + '\n' + use);
     }
@@ -234,11 +200,16 @@ void LabelControl::FitText()
 
 // The nest ---------------------------------------------------------------------------------------
 
+void LabelControl::ReadFolding(const Parameter* value)
+{
+    nestOpen_ = NumberOf(value, nestOpen_ ? 1.0 : 0.0) != 0.0;
+}
+
 void LabelControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
 {
-    if (input && unsigned(input->GetAttr(IA_ControlIndex)) == inputId_)
-        nestOpen_ = NumberOf(value, nestOpen_ ? 1.0 : 0.0) != 0.0;
-    InputControl::NotifyChanged(input, value, tags);
+    if (input && input == ShownInput())
+        ReadFolding(value);
+    OneInputControl::NotifyChanged(input, value, tags);
 }
 
 void LabelControl::UpdateDisplay(Input* input, TagList* tags)
@@ -246,9 +217,8 @@ void LabelControl::UpdateDisplay(Input* input, TagList* tags)
     if (!IsOpen())
         return;
     const auto alive = Ref<LabelControl>::Share(this); // folding may end what closes the page
-    ApplyText();
     ApplyFolding();
-    InputControl::UpdateDisplay(input, tags);
+    OneInputControl::UpdateDisplay(input, tags);
 }
 
 void LabelControl::ApplyFolding()
@@ -272,9 +242,9 @@ void LabelControl::SetNestOpen(bool open)
     if (!IsNest() || open == nestOpen_)
         return;
     const auto alive = Ref<LabelControl>::Share(this);
-    const Input* input = FindInputByIndex(inputId_);
+    const Input* input = ShownInput();
     if (input && input->GetDataType() == MxID(CLSID_DataType_Number)) {
-        SetInputs(AutoNumber(new Number(open ? 1.0 : 0.0)).Get(), CurrentTime(), inputId_, true,
+        SetInputs(AutoNumber(new Number(open ? 1.0 : 0.0)).Get(), CurrentTime(), Index(), true,
                   nullptr);
         return;
     }

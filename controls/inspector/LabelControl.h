@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/controls/InputControl.h"
+#include "framework/OneInputControl.h"
 
 #include <string>
 
@@ -26,14 +26,13 @@ inline constexpr u32 LBLS_Text = 0x30050000; // the text, where it differs from 
 ///
 /// A click anywhere on the heading, Space or Enter folds and opens, Left folds, Right opens. With
 /// Ctrl a click, Space and Enter do so with all nests of the page. The focus is the control's own.
-class LabelControl final : public InputControl {
+class LabelControl final : public OneInputControl {
     Q_OBJECT
     Q_PROPERTY(bool nestOpen READ IsNestOpen WRITE SetNestOpen)
 public:
     enum class Variant { Label, Nest, Separator, Spacer };
 
     LabelControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
-    ~LabelControl() override;
 
     Variant GetVariant() const { return variant_; }
     QString Text() const;
@@ -43,13 +42,11 @@ public:
     /// Folds or opens every nest of the page that is not disabled.
     void SetAllNestsOpen(bool open);
 
-    std::size_t SizeOf() const override;
+    std::size_t SizeOf() const override { return sizeof(*this); }
     bool CopyAttr(u64 tag, void* out) override;
     void AddToMenu(Menu* menu, TagList& tags) override;
     using InputControl::HandleMenu;
     bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
-    using InputControl::SetAttrsTagList;
-    bool SetAttrsTagList(Input* input, const TagList& tags) override;
     bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
     bool SetSize(int& width, int& height, TagList* tags) override;
     bool AddInput(Input* input, TagList* tags) override;
@@ -57,6 +54,9 @@ public:
     void UpdateDisplay(Input* input, TagList* tags) override;
 
 protected:
+    const char* LayoutName() const override;
+    void ReadTags(const TagList& tags) override;
+    void Show() override;
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -71,9 +71,8 @@ private:
 
     bool IsNest() const { return variant_ == Variant::Nest; }
     void MakeWidgets();
-    void ReadTags(const TagList& tags);
-    void ApplyText();
     void FitText();
+    void ReadFolding(const Parameter* value); // no number: as it is
     void ApplyFolding();
     void ApplyButton();
     static Command CommandOf(const QKeyEvent& event);
@@ -86,10 +85,8 @@ private:
     CustomNestButton* button_ = nullptr;
     QWidget* line_ = nullptr;
 
-    TagList creation_;         // what the control was made from; its input's attributes win over it
-    std::string givenText_;    // empty: the input's name
-    int rows_ = 0;             // LBL_Rows
-    unsigned int inputId_ = 0; // IA_ControlIndex of the input
+    std::string givenText_; // empty: the input's name
+    int rows_ = 0;          // LBL_Rows
     bool nestOpen_ = true;
     bool shownOpen_ = true; // when the display was last updated
     bool hovered_ = false;
