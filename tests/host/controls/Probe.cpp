@@ -1,9 +1,11 @@
 #include "host/controls/Probe.h"
 
+#include "script/ScriptSystem.h"
 #include "system/base/HostClassIds.h"
 #include "system/base/ScriptServices.h"
 
 #include <QSpinBox>
+#include <QtTest>
 
 namespace Marlox {
 
@@ -86,16 +88,15 @@ TagList ProbeAttributes(const char* name, std::initializer_list<TagPair> more)
     return tags;
 }
 
-Operator* AddProbeTool(MarloxDoc& document, int numbers)
+ProbeInputs NumberInputs(int numbers)
 {
-    SetProbeInputs([numbers](Operator& tool) {
+    return [numbers](Operator& tool) {
         for (int i = 0; i < numbers; ++i) {
             const QByteArray id(1, char('a' + i));
             const QByteArray name = id.toUpper();
             tool.AddInput(MxID(id.constData()), ProbeAttributes(name.constData()));
         }
-    });
-    return document.AddTool("ProbeTool");
+    };
 }
 
 ProbeControl* ProbeOf(const ControlWnd& page, const char* inputID)
@@ -231,6 +232,45 @@ bool ProbeControl::HandleMenu(unsigned int id, u64* data, TagList& tags)
         return InputControl::HandleMenu(id, data, tags);
     log += QStringLiteral("menu");
     return true;
+}
+
+void ProbePage::Start()
+{
+    InstallScripting();
+    ProbeControl::settings = {};
+    page_ = std::make_unique<ControlWnd>();
+    document_ = std::make_unique<MarloxDoc>();
+    Log();
+}
+
+Operator* ProbePage::Open(ProbeInputs inputs)
+{
+    SetProbeInputs(std::move(inputs));
+    tool_ = document_->AddTool("ProbeTool");
+    page_->resize(300, 200);
+    page_->SetOperator(tool_);
+    input_ = tool_->FindInput("a");
+    a_ = input_ ? Of("a") : nullptr;
+    History().Clear();
+    Log();
+    return tool_;
+}
+
+Operator* ProbePage::Open(int numbers)
+{
+    return Open(NumberInputs(numbers));
+}
+
+void ProbePage::ShowActive()
+{
+    page_->show();
+    page_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(page_.get()));
+}
+
+bool ProbePage::Send(ProbeControl* control, double value, double time, int index, bool last)
+{
+    return control->SetInputs(MakeRef<Number>(value).Get(), time, index, last, nullptr);
 }
 
 void ProbeOverlay::NotifyChanged(Input* input, Parameter* value, TagList* tags)

@@ -5,6 +5,7 @@
 #include "system/viewer/PreviewControl.h"
 
 #include <functional>
+#include <memory>
 
 #include <QStringList>
 
@@ -71,11 +72,39 @@ using ProbeInputs = std::function<void(Operator& tool)>;
 void SetProbeInputs(ProbeInputs inputs);
 /// Attributes of an input shown by a ProbeControl, and more.
 TagList ProbeAttributes(const char* name, std::initializer_list<TagPair> more = {});
-/// A tool of the document whose inputs are Number "a", "b", ... each with a ProbeControl of its
-/// own.
-Operator* AddProbeTool(MarloxDoc& document, int numbers);
+/// Number inputs "a", "b", ..., named "A", "B", ..., each with a ProbeControl of its own.
+ProbeInputs NumberInputs(int numbers);
 /// The control of an input on a page.
 ProbeControl* ProbeOf(const ControlWnd& page, const char* inputID);
+
+/// A document, and a page that shows a tool of it: what tests of controls derive from.
+class ProbePage : public QObject {
+protected:
+    void Start(); // everything anew; to be called before each test
+    /// Shows a new tool with these inputs, or so many numbers, and forgets what came of it.
+    Operator* Open(ProbeInputs inputs);
+    Operator* Open(int numbers);
+    void ShowActive(); // on screen, with the keyboard
+
+    Input& In(const char* id) const { return *tool_->FindInput(id); }
+    bool Set(const char* id, double value, double time = 0.0)
+    {
+        return In(id).SetValue(Number(value), time);
+    }
+    ProbeControl* Of(const char* id) const { return ProbeOf(*page_, id); }
+    UndoHistory& History() const { return document_->Undo(); }
+    int Entries() const { return History().Stack().count(); }
+    static QStringList Log() { return ProbeControl::TakeLog(); }
+    /// As a control's own write of a number.
+    static bool Send(ProbeControl* control, double value, double time = 0.0, int index = 0,
+                     bool last = false);
+
+    std::unique_ptr<MarloxDoc> document_;
+    std::unique_ptr<ControlWnd> page_;
+    Operator* tool_ = nullptr;
+    ProbeControl* a_ = nullptr; // the control of input "a"
+    Input* input_ = nullptr;    // "a", named "A"
+};
 
 /// An overlay that writes down what it is told.
 class ProbeOverlay : public PreviewControl {
