@@ -1,14 +1,11 @@
-#include "TestPictures.h"
-#include "script/ScriptSystem.h"
-#include "system/document/MarloxDoc.h"
+#include "ToolBench.h"
+#include "host/Rows.h"
 #include "workbench/cli/FrameRange.h"
 #include "workbench/cli/Options.h"
 #include "workbench/images/ImageFile.h"
-#include "workbench/tools/Tools.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtTest>
 
 using namespace Marlox;
 using namespace Marlox::Testing;
@@ -46,15 +43,17 @@ Outcome run(const QStringList& arguments, bool display = false)
 class CommandLineTest : public QObject {
     Q_OBJECT
 
+    const Workbench workbench_;
+    QTemporaryDir folder_;
+
+    QString Document() const { return folder_.filePath("test.marlox"); }
+
 private slots:
     void initTestCase()
     {
-        InstallScripting();
-        RegisterTools();
         QString error;
         for (int frame = 1; frame <= 6; ++frame) {
-            const QString path =
-                folder_.filePath(QString("in.%1.exr").arg(frame, 4, 10, QChar('0')));
+            const QString path = folder_.filePath(QString("in.000%1.exr").arg(frame));
             QVERIFY(WriteImage(*Plain(4, 3, {float(frame), 0.5f, 0.25f, 1.0f}), path, &error));
         }
         MarloxDoc document;
@@ -66,20 +65,18 @@ private slots:
         document.SetFrameRange(1, 5);
         QVERIFY2(document.Save(Document(), &error), qPrintable(error));
     }
-    void cleanupTestCase() { UninstallScripting(); }
 
     void rangesAreRead_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QVector<int>>("frames"); // empty: refused
-        QTest::newRow("one") << "7" << QVector<int>{7};
-        QTest::newRow("several") << "1-3" << QVector<int>{1, 2, 3};
-        QTest::newRow("steps") << "1-8x3" << QVector<int>{1, 4, 7};
-        QTest::newRow("negative") << "-2--1" << QVector<int>{-2, -1};
-        QTest::newRow("across zero") << "-1-1" << QVector<int>{-1, 0, 1};
+        const Rows<QString, QVector<int>> row("text", "frames"); // none: refused
+        row("one", "7", {7});
+        row("several", "1-3", {1, 2, 3});
+        row("steps", "1-8x3", {1, 4, 7});
+        row("negative", "-2--1", {-2, -1});
+        row("across zero", "-1-1", {-1, 0, 1});
         for (const char* bad :
              {"", "x", "3-1", "1-3x0", "1-", "1-2-3", "1.5", "1x2", "1-99999999", "99999999999"})
-            QTest::newRow(bad) << bad << QVector<int>();
+            row(bad, bad, {});
     }
     void rangesAreRead()
     {
@@ -137,14 +134,12 @@ private slots:
 
     void scriptsEndTheProgram_data()
     {
-        QTest::addColumn<QString>("script");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("end") << "assert(#document.tools() == 0)" << 0 << "";
-        QTest::newRow("assert") << "\nassert(1 == 2, 'no sum')" << 1 << "script.lua:2: no sum";
-        QTest::newRow("syntax") << "\n\nprint((" << 1 << "script.lua:3: ";
-        QTest::newRow("exit") << "os.exit(7)" << 7 << "";
-        QTest::newRow("dialog") << "answer(function() end)" << 1 << "did not come";
+        const Rows<QString, int, QString> row("script", "status", "reason");
+        row("end", "assert(#document.tools() == 0)", 0, "");
+        row("assert", "\nassert(1 == 2, 'no sum')", 1, "script.lua:2: no sum");
+        row("syntax", "\n\nprint((", 1, "script.lua:3: ");
+        row("exit", "os.exit(7)", 7, "");
+        row("dialog", "answer(function() end)", 1, "did not come");
     }
     void scriptsEndTheProgram()
     {
@@ -222,7 +217,7 @@ private slots:
                      0);
         QString error;
         for (int frame = 1; frame <= 5; ++frame) {
-            const QString name = QString("%1.exr").arg(frame, 4, 10, QChar('0'));
+            const QString name = QString("000%1.exr").arg(frame);
             const auto expected = ReadImage(folder_.filePath("whole." + name), &error);
             const auto piece = ReadImage(folder_.filePath("made/pieces." + name), &error);
             QVERIFY2(expected && piece, qPrintable(error));
@@ -251,11 +246,6 @@ private slots:
         QCOMPARE(none.status, 1);
         QVERIFY(none.errors.contains("no.marlox"));
     }
-
-private:
-    QString Document() const { return folder_.filePath("test.marlox"); }
-
-    QTemporaryDir folder_;
 };
 
 QTEST_GUILESS_MAIN(CommandLineTest)

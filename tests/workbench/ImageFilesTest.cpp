@@ -1,4 +1,5 @@
 #include "TestPictures.h"
+#include "host/Rows.h"
 #include "workbench/images/ColorConfig.h"
 #include "workbench/images/ImageFile.h"
 #include "workbench/images/ImageScale.h"
@@ -89,12 +90,11 @@ private slots:
 
     void integersComeBackWithinTheirSteps_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<double>("tolerance"); // in codes of 0 to 1
-        QTest::newRow("png") << "a.png" << 0.5 / 255.0;
-        QTest::newRow("tiff") << "a.tif" << 0.5 / 65535.0;
-        QTest::newRow("dpx") << "a.dpx" << 0.6 / 1023.0;
-        QTest::newRow("jpeg") << "a.jpg" << 5.0 / 255.0;
+        const Rows<QString, double> row("name", "tolerance"); // in codes of 0 to 1
+        row("png", "a.png", 0.5 / 255.0);
+        row("tiff", "a.tif", 0.5 / 65535.0);
+        row("dpx", "a.dpx", 0.6 / 1023.0);
+        row("jpeg", "a.jpg", 5.0 / 255.0);
     }
     void integersComeBackWithinTheirSteps()
     {
@@ -155,17 +155,11 @@ private slots:
 
     void channelsAreFoundByTheirNames_data()
     {
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<QList<float>>("stored");
-        QTest::addColumn<QList<float>>("expected");
-        QTest::newRow("grey") << QStringList{"Y"} << QList<float>{4} << QList<float>{4, 4, 4, 1};
-        QTest::newRow("grey and alpha")
-            << QStringList{"Y", "A"} << QList<float>{4, 0.5f} << QList<float>{4, 4, 4, 0.5f};
-        QTest::newRow("rgb") << QStringList{"R", "G", "B"} << QList<float>{1, 2, 3}
-                             << QList<float>{1, 2, 3, 1};
-        QTest::newRow("more, out of order")
-            << QStringList{"A", "Z", "B", "G", "R"} << QList<float>{0.5f, 99, 3, 2, 1}
-            << QList<float>{1, 2, 3, 0.5f};
+        const Rows<QStringList, QList<float>, QList<float>> row("names", "stored", "expected");
+        row("grey", {"Y"}, {4}, {4, 4, 4, 1});
+        row("grey and alpha", {"Y", "A"}, {4, 0.5f}, {4, 4, 4, 0.5f});
+        row("rgb", {"R", "G", "B"}, {1, 2, 3}, {1, 2, 3, 1});
+        row("more", {"A", "Z", "B", "G", "R"}, {0.5f, 99, 3, 2, 1}, {1, 2, 3, 0.5f});
     }
     void channelsAreFoundByTheirNames()
     {
@@ -186,13 +180,12 @@ private slots:
 
     void brokenFilesAreNamed_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<double>("kept"); // part of a good file; -1: other content
-        QTest::newRow("missing") << "nowhere.exr" << -1.0;
-        QTest::newRow("folder") << "folder.exr" << -1.0;
-        QTest::newRow("empty") << "empty.exr" << 0.0;
-        QTest::newRow("text") << "text.exr" << -1.0;
-        QTest::newRow("huge") << "huge.tga" << -1.0;
+        const Rows<QString, double> row("name", "kept"); // part of a good file; -1: other content
+        row("missing", "nowhere.exr", -1.0);
+        row("folder", "folder.exr", -1.0);
+        row("empty", "empty.exr", 0.0);
+        row("text", "text.exr", -1.0);
+        row("huge", "huge.tga", -1.0);
         for (const char* kind : {"exr", "png", "jpg", "tif", "dpx"}) {
             for (const double part : {0.9, 0.5, 0.02})
                 QTest::addRow("%s %g", kind, part) << QString("cut.%1").arg(kind) << part;

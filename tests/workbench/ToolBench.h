@@ -1,13 +1,27 @@
 #pragma once
 
 #include "TestPictures.h"
+#include "script/ScriptSystem.h"
 #include "system/document/MarloxDoc.h"
+#include "workbench/images/ImageScale.h"
+#include "workbench/tools/Tools.h"
 
 #include <cmath>
 
-#include <QString>
+#include <QtTest>
 
 namespace Marlox::Testing {
+
+/// The workbench's tools and its scripts, while this lives.
+class Workbench {
+public:
+    Workbench()
+    {
+        InstallScripting();
+        RegisterTools();
+    }
+    ~Workbench() { UninstallScripting(); }
+};
 
 inline bool isNear(Rgba a, Rgba b, float tolerance = 1e-5f)
 {
@@ -32,6 +46,13 @@ public:
     {
         tool_->FindInput(input)->SetValue(Point(x, y), TimeNone, Input::ReplaceAll);
         return *this;
+    }
+    /// Of a point both coordinates.
+    Bench& Set(const Input& input, double value)
+    {
+        const char* id = input.GetID().c_str();
+        const bool isPoint = input.GetDataType() == MxID(CLSID_DataType_Point);
+        return isPoint ? Set(id, value, value) : Set(id, value);
     }
     Bench& Set(const char* input, const QString& text)
     {
@@ -66,6 +87,36 @@ inline double total(const Image& image, std::size_t channel)
             sum += double(At(image, x, y)[channel]);
     }
     return sum;
+}
+
+/// Each pixel says where it is.
+inline Ref<Image> places(int width, int height, Image::Format format = {})
+{
+    const auto place = [](int x, int y) { return Rgba{float(x), float(y), -1.0f, 1.0f}; };
+    return Picture(width, height, place, format);
+}
+
+/// What a tool makes of a quarter of the picture is a quarter of what it makes of the whole, in the
+/// pixels `of` the small one; with `edges` also where they are not opaque.
+inline void compareProxy(Bench& bench, const Ref<Image>& image, MxRect of, float tolerance,
+                         bool edges)
+{
+    RenderContext context;
+    const auto proxy = bench.Run(ReducedImage(image, 4, context));
+    const auto reduced = ReducedImage(bench.Run(image), 4, context);
+    QCOMPARE(proxy->GetFormat().scale, 0.25);
+    int compared = 0;
+    for (int y = of.top; y < of.bottom; ++y) {
+        for (int x = of.left; x < of.right; ++x) {
+            const Rgba one = At(*proxy, x, y);
+            const Rgba other = At(*reduced, x, y);
+            if (!edges && (one[3] < 0.999f || other[3] < 0.999f))
+                continue;
+            ++compared;
+            QVERIFY(isNear(one, other, tolerance));
+        }
+    }
+    QVERIFY(compared * 4 > of.Width() * of.Height());
 }
 
 } // namespace Marlox::Testing

@@ -1,14 +1,10 @@
-#include "workbench/tools/Tools.h"
 #include "ToolBench.h"
-#include "script/ScriptSystem.h"
+#include "host/Rows.h"
 #include "workbench/images/ImageFile.h"
-#include "workbench/images/ImageScale.h"
 
-#include <cmath>
 #include <limits>
 
 #include <QTemporaryDir>
-#include <QtTest>
 
 using namespace Marlox;
 using namespace Marlox::Testing;
@@ -42,28 +38,19 @@ Ref<Image> dot(int size)
 class ToolsTest : public QObject {
     Q_OBJECT
 
-private slots:
-    void initTestCase()
-    {
-        InstallScripting();
-        RegisterTools();
-    }
-    void cleanupTestCase() { UninstallScripting(); }
+    const Workbench workbench_;
+    QTemporaryDir folder_;
 
-    void newToolsPassPicturesThrough_data()
-    {
-        QTest::addColumn<QString>("tool");
-        QTest::newRow("grade") << "BrightnessContrast";
-        QTest::newRow("transform") << "Transform";
-    }
+private slots:
     void newToolsPassPicturesThrough()
     {
-        QFETCH(QString, tool);
-        Bench bench(qPrintable(tool));
-        const auto image = Plain(3, 2, {-1.0f, notANumber, 70000.0f, 0.0f});
-        QVERIFY(bench.Run(image) == image);
-        QVERIFY(!bench.Run());
-        QVERIFY(bench.error.contains("no image"));
+        for (const char* tool : {"BrightnessContrast", "Transform"}) {
+            Bench bench(tool);
+            const auto image = Plain(3, 2, {-1.0f, notANumber, 70000.0f, 0.0f});
+            QVERIFY(bench.Run(image) == image);
+            QVERIFY(!bench.Run());
+            QVERIFY(bench.error.contains("no image"));
+        }
     }
 
     void slidersSayWhatTheyAre()
@@ -90,26 +77,18 @@ private slots:
 
     void grades_data()
     {
-        QTest::addColumn<QStringList>("inputs");
-        QTest::addColumn<QList<double>>("values");
-        QTest::addColumn<QList<double>>("expected"); // of 0.5, 0.25, -0.5 with alpha 1
-        QTest::newRow("gain") << QStringList{"Gain"} << QList<double>{3}
-                              << QList<double>{1.5, 0.75, -1.5};
-        QTest::newRow("lift") << QStringList{"Lift"} << QList<double>{0.2}
-                              << QList<double>{0.6, 0.4, -0.2};
-        QTest::newRow("gamma") << QStringList{"Gamma"} << QList<double>{2}
-                               << QList<double>{std::sqrt(0.5), 0.5, -0.5};
-        QTest::newRow("contrast") << QStringList{"Contrast", "Pivot"} << QList<double>{1, 0.25}
-                                  << QList<double>{0.75, 0.25, -1.25};
+        // Expected of 0.5, 0.25, -0.5 with alpha 1.
+        using List = QList<double>;
+        const Rows<QStringList, List, List> row("inputs", "values", "expected");
+        row("gain", {"Gain"}, {3}, {1.5, 0.75, -1.5});
+        row("lift", {"Lift"}, {0.2}, {0.6, 0.4, -0.2});
+        row("gamma", {"Gamma"}, {2}, {std::sqrt(0.5), 0.5, -0.5});
+        row("contrast", {"Contrast", "Pivot"}, {1, 0.25}, {0.75, 0.25, -1.25});
         const double luma = 0.2126 * 0.5 + 0.7152 * 0.25 - 0.0722 * 0.5;
-        QTest::newRow("grey") << QStringList{"Saturation"} << QList<double>{0}
-                              << QList<double>{luma, luma, luma};
-        QTest::newRow("posterise") << QStringList{"Posterise"} << QList<double>{4}
-                                   << QList<double>{2.0 / 3.0, 1.0 / 3.0, -2.0 / 3.0};
-        QTest::newRow("clips") << QStringList{"Gain", "ClipBlack", "ClipWhite"}
-                               << QList<double>{3, 1, 1} << QList<double>{1, 0.75, 0};
-        QTest::newRow("order") << QStringList{"Gain", "Gamma", "Contrast", "Pivot"}
-                               << QList<double>{2, 2, 1, 0} << QList<double>{2, std::sqrt(2.0), -2};
+        row("grey", {"Saturation"}, {0}, {luma, luma, luma});
+        row("posterise", {"Posterise"}, {4}, {2.0 / 3.0, 1.0 / 3.0, -2.0 / 3.0});
+        row("clips", {"Gain", "ClipBlack", "ClipWhite"}, {3, 1, 1}, {1, 0.75, 0});
+        row("order", {"Gain", "Gamma", "Contrast", "Pivot"}, {2, 2, 1, 0}, {2, std::sqrt(2.0), -2});
     }
     void grades()
     {
@@ -136,28 +115,20 @@ private slots:
         QVERIFY(std::isnan(At(*bench.Run(Plain(1, 1, {notANumber, 0, 0, 1})), 0, 0)[0]));
     }
 
-    void blurSpreadsExactly_data()
-    {
-        QTest::addColumn<double>("size");
-        QTest::addColumn<int>("passes");
-        for (const double size : {0.5, 3.0, 9.7}) {
-            for (const int passes : {1, 3, 6})
-                QTest::addRow("%g, %d", size, passes) << size << passes;
-        }
-    }
     void blurSpreadsExactly()
     {
-        QFETCH(double, size);
-        QFETCH(int, passes);
         Bench bench("Blur");
-        bench.Set("XSize", size).Set("YSize", 2.0).Set("Passes", passes);
-        const auto image = bench.Run(dot(9));
-        QVERIFY(std::abs(total(*image, 0) - 8.0) < 1e-4);
-        QVERIFY(std::abs(total(*image, 3) - 1.0) < 1e-4);
-        QVERIFY(std::abs(variance(*image, 4.0) - size * size / 4.0) < 1e-3 * size * size);
-        QCOMPARE(image->GetFormat().displayWindow, MxRect(0, 0, 9, 9));
-        QVERIFY(image->GetFormat().dataWindow.left < 0);
-        QCOMPARE(At(*image, 4 - 2, 4), At(*image, 4 + 2, 4));
+        for (const auto& [size, passes] :
+             {std::pair(0.5, 1), {0.5, 6}, {3.0, 3}, {9.7, 1}, {9.7, 6}}) {
+            bench.Set("XSize", size).Set("YSize", 2.0).Set("Passes", passes);
+            const auto image = bench.Run(dot(9));
+            QVERIFY(std::abs(total(*image, 0) - 8.0) < 1e-4);
+            QVERIFY(std::abs(total(*image, 3) - 1.0) < 1e-4);
+            QVERIFY(std::abs(variance(*image, 4.0) - size * size / 4.0) < 1e-3 * size * size);
+            QCOMPARE(image->GetFormat().displayWindow, MxRect(0, 0, 9, 9));
+            QVERIFY(image->GetFormat().dataWindow.left < 0);
+            QCOMPARE(At(*image, 4 - 2, 4), At(*image, 4 + 2, 4));
+        }
     }
 
     void blurKeepsEdgesAndSurvivesWildValues()
@@ -186,20 +157,14 @@ private slots:
         const auto image = Picture(64, 64, [](int x, int y) {
             return x >= 24 && x < 40 && y >= 24 && y < 40 ? Rgba{1, 1, 1, 1} : Rgba{};
         });
-        RenderContext context;
-        const auto proxy = bench.Run(ReducedImage(image, 4, context));
-        const auto reduced = ReducedImage(bench.Run(image), 4, context);
-        QCOMPARE(proxy->GetFormat().scale, 0.25);
-        for (int i = -4; i < 20; ++i)
-            QVERIFY(isNear(At(*proxy, i, 8), At(*reduced, i, 8), 0.03f));
+        compareProxy(bench, image, {-4, 8, 20, 9}, 0.03f, true);
     }
 
     void sourcesReadFramesAndProxies()
     {
         for (const int frame : {3, 4, 6}) {
             QString error;
-            const QString path =
-                folder_.filePath(QString("in.%1.exr").arg(frame, 4, 10, QChar('0')));
+            const QString path = folder_.filePath(QString("in.000%1.exr").arg(frame));
             QVERIFY(WriteImage(*Plain(8, 6, {float(frame), 0, 0, 1}), path, &error));
         }
         Bench bench("ImageSource");
@@ -242,9 +207,6 @@ private slots:
         QVERIFY(bench.Key() != before);
         QCOMPARE(At(*bench.Run(), 0, 0)[0], 2.0f);
     }
-
-private:
-    QTemporaryDir folder_;
 };
 
 QTEST_GUILESS_MAIN(ToolsTest)

@@ -7,7 +7,8 @@ marlox_test(workbench-tools SOURCES ToolsTest.cpp ToolBench.h TestPictures.h LIB
 marlox_test(workbench-overlay-tools SOURCES OverlayToolsTest.cpp ToolBench.h TestPictures.h
     LIBS workbench-core)
 marlox_test(workbench-display SOURCES DisplayTest.cpp TestPictures.h LIBS workbench-core)
-marlox_test(workbench-command-line SOURCES CommandLineTest.cpp TestPictures.h LIBS workbench-core)
+marlox_test(workbench-command-line SOURCES CommandLineTest.cpp ToolBench.h TestPictures.h
+    LIBS workbench-core)
 add_dependencies(workbench-command-line marlox-workbench marloxcontrols)
 
 marlox_test(workbench-plugin-library SOURCES PluginLibraryTest.cpp)
