@@ -1,6 +1,6 @@
-#include "plugin/SliderStage.h"
+#include "controls/inspector/SliderControl.h"
 
-#include "script/ScriptSystem.h"
+#include "plugin/InspectorStage.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/ElideLabel.h"
 
@@ -14,52 +14,17 @@
 
 using namespace Marlox;
 
-using Ending = std::function<void(SliderStage&, CustomSlider&)>;
-Q_DECLARE_METATYPE(Ending)
-Q_DECLARE_METATYPE(Marlox::TagList)
-
-/// The slider control on an inspector page, from the tags of its input to the undo history.
-class SliderControlTest : public QObject {
-    Q_OBJECT
-private slots:
-    void initTestCase() { InstallScripting(); }
-    void ReadsRanges_data();
-    void ReadsRanges();
-    void KeepsToTheGrid();
-    void BuildsItsWidgets();
-    void ShowsRangeNames();
-    void PicksKnobs();
-    void ReadsAttributesAnew();
-    void OneDragOneEntry();
-    void NothingChangedNoEntry();
-    void RendersProxiesMeanwhile();
-    void KeysAndWheelCloseTheirEntry();
-    void SmallChangesWriteNothing();
-    void TimesAreNotRounded();
-    void ShowsItsOwnInputOnly();
-    void TypesNumbersAndExpressions();
-    void DragsInTheEdit();
-    void ResetsBeyondTheEnds();
-    void FollowsUndoAndTime();
-    void KeepsTheValueOfALostConnection();
-    void LostGesturesEndCleanly_data();
-    void LostGesturesEndCleanly();
-    void SurvivesItsEndInMidDrag();
-    void StandsRandomUse();
-};
-
 namespace {
 
-void dragKnob(CustomSlider& slider, std::initializer_list<int> by)
+const std::vector<StagedInput> gain = {{"Gain", {{IAD_Default, 0.5}}}};
+
+SliderControl& controlOf(const InspectorStage& stage, const char* id = nullptr)
 {
-    const QPointF start = KnobOf(slider);
-    Pointer::Press(slider, start);
-    for (const int x : by)
-        Pointer::Move(slider, start + QPointF(x, 0));
+    return stage.ControlOf<SliderControl>(id);
 }
 
 /// Perhaps in the middle of a gesture.
-void reopenPage(const SliderStage& stage)
+void reopenPage(const InspectorStage& stage)
 {
     stage.page->SetOperator(nullptr);
     QCoreApplication::processEvents();
@@ -75,122 +40,148 @@ void type(TimeCodeEdit& edit, const QString& text)
 
 } // namespace
 
-void SliderControlTest::ReadsRanges_data()
-{
-    QTest::addColumn<TagList>("tags");
-    QTest::addColumn<double>("low");
-    QTest::addColumn<double>("high");
-    QTest::addColumn<double>("plainStep");
-    QTest::addColumn<double>("displayStep");
-    QTest::addColumn<int>("shownDecimals");
-    const auto row = [](const char* name, TagList tags, double low, double high, double plain,
-                        double display, int decimals) {
-        QTest::newRow(name) << tags << low << high << plain << display << decimals;
-    };
-    row("nothing given", {}, 0.0, 1.0, 0.01, 1e-6, 4);
-    row("scale", {{IAD_LowScale, -2.0}, {IAD_HighScale, 48.0}}, -2.0, 48.0, 0.1, 1e-5, 3);
-    row("bounds only", {{IAD_Minimum, 1.0}, {IAD_Maximum, 300.0}}, 1.0, 300.0, 1.0, 1e-4, 2);
-    row("scale beyond bounds", {{IAD_Minimum, 0.0}, {IAD_LowScale, -5.0}, {IAD_HighScale, 5.0}},
-        0.0, 5.0, 0.01, 1e-6, 4);
-    row("low above 1", {{IAD_Minimum, 20.0}}, 20.0, 21.0, 0.01, 1e-6, 4);
-    row("reversed", {{IAD_LowScale, 3.0}, {IAD_HighScale, 1.0}}, 1.0, 3.0, 0.01, 1e-6, 4);
-    row("endless", {{IAD_LowScale, -1e308}, {IAD_HighScale, 1e308}}, 0.0, 1.0, 0.01, 1e-6, 4);
-    row("wide", {{IAD_HighScale, 1e6}}, 0.0, 1e6, 1e4, 1e-4, 2);
-    row("tiny", {{IAD_HighScale, 1e-9}}, 0.0, 1e-9, 1e-11, 1e-12, 12);
-    row("whole numbers", {{IA_Integer, 1}, {IAD_HighScale, 255.0}}, 0.0, 255.0, 1.0, 1.0, 0);
-    row("few whole numbers", {{IA_Integer, 1}, {IAD_HighScale, 10.0}}, 0.0, 10.0, 1.0, 1.0, 0);
-    row("whole times", {{IA_Integer, 1}, {IC_Time, 1}, {IAD_HighScale, 100.0}}, 0.0, 100.0, 1.0,
-        1e-4, 2);
-    row("own step", {{ICD_Step, 0.25}}, 0.0, 1.0, 0.25, 1e-6, 3);
-}
+/// The slider control on an inspector page, from the tags of its input to the undo history.
+class SliderControlTest : public QObject {
+    Q_OBJECT
+private slots:
+    void ReadsRanges();
+    void KeepsToTheGrid();
+    void BuildsItsWidgets();
+    void ShowsRangeNames();
+    void PicksKnobs();
+    void ReadsAttributesAnew();
+    void OneDragOneEntry();
+    void NothingChangedNoEntry();
+    void KeysAndWheelCloseTheirEntry();
+    void SmallChangesWriteNothing();
+    void ShowsItsOwnInputOnly();
+    void TypesNumbersAndExpressions();
+    void DragsInTheEdit();
+    void FollowsUndoAndTime();
+    void LostGesturesEndCleanly();
+    void SurvivesItsEndInMidDrag();
+    void StandsRandomUse();
+};
 
 void SliderControlTest::ReadsRanges()
 {
-    QFETCH(TagList, tags);
-    QFETCH(double, low);
-    QFETCH(double, high);
-    const SliderSettings settings(tags);
-    QCOMPARE(settings.range.low, low);
-    QCOMPARE(settings.range.high, high);
-    QTEST(settings.plainStep, "plainStep");
-    QTEST(settings.displayStep, "displayStep");
-    QTEST(settings.shownDecimals, "shownDecimals");
-    QCOMPARE(settings.fineStep, settings.plainStep / 10);
+    const struct {
+        const char* what;
+        TagList tags;
+        double low, high, plainStep, displayStep;
+        int shownDecimals;
+    } rows[] = {
+        {"nothing given", {}, 0.0, 1.0, 0.01, 1e-6, 4},
+        {"scale", {{IAD_LowScale, -2.0}, {IAD_HighScale, 48.0}}, -2.0, 48.0, 0.1, 1e-5, 3},
+        {"bounds", {{IAD_Minimum, 1.0}, {IAD_Maximum, 300.0}}, 1.0, 300.0, 1.0, 1e-4, 2},
+        {"scale beyond a bound",
+         {{IAD_Minimum, 0.0}, {IAD_LowScale, -5.0}},
+         0.0,
+         1.0,
+         0.01,
+         1e-6,
+         4},
+        {"low above 1", {{IAD_Minimum, 20.0}}, 20.0, 21.0, 0.01, 1e-6, 4},
+        {"reversed", {{IAD_LowScale, 3.0}, {IAD_HighScale, 1.0}}, 1.0, 3.0, 0.01, 1e-6, 4},
+        {"endless", {{IAD_LowScale, -1e308}, {IAD_HighScale, 1e308}}, 0.0, 1.0, 0.01, 1e-6, 4},
+        {"wide", {{IAD_HighScale, 1e6}}, 0.0, 1e6, 1e4, 1e-4, 2},
+        {"tiny", {{IAD_HighScale, 1e-9}}, 0.0, 1e-9, 1e-11, 1e-12, 12},
+        {"whole", {{IA_Integer, 1}, {IAD_HighScale, 255.0}}, 0.0, 255.0, 1.0, 1.0, 0},
+        {"few whole", {{IA_Integer, 1}, {IAD_HighScale, 10.0}}, 0.0, 10.0, 1.0, 1.0, 0},
+        {"whole times",
+         {{IA_Integer, 1}, {IC_Time, 1}, {IAD_HighScale, 100.0}},
+         0.0,
+         100.0,
+         1.0,
+         1e-4,
+         2},
+        {"own step", {{ICD_Step, 0.25}}, 0.0, 1.0, 0.25, 1e-6, 3},
+    };
+    for (const auto& row : rows) {
+        const SliderSettings read(row.tags);
+        QVERIFY2(read.range.low == row.low && read.range.high == row.high, row.what);
+        QVERIFY2(qFuzzyCompare(read.plainStep, row.plainStep), row.what);
+        QVERIFY2(qFuzzyCompare(read.displayStep, row.displayStep), row.what);
+        QVERIFY2(qFuzzyCompare(read.fineStep, read.plainStep / 10), row.what);
+        QVERIFY2(read.shownDecimals == row.shownDecimals, row.what);
+    }
 }
 
 void SliderControlTest::KeepsToTheGrid()
 {
     const SliderSettings unit{TagList()};
-    QCOMPARE(unit.OnGrid(0.3), 0.3);
     QCOMPARE(unit.OnGrid(0.1234564), 0.123456);
     QCOMPARE(unit.OnGrid(-0.1234566), -0.123457);
     const SliderSettings whole(TagList({{IA_Integer, 1}}));
     QCOMPARE(whole.OnGrid(2.5), 3.0);
     QCOMPARE(whole.OnGrid(-2.5), -2.0); // halves upwards, unlike a drag's rounding
+    // What is moved or typed is kept to it, times are not.
+    const InspectorStage stage({{"Start", {{IC_Time, 1}, {IAD_HighScale, 100.0}}},
+                                {"Count", {{IA_Integer, 1}, {IAD_HighScale, 100.0}}}});
+    controlOf(stage, "Start").OnValueChanged(12.3456789);
+    QCOMPARE(stage.ValueOf("Start"), 12.3456789);
+    controlOf(stage, "Count").OnValueChanged(12.5);
+    QCOMPARE(stage.ValueOf("Count"), 13.0);
 }
 
 void SliderControlTest::BuildsItsWidgets()
 {
-    const SliderStage stage({{"Gain",
-                              {{IAD_Default, 0.25},
-                               {IAD_HighScale, 4.0},
-                               {IAD_Maximum, 10.0},
-                               {IC_TickFreq, 5},
-                               {IAS_Help, "How bright."},
-                               {IC_TabStop, 0}}}});
-    SliderControl& control = stage.ControlOf("Gain");
+    const InspectorStage stage({{"Gain",
+                                 {{IAD_Default, 0.25},
+                                  {IAD_HighScale, 4.0},
+                                  {IAD_Maximum, 10.0},
+                                  {IC_TickFreq, 5},
+                                  {IAS_Help, "How bright."},
+                                  {IC_TabStop, 0}}}});
+    const SliderControl& control = controlOf(stage);
     for (const char* name : {"slider", "edit", "label", "minlabel", "midlabel", "maxlabel"}) {
-        LayoutObj* object = control.FindLayoutObj(name);
-        QVERIFY2(object && object->Widget(), name);
-        QCOMPARE(object->Widget()->parentWidget(), &control);
+        const LayoutObj* object = control.FindLayoutObj(name);
+        QVERIFY2(object && object->Widget() == stage.PartOf<QWidget>(name), name);
     }
-    const CustomSlider& slider = stage.SliderOf("Gain");
-    auto* label = control.findChild<ElideLabel*>("label");
+    const CustomSlider& slider = stage.SliderOf();
+    TimeCodeEdit& edit = stage.EditOf();
+    const auto* label = stage.PartOf<ElideLabel>("label");
     QCOMPARE(label->Text(), QString("Gain"));
     QCOMPARE(label->focusProxy(), &slider);
-    QVERIFY(label->isVisible() && slider.isVisible() && stage.EditOf("Gain").isVisible());
-    QCOMPARE(slider.Value(), 0.25);
-    QCOMPARE(slider.DefaultValue(), 0.25);
-    QCOMPARE(slider.MaxValue(), 4.0);
-    QCOMPARE(slider.TickCount(), 5.0);
-    QCOMPARE(slider.Owner(), &control);
+    QVERIFY(label->isVisible() && slider.isVisible() && edit.isVisible() && control.HasValue());
+    QVERIFY(slider.Value() == 0.25 && slider.DefaultValue() == 0.25);
+    QVERIFY(slider.MaxValue() == 4.0 && edit.Maximum() == 10.0 && slider.TickCount() == 5.0);
     QVERIFY(slider.toolTip().startsWith("How bright.\n") && slider.toolTip().contains("Alt+click"));
     QCOMPARE(slider.accessibleName(), QString("Gain"));
-    QCOMPARE(stage.EditOf("Gain").Maximum(), 10.0);
-    QCOMPARE(stage.EditOf("Gain").text(), QString("0.25"));
-    QVERIFY(!(stage.EditOf("Gain").focusPolicy() & Qt::TabFocus));
-    QCOMPARE(control.GetInputFrom(&stage.EditOf("Gain"), nullptr), &stage.InputOf("Gain"));
-    QVERIFY(control.HasValue());
+    QCOMPARE(edit.text(), QString("0.25"));
+    QVERIFY(!(edit.focusPolicy() & Qt::TabFocus));
+    QCOMPARE(stage.ControlOf().GetInputFrom(&edit, nullptr), &stage.InputOf());
 }
 
 void SliderControlTest::ShowsRangeNames()
 {
-    const SliderStage stage({{"Plain", {}}, {"Named", {{SLCS_HighName, "Hard"}}}});
-    const auto shown = [&stage](const char* id) {
+    const InspectorStage stage({{"Gain", {{SLCS_HighName, "Hard"}}}});
+    const auto shown = [&stage] {
         QStringList texts;
         for (const char* name : {"minlabel", "midlabel", "maxlabel"}) {
-            auto* label = stage.ControlOf(id).findChild<ElideLabel*>(name);
+            const auto* label = stage.PartOf<ElideLabel>(name);
             texts += label->isVisible() ? label->Text() : QString("-");
         }
         return texts.join(' ');
     };
-    QCOMPARE(shown("Plain"), QString("- - -"));
-    QVERIFY(stage.SliderOf("Plain").testAttribute(Qt::WA_OpaquePaintEvent));
-    QCOMPARE(shown("Named"), QString("- - Hard"));
-    QVERIFY(!stage.SliderOf("Named").testAttribute(Qt::WA_OpaquePaintEvent));
-    // Named and unnamed by a script, later on.
-    stage.ControlOf("Plain").SetAttrsTagList(TagList({{SLCS_LowName, "Soft"}}));
-    QCOMPARE(shown("Plain"), QString("Soft - -"));
-    QVERIFY(!stage.SliderOf("Plain").testAttribute(Qt::WA_OpaquePaintEvent));
-    stage.ControlOf("Plain").SetAttrsTagList(TagList({{SLCS_LowName, ""}}));
-    QCOMPARE(shown("Plain"), QString("- - -"));
-    QVERIFY(stage.SliderOf("Plain").testAttribute(Qt::WA_OpaquePaintEvent));
+    const auto name = [&stage](u32 tag, const char* text) { // by a script
+        stage.ControlOf().SetAttrsTagList(TagList({{tag, text}}));
+    };
+    const CustomSlider& slider = stage.SliderOf();
+    QCOMPARE(shown(), QString("- - Hard"));
+    name(SLCS_LowName, "Soft");
+    QCOMPARE(shown(), QString("Soft - Hard"));
+    QVERIFY(!slider.testAttribute(Qt::WA_OpaquePaintEvent));
+    name(SLCS_LowName, "");
+    name(SLCS_HighName, "");
+    QCOMPARE(shown(), QString("- - -"));
+    QVERIFY(slider.testAttribute(Qt::WA_OpaquePaintEvent));
 }
 
 void SliderControlTest::PicksKnobs()
 {
-    const SliderStage stage({{"Gain", {{IC_KnobStyle, 6}}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
+    const InspectorStage stage({{"Gain", {{IC_KnobStyle, 6}}}});
+    CustomSlider& slider = stage.SliderOf();
     const QPoint middle(int(slider.KnobPixel()), slider.height() / 2);
     for (const auto& [style, name] : {std::pair{5, "Controls.Slider.Knob.1"},
                                       {6, "Controls.Color.Knob.2.1"},
@@ -198,7 +189,7 @@ void SliderControlTest::PicksKnobs()
                                       {8, "Controls.Color.Knob.4.1"},
                                       {9, "Controls.Color.Knob.5.1"},
                                       {10, "Controls.Slider.Knob.1"}}) {
-        stage.ControlOf("Gain").SetAttrsTagList(TagList({{IC_KnobStyle, style}})); // redisplays
+        stage.ControlOf().SetAttrsTagList(TagList({{IC_KnobStyle, style}})); // redisplays
         const QImage knob = ResDIB::PixmapOf(name, 1.0).toImage();
         const QImage seen = slider.grab().toImage();
         for (int x = -1; x <= 1; ++x) // the inlay tells the knobs apart
@@ -209,326 +200,268 @@ void SliderControlTest::PicksKnobs()
 
 void SliderControlTest::ReadsAttributesAnew()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    SliderControl& control = stage.ControlOf("Gain");
+    const InspectorStage stage(gain);
+    InputControl& control = stage.ControlOf();
+    const CustomSlider& slider = stage.SliderOf();
     control.SetAttrsTagList(TagList({{IC_TickFreq, 7}, {SLCS_MidName, "half"}}));
-    QCOMPARE(stage.SliderOf("Gain").TickCount(), 7.0);
+    QCOMPARE(slider.TickCount(), 7.0);
     QCOMPARE(control.GetAttr(IC_TickFreq), int64(7));
     QCOMPARE(QString(control.GetAttrS(SLCS_MidName)), QString("half"));
     QCOMPARE(QString(control.GetAttrS(SLCS_LowName)), QString());
     // The input's own attributes are followed too; what the script said stays.
-    stage.InputOf("Gain").SetAttrsTagList(TagList({{IAD_LowScale, -1.0}, {IC_Centred, 1}}));
-    QCOMPARE(stage.SliderOf("Gain").MinValue(), -1.0);
-    QVERIFY(stage.SliderOf("Gain").IsCentred());
-    QCOMPARE(stage.SliderOf("Gain").Centre(), 0.0);
-    QCOMPARE(stage.SliderOf("Gain").Value(), 0.5);
-    QCOMPARE(stage.SliderOf("Gain").TickCount(), 7.0);
+    stage.InputOf().SetAttrsTagList(TagList({{IAD_LowScale, -1.0}, {IC_Centred, 1}}));
+    QVERIFY(slider.MinValue() == -1.0 && slider.IsCentred() && slider.Centre() == 0.0);
+    QVERIFY(slider.Value() == 0.5 && slider.TickCount() == 7.0);
 }
 
 void SliderControlTest::OneDragOneEntry()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
-    dragKnob(slider, {10, 20, 30, 25});
-    QCOMPARE(stage.UndoEntries(), 0); // not yet
-    const double dragged = stage.ValueOf("Gain");
+    const InspectorStage stage(gain);
+    CustomSlider& slider = stage.SliderOf();
+    QSignalSpy full(stage.document.get(), &MarloxDoc::SyncRenderRequested);
+    DragKnob(slider, {10, 20, 30, 25});
+    QVERIFY(stage.document->IsAutoProxy());
+    QCOMPARE(stage.UndoEntries() + full.count(), 0); // not yet
+    const double dragged = stage.ValueOf();
     QVERIFY(dragged > 0.6);
     Pointer::Release(slider, {});
-    QCOMPARE(stage.UndoEntries(), 1);
-    QCOMPARE(stage.document->Undo().UndoText(), QString("Adjust Gain"));
-    QCOMPARE(stage.document->Undo().Depth(), 0);
-    QCOMPARE(stage.EditOf("Gain").GetValue(), dragged);
+    QCOMPARE(stage.UndoTexts(), QStringList("Adjust Gain"));
+    QCOMPARE(full.count(), 1);
+    QVERIFY(stage.IsIdle());
+    QCOMPARE(stage.EditOf().GetValue(), dragged);
     stage.document->Undo().Undo();
-    QCOMPARE(stage.ValueOf("Gain"), 0.5);
+    QCOMPARE(stage.ValueOf(), 0.5);
     QCOMPARE(slider.Value(), 0.5);
-    QCOMPARE(stage.EditOf("Gain").text(), QString("0.5"));
+    QCOMPARE(stage.EditOf().text(), QString("0.5"));
+    const InspectorStage passive({{"Note", {{IA_Passive, 1}}}});
+    DragKnob(passive.SliderOf(), {10});
+    QVERIFY(!passive.document->IsAutoProxy());
+    Pointer::Release(passive.SliderOf(), {});
 }
 
 void SliderControlTest::NothingChangedNoEntry()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.123456}}}, {"Sum", {}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
+    const InspectorStage stage({{"Gain", {{IAD_Default, 0.123456}}}, {"Sum", {}}});
+    CustomSlider& slider = stage.SliderOf();
     const QPointF knob = KnobOf(slider);
     Pointer::Press(slider, knob);
     Pointer::Move(slider, knob + QPointF(0, 3));
     Pointer::Release(slider, knob);
-    QCOMPARE(stage.ValueOf("Gain"), 0.123456); // not rounded either
-    dragKnob(slider, {30, 0});                 // there and back
+    QCOMPARE(stage.Outcome(), QString("0.123456 (0)")); // not rounded either
+    DragKnob(slider, {30, 0});                          // there and back
     Pointer::Release(slider, knob);
-    QCOMPARE(stage.ValueOf("Gain"), 0.123456);
-    Pointer::Press(slider, knob, Qt::AltModifier); // is the default already
-    Pointer::Release(slider, knob, Qt::AltModifier);
+    Pointer::Click(slider, knob, Qt::AltModifier); // is the default already
+    QCOMPARE(stage.Outcome(), QString("0.123456 (0)"));
     // Driven by an expression, it can't be dragged away.
     stage.InputOf("Sum").SetExpression("0.25 + 0.5");
-    const int entries = stage.UndoEntries();
     QSignalSpy problems(stage.page, &ControlWnd::Problem);
-    dragKnob(stage.SliderOf("Sum"), {-30});
+    DragKnob(stage.SliderOf("Sum"), {-30});
     QCOMPARE(stage.SliderOf("Sum").Value(), 0.75);
     Pointer::Release(stage.SliderOf("Sum"), {});
-    QVERIFY(!problems.isEmpty());
-    QCOMPARE(entries, 1); // the expression itself
-    QCOMPARE(stage.UndoEntries(), entries);
-    QCOMPARE(stage.document->Undo().Depth(), 0);
-}
-
-void SliderControlTest::RendersProxiesMeanwhile()
-{
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
-    QSignalSpy full(stage.document.get(), &MarloxDoc::SyncRenderRequested);
-    dragKnob(slider, {10});
-    QVERIFY(stage.document->IsAutoProxy());
-    QCOMPARE(full.count(), 0);
-    Pointer::Release(slider, {});
-    QVERIFY(!stage.document->IsAutoProxy());
-    QCOMPARE(full.count(), 1);
-    const SliderStage passive({{"Note", {{IA_Passive, 1}}}});
-    dragKnob(passive.SliderOf("Note"), {10});
-    QVERIFY(!passive.document->IsAutoProxy());
-    Pointer::Release(passive.SliderOf("Note"), {});
+    QVERIFY(!problems.isEmpty() && stage.IsIdle());
+    QCOMPARE(stage.UndoEntries(), 1); // the expression itself
 }
 
 void SliderControlTest::KeysAndWheelCloseTheirEntry()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
+    const InspectorStage stage(gain);
+    CustomSlider& slider = stage.SliderOf();
     slider.setFocus();
     for (int i = 0; i < 5; ++i) { // held down
         Pointer::Key(slider, QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, i > 0);
         if (i < 4)
             Pointer::Key(slider, QEvent::KeyRelease, Qt::Key_Right, Qt::NoModifier, true);
     }
-    QCOMPARE(stage.UndoEntries(), 0);
+    QCOMPARE(stage.Outcome(), QString("0.55 (0)"));
     Pointer::Key(slider, QEvent::KeyRelease, Qt::Key_Right);
-    QCOMPARE(stage.UndoEntries(), 1);
-    QCOMPARE(stage.ValueOf("Gain"), 0.55);
-    Pointer::Key(slider, QEvent::KeyPress, Qt::Key_Home);
-    Pointer::Key(slider, QEvent::KeyRelease, Qt::Key_Home);
-    Pointer::Key(slider, QEvent::KeyPress, Qt::Key_Home); // is there already
-    Pointer::Key(slider, QEvent::KeyRelease, Qt::Key_Home);
-    QCOMPARE(stage.UndoEntries(), 2);
+    QCOMPARE(stage.Outcome(), QString("0.55 (1)"));
+    Pointer::Stroke(slider, Qt::Key_Home);
+    Pointer::Stroke(slider, Qt::Key_Home); // is there already
     Pointer::Wheel(slider, 120);
     Pointer::Wheel(slider, 120);
-    QCOMPARE(stage.UndoEntries(), 2);
-    QTRY_COMPARE(stage.UndoEntries(), 3);
-    QCOMPARE(stage.ValueOf("Gain"), 0.02);
+    QCOMPARE(stage.Outcome(), QString("0.02 (2)"));
+    QTRY_COMPARE(stage.Outcome(), QString("0.02 (3)"));
     Pointer::Wheel(slider, 120);
-    dragKnob(slider, {40}); // ends the wheel's entry and begins its own
+    DragKnob(slider, {40}); // ends the wheel's entry and begins its own
     Pointer::Release(slider, {});
     QCOMPARE(stage.UndoEntries(), 5);
     slider.setProperty("value", 0.9); // a script: complete by itself
-    QCOMPARE(stage.UndoEntries(), 6);
-    QCOMPARE(stage.document->Undo().UndoText(), QString("Adjust Gain"));
+    QCOMPARE(stage.Outcome(), QString("0.9 (6)"));
 }
 
 void SliderControlTest::SmallChangesWriteNothing()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    SliderControl& control = stage.ControlOf("Gain");
-    CustomSlider& slider = stage.SliderOf("Gain");
+    const InspectorStage stage(gain);
+    SliderControl& control = controlOf(stage);
+    CustomSlider& slider = stage.SliderOf();
     slider.SetValue(0.5 + 0.4e-6); // less than half the display step
-    QCOMPARE(stage.UndoEntries(), 0);
-    QCOMPARE(stage.ValueOf("Gain"), 0.5);
+    QCOMPARE(stage.Outcome(), QString("0.5 (0)"));
     QCOMPARE(slider.Value(), 0.5); // redisplayed
     slider.SetValue(0.5 + 0.6e-6);
-    QCOMPARE(stage.ValueOf("Gain"), 0.500001);
+    QCOMPARE(stage.Outcome(), QString("0.500001 (1)"));
     // The same from the host.
-    control.NotifyChanged(&stage.InputOf("Gain"), MakeRef<Number>(0.5000014).Get(), nullptr);
-    QCOMPARE(control.ShownValue(), 0.500001);
-    control.NotifyChanged(&stage.InputOf("Gain"), nullptr, nullptr);
-    QCOMPARE(control.ShownValue(), 0.500001);
-}
-
-void SliderControlTest::TimesAreNotRounded()
-{
-    const SliderStage stage({{"Start", {{IC_Time, 1}, {IAD_HighScale, 100.0}}},
-                             {"Count", {{IA_Integer, 1}, {IAD_HighScale, 100.0}}}});
-    stage.ControlOf("Start").OnValueChanged(12.3456789);
-    QCOMPARE(stage.ValueOf("Start"), 12.3456789);
-    stage.ControlOf("Count").OnValueChanged(12.5);
-    QCOMPARE(stage.ValueOf("Count"), 13.0);
+    for (const Ref<Parameter>& told :
+         {Ref<Parameter>(MakeRef<Number>(0.5000014)), Ref<Parameter>()}) {
+        control.NotifyChanged(&stage.InputOf(), told.Get(), nullptr);
+        QCOMPARE(control.ShownValue(), 0.500001);
+    }
 }
 
 void SliderControlTest::ShowsItsOwnInputOnly()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}},
-                             {"Twin", {{IAS_SharedWith, "Gain"}, {IAD_HighScale, 9.0}}}});
-    SliderControl& control = stage.ControlOf("Gain");
-    QCOMPARE(&stage.ControlOf("Twin"), &control);
+    const InspectorStage stage({{"Gain", {{IAD_Default, 0.5}}},
+                                {"Twin", {{IAS_SharedWith, "Gain"}, {IAD_HighScale, 9.0}}}});
+    SliderControl& control = controlOf(stage);
+    Input& twin = stage.InputOf("Twin");
+    QCOMPARE(&controlOf(stage, "Twin"), &control);
     QCOMPARE(control.Inputs().size(), std::size_t(2));
-    QCOMPARE(control.findChild<ElideLabel*>("label")->Text(), QString("Gain"));
-    QCOMPARE(stage.SliderOf("Gain").MaxValue(), 1.0);
-    stage.InputOf("Twin").SetValue(*MakeRef<Number>(0.75), 0.0);
+    QCOMPARE(stage.PartOf<ElideLabel>("label")->Text(), QString("Gain"));
+    QCOMPARE(stage.SliderOf().MaxValue(), 1.0);
+    twin.SetValue(Number(0.75), 0.0);
     QCOMPARE(control.ShownValue(), 0.5);
-    stage.SliderOf("Gain").SetValue(0.25);
-    QCOMPARE(stage.ValueOf("Gain"), 0.25);
+    stage.SliderOf().SetValue(0.25);
+    QCOMPARE(stage.ValueOf(), 0.25);
     QCOMPARE(stage.ValueOf("Twin"), 0.75);
+    // What came through a lost connection stays; another's value is none of its business.
+    stage.InputOf().AddKey(0.0);
+    control.OnDisconnect(&twin, nullptr);
+    QCOMPARE(stage.ValueOf("Twin"), 0.75);
+    QVERIFY(stage.InputOf().IsAnimated());
+    control.OnDisconnect(&stage.InputOf(), nullptr);
+    QCOMPARE(stage.ValueOf(), 0.25);
+    QVERIFY(!stage.InputOf().IsAnimated());
 }
 
 void SliderControlTest::TypesNumbersAndExpressions()
 {
-    const SliderStage stage({{"Gain", {{IAD_Maximum, 10.0}, {IAD_HighScale, 1.0}}}});
-    TimeCodeEdit& edit = stage.EditOf("Gain");
-    type(edit, "1/3");
-    QCOMPARE(stage.ValueOf("Gain"), 0.333333);
-    QCOMPARE(stage.UndoEntries(), 1);
-    type(edit, "4"); // beyond the slider's end
-    QCOMPARE(stage.ValueOf("Gain"), 4.0);
-    QCOMPARE(stage.SliderOf("Gain").KnobPixel(), stage.SliderOf("Gain").PixelHigh());
-    type(edit, "99");
-    QCOMPARE(stage.ValueOf("Gain"), 10.0);
+    const InspectorStage stage(
+        {{"Gain", {{IAD_Maximum, 10.0}, {IAD_HighScale, 1.0}, {IAD_Default, 1.0}}}});
+    TimeCodeEdit& edit = stage.EditOf();
+    CustomSlider& slider = stage.SliderOf();
+    for (const auto& [text, outcome] : {std::pair{"1/3", "0.333333 (1)"},
+                                        {"4", "4 (2)"}, // beyond the slider's end
+                                        {"99", "10 (3)"}}) {
+        type(edit, text);
+        QCOMPARE(stage.Outcome(), QString(outcome));
+    }
+    QCOMPARE(slider.KnobPixel(), slider.PixelHigh());
     type(edit, "gian * 2"); // a slip: no expression comes of it
-    QVERIFY(!stage.InputOf("Gain").HasExpression() && edit.IsUnreadable());
+    QVERIFY(!stage.InputOf().HasExpression() && edit.IsUnreadable());
     QCOMPARE(edit.text(), QString("gian * 2"));
-    QCOMPARE(stage.UndoEntries(), 3);
+    Pointer::Click(slider, KnobOf(slider)); // the knob is at the default's pixel already
+    QCOMPARE(stage.Outcome(), QString("10 (3)"));
+    Pointer::Click(slider, KnobOf(slider), Qt::AltModifier);
+    QCOMPARE(stage.Outcome(), QString("1 (4)"));
     type(edit, "time / 10 + 0.1");
-    QCOMPARE(stage.InputOf("Gain").GetExpression(), std::string("time / 10 + 0.1"));
-    QCOMPARE(stage.UndoEntries(), 4);
+    QCOMPARE(stage.InputOf().GetExpression(), std::string("time / 10 + 0.1"));
+    QCOMPARE(stage.UndoEntries(), 5);
     stage.document->SetCurrentTime(3.0);
-    QCOMPARE(stage.SliderOf("Gain").Value(), 0.4);
+    QCOMPARE(slider.Value(), 0.4);
     // Its line opens in the layout's place for it.
-    auto* line = stage.ControlOf("Gain").findChild<QLineEdit*>("expression");
+    const auto* line = stage.PartOf<QLineEdit>("expression");
     QVERIFY(line && line->isVisible());
     QCOMPARE(line->text(), QString("time / 10 + 0.1"));
 }
 
 void SliderControlTest::DragsInTheEdit()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    TimeCodeEdit& edit = stage.EditOf("Gain");
-    CustomSlider& slider = stage.SliderOf("Gain");
-    const QPointF start(20, 10);
-    Pointer::Press(edit, start);
-    Pointer::Move(edit, start + QPointF(4, 0)); // the drag begins here
-    Pointer::Move(edit, start + QPointF(104, 0));
-    QVERIFY(edit.IsDragging() && slider.IsDragging());
-    QVERIFY(stage.document->IsAutoProxy());
-    QCOMPARE(stage.ValueOf("Gain"), 0.6);
-    Pointer::Move(edit, start + QPointF(2004, 0));
-    Pointer::Move(edit, start + QPointF(1904, 0)); // back: it acts at once
-    QCOMPARE(stage.ValueOf("Gain"), 0.9);
-    QCOMPARE(stage.UndoEntries(), 0);
-    Pointer::Release(edit, start + QPointF(1904, 0));
-    QVERIFY(!slider.IsDragging() && !stage.document->IsAutoProxy());
-    QCOMPARE(stage.UndoEntries(), 1);
-    QCOMPARE(stage.document->Undo().UndoText(), QString("Adjust Gain"));
-}
-
-void SliderControlTest::ResetsBeyondTheEnds()
-{
-    const SliderStage stage({{"Gain", {{IAD_Default, 1.0}}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
-    type(stage.EditOf("Gain"), "5");
-    Pointer::Press(slider, KnobOf(slider)); // the knob is at the default's pixel already
-    Pointer::Release(slider, KnobOf(slider));
-    QCOMPARE(stage.ValueOf("Gain"), 5.0);
-    Pointer::Press(slider, KnobOf(slider), Qt::AltModifier);
-    Pointer::Release(slider, KnobOf(slider), Qt::AltModifier);
-    QCOMPARE(stage.ValueOf("Gain"), 1.0);
-    QCOMPARE(stage.UndoEntries(), 2);
+    const InspectorStage stage(gain);
+    TimeCodeEdit& edit = stage.EditOf();
+    const auto move = [&edit](int x) { Pointer::Move(edit, {20.0 + x, 10.0}); };
+    Pointer::Press(edit, {20, 10});
+    move(4); // the drag begins here
+    move(104);
+    QVERIFY(edit.IsDragging() && stage.SliderOf().IsDragging() && stage.document->IsAutoProxy());
+    QCOMPARE(stage.ValueOf(), 0.6);
+    move(2004);
+    move(1904); // back: it acts at once
+    QCOMPARE(stage.Outcome(), QString("0.9 (0)"));
+    Pointer::Release(edit, {});
+    QVERIFY(!stage.SliderOf().IsDragging() && stage.IsIdle());
+    QCOMPARE(stage.UndoTexts(), QStringList("Adjust Gain"));
 }
 
 void SliderControlTest::FollowsUndoAndTime()
 {
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    Input& input = stage.InputOf("Gain");
-    CustomSlider& slider = stage.SliderOf("Gain");
+    const InspectorStage stage(gain);
+    Input& input = stage.InputOf();
     input.AddKey(0.0);
     stage.document->SetCurrentTime(10.0);
-    dragKnob(slider, {200}); // a key at the current time
-    Pointer::Release(slider, {});
+    DragKnob(stage.SliderOf(), {200}); // a key at the current time
+    Pointer::Release(stage.SliderOf(), {});
     QCOMPARE(input.GetNumber(10.0), 1.0);
     QCOMPARE(input.GetNumber(0.0), 0.5);
     stage.document->SetCurrentTime(0.0);
-    QCOMPARE(slider.Value(), 0.5);
-    QCOMPARE(stage.EditOf("Gain").GetValue(), 0.5);
+    QCOMPARE(stage.SliderOf().Value(), 0.5);
+    QCOMPARE(stage.EditOf().GetValue(), 0.5);
     stage.document->Undo().Undo();
     QVERIFY(!input.IsKeyAt(10.0));
 }
 
-void SliderControlTest::KeepsTheValueOfALostConnection()
-{
-    const SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}, {"Twin", {{IAS_SharedWith, "Gain"}}}});
-    Input& input = stage.InputOf("Gain");
-    input.AddKey(0.0);
-    input.SetValue(*MakeRef<Number>(0.75), 0.0);
-    stage.ControlOf("Gain").OnDisconnect(&input, nullptr);
-    QVERIFY(!input.IsAnimated());
-    QCOMPARE(stage.ValueOf("Gain"), 0.75);
-    stage.ControlOf("Twin").OnDisconnect(&stage.InputOf("Twin"), nullptr);
-    QCOMPARE(stage.ValueOf("Twin"), 0.0); // another's value is none of its business
-}
-
-void SliderControlTest::LostGesturesEndCleanly_data()
-{
-    QTest::addColumn<Ending>("end");
-    const auto row = [](const char* name, Ending end) { QTest::newRow(name) << end; };
-    row("focus", [](SliderStage& stage, CustomSlider&) { stage.EditOf("Gain").setFocus(); });
-    row("hidden", [](SliderStage&, CustomSlider& slider) { slider.hide(); });
-    row("page hidden", [](SliderStage& stage, CustomSlider&) { stage.page->hide(); });
-    row("disabled", [](SliderStage& stage, CustomSlider&) {
-        stage.ControlOf("Gain").SetAttrsTagList(TagList({{IC_Disabled, 1}}));
-    });
-    row("tool locked", [](SliderStage& stage, CustomSlider&) { stage.tool->SetLocked(true); });
-    row("page closed", [](SliderStage& stage, CustomSlider&) { stage.page->SetOperator(nullptr); });
-    row("dialog", [](SliderStage&, CustomSlider& slider) {
-        QEvent blocked(QEvent::WindowBlocked);
-        QCoreApplication::sendEvent(&slider, &blocked);
-    });
-    row("window inactive", [](SliderStage&, CustomSlider& slider) {
-        QEvent inactive(QEvent::WindowDeactivate);
-        QCoreApplication::sendEvent(&slider, &inactive);
-    });
-    row("deleted", [](SliderStage& stage, CustomSlider&) { stage.window.reset(); });
-}
-
 void SliderControlTest::LostGesturesEndCleanly()
 {
-    QFETCH(Ending, end);
-    SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
-    dragKnob(stage.SliderOf("Gain"), {10, 40});
-    const double dragged = stage.ValueOf("Gain");
-    end(stage, stage.SliderOf("Gain"));
-    QCOMPARE(stage.document->Undo().Depth(), 0);
-    QVERIFY(!stage.document->IsAutoProxy());
-    QCOMPARE(stage.ValueOf("Gain"), dragged);
-    QCOMPARE(stage.UndoEntries() - (stage.tool->IsLocked() ? 1 : 0), 1);
-    QCOMPARE(stage.document->Undo().Stack().text(0), QString("Adjust Gain"));
+    const auto send = [](CustomSlider& slider, QEvent::Type type) {
+        QEvent event(type);
+        QCoreApplication::sendEvent(&slider, &event);
+    };
+    const struct {
+        const char* what;
+        std::function<void(InspectorStage& stage, CustomSlider& slider)> end;
+    } rows[] = {
+        {"focus", [](auto& stage, auto&) { stage.EditOf().setFocus(); }},
+        {"hidden", [](auto&, auto& slider) { slider.hide(); }},
+        {"page hidden", [](auto& stage, auto&) { stage.page->hide(); }},
+        {"disabled",
+         [](auto& stage, auto&) {
+             stage.ControlOf().SetAttrsTagList(TagList({{IC_Disabled, 1}}));
+         }},
+        {"tool locked", [](auto& stage, auto&) { stage.tool->SetLocked(true); }},
+        {"page closed", [](auto& stage, auto&) { stage.page->SetOperator(nullptr); }},
+        {"dialog", [&](auto&, auto& slider) { send(slider, QEvent::WindowBlocked); }},
+        {"window inactive", [&](auto&, auto& slider) { send(slider, QEvent::WindowDeactivate); }},
+        {"deleted", [](auto& stage, auto&) { stage.window.reset(); }},
+    };
+    for (const auto& [what, end] : rows) {
+        InspectorStage stage(gain);
+        DragKnob(stage.SliderOf(), {10, 40});
+        const double dragged = stage.ValueOf();
+        end(stage, stage.SliderOf());
+        QVERIFY2(stage.IsIdle() && stage.ValueOf() == dragged && dragged > 0.6, what);
+        QVERIFY2(stage.UndoTexts().value(0) == "Adjust Gain", what);
+        QVERIFY2(stage.UndoEntries() == (stage.tool->IsLocked() ? 2 : 1), what);
+    }
 }
 
 void SliderControlTest::SurvivesItsEndInMidDrag()
 {
-    SliderStage stage({{"Gain", {{IAD_Default, 0.5}}}});
+    InspectorStage stage(gain);
     // Whoever hears of the first value removes the tool.
     connect(stage.document.get(), &MarloxDoc::InputChanged, stage.document.get(), [&stage] {
         if (Operator* tool = std::exchange(stage.tool, nullptr))
             stage.document->RemoveTool(*tool);
     });
-    const QPointer<CustomSlider> slider(&stage.SliderOf("Gain"));
-    Pointer::Press(*slider, KnobOf(*slider));
-    Pointer::Move(*slider, KnobOf(*slider) + QPointF(30, 0));
+    const QPointer<CustomSlider> slider(&stage.SliderOf());
+    DragKnob(*slider, {30});
     QCOMPARE(stage.page->GetOperator(), nullptr);
     QCoreApplication::processEvents();
-    QVERIFY(!slider);
-    QCOMPARE(stage.document->Undo().Depth(), 0);
-    QVERIFY(!stage.document->IsAutoProxy());
+    QVERIFY(!slider && stage.IsIdle());
 }
 
 void SliderControlTest::StandsRandomUse()
 {
-    const SliderStage stage(
+    const InspectorStage stage(
         {{"Gain", {{IAD_Default, 0.5}, {IAD_Minimum, -1.0}, {IAD_Maximum, 3.0}}},
          {"Count", {{IA_Integer, 1}, {IAD_HighScale, 12.0}}},
          {"Balance", {{IAD_LowScale, -1.0}, {IAD_Default, 0.0}}}});
     std::mt19937 random(20240607);
     const auto pick = [&random](int count) { return int(random() % unsigned(count)); };
     const char* const ids[] = {"Gain", "Count", "Balance"};
-    const int keys[] = {Qt::Key_Home,   Qt::Key_End,      Qt::Key_Left,    Qt::Key_Right,
-                        Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Control, Qt::Key_Shift};
+    constexpr int keys[] = {Qt::Key_Home,   Qt::Key_End,      Qt::Key_Left,    Qt::Key_Right,
+                            Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Control, Qt::Key_Shift};
     const Qt::KeyboardModifiers modifiers[] = {Qt::NoModifier, Qt::NoModifier, Qt::ControlModifier,
                                                Qt::ShiftModifier, Qt::AltModifier};
     const char* const texts[] = {"0.3", "1/0", "+10%", "abc", "7", "-4", "2,5", "time", "", "*2"};
-    const Qt::Key editKeys[] = {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Up, Qt::Key_Down};
+    constexpr Qt::Key editKeys[] = {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Up, Qt::Key_Down};
     const auto states = [&] {
         std::vector<Input::State> all;
         for (const char* id : ids)
@@ -545,44 +478,30 @@ void SliderControlTest::StandsRandomUse()
         QWidget& widget = pick(4) ? static_cast<QWidget&>(slider) : edit;
         const QPointF at(pick(widget.width() + 40) - 20, pick(widget.height() + 20) - 10);
         const Qt::KeyboardModifiers held = modifiers[pick(5)];
-        switch (pick(12)) {
-        case 0:
-        case 1:
+        const int act = pick(15);
+        if (act < 2)
             Pointer::Press(widget, pick(2) ? KnobOf(slider) : at, held);
-            break;
-        case 2:
-        case 3:
-        case 4:
+        else if (act < 5)
             Pointer::Move(widget, at, held, pick(8) ? Qt::LeftButton : Qt::NoButton);
-            break;
-        case 5:
-        case 6:
+        else if (act < 7)
             Pointer::Release(widget, at, held);
-            break;
-        case 7:
+        else if (act < 9)
             Pointer::Key(slider, pick(2) ? QEvent::KeyPress : QEvent::KeyRelease, keys[pick(8)],
                          held);
-            break;
-        case 8:
+        else if (act == 9)
             Pointer::Wheel(slider, pick(400) - 200, held);
-            break;
-        case 9:
+        else if (act == 10)
             type(edit, texts[pick(10)]);
-            break;
-        case 10:
+        else if (act == 11)
             QTest::keyClick(&edit, editKeys[pick(4)]);
-            break;
-        default:
-            if (pick(3) == 0)
-                stage.document->Undo().Undo();
-            else if (pick(4) == 0)
-                stage.InputOf(id).SetExpression({});
-            else if (pick(4) == 0)
-                reopenPage(stage);
-            else
-                QTest::qWait(pick(8));
-            break;
-        }
+        else if (act == 12)
+            stage.document->Undo().Undo();
+        else if (act == 13 && pick(2))
+            stage.InputOf(id).SetExpression({});
+        else if (act == 14 && pick(8) == 0)
+            reopenPage(stage);
+        else
+            QTest::qWait(pick(8));
         QVERIFY(stage.ValueOf("Gain") >= -1.0 && stage.ValueOf("Gain") <= 3.0);
         QCOMPARE(std::round(stage.ValueOf("Count")), stage.ValueOf("Count"));
     }
@@ -594,8 +513,7 @@ void SliderControlTest::StandsRandomUse()
         QVERIFY(!stage.SliderOf(id).InGesture());
         QCOMPARE(stage.ControlOf(id).UndoDepth(), 0);
     }
-    QCOMPARE(stage.document->Undo().Depth(), 0);
-    QVERIFY(!stage.document->IsAutoProxy());
+    QVERIFY(stage.IsIdle());
     // Every change is in the history, and there once.
     const auto reached = states();
     QVERIFY(reached != untouched && stage.UndoEntries() > 10);
@@ -603,7 +521,7 @@ void SliderControlTest::StandsRandomUse()
     for (; stage.document->Undo().CanUndo(); ++undone)
         stage.document->Undo().Undo();
     QVERIFY(states() == untouched);
-    QCOMPARE(stage.SliderOf("Gain").Value(), 0.5);
+    QCOMPARE(stage.SliderOf().Value(), 0.5);
     while (undone-- > 0) // not further: the last that happened may have been an undo
         stage.document->Undo().Redo();
     QVERIFY(states() == reached);

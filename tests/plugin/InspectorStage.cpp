@@ -1,29 +1,31 @@
-#include "plugin/SliderStage.h"
+#include "plugin/InspectorStage.h"
 
 #include "host/controls/Probe.h"
 #include "script/ScriptSystem.h"
-#include "system/base/HostClassIds.h"
+#include "system/resources/Resources.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QtTest>
 
 namespace Marlox {
 
-SliderStage::SliderStage(std::vector<StagedInput> inputs, int width)
+InspectorStage::InspectorStage(const std::vector<StagedInput>& inputs, int width)
     : document(std::make_unique<MarloxDoc>()), window(std::make_unique<QWidget>()),
       page(new ControlWnd(window.get()))
 {
     InstallScripting();
     SetProbeInputs([inputs](Operator& added) {
         for (const StagedInput& input : inputs) {
-            TagList tags({{IAS_Name, input.id}, {IAS_Control, CLSID_InputControl_Slider}});
+            TagList tags({{IAS_Name, input.id}, {IAS_Control, input.control}});
             for (const TagPair& pair : input.attributes)
-                tags.Set(u32(pair.tag), pair.value);
+                tags.Add(u32(pair.tag), pair.value); // some repeat
             added.AddInput(input.id, tags);
         }
     });
@@ -40,21 +42,39 @@ SliderStage::SliderStage(std::vector<StagedInput> inputs, int width)
     QCoreApplication::processEvents();
 }
 
-SliderStage::~SliderStage() = default;
+InspectorStage::~InspectorStage() = default;
 
-SliderControl& SliderStage::ControlOf(const char* id) const
+Input& InspectorStage::InputOf(const char* id) const
 {
-    return dynamic_cast<SliderControl&>(*page->ControlOf(InputOf(id)));
+    return id ? *tool->FindInput(id) : *tool->Inputs().front();
 }
 
-CustomSlider& SliderStage::SliderOf(const char* id) const
+double InspectorStage::ValueOf(const char* id) const
 {
-    return *ControlOf(id).findChild<CustomSlider*>("slider");
+    return InputOf(id).GetNumber(document->CurrentTime());
 }
 
-TimeCodeEdit& SliderStage::EditOf(const char* id) const
+QString InspectorStage::Outcome(const char* id) const
 {
-    return *ControlOf(id).findChild<TimeCodeEdit*>("edit");
+    return QStringLiteral("%1 (%2)").arg(ValueOf(id), 0, 'g', 15).arg(UndoEntries());
+}
+
+CustomSlider& InspectorStage::SliderOf(const char* id) const
+{
+    return *PartOf<CustomSlider>("slider", id);
+}
+
+TimeCodeEdit& InspectorStage::EditOf(const char* id) const
+{
+    return *PartOf<TimeCodeEdit>("edit", id);
+}
+
+QStringList InspectorStage::UndoTexts() const
+{
+    QStringList texts;
+    for (int i = 0; i < UndoEntries(); ++i)
+        texts += document->Undo().Stack().text(i);
+    return texts;
 }
 
 namespace {
@@ -87,6 +107,12 @@ void Pointer::Release(QWidget& widget, QPointF at, Qt::KeyboardModifiers modifie
     sendMouse(widget, QEvent::MouseButtonRelease, at, button, Qt::NoButton, modifiers);
 }
 
+void Pointer::Click(QWidget& widget, QPointF at, Qt::KeyboardModifiers modifiers)
+{
+    Press(widget, at, modifiers);
+    Release(widget, at, modifiers);
+}
+
 void Pointer::Wheel(QWidget& widget, int delta, Qt::KeyboardModifiers modifiers,
                     Qt::ScrollPhase phase)
 {
@@ -103,9 +129,56 @@ void Pointer::Key(QWidget& widget, QEvent::Type type, int key, Qt::KeyboardModif
     QApplication::sendEvent(&widget, &event);
 }
 
+void Pointer::Stroke(QWidget& widget, int key, Qt::KeyboardModifiers modifiers)
+{
+    Key(widget, QEvent::KeyPress, key, modifiers);
+    Key(widget, QEvent::KeyRelease, key, modifiers);
+}
+
+bool Pointer::IsWanted(QWidget& widget, int key, Qt::KeyboardModifiers modifiers,
+                       const QString& text)
+{
+    QKeyEvent event(QEvent::ShortcutOverride, key, modifiers, text);
+    event.ignore();
+    QApplication::sendEvent(&widget, &event);
+    return event.isAccepted();
+}
+
 QPointF KnobOf(const CustomSlider& slider)
 {
     return {slider.KnobPixel(), slider.height() / 2.0};
+}
+
+void DragKnob(CustomSlider& slider, std::initializer_list<int> distances)
+{
+    const QPointF start = KnobOf(slider);
+    Pointer::Press(slider, start);
+    for (const int x : distances)
+        Pointer::Move(slider, start + QPointF(x, 0));
+}
+
+QString ToolTipOf(QWidget& widget)
+{
+    QToolTip::hideText();
+    QHelpEvent asks(QEvent::ToolTip, {5, 5}, widget.mapToGlobal({5, 5}));
+    QApplication::sendEvent(&widget, &asks);
+    return QToolTip::text();
+}
+
+QColor LookColor(const char* name)
+{
+    return LookPack::Global().Color(name, {1, 2, 3}).ToQColor();
+}
+
+int PixelsOf(QWidget& widget, const QColor& color)
+{
+    const QImage image = widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += image.pixel(x, y) == color.rgb() ? 1 : 0;
+    }
+    return count;
 }
 
 PaintWatch::PaintWatch(QWidget& widget)
