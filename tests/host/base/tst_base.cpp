@@ -6,6 +6,7 @@
 #include <limits>
 #include <thread>
 
+#include <QStringList>
 #include <QTest>
 
 using namespace Marlox;
@@ -19,24 +20,22 @@ constexpr u32 objectTag = 0x40050000;
 constexpr u32 idTag = 0x60050000;
 constexpr u32 inputTag = 0x80050000;
 
+/// Writes down what it hears; `answer` is what it does then.
 class Listener final : public Object {
 public:
-    explicit Listener(std::vector<std::string>& heard, std::string name)
-        : heard_(heard), name_(std::move(name))
-    {
-    }
+    explicit Listener(const char* name) : name_(name) {}
     bool HandleEvent(Object*, const MxID& event, TagList&) override
     {
-        heard_.push_back(name_ + ":" + event.c_str());
+        heard += name_ + ":" + event.ToString();
         if (answer)
             answer();
         return true;
     }
     std::function<void()> answer;
+    static inline QStringList heard;
 
 private:
-    std::vector<std::string>& heard_;
-    std::string name_;
+    QString name_;
 };
 
 class Attributed final : public Object {
@@ -74,6 +73,16 @@ bool mapNothing(const MxID&, bool, ScriptVal&, TagList&)
     return true;
 }
 
+/// Runs it four times at once: `work(0)` to `work(3)`.
+void inThreads(const std::function<void(std::size_t)>& work)
+{
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < 4; ++i)
+        threads.emplace_back(work, i);
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 std::vector<std::string> idsOf(const ClassRegistry& list)
 {
     std::vector<std::string> ids;
@@ -88,6 +97,8 @@ class TestBase : public QObject {
     Q_OBJECT
 
 private slots:
+    void init() { Listener::heard.clear(); }
+
     void tagsKeepOrderAndRepeats()
     {
         const TagPair pairs[] = {
@@ -186,35 +197,25 @@ private slots:
     {
         TagList tags;
         tags.Set(intTag, 0);
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&tags] {
-                for (int round = 0; round < 500; ++round) {
-                    tags.ObtainLock();
-                    tags.ObtainLock(); // recursive
-                    tags.Set(intTag, tags.GetLong(intTag) + 1);
-                    tags.ReleaseLock();
-                    tags.ReleaseLock();
-                }
-            });
-        }
-        for (std::thread& thread : threads)
-            thread.join();
+        inThreads([&tags](std::size_t) {
+            for (int round = 0; round < 500; ++round) {
+                tags.ObtainLock();
+                tags.ObtainLock(); // recursive
+                tags.Set(intTag, tags.GetLong(intTag) + 1);
+                tags.ReleaseLock();
+                tags.ReleaseLock();
+            }
+        });
         QCOMPARE(tags.GetLong(intTag), int64(2000));
     }
 
     void idsAreOneAcrossThreads()
     {
         std::vector<std::vector<MxID>> made(4);
-        std::vector<std::thread> threads;
-        for (auto& ids : made) {
-            threads.emplace_back([&ids] {
-                for (int i = 0; i < 2000; ++i)
-                    ids.emplace_back("Thread.Id." + QString::number(i));
-            });
-        }
-        for (std::thread& thread : threads)
-            thread.join();
+        inThreads([&made](std::size_t thread) {
+            for (int i = 0; i < 2000; ++i)
+                made[thread].emplace_back("Thread.Id." + QString::number(i));
+        });
         for (std::size_t i = 0; i < 2000; ++i) {
             QCOMPARE(made[0][i].View(), std::string_view("Thread.Id." + std::to_string(i)));
             for (const auto& ids : made)
@@ -343,10 +344,9 @@ private slots:
 
     void listenersHearTheirEvents()
     {
-        std::vector<std::string> heard;
-        Listener sender(heard, "sender");
-        Listener one(heard, "one");
-        Listener all(heard, "all");
+        Listener sender("sender");
+        Listener one("one");
+        Listener all("all");
         sender.AddNotify(&one, "Changed");
         sender.AddNotify(&one, "Closed");
         sender.AddNotify(&all, MxID());
@@ -355,17 +355,16 @@ private slots:
         sender.RemoveNotify(&one, "Changed");
         sender.Notify("Changed", tags);
         sender.Notify("Closed", tags);
-        QCOMPARE(heard, (std::vector<std::string>{"one:Changed", "all:Changed", "all:Changed",
-                                                  "one:Closed", "all:Closed"}));
+        QCOMPARE(Listener::heard, (QStringList{"one:Changed", "all:Changed", "all:Changed",
+                                               "one:Closed", "all:Closed"}));
     }
 
     void listenersMayDieWhileTold()
     {
-        std::vector<std::string> heard;
-        Listener sender(heard, "sender");
-        auto first = std::make_unique<Listener>(heard, "first");
-        auto second = std::make_unique<Listener>(heard, "second");
-        Listener third(heard, "third");
+        Listener sender("sender");
+        auto first = std::make_unique<Listener>("first");
+        auto second = std::make_unique<Listener>("second");
+        Listener third("third");
         for (Listener* listener : {first.get(), second.get(), &third})
             sender.AddNotify(listener, "Changed");
         first->answer = [&] {
@@ -376,16 +375,14 @@ private slots:
         sender.Notify("Changed", tags);
         first.reset();
         sender.Notify("Changed", tags);
-        QCOMPARE(heard,
-                 (std::vector<std::string>{"first:Changed", "third:Changed", "third:Changed"}));
+        QCOMPARE(Listener::heard, (QStringList{"first:Changed", "third:Changed", "third:Changed"}));
     }
 
     void sendersMayDieWhileTelling()
     {
-        std::vector<std::string> heard;
-        auto* sender = new Listener(heard, "sender");
-        Listener first(heard, "first");
-        Listener second(heard, "second");
+        auto* sender = new Listener("sender");
+        Listener first("first");
+        Listener second("second");
         sender->AddNotify(&first, "Changed");
         sender->AddNotify(&second, "Changed");
         TagList tags;
@@ -397,22 +394,19 @@ private slots:
                 sender->DecRef();
         };
         sender->Notify("Changed", tags);
-        QCOMPARE(heard, (std::vector<std::string>{"first:Changed", "first:Changed"}));
+        QCOMPARE(Listener::heard, (QStringList{"first:Changed", "first:Changed"}));
     }
 
     void attributesConvert()
     {
         Attributed object;
-        object.attributes = {{intTag, 3}, {doubleTag, 2.5}, {textTag, "Gain"}};
-        QCOMPARE(object.GetAttr(intTag), int64(3));
-        QCOMPARE(object.GetAttr(doubleTag), int64(2));
+        object.attributes = {{intTag, 3}, {doubleTag, 0.5}, {textTag, "Gain"}};
+        QCOMPARE(object.GetAttr(doubleTag, 8), int64(0));
         QCOMPARE(object.GetAttrD(intTag), 3.0);
         QCOMPARE(object.GetAttrS(textTag), "Gain");
         QCOMPARE(object.GetAttrID(textTag), MxID("Gain"));
+        QVERIFY(object.GetAttrB(doubleTag) && object.GetAttrB(0x10050009, true));
         QCOMPARE(object.GetAttrD(0x20050009, 7.5), 7.5);
-        QVERIFY(object.GetAttrB(0x10050009, true));
-        object.attributes.Set(doubleTag, 0.5);
-        QVERIFY(object.GetAttrB(doubleTag));
         QCOMPARE(object.GetAttrS(intTag, "none"), "none");
         QVERIFY(!object.GetAttrPtr(doubleTag) && object.GetAttrID(intTag).IsEmpty());
         QCOMPARE(object.GetAttr(textTag, 8), int64(8));
@@ -420,19 +414,14 @@ private slots:
 
     void referencesCountAcrossThreads()
     {
-        std::vector<std::string> heard;
-        auto held = MakeRef<Listener>(heard, "shared");
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([copy = Ref<Object>(held)]() mutable {
-                for (int round = 0; round < 5000; ++round) {
-                    Ref<Object> another = copy;
-                    copy = std::move(another);
-                }
-            });
-        }
-        for (std::thread& thread : threads)
-            thread.join();
+        auto held = MakeRef<Listener>("shared");
+        inThreads([&held](std::size_t) {
+            Ref<Object> copy(held);
+            for (int round = 0; round < 5000; ++round) {
+                Ref<Object> another = copy;
+                copy = std::move(another);
+            }
+        });
         QCOMPARE(held->RefCount(), 1);
     }
 };

@@ -1,4 +1,5 @@
 #include "ResourceNames.h"
+#include "host/Rows.h"
 
 #include "script/ScriptSystem.h"
 #include "system/base/ScriptServices.h"
@@ -244,38 +245,31 @@ void LookPackTest::ColorsFallBackToTheirDeclaration()
 
 void LookPackTest::BrokenFilesAreToldAndReplaced_data()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("fault");
-    const QString knob = "bitmaps/Controls.Slider.Knob.1.svg";
-    const QString layout = "layouts/Controls.Slider.Layout.lua";
-    QTest::newRow("no drawing") << "bitmaps/Other.svg" << QByteArray() << "Knob.1.svg: ";
-    QTest::newRow("empty drawing") << knob << QByteArray() << "Knob.1.svg: line 1: ";
-    QTest::newRow("cut drawing") << knob
-                                 << QByteArray("<svg width='9' height='15'>\n<rect width='9'\n")
-                                 << "svg: line 3: ";
-    QTest::newRow("other document") << knob << QByteArray("<html/>") << "line 1: the outermost";
-    QTest::newRow("drawing without size") << knob << QByteArray("<svg height='3'/>") << "no width";
-    QTest::newRow("drawing far too large")
-        << knob << QByteArray("<svg width='99999' height='9'/>") << "from 1 to 4096";
-    QTest::newRow("no layout") << "layouts/Other.lua" << QByteArray() << "Slider.Layout.lua: ";
-    QTest::newRow("cut layout") << layout << QByteArray("{\"Controls.Slider.Layout\",\n {")
-                                << "Slider.Layout.lua: line 2";
-    QTest::newRow("layout is a text") << layout << QByteArray("\"VGroup\"") << "a table";
-    QTest::newRow("layout of another name")
-        << layout << QByteArray("{\"Controls.Screw.Layout\", {\"VGroup\"}}")
-        << "{\"Controls.Slider.Layout\", { ... }} is expected";
-    QTest::newRow("cut colours") << "colours.lua" << QByteArray("{\n[\"System.TextColour\"] = {1,")
-                                 << "colours.lua: line 2";
-    QTest::newRow("colour of two parts")
-        << "colours.lua" << QByteArray("{[\"System.TextColour\"] = {1, 2}}")
-        << "\"System.TextColour\": {red";
-    QTest::newRow("colour out of range")
-        << "colours.lua" << QByteArray("{[\"System.TextColour\"] = {1, 2, 256}}")
-        << "\"System.TextColour\"";
-    QTest::newRow("colour is a text")
-        << "colours.lua" << QByteArray("{[\"System.TextColour\"] = \"red\"}")
-        << "\"System.TextColour\"";
+    const Rows<QString, QByteArray, QString> row("path", "text", "fault");
+    const auto knob = [&row](const char* name, const char* text, const char* fault) {
+        row(name, "bitmaps/Controls.Slider.Knob.1.svg", text, fault);
+    };
+    const auto layout = [&row](const char* name, const char* text, const char* fault) {
+        row(name, "layouts/Controls.Slider.Layout.lua", text, fault);
+    };
+    const auto colours = [&row](const char* name, const char* text, const char* fault) {
+        row(name, "colours.lua", text, fault);
+    };
+    row("no drawing", "bitmaps/Other.svg", "", "Knob.1.svg: ");
+    knob("empty drawing", "", "Knob.1.svg: line 1: ");
+    knob("cut drawing", "<svg width='9' height='15'>\n<rect width='9'\n", "svg: line 3: ");
+    knob("other document", "<html/>", "line 1: the outermost");
+    knob("drawing without size", "<svg height='3'/>", "no width");
+    knob("drawing far too large", "<svg width='99999' height='9'/>", "from 1 to 4096");
+    row("no layout", "layouts/Other.lua", "", "Slider.Layout.lua: ");
+    layout("cut layout", "{\"Controls.Slider.Layout\",\n {", "Slider.Layout.lua: line 2");
+    layout("layout is a text", "\"VGroup\"", "a table");
+    layout("layout of another name", "{\"Controls.Screw.Layout\", {\"VGroup\"}}",
+           "{\"Controls.Slider.Layout\", { ... }} is expected");
+    colours("cut", "{\n[\"System.TextColour\"] = {1,", "colours.lua: line 2");
+    colours("two parts", "{[\"System.TextColour\"] = {1, 2}}", "\"System.TextColour\": {red");
+    colours("range", "{[\"System.TextColour\"] = {1, 2, 256}}", "\"System.TextColour\"");
+    colours("text", "{[\"System.TextColour\"] = \"red\"}", "\"System.TextColour\"");
 }
 
 void LookPackTest::BrokenFilesAreToldAndReplaced()

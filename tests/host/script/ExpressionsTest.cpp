@@ -1,5 +1,6 @@
 #include "CommaLocale.h"
 
+#include "host/Rows.h"
 #include "host/TestTools.h"
 #include "script/ScriptSystem.h"
 
@@ -68,29 +69,28 @@ void ExpressionsTest::init()
 
 void ExpressionsTest::Computes_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<double>("expected"); // at frame 10
-    QTest::newRow("time") << "time * 2 + 1" << 21.0;
-    QTest::newRow("with =") << "  = time / 4" << 2.5;
-    QTest::newRow("statements") << "local a = time\nif a > 5 then a = a - 5 end\nreturn a" << 5.0;
-    QTest::newRow("own input") << "Count * 2" << 6.0;
-    QTest::newRow("own input through self") << "self.Count + self['Count']" << 6.0;
-    QTest::newRow("own point") << "Center.X + Center.Y" << 0.75;
-    QTest::newRow("other tool") << "Soft_Glow.Gain" << 4.0;
-    QTest::newRow("other tool by its name") << "tool('Soft Glow').Gain" << 4.0;
-    QTest::newRow("frame rate") << "fps" << 24.0;
-    QTest::newRow("functions") << "sin(pi / 2) + floor(2.7) + max(1, 5, 3) - min(4, 2)" << 6.0;
-    QTest::newRow("also by library") << "math.sqrt(16) + math.max(1, 2)" << 6.0;
-    QTest::newRow("clamp") << "clamp(time, 0, 3) + clamp(-1, 0, 3)" << 3.0;
-    QTest::newRow("lerp") << "lerp(10, 20, 0.25)" << 12.5;
-    QTest::newRow("smoothstep") << "smoothstep(0, 20, time)" << 0.5;
-    QTest::newRow("smoothstep of no width") << "smoothstep(5, 5, 4) + smoothstep(5, 5, 5)" << 1.0;
-    QTest::newRow("iif") << "iif(time > 5, 1, 2) + iif(0, 10, 20) + iif(false, 100, 200)" << 221.0;
-    QTest::newRow("mod") << "mod(-1, 3) + mod(7, 3)" << 3.0;
-    QTest::newRow("round") << "round(2.5) + round(-2.5) + sign(-7) + frac(-0.25)" << -0.25;
-    QTest::newRow("log") << "log(8, 2) + log10(100)" << 5.0;
-    QTest::newRow("truth") << "time > 5" << 1.0;
-    QTest::newRow("texts") << "len('abc') + tonumber('1.5') + tonumber(sub('x27y', 2, 3))" << 31.5;
+    const Rows<QString, double> row("text", "expected"); // at frame 10
+    row("time", "time * 2 + 1", 21.0);
+    row("with =", "  = time / 4", 2.5);
+    row("statements", "local a = time\nif a > 5 then a = a - 5 end\nreturn a", 5.0);
+    row("own input", "Count * 2", 6.0);
+    row("own input through self", "self.Count + self['Count']", 6.0);
+    row("own point", "Center.X + Center.Y", 0.75);
+    row("other tool", "Soft_Glow.Gain", 4.0);
+    row("other tool by its name", "tool('Soft Glow').Gain", 4.0);
+    row("frame rate", "fps", 24.0);
+    row("functions", "sin(pi / 2) + floor(2.7) + max(1, 5, 3) - min(4, 2)", 6.0);
+    row("also by library", "math.sqrt(16) + math.max(1, 2)", 6.0);
+    row("clamp", "clamp(time, 0, 3) + clamp(-1, 0, 3)", 3.0);
+    row("lerp", "lerp(10, 20, 0.25)", 12.5);
+    row("smoothstep", "smoothstep(0, 20, time)", 0.5);
+    row("smoothstep of no width", "smoothstep(5, 5, 4) + smoothstep(5, 5, 5)", 1.0);
+    row("iif", "iif(time > 5, 1, 2) + iif(0, 10, 20) + iif(false, 100, 200)", 221.0);
+    row("mod", "mod(-1, 3) + mod(7, 3)", 3.0);
+    row("round", "round(2.5) + round(-2.5) + sign(-7) + frac(-0.25)", -0.25);
+    row("log", "log(8, 2) + log10(100)", 5.0);
+    row("truth", "time > 5", 1.0);
+    row("texts", "len('abc') + tonumber('1.5') + tonumber(sub('x27y', 2, 3))", 31.5);
 }
 
 void ExpressionsTest::Computes()
@@ -135,38 +135,22 @@ void ExpressionsTest::FollowsOtherExpressions()
 
 void ExpressionsTest::NamesLineAndFault_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("syntax") << "time +"
-                            << "line 1: unexpected symbol near '<eof>'";
-    QTest::newRow("second line") << "local a = 1\nreturn a + nobody"
-                                 << "line 2: unknown name \"nobody\"";
-    QTest::newRow("unknown input") << "Soft_Glow.Size"
-                                   << "line 1: Soft Glow has no input \"Size\"";
-    QTest::newRow("unknown tool") << "tool('Blur').Size"
-                                  << "line 1: there is no tool \"Blur\"";
-    QTest::newRow("image") << "Input"
-                           << "line 1: Input is neither a number, a point nor a text";
-    QTest::newRow("argument") << "sin('x')"
-                              << "line 1: bad argument #1 to 'sin' (number expected, "
-                                 "got string)";
-    QTest::newRow("arithmetic") << "Center + 1"
-                                << "line 1: attempt to perform arithmetic on global 'Center' (a "
-                                   "table value)";
-    QTest::newRow("nothing") << "local a = 1"
-                             << "no value results";
-    QTest::newRow("empty") << " = "
-                           << "the expression is empty";
-    QTest::newRow("infinite") << "1 / 0"
-                              << "the result is not a finite number";
-    QTest::newRow("not a number") << "sqrt(-1)"
-                                  << "the result is not a finite number";
-    QTest::newRow("half a point") << "{1}"
-                                  << "a point is two finite numbers: {x, y}";
-    QTest::newRow("function") << "sin"
-                              << "the result is a function, not a number, a point or a text";
-    QTest::newRow("compiled") << "\x1bLua"
-                              << "line 1: unexpected symbol near 'char(27)'";
+    const Rows<QString, QString> row("text", "expected");
+    row("syntax", "time +", "line 1: unexpected symbol near '<eof>'");
+    row("second line", "local a = 1\nreturn a + nobody", "line 2: unknown name \"nobody\"");
+    row("unknown input", "Soft_Glow.Size", "line 1: Soft Glow has no input \"Size\"");
+    row("unknown tool", "tool('Blur').Size", "line 1: there is no tool \"Blur\"");
+    row("image", "Input", "line 1: Input is neither a number, a point nor a text");
+    row("argument", "sin('x')", "line 1: bad argument #1 to 'sin' (number expected, got string)");
+    row("arithmetic", "Center + 1",
+        "line 1: attempt to perform arithmetic on global 'Center' (a table value)");
+    row("nothing", "local a = 1", "no value results");
+    row("empty", " = ", "the expression is empty");
+    row("infinite", "1 / 0", "the result is not a finite number");
+    row("not a number", "sqrt(-1)", "the result is not a finite number");
+    row("half a point", "{1}", "a point is two finite numbers: {x, y}");
+    row("function", "sin", "the result is a function, not a number, a point or a text");
+    row("compiled", "\x1bLua", "line 1: unexpected symbol near 'char(27)'");
 }
 
 void ExpressionsTest::NamesLineAndFault()
@@ -179,14 +163,14 @@ void ExpressionsTest::NamesLineAndFault()
 
 void ExpressionsTest::EndsInTime_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::newRow("loop") << "while true do end";
-    QTest::newRow("repeat") << "repeat until false";
-    QTest::newRow("recursion") << "local function f() return f() + 1 end return f()";
-    QTest::newRow("tail calls") << "local function f() return f() end return f()";
-    QTest::newRow("text") << "local s = 'x' while true do s = s .. s end";
-    QTest::newRow("table") << "local t = {} local i = 0 while true do i = i + 1 t[i] = i end";
-    QTest::newRow("inputs") << "while true do local g = Soft_Glow.Gain end";
+    const Rows<QString> row("text");
+    row("loop", "while true do end");
+    row("repeat", "repeat until false");
+    row("recursion", "local function f() return f() + 1 end return f()");
+    row("tail calls", "local function f() return f() end return f()");
+    row("text", "local s = 'x' while true do s = s .. s end");
+    row("table", "local t = {} local i = 0 while true do i = i + 1 t[i] = i end");
+    row("inputs", "while true do local g = Soft_Glow.Gain end");
 }
 
 void ExpressionsTest::EndsInTime()

@@ -1,4 +1,5 @@
 #include "system/controls/Layout.h"
+#include "host/Rows.h"
 #include "script/ScriptSystem.h"
 #include "system/base/ScriptServices.h"
 #include "system/widgets/Container.h"
@@ -209,37 +210,30 @@ void LayoutTest::EndsWithItsOwner()
 
 void LayoutTest::RefusesBrokenDescriptions_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("nothing") << "nil"
-                             << "a table expected, not nil";
-    QTest::newRow("text") << "'VGroup'"
-                          << "a table expected, not a text";
-    QTest::newRow("no type") << "{}"
-                             << "no type given";
-    QTest::newRow("wrong type of type") << "{type = 5}"
-                                        << "the type is a number, not a text";
-    QTest::newRow("unknown type") << "{'VGroup', {'Item'}, {'HGroup', {'HGruop'}}}"
-                                  << "VGroup[2].HGroup[1]: unknown type \"HGruop\"";
-    QTest::newRow("nil among children") << "{'VGroup', {'Item'}, nil, {'Item'}}"
-                                        << "VGroup[2]: a table expected, not nil";
-    QTest::newRow("children of an item") << "{'VGroup', {'Item', {'Item'}}}"
-                                         << "VGroup[1]: only groups hold others, not Item";
-    QTest::newRow("weight") << "{'VGroup', {'Item', Weight = 'x'}}"
-                            << "VGroup[1].Weight: a number from 0 to 1000000 expected";
-    QTest::newRow("negative") << "{'VGroup', spacing = -1}"
-                              << "spacing: a number of pixels from 0 to 100000 expected";
-    QTest::newRow("not a number") << "{'Item', minwidth = 0/0 * 1}"
-                                  << "minwidth: a number of pixels from 0 to 100000 expected";
-    QTest::newRow("margin") << "{'VGroup', margin = {1, 2}}"
-                            << "margin: a number of pixels or {left, top, right, bottom} expected";
-    QTest::newRow("limits") << "{'HGroup', {'Item', minwidth = 9, maxwidth = 5}}"
-                            << "HGroup[1]: its minimum size is above its maximum size";
-    QTest::newRow("align") << "{'Item', align = 'middle'}"
-                           << "align: \"left\", \"right\", \"top\", \"bottom\", \"centre\" or "
-                              "\"fill\" expected";
-    QTest::newRow("name") << "{'Item', name = 7}"
-                          << "name: a text expected";
+    const Rows<QString, QString> row("text", "expected");
+    row("nothing", "nil", "a table expected, not nil");
+    row("text", "'VGroup'", "a table expected, not a text");
+    row("no type", "{}", "no type given");
+    row("wrong type of type", "{type = 5}", "the type is a number, not a text");
+    row("unknown type", "{'VGroup', {'Item'}, {'HGroup', {'HGruop'}}}",
+        "VGroup[2].HGroup[1]: unknown type \"HGruop\"");
+    row("nil among children", "{'VGroup', {'Item'}, nil, {'Item'}}",
+        "VGroup[2]: a table expected, not nil");
+    row("children of an item", "{'VGroup', {'Item', {'Item'}}}",
+        "VGroup[1]: only groups hold others, not Item");
+    row("weight", "{'VGroup', {'Item', Weight = 'x'}}",
+        "VGroup[1].Weight: a number from 0 to 1000000 expected");
+    row("negative", "{'VGroup', spacing = -1}",
+        "spacing: a number of pixels from 0 to 100000 expected");
+    row("not a number", "{'Item', minwidth = 0/0 * 1}",
+        "minwidth: a number of pixels from 0 to 100000 expected");
+    row("margin", "{'VGroup', margin = {1, 2}}",
+        "margin: a number of pixels or {left, top, right, bottom} expected");
+    row("limits", "{'HGroup', {'Item', minwidth = 9, maxwidth = 5}}",
+        "HGroup[1]: its minimum size is above its maximum size");
+    row("align", "{'Item', align = 'middle'}",
+        "align: \"left\", \"right\", \"top\", \"bottom\", \"centre\" or \"fill\" expected");
+    row("name", "{'Item', name = 7}", "name: a text expected");
 }
 
 void LayoutTest::RefusesBrokenDescriptions()

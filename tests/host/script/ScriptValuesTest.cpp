@@ -1,4 +1,5 @@
 #include "CommaLocale.h"
+#include "host/Rows.h"
 
 #include "script/ScriptSystem.h"
 #include "system/base/ScriptServices.h"
@@ -145,28 +146,17 @@ void ScriptValuesTest::IgnoresTheLocale()
 
 void ScriptValuesTest::NamesLineAndFault_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("open") << "{1,\n2,\n3"
-                          << "line 3: '}' expected (to close '{' at line 1) near '<eof>'";
-    QTest::newRow("comma") << "{1,\n2 3}"
-                           << "line 2: '}' expected (to close '{' at line 1) near '3'";
-    QTest::newRow("statement") << "return {\n x = 1 +\n}"
-                               << "line 3: unexpected symbol near '}'";
-    QTest::newRow("library") << "\nreturn os.time()"
-                             << "line 2: \"os\" is no value that is known here";
-    QTest::newRow("function") << "{x = {y = function() end}}"
-                              << "x.y: a function can't be kept as a value";
-    QTest::newRow("empty") << "-- nothing"
-                           << "no value is returned";
-    QTest::newRow("two") << "return 1, 2"
-                         << "more than one value is returned";
-    QTest::newRow("key") << "{[1.5] = 1}"
-                         << "keys are names or positions from 1";
-    QTest::newRow("gaps") << "{[1000] = 1}"
-                          << "the list has large gaps";
-    QTest::newRow("compiled") << "\x1bLuaQ"
-                              << "line 1: unexpected symbol near 'char(27)'";
+    const Rows<QString, QString> row("text", "expected");
+    row("open", "{1,\n2,\n3", "line 3: '}' expected (to close '{' at line 1) near '<eof>'");
+    row("comma", "{1,\n2 3}", "line 2: '}' expected (to close '{' at line 1) near '3'");
+    row("statement", "return {\n x = 1 +\n}", "line 3: unexpected symbol near '}'");
+    row("library", "\nreturn os.time()", "line 2: \"os\" is no value that is known here");
+    row("function", "{x = {y = function() end}}", "x.y: a function can't be kept as a value");
+    row("empty", "-- nothing", "no value is returned");
+    row("two", "return 1, 2", "more than one value is returned");
+    row("key", "{[1.5] = 1}", "keys are names or positions from 1");
+    row("gaps", "{[1000] = 1}", "the list has large gaps");
+    row("compiled", "\x1bLuaQ", "line 1: unexpected symbol near 'char(27)'");
 }
 
 void ScriptValuesTest::NamesLineAndFault()
