@@ -25,7 +25,7 @@ marlox_target(inspector_parts)
 target_include_directories(inspector_parts PRIVATE ${PROJECT_SOURCE_DIR}/tests)
 target_link_libraries(inspector_parts PUBLIC marloxscript Qt5::Test)
 foreach(name checkbox_control_test combo_control_test label_control_test slider_control_test
-        slider_widget_test)
+        slider_random_test slider_widget_test)
     marlox_test(${name} SOURCES ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
         LIBS inspector_parts marloxscript)
 endforeach()

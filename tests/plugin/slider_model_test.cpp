@@ -1,6 +1,8 @@
 #include "widgets/SliderDrag.h"
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 #include <random>
 
 #include <QtTest>
@@ -39,21 +41,37 @@ SliderModel modelOf(double low, double high, double value)
     return model;
 }
 
-SliderGeometry geometry()
+/// With steps and counted ticks; 0 ticks are automatic ones.
+SliderModel tickedModel(double low, double high, double value, double ticks, double plain = 0.01)
 {
-    SliderGeometry made;
-    made.knobSize = {9, 16};
-    made.knobTop = 2;
-    made.resetSize = {7, 7};
-    made.resetOffset = {-3, 7};
-    made.trackTop = 4;
-    made.trackBottom = 17;
-    return made;
+    SliderModel model = modelOf(low, high, value);
+    model.SetSteps(plain / 10, plain);
+    model.SetTickFreq(ticks);
+    return model;
 }
 
 bool near(double a, double b, double tolerance = 1e-9)
 {
     return std::abs(a - b) <= tolerance * std::max({1.0, std::abs(a), std::abs(b)});
+}
+
+/// Moves a drag, each value told becoming the model's; where that is not as wanted, says so.
+QString follow(SliderDrag& drag, SliderModel& model, bool fine,
+               std::initializer_list<std::pair<double, double>> moves)
+{
+    for (const auto& [pixel, wanted] : moves) {
+        const std::optional<double> value = drag.MoveTo(model, pixel, fine);
+        if (!value || !near(*value, wanted))
+            return QStringLiteral("%1 at %2").arg(value.value_or(NAN)).arg(pixel);
+        model.value = *value;
+    }
+    return {};
+}
+
+/// The steps of a level below and above the value.
+bool hasSteps(const SliderModel& model, double below, double above)
+{
+    return near(model.StepBelow(2), below) && near(model.StepAbove(2), above);
 }
 
 } // namespace
@@ -64,14 +82,10 @@ private slots:
     void Maps();
     void MapsBothWaysAlike();
     void KeepsPrecision();
-    void RoundsHalvesAwayFromZero();
     void TakesRanges();
     void SpacesTicks();
-    void CountsTicks();
-    void CentresByRange();
-    void CentresByHand();
+    void Centres();
     void Steps();
-    void ShiftMovesFurther();
     void TakesWholeSteps();
     void MarksTicks();
     void HitsParts();
@@ -85,7 +99,6 @@ private slots:
 
 void SliderModelTest::Maps()
 {
-    enum Way { Both, ToPixel, ToValue };
     const SliderScale linear = scaleOf(-2.0, 6.0);
     const SliderScale equal = scaleOf(3.0, 3.0);
     const SliderScale curved = scaleOf(-4.0, 4.0, 2.0); // through zero with its sign
@@ -93,38 +106,24 @@ void SliderModelTest::Maps()
     halves.gamma = 3.0; // rests while centred
     const SliderScale lowCentre = centredScale(0.0, 1.0, 0.0);
     const SliderScale highCentre = centredScale(0.0, 1.0, 1.0);
-    const struct {
+    struct Row {
         const SliderScale& scale;
         double value, pixel;
-        Way way = Both;
-    } rows[] = {
-        {linear, -2.0, 10.0},
-        {linear, 0.0, 60.0},
-        {linear, 6.0, 210.0},
-        {linear, -100.0, 10.0, ToPixel},
-        {linear, 100.0, 210.0, ToPixel},
-        {linear, 8.0, 260.0, ToValue},
-        {equal, -1.0, 10.0, ToPixel},
-        {equal, 7.0, 10.0, ToPixel},
-        {equal, 3.0, 100.0, ToValue},
-        {curved, -1.0, 60.0},
-        {curved, 0.0, 110.0},
-        {curved, 1.0, 160.0},
-        {halves, -0.5, 60.0},
-        {halves, 0.0, 110.0},
-        {halves, 4.5, 160.0},
-        {lowCentre, -1.0, 10.0, ToPixel},
-        {lowCentre, 0.0, 110.0},
-        {lowCentre, 0.0, 50.0, ToValue},
-        {highCentre, 1.5, 210.0, ToPixel},
-        {highCentre, 1.0, 110.0},
     };
-    for (const auto& row : rows) {
-        const QByteArray what =
-            QByteArray::number(row.value) + " at " + QByteArray::number(row.pixel);
-        QVERIFY2(row.way == ToValue || near(row.scale.ValueToPixel(row.value), row.pixel), what);
-        QVERIFY2(row.way == ToPixel || near(row.scale.PixelToValue(row.pixel), row.value), what);
-    }
+    const Row toPixel[] = {{linear, -2, 10},      {linear, -100, 10}, {linear, 100, 210},
+                           {equal, -1, 10},       {equal, 7, 10},     {lowCentre, -1, 10},
+                           {highCentre, 1.5, 210}};
+    const Row toValue[] = {{linear, 8, 260}, {equal, 3, 100}, {lowCentre, 0, 50}};
+    const Row bothWays[] = {{linear, 0, 60},    {curved, -1, 60},    {curved, 0, 110},
+                            {curved, 1, 160},   {halves, -0.5, 60},  {halves, 0, 110},
+                            {halves, 4.5, 160}, {lowCentre, 0, 110}, {highCentre, 1, 110}};
+    for (const auto& [scale, value, pixel] : toPixel)
+        QVERIFY2(near(scale.ValueToPixel(value), pixel), QByteArray::number(value));
+    for (const auto& [scale, value, pixel] : toValue)
+        QVERIFY2(near(scale.PixelToValue(pixel), value), QByteArray::number(pixel));
+    for (const auto& [scale, value, pixel] : bothWays)
+        QVERIFY2(near(scale.ValueToPixel(value), pixel) && near(scale.PixelToValue(pixel), value),
+                 QByteArray::number(value));
 }
 
 void SliderModelTest::MapsBothWaysAlike()
@@ -142,46 +141,33 @@ void SliderModelTest::MapsBothWaysAlike()
         double lastValue = -inf;
         for (double pixel = scale.pixelLow; pixel <= scale.pixelHigh; pixel += 0.5) {
             const double value = scale.PixelToValue(pixel);
-            QVERIFY2(value > lastValue, qPrintable(QString::number(round)));
+            QVERIFY(std::exchange(lastValue, value) < value);
             QVERIFY(near(scale.ValueToPixel(value), pixel, 1e-7));
             // What is kept tells neighbouring pixels apart; steep power laws are not that fine.
             const double kept = scale.Rounded(value, false);
             QVERIFY(gamma != 1.0 || std::abs(scale.ValueToPixel(kept) - pixel) <= 1.0);
-            lastValue = value;
         }
     }
 }
 
 void SliderModelTest::KeepsPrecision()
 {
-    const struct {
-        const char* what;
-        SliderScale scale;
-        double value, precision;
-    } rows[] = {
-        {"200 pixels of 0 to 1", scaleOf(0, 1), 0.5, 1e3},
-        {"of 0 to 9.5", scaleOf(0, 9.5), 0.5, 1e3},
-        {"of 0 to 10", scaleOf(0, 10), 0.5, 1e2},
-        {"of 0 to 100000", scaleOf(0, 1e5), 0.5, 1e-2},
-        {"of 0 to 0.004", scaleOf(0, 0.004), 0.001, 1e6},
-        {"equal bounds", scaleOf(3, 3), 3.0, 1.0},
-        // Halves of 100 pixels: two digits.
-        {"below the centre", centredScale(-1, 10, 0), -0.5, 1e2},
-        {"above the centre", centredScale(-1, 10, 0), 0.5, 1e1},
-        {"at the centre", centredScale(-1, 10, 0), 0.0, 1.0},
-        {"below a centre at the low end", centredScale(0, 1, 0), -1.0, 1.0},
-        {"above a centre at the high end", centredScale(0, 1, 1), 2.0, 1.0},
-        // Gamma 2 of 0 to 1: the first pixel is (1/200)^2, wanting five digits; the last is 2/200.
-        {"flat part of a power law", scaleOf(0, 1, 2), 0.0, 1e5},
-        {"steep part of a power law", scaleOf(0, 1, 2), 1.0, 1e3},
-        {"at most two digits more", scaleOf(0, 1, 8), 0.0, 1e5},
+    const auto keeps = [](const SliderScale& scale,
+                          std::initializer_list<std::pair<double, double>> rows) {
+        return std::all_of(rows.begin(), rows.end(), [&scale](const auto& row) {
+            return near(scale.GetPrecision(row.first), row.second);
+        });
     };
-    for (const auto& row : rows)
-        QVERIFY2(near(row.scale.GetPrecision(row.value), row.precision), row.what);
-}
-
-void SliderModelTest::RoundsHalvesAwayFromZero()
-{
+    QVERIFY(keeps(scaleOf(0, 1), {{0.5, 1e3}}) && keeps(scaleOf(0, 9.5), {{0.5, 1e3}}));
+    QVERIFY(keeps(scaleOf(0, 10), {{0.5, 1e2}}) && keeps(scaleOf(0, 1e5), {{0.5, 1e-2}}));
+    QVERIFY(keeps(scaleOf(0, 0.004), {{0.001, 1e6}}) && keeps(scaleOf(3, 3), {{3, 1}}));
+    // Halves of 100 pixels: two digits. At the centre, and in an empty half: whole numbers.
+    QVERIFY(keeps(centredScale(-1, 10, 0), {{-0.5, 1e2}, {0.5, 1e1}, {0, 1}}));
+    QVERIFY(keeps(centredScale(0, 1, 0), {{-1, 1}}) && keeps(centredScale(0, 1, 1), {{2, 1}}));
+    // Gamma 2 of 0 to 1: the first pixel is (1/200)^2, wanting five digits; the last is 2/200.
+    QVERIFY(keeps(scaleOf(0, 1, 2), {{0, 1e5}, {1, 1e3}}));
+    QVERIFY(keeps(scaleOf(0, 1, 8), {{0, 1e5}})); // at most two digits more
+    // Halves are rounded away from zero.
     QCOMPARE(scaleOf(-4, 4).Rounded(0.0625 * 0.1, false), 0.006);
     const SliderScale hundreds = scaleOf(-4e5, 4e5); // kept to hundreds
     QCOMPARE(hundreds.Rounded(12350.0, false), 12400.0);
@@ -196,188 +182,125 @@ void SliderModelTest::TakesRanges()
 {
     SliderModel model = modelOf(0.0, 1.0, 0.7);
     QVERIFY(model.SetRange(2.0, 5.0));
-    QCOMPARE(model.value, 2.0);
-    QCOMPARE(model.Scale().centre, 2.0);
+    QVERIFY(model.value == 2.0 && model.Scale().centre == 2.0);
     // A bound that creeps is not followed, but remembered.
     QVERIFY(!model.SetRange(2.0 + 1e-7, 5.0));
-    QCOMPARE(model.Scale().minValue, 2.0);
     QCOMPARE(model.RequestedLow(), 2.0 + 1e-7);
     QVERIFY(!model.SetRange(2.0 + 2e-7, 5.0));
-    QCOMPARE(model.Scale().minValue, 2.0);
+    QVERIFY(model.Scale().minValue == 2.0);
     QVERIFY(model.SetRange(2.0 + 4e-7, 5.0));
-    QCOMPARE(model.Scale().minValue, 2.0 + 4e-7);
+    QVERIFY(model.Scale().minValue == 2.0 + 4e-7);
     // Turned round; hopeless ones are ignored.
     QVERIFY(model.SetRange(9.0, -3.0));
-    QCOMPARE(model.Scale().minValue, -3.0);
-    QCOMPARE(model.Scale().maxValue, 9.0);
     QVERIFY(!model.SetRange(NAN, 1.0) && !model.SetRange(0.0, inf) &&
             !model.SetRange(-1e308, 1e308));
-    QCOMPARE(model.Scale().minValue, -3.0);
-
-    // Shown rounded outward where that costs less than a tenth.
-    const auto shown = [](double low, double high) {
+    QVERIFY(model.Scale().minValue == -3.0 && model.Scale().maxValue == 9.0);
+    // Shown rounded outward where that costs less than a tenth, exactly that is not enough.
+    const auto shows = [](double low, double high, double shownLow, double shownHigh) {
         const SliderModel other = modelOf(low, high, low);
-        return std::pair(other.DisplayLow(), other.DisplayHigh());
+        return other.DisplayLow() == shownLow && other.DisplayHigh() == shownHigh;
     };
-    QCOMPARE(shown(0.3, 9.8), std::pair(0.0, 10.0));
-    QCOMPARE(shown(0.3, 2.8), std::pair(0.3, 3.0)); // 2.5 is less than ten times 0.3
-    QCOMPARE(shown(-0.05, 0.95), std::pair(-0.05, 1.0));
-    QCOMPARE(shown(0.0, 0.5), std::pair(0.0, 0.5));
-    // Not "at least": exactly ten times is not enough.
-    QCOMPARE(shown(0.5, 5.5), std::pair(0.5, 5.5));
+    QVERIFY(shows(0.3, 9.8, 0.0, 10.0) && shows(0.3, 2.8, 0.3, 3.0));
+    QVERIFY(shows(0.0, 0.5, 0.0, 0.5) && shows(-0.05, 0.95, -0.05, 1.0));
+    QVERIFY(shows(0.5, 5.5, 0.5, 5.5));
 }
 
 void SliderModelTest::SpacesTicks()
 {
-    const struct {
-        double low, high, step;
-    } rows[] = {{0, 1, 0.1},  {0, 2, 0.2},    {0, 4, 0.5},        {0, 8, 1},
-                {0, 100, 10}, {0, 255, 20.0}, {0, 0.003, 0.0002}, {5, 5, 1}};
+    const double rows[][3] = {{0, 1, 0.1},  {0, 2, 0.2},    {0, 4, 0.5},        {0, 8, 1},
+                              {0, 100, 10}, {0, 255, 20.0}, {0, 0.003, 0.0002}, {5, 5, 1}};
     for (const auto& [low, high, step] : rows) {
-        SliderModel model = modelOf(low, high, low);
-        model.SetSteps(1e-6, 1e-5);
-        for (int i = 0; i < 2; ++i) { // again changes nothing
-            model.SetTickFreq(0);
-            QVERIFY2(near(model.StepBelow(2), step), qPrintable(QString::number(high)));
-            QCOMPARE(model.TickCount(), 0.0);
-        }
+        SliderModel model = tickedModel(low, high, low, 0, 1e-5);
+        model.SetTickFreq(0); // again changes nothing
+        QVERIFY2(hasSteps(model, step, step), qPrintable(QString::number(high)));
+        QCOMPARE(model.TickCount(), 0.0);
     }
-}
-
-void SliderModelTest::CountsTicks()
-{
-    SliderModel model = modelOf(0.0, 10.0, 0.0);
-    model.SetSteps(0.01, 0.1);
-    model.SetTickFreq(5);
-    QCOMPARE(model.TickCount(), 5.0);
-    QCOMPARE(model.StepBelow(2), 2.5);
-    model.SetTickFreq(1); // at least the two ends
-    QCOMPARE(model.TickCount(), 2.0);
-    QCOMPARE(model.StepBelow(2), 10.0);
-    model.SetTickFreq(-3);
-    QCOMPARE(model.TickCount(), 2.0);
+    SliderModel model = tickedModel(0.0, 10.0, 0.0, 5, 0.1);
+    QVERIFY(model.TickCount() == 5.0 && hasSteps(model, 2.5, 2.5));
+    for (const double few : {1.0, -3.0}) { // at least the two ends
+        model.SetTickFreq(few);
+        QVERIFY(model.TickCount() == 2.0 && hasSteps(model, 10.0, 10.0));
+    }
     model.SetTickFreq(5);
     QVERIFY(model.SetCentre(2.0));
-    QCOMPARE(model.StepBelow(2), 0.5);
-    QCOMPARE(model.StepAbove(2), 2.0);
-    // The steps follow the range.
-    model.SetRange(0.0, 6.0);
-    QCOMPARE(model.StepAbove(2), 1.0);
+    QVERIFY(hasSteps(model, 0.5, 2.0));
+    model.SetRange(0.0, 6.0); // the steps follow the range
+    QVERIFY(hasSteps(model, 0.5, 1.0));
+    // As large as the tick step: Shift moves further, the marks are not moved by it.
+    const SliderModel large = tickedModel(0.0, 1.0, 0.5, 0, 0.1);
+    QVERIFY(hasSteps(large, 0.2, 0.2));
+    QCOMPARE(large.TickPixels(4.0).size(), std::size_t(11));
+    QVERIFY(hasSteps(tickedModel(-1.0, 10.0, 0.0, 0, 0.1), 0.2, 1.0));
 }
 
-void SliderModelTest::CentresByRange()
+void SliderModelTest::Centres()
 {
-    SliderModel model;
-    model.SetTrack(10.0, 210.0);
-    model.SetRange(-1.0, 20.0);
+    SliderModel model = modelOf(-1.0, 20.0, 0.0);
     // Nothing comes by itself until ticks are asked for.
     for (const int level : {0, 1, 2})
         QVERIFY(model.StepBelow(level) == 1.0 && model.StepAbove(level) == 1.0);
     QVERIFY(!model.Scale().centred && model.TickPixels(4.0).empty());
     model.SetSteps(0.001, 0.01);
-    model.SetTickFreq(0);
-    QVERIFY(model.Scale().centred);
-    QCOMPARE(model.Scale().centre, 0.0);
-    QVERIFY(near(model.StepBelow(2), 0.1));
-    QVERIFY(near(model.StepAbove(2), 2.0));
-    model.SetTickFreq(0);
-    QVERIFY(near(model.StepBelow(2), 0.1) && near(model.StepAbove(2), 2.0));
+    for (int i = 0; i < 2; ++i) { // again changes nothing
+        model.SetTickFreq(0);
+        QVERIFY(model.Scale().centred && model.Scale().centre == 0.0);
+        QVERIFY(hasSteps(model, 0.1, 2.0));
+    }
     // Goes with the range and comes back with it.
     model.SetRange(1.0, 20.0);
     QVERIFY(!model.Scale().centred);
     model.SetRange(-2.0, 2.0);
-    QVERIFY(model.Scale().centred);
-    QCOMPARE(model.Scale().centre, 0.0);
+    QVERIFY(model.Scale().centred && model.Scale().centre == 0.0);
     model.SetTickFreq(11);
     QVERIFY(!model.Scale().centred);
-}
-
-void SliderModelTest::CentresByHand()
-{
-    SliderModel model = modelOf(0.0, 10.0, 0.0);
-    QVERIFY(model.SetCentre(3.0));
-    model.SetRange(1.0, 5.0); // stays
-    QVERIFY(model.Scale().centred);
-    QCOMPARE(model.Scale().centre, 3.0);
+    // Set by hand it stays.
+    QVERIFY(model.SetCentre(1.5));
+    model.SetRange(1.0, 5.0);
+    QVERIFY(model.Scale().centred && model.Scale().centre == 1.5);
     QVERIFY(!model.SetCentre(1.0));
     // With ticks counted the bounds decide, without the shown ones do.
     SliderModel rounded = modelOf(0.3, 9.8, 1.0);
-    QVERIFY(rounded.SetCentre(0.3));
-    QVERIFY(!rounded.SetCentre(0.0));
+    QVERIFY(rounded.SetCentre(0.3) && !rounded.SetCentre(0.0));
     rounded.SetTickFreq(4);
-    QVERIFY(!rounded.SetCentre(0.3));
-    QVERIFY(!rounded.SetCentre(NAN));
+    QVERIFY(!rounded.SetCentre(0.3) && !rounded.SetCentre(NAN));
 }
 
 void SliderModelTest::Steps()
 {
-    SliderModel model = modelOf(0.0, 1.0, 0.5);
-    model.SetSteps(0.001, 0.01);
-    model.SetTickFreq(0);
-    QVERIFY(near(model.SteppedDown(0), 0.499));
-    QVERIFY(near(model.SteppedUp(1), 0.51));
-    QVERIFY(near(model.SteppedUp(2), 0.6));
-    model.value = 0.005;
-    QCOMPARE(model.SteppedDown(1), 0.0);
-    model.value = 0.95;
-    QCOMPARE(model.SteppedUp(2), 1.0);
-    model.value = 7.0; // typed, beyond the end
-    QCOMPARE(model.SteppedUp(1), 1.0);
-    QVERIFY(near(model.SteppedDown(1), 0.99));
-
-    SliderModel centred = modelOf(-1.0, 10.0, 0.5);
-    centred.SetSteps(0.001, 0.01);
-    centred.SetTickFreq(0);
-    QCOMPARE(centred.SteppedDown(2), 0.0); // stops at the centre
-    centred.value = 0.0;
-    QVERIFY(near(centred.SteppedDown(2), -0.1));
-    QVERIFY(near(centred.SteppedUp(2), 1.0));
-    centred.value = -0.05;
-    QCOMPARE(centred.SteppedUp(2), 0.0);
-    centred.value = 1e-10; // as good as the centre: the step below counts
-    QVERIFY(near(centred.SteppedDown(2), -0.1, 1e-8));
-}
-
-void SliderModelTest::ShiftMovesFurther()
-{
-    SliderModel model = modelOf(0.0, 1.0, 0.5);
-    model.SetSteps(0.01, 0.1); // as large as the tick step
-    model.SetTickFreq(0);
-    QVERIFY(near(model.StepBelow(2), 0.2));
-    QVERIFY(near(model.StepAbove(2), 0.2));
-    QCOMPARE(model.TickPixels(4.0).size(), std::size_t(11)); // the marks are not moved by it
-    SliderModel sides = modelOf(-1.0, 10.0, 0.0);
-    sides.SetSteps(0.01, 0.1);
-    sides.SetTickFreq(0);
-    QVERIFY(near(sides.StepBelow(2), 0.2));
-    QVERIFY(near(sides.StepAbove(2), 1.0));
+    const struct {
+        double low, high, value;
+        int level; // negative: down, from -1
+        double stepped;
+    } rows[] = {{0, 1, 0.5, -1, 0.499},   {0, 1, 0.5, 1, 0.51},
+                {0, 1, 0.5, 2, 0.6},      {0, 1, 0.005, -2, 0},
+                {0, 1, 0.95, 2, 1},       {0, 1, 7, 1, 1},
+                {0, 1, 7, -2, 0.99},                             // typed, beyond the end
+                {-1, 10, 0.5, -3, 0},     {-1, 10, -0.05, 2, 0}, // stops at the centre
+                {-1, 10, 0, -3, -0.1},    {-1, 10, 0, 2, 1},
+                {-1, 10, 1e-10, -3, -0.1}}; // as good as the centre: the step below counts
+    for (const auto& [low, high, value, level, stepped] : rows) {
+        const SliderModel model = tickedModel(low, high, value, 0);
+        const double reached = level < 0 ? model.SteppedDown(-1 - level) : model.SteppedUp(level);
+        QVERIFY2(near(reached, stepped, 1e-8), qPrintable(QString("%1 %2").arg(value).arg(level)));
+    }
 }
 
 void SliderModelTest::TakesWholeSteps()
 {
-    SliderModel model = modelOf(0.0, 3.0, 1.0);
-    model.SetSteps(0.001, 0.01);
+    SliderModel model = tickedModel(0.0, 3.0, 1.0, 10);
     model.SetInteger(true);
-    model.SetTickFreq(10);
-    QCOMPARE(model.StepBelow(2), 1.0);
-    QCOMPARE(model.TickCount(), 4.0);
-    QCOMPARE(model.SteppedUp(1), 2.0); // never less than one
-    QCOMPARE(model.SteppedDown(0), 0.0);
-    model.SetTickFreq(2);
-    QCOMPARE(model.StepBelow(2), 3.0);
-    QCOMPARE(model.TickCount(), 2.0);
-    model.SetTickFreq(0);
-    QCOMPARE(model.StepBelow(2), 1.0);
-    QCOMPARE(model.TickCount(), 0.0);
-    // Counted from the centre, if there is one.
+    for (const auto& [ticks, step, count] :
+         {std::tuple{10.0, 1.0, 4.0}, {2.0, 3.0, 2.0}, {0.0, 1.0, 0.0}}) {
+        model.SetTickFreq(ticks);
+        QVERIFY(model.StepBelow(2) == step && model.TickCount() == count);
+    }
+    QVERIFY(model.SteppedUp(1) == 2.0 && model.SteppedDown(0) == 0.0); // never less than one
+    // Counted from the centre, if there is one. The plain step is one already: Shift takes two.
     SliderModel centred = modelOf(-6.0, 3.0, 0.0);
     centred.SetInteger(true);
     centred.SetTickFreq(9);
     QVERIFY(centred.SetCentre(0.0));
-    QCOMPARE(centred.TickCount(), 4.0);
-    // The plain step is one already: Shift takes two.
-    QCOMPARE(centred.StepAbove(2), 2.0);
-    QCOMPARE(centred.StepBelow(2), 2.0);
+    QVERIFY(centred.TickCount() == 4.0 && hasSteps(centred, 2.0, 2.0));
 }
 
 void SliderModelTest::MarksTicks()
@@ -406,26 +329,27 @@ void SliderModelTest::MarksTicks()
 
 void SliderModelTest::HitsParts()
 {
+    SliderGeometry parts;
+    parts.knobSize = {9, 16};
+    parts.knobTop = 2;
+    parts.resetSize = {7, 7};
+    parts.resetOffset = {-3, 7};
+    parts.trackTop = 4;
+    parts.trackBottom = 17;
     SliderModel model =
         modelOf(0.0, 1.0, 0.5); // the knob's bitmap: columns 106 to 114, rows 2 to 17
     model.defaultValue = 0.8;   // the mark: columns 167 to 173, rows 7 to 13
-    const SliderGeometry parts = geometry();
-    const struct {
-        int x, y;
-        SliderPart part;
-    } rows[] = {
-        {101, 10, SliderPart::Knob},       {119, 10, SliderPart::Knob},
-        {110, -2, SliderPart::Knob},       {110, 21, SliderPart::Knob},
-        {110, 22, SliderPart::None},       {100, 10, SliderPart::TrackBelow},
-        {120, 10, SliderPart::TrackAbove}, {100, 3, SliderPart::None},
-        {100, 17, SliderPart::None},       {0, 10, SliderPart::TrackBelow}, // ten pixels before
-        {-1, 10, SliderPart::None},        {220, 10, SliderPart::TrackAbove},
-        {221, 10, SliderPart::None},       {162, 2, SliderPart::Reset},
-        {178, 18, SliderPart::Reset},      {161, 10, SliderPart::TrackAbove},
-        {170, 19, SliderPart::None},
-    };
-    for (const auto& [x, y, part] : rows)
-        QVERIFY2(parts.HitTest({x, y}, model) == part, qPrintable(QString("%1 %2").arg(x).arg(y)));
+    const std::pair<SliderPart, std::vector<QPoint>> rows[] = {
+        {SliderPart::Knob, {{101, 10}, {119, 10}, {110, -2}, {110, 21}}},
+        {SliderPart::TrackBelow, {{100, 10}, {0, 10}}}, // from ten pixels before
+        {SliderPart::TrackAbove, {{120, 10}, {161, 10}, {220, 10}}},
+        {SliderPart::Reset, {{162, 2}, {178, 18}}},
+        {SliderPart::None, {{110, 22}, {100, 3}, {100, 17}, {-1, 10}, {221, 10}, {170, 19}}}};
+    for (const auto& [part, points] : rows) {
+        for (const QPoint& at : points)
+            QVERIFY2(parts.HitTest(at, model) == part,
+                     qPrintable(QString("%1 %2").arg(at.x()).arg(at.y())));
+    }
     model.value = 0.8; // the knob comes first, yet the reset mark is under it
     QCOMPARE(parts.HitTest({170, 10}, model), SliderPart::Knob);
     QVERIFY(parts.IsOverReset({170, 10}, model));
@@ -441,27 +365,19 @@ void SliderModelTest::GrabsWithoutMoving()
     SliderDrag drag;
     QVERIFY(!drag.MoveTo(model, 50.0, false)); // nothing held
     drag.GrabKnob(model, 37.0, false);
-    const auto first = drag.MoveTo(model, 37.0, false);
-    QVERIFY(first); // the first move is told, wherever it goes
-    QCOMPARE(*first, 0.123456);
+    // The first move is told, wherever it goes; later on the way leads back to the very value.
+    QCOMPARE(follow(drag, model, false, {{37, 0.123456}}), QString());
     QVERIFY(!drag.MoveTo(model, 37.0, false));
-    const auto moved = drag.MoveTo(model, 57.0, false);
-    QCOMPARE(*moved, 0.223);
-    model.value = *moved;
-    QCOMPARE(*drag.MoveTo(model, 37.0, false), 0.123456); // and back to the very value
-    // It follows from the press, whatever was shown meanwhile.
-    QCOMPARE(*drag.MoveTo(model, 57.0, false), 0.223);
-    QCOMPARE(*drag.MoveTo(model, 1000.0, false), 1.0);
-    QCOMPARE(*drag.MoveTo(model, -1000.0, false), 0.0);
+    QCOMPARE(follow(drag, model, false, {{57, 0.223}, {37, 0.123456}}), QString());
+    model.value = 0.5; // it follows from the press, whatever was shown meanwhile
+    QCOMPARE(follow(drag, model, false, {{57, 0.223}, {1000, 1}, {-1000, 0}}), QString());
     drag.End();
     QVERIFY(!drag.MoveTo(model, 60.0, false));
 
     SliderModel beyond = modelOf(0.0, 1.0, 5.0);
     drag.GrabKnob(beyond, 212.0, false);
-    QCOMPARE(*drag.MoveTo(beyond, 212.0, false), 5.0);
-    QCOMPARE(*drag.MoveTo(beyond, 202.0, false), 0.95);
-    beyond.value = 0.95;
-    QCOMPARE(*drag.MoveTo(beyond, 192.0, true), 0.945); // a tenth of the way
+    QCOMPARE(follow(drag, beyond, false, {{212, 5}, {202, 0.95}}), QString());
+    QCOMPARE(follow(drag, beyond, true, {{192, 0.945}}), QString()); // a tenth of the way
 }
 
 void SliderModelTest::FineDragsKeepTheirPlace()
@@ -469,19 +385,14 @@ void SliderModelTest::FineDragsKeepTheirPlace()
     SliderModel model = modelOf(0.0, 1.0, 0.5);
     SliderDrag drag;
     drag.GrabKnob(model, 110.0, true);
-    QCOMPARE(*drag.MoveTo(model, 111.0, true), 0.5005); // one decimal more
-    QCOMPARE(*drag.MoveTo(model, 112.4, true), 0.5012);
-    model.value = 0.5012;
+    QCOMPARE(follow(drag, model, true, {{111, 0.5005}, {112.4, 0.5012}}), QString());
     // Ctrl goes up: nothing moves, and coarse moves start from here.
     QCOMPARE(*drag.SetFine(model, false), 0.5012);
-    QVERIFY(!drag.SetFine(model, false));
-    QVERIFY(!drag.MoveTo(model, 112.4, false));
-    QCOMPARE(*drag.MoveTo(model, 132.4, false), 0.601);
-    model.value = 0.601;
-    // Ctrl went down where no key event came: the move before it anchors.
-    QCOMPARE(*drag.MoveTo(model, 152.4, true), 0.611);
-    // Far beyond the end a fine drag goes on.
-    QCOMPARE(*drag.MoveTo(model, 931.0, true), 1.0);
+    QVERIFY(!drag.SetFine(model, false) && !drag.MoveTo(model, 112.4, false));
+    QCOMPARE(follow(drag, model, false, {{132.4, 0.601}}), QString());
+    // Ctrl went down where no key event came: the move before it anchors. Far beyond the end a fine
+    // drag goes on.
+    QCOMPARE(follow(drag, model, true, {{152.4, 0.611}, {931, 1}}), QString());
 }
 
 void SliderModelTest::Snaps()
@@ -491,22 +402,20 @@ void SliderModelTest::Snaps()
     SliderDrag drag;
     drag.GrabKnob(model, 60.0, false);
     model.defaultValue = 0.704;
-    QCOMPARE(*drag.MoveTo(model, 80.0, false), 0.7); // snapped, then kept to two decimals
-    model.SetTrack(10.0, 210.0);
+    QCOMPARE(follow(drag, model, false, {{80, 0.7}}), QString()); // then kept to two decimals
+    model = modelOf(0.0, 1.0, 0.5);
     model.defaultValue = 0.702;
     drag.GrabKnob(model, 110.0, false);
-    QCOMPARE(*drag.MoveTo(model, 150.0, false), 0.702);
-    QCOMPARE(*drag.MoveTo(model, 151.0, false), 0.705); // 0.6 pixels away
-    model.snapValue = 0.698;                            // comes before the default
-    QCOMPARE(*drag.MoveTo(model, 150.0, false), 0.698);
-    model.snapValue = SliderModel::none;
-    model.defaultValue = SliderModel::none;
-    QCOMPARE(*drag.MoveTo(model, 210.0, false), 1.0);
-    QCOMPARE(*drag.MoveTo(model, 150.0, false), 0.7);
+    QCOMPARE(follow(drag, model, false, {{150, 0.702}, {151, 0.705}}), QString()); // 0.6 pixels off
+    model.snapValue = 0.698; // comes before the default
+    QCOMPARE(follow(drag, model, false, {{150, 0.698}}), QString());
+    model.snapValue = model.defaultValue = SliderModel::none;
+    QCOMPARE(follow(drag, model, false, {{210, 1}, {150, 0.7}}), QString());
     // Fine: only where value and pointer still agree, and within a twentieth of a pixel.
+    model = modelOf(0.0, 1.0, 0.5);
     model.defaultValue = 0.702;
     drag.GrabKnob(model, 110.0, true);
-    QCOMPARE(*drag.MoveTo(model, 150.0, true), 0.52);
+    QCOMPARE(follow(drag, model, true, {{150, 0.52}}), QString());
 }
 
 void SliderModelTest::DragsWholeNumbers()
@@ -515,12 +424,9 @@ void SliderModelTest::DragsWholeNumbers()
     model.SetInteger(true);
     SliderDrag drag;
     drag.GrabKnob(model, 60.0, false);
-    QCOMPARE(*drag.MoveTo(model, 69.0, false), 3.0);
-    QCOMPARE(*drag.MoveTo(model, 71.0, false), 4.0);
-    model.value = 4.0;
-    QCOMPARE(*drag.MoveTo(model, 75.0, true), 4.0);
-    QCOMPARE(*drag.MoveTo(model, 900.0, false), 10.0);
-    QCOMPARE(*drag.MoveTo(model, -900.0, false), 1.0);
+    QCOMPARE(follow(drag, model, false, {{69, 3}, {71, 4}}), QString());
+    QCOMPARE(follow(drag, model, true, {{75, 4}}), QString());
+    QCOMPARE(follow(drag, model, false, {{900, 10}, {-900, 1}}), QString());
     SliderModel::RelativeDrag state;
     QCOMPARE(model.Dragged(3.0, 160.0, state), 5.0); // hundredths for a range of ten
 }
@@ -528,16 +434,17 @@ void SliderModelTest::DragsWholeNumbers()
 void SliderModelTest::DragsRelatively()
 {
     const SliderModel model = modelOf(0.0, 1.0, 0.5);
-    SliderModel::RelativeDrag state{100.0, true};
-    QCOMPARE(model.Dragged(0.5, 100.0, state), 0.6);
-    QCOMPARE(state.movement, 100.0);
-    // 700 units are 200 too many; 30 more have come in since.
-    state = {730.0, true};
-    QCOMPARE(model.Dragged(0.5, 700.0, state), 1.0);
-    QVERIFY(near(state.movement, 530.0));
-    state = {730.0, false};
-    QCOMPARE(model.Dragged(0.5, -900.0, state), 0.0);
-    QVERIFY(near(state.movement, -500.0));
+    const struct {
+        SliderModel::RelativeDrag state;
+        double by, value, movement;
+    } rows[] = {{{100, true}, 100, 0.6, 100},
+                {{730, true}, 700, 1, 530}, // 200 too many; 30 more have come in since
+                {{730, false}, -900, 0, -500}};
+    for (const auto& row : rows) {
+        SliderModel::RelativeDrag state = row.state;
+        QCOMPARE(model.Dragged(0.5, row.by, state), row.value);
+        QVERIFY(near(state.movement, row.movement));
+    }
     SliderModel::RelativeDrag wide;
     QCOMPARE(modelOf(0.0, 250.0, 0.0).Dragged(10.0, 3.0, wide), 10.3);
 }
