@@ -8,6 +8,8 @@
 #include "widgets/CustomNestButton.h"
 #include "widgets/CustomSeparator.h"
 
+#include <functional>
+
 #include <QAccessible>
 #include <QApplication>
 #include <QLabel>
@@ -84,9 +86,7 @@ private slots:
     void remembersWithoutAnEdit();
     void followsItsInput();
     void foldsAndOpensAll();
-    void nestsKeepTheirOwnState();
     void opensWhileLocked();
-    void endsADragInItsRows();
     void readsAttributesAnew();
     void tellsScreenReaders();
 };
@@ -167,28 +167,28 @@ void LabelControlTest::buttonShowsItsState()
     const InspectorStage stage({nest("Group", 1), {"Gain", {}}});
     LabelControl& control = labelOf(stage);
     const QPointF inside = control.rect().center();
-    const auto shows = [&control](const char* bitmap) {
-        return bitmapOf(control) == QByteArray("Controls.Nest.Button.") + bitmap;
-    };
     const auto send = [&control](QEvent::Type type) {
         QEvent event(type);
         QApplication::sendEvent(&control, &event);
     };
-    QVERIFY(shows("2.1"));
-    send(QEvent::Enter);
-    QVERIFY(shows("2.2"));
-    Pointer::Press(control, inside);
-    QVERIFY(shows("2.3"));
-    Pointer::Move(control, QPointF(inside.x(), -20));
-    QVERIFY(shows("2.1"));
-    Pointer::Move(control, inside);
-    QVERIFY(shows("2.3"));
-    Pointer::Release(control, inside);
-    QVERIFY(shows("1.2"));
-    send(QEvent::Leave);
-    QVERIFY(shows("1.1"));
-    stage.InputOf().SetAttrsTagList(TagList({{IC_Disabled, 1}}));
-    QVERIFY(shows("1.4"));
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"2.1", [] {}},
+        {"2.2", [&] { send(QEvent::Enter); }},
+        {"2.3", [&] { Pointer::Press(control, inside); }},
+        {"2.1",
+         [&] {
+             Pointer::Move(control, {5, -20});
+         }},
+        {"2.3", [&] { Pointer::Move(control, inside); }},
+        {"1.2", [&] { Pointer::Release(control, inside); }},
+        {"1.1", [&] { send(QEvent::Leave); }},
+        {"1.4", [&] {
+             stage.InputOf().SetAttrsTagList(TagList({{IC_Disabled, 1}}));
+         }}};
+    for (const auto& [bitmap, act] : rows) {
+        act();
+        QCOMPARE(bitmapOf(control), QByteArray("Controls.Nest.Button.") + bitmap);
+    }
     // What is drawn is the look's bitmap, in the middle of its place.
     auto* button = control.findChild<CustomNestButton*>();
     const QImage bitmap = ResDIB::PixmapOf("Controls.Nest.Button.1.4", 1.0).toImage();
@@ -232,18 +232,14 @@ void LabelControlTest::keysFold()
     control.setFocus();
     QVERIFY(control.hasFocus());
     QVERIFY(control.grab().toImage() != plain); // the ring
-    for (const auto& [key, open] : {std::pair{Qt::Key_Right, true},
-                                    {Qt::Key_Left, false},
-                                    {Qt::Key_Left, false},
-                                    {Qt::Key_Right, true},
-                                    {Qt::Key_Space, false},
-                                    {Qt::Key_Return, true},
-                                    {Qt::Key_Enter, false},
-                                    {Qt::Key_Space, true}}) {
+    QString states;
+    for (const int key : {Qt::Key_Right, Qt::Key_Left, Qt::Key_Left, Qt::Key_Right, Qt::Key_Space,
+                          Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
         QVERIFY(Pointer::IsWanted(control, key));
         Pointer::Key(control, QEvent::KeyPress, key);
-        QCOMPARE(control.IsNestOpen(), open);
+        states += control.IsNestOpen() ? '+' : '-';
     }
+    QCOMPARE(states, QString("+--+-+-+"));
     Pointer::Key(control, QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, true);
     QVERIFY(control.IsNestOpen()); // held: once is enough
     for (const auto& [key, held] : {std::pair{Qt::Key_Left, Qt::ControlModifier},
@@ -280,18 +276,16 @@ void LabelControlTest::remembersWithoutAnEdit()
 void LabelControlTest::followsItsInput()
 {
     const InspectorStage stage({nest("Group", 1), {"Gain", {}}});
-    const auto fold = [&stage](bool open) { stage.InputOf().SetValue(Number(open), 0.0); };
-    fold(false);
-    QVERIFY(!labelOf(stage).IsNestOpen() && !isRowShown(stage, "Gain"));
-    QCOMPARE(bitmapOf(labelOf(stage)), QByteArray("Controls.Nest.Button.1.1"));
-    // What is folded follows scripts and undo.
+    for (const bool open : {false, true}) {
+        stage.InputOf().SetValue(Number(open), 0.0); // a script
+        QCOMPARE(labelOf(stage).IsNestOpen(), open);
+        QCOMPARE(isRowShown(stage, "Gain"), open);
+    }
+    // What is folded follows undo.
     stage.InputOf("Gain").SetValue(Number(0.75), 0.0);
-    fold(true);
-    QVERIFY(isRowShown(stage, "Gain"));
-    QCOMPARE(stage.SliderOf("Gain").Value(), 0.75);
-    fold(false);
+    stage.InputOf().SetValue(Number(0.0), 0.0);
     stage.document->Undo().Undo();
-    fold(true);
+    stage.InputOf().SetValue(Number(1.0), 0.0);
     QCOMPARE(stage.SliderOf("Gain").Value(), 0.0);
     QCOMPARE(stage.EditOf("Gain").text(), QString("0"));
 }
@@ -318,6 +312,7 @@ void LabelControlTest::foldsAndOpensAll()
             states += labelOf(stage, id).IsNestOpen() ? '+' : '-';
         return states;
     };
+    QVERIFY(labelOf(stage, "Inner").x() > labelOf(stage).x()); // inside, and seen to be
     click(labelOf(stage, "Outer"), {5, 5}, Qt::ControlModifier);
     QCOMPARE(opened(), QString("----+"));
     QCOMPARE(stage.UndoTexts(), QStringList("Fold All")); // of those that are recorded
@@ -327,22 +322,6 @@ void LabelControlTest::foldsAndOpensAll()
     click(labelOf(stage, "Again"));
     Pointer::Key(labelOf(stage, "Again"), QEvent::KeyPress, Qt::Key_Space, Qt::ControlModifier);
     QCOMPARE(opened(), QString("+++++")); // as the one that was used
-}
-
-void LabelControlTest::nestsKeepTheirOwnState()
-{
-    const InspectorStage stage(
-        {nest("Outer", 3), {"Gain", {}}, nest("Inner", 1, false), {"Lift", {}}, {"Gamma", {}}});
-    LabelControl& outer = labelOf(stage);
-    LabelControl& inner = labelOf(stage, "Inner");
-    QVERIFY(inner.x() > outer.x()); // inside, and seen to be
-    QCOMPARE(inner.geometry().right(), outer.geometry().right());
-    click(outer);
-    QVERIFY(!inner.isVisible() && isRowShown(stage, "Gamma"));
-    click(outer);
-    QVERIFY(inner.isVisible() && isRowShown(stage, "Gain") && !isRowShown(stage, "Lift"));
-    click(inner);
-    QVERIFY(isRowShown(stage, "Lift"));
 }
 
 void LabelControlTest::opensWhileLocked()
@@ -377,23 +356,6 @@ void LabelControlTest::menuIsItsOwn()
         QCOMPARE(control.IsNestOpen(), own);
         QCOMPARE(labelOf(stage, "Other").IsNestOpen(), other);
     }
-}
-
-void LabelControlTest::endsADragInItsRows()
-{
-    const InspectorStage stage({nest("Group", 1), {"Gain", {{IAD_Default, 0.5}}}});
-    CustomSlider& slider = stage.SliderOf("Gain");
-    slider.setFocus();
-    DragKnob(slider, {30});
-    const double reached = stage.ValueOf("Gain");
-    QVERIFY(reached > 0.5 && stage.document->IsAutoProxy());
-    stage.InputOf().SetValue(Number(0.0), 0.0); // a script
-    QVERIFY(!slider.isVisible() && !slider.InGesture());
-    QVERIFY(labelOf(stage).hasFocus() && stage.IsIdle());
-    QCOMPARE(stage.UndoEntries(), 1);
-    Pointer::Move(slider, KnobOf(slider) + QPointF(60, 0));
-    Pointer::Release(slider, {});
-    QCOMPARE(stage.ValueOf("Gain"), reached);
 }
 
 void LabelControlTest::readsAttributesAnew()

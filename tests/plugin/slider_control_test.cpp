@@ -48,7 +48,6 @@ private slots:
     void ShowsItsOwnInputOnly();
     void TypesNumbersAndExpressions();
     void DragsInTheEdit();
-    void FollowsUndoAndTime();
     void LostGesturesEndCleanly();
     void SurvivesItsEndInMidDrag();
 };
@@ -57,35 +56,23 @@ void SliderControlTest::ReadsRanges()
 {
     const struct {
         const char* what;
-        TagList tags;
         double low, high, plainStep, displayStep;
         int shownDecimals;
+        TagList tags;
     } rows[] = {
-        {"nothing given", {}, 0.0, 1.0, 0.01, 1e-6, 4},
-        {"scale", {{IAD_LowScale, -2.0}, {IAD_HighScale, 48.0}}, -2.0, 48.0, 0.1, 1e-5, 3},
-        {"bounds", {{IAD_Minimum, 1.0}, {IAD_Maximum, 300.0}}, 1.0, 300.0, 1.0, 1e-4, 2},
-        {"scale beyond a bound",
-         {{IAD_Minimum, 0.0}, {IAD_LowScale, -5.0}},
-         0.0,
-         1.0,
-         0.01,
-         1e-6,
-         4},
-        {"low above 1", {{IAD_Minimum, 20.0}}, 20.0, 21.0, 0.01, 1e-6, 4},
-        {"reversed", {{IAD_LowScale, 3.0}, {IAD_HighScale, 1.0}}, 1.0, 3.0, 0.01, 1e-6, 4},
-        {"endless", {{IAD_LowScale, -1e308}, {IAD_HighScale, 1e308}}, 0.0, 1.0, 0.01, 1e-6, 4},
-        {"wide", {{IAD_HighScale, 1e6}}, 0.0, 1e6, 1e4, 1e-4, 2},
-        {"tiny", {{IAD_HighScale, 1e-9}}, 0.0, 1e-9, 1e-11, 1e-12, 12},
-        {"whole", {{IA_Integer, 1}, {IAD_HighScale, 255.0}}, 0.0, 255.0, 1.0, 1.0, 0},
-        {"few whole", {{IA_Integer, 1}, {IAD_HighScale, 10.0}}, 0.0, 10.0, 1.0, 1.0, 0},
-        {"whole times",
-         {{IA_Integer, 1}, {IC_Time, 1}, {IAD_HighScale, 100.0}},
-         0.0,
-         100.0,
-         1.0,
-         1e-4,
-         2},
-        {"own step", {{ICD_Step, 0.25}}, 0.0, 1.0, 0.25, 1e-6, 3},
+        {"nothing given", 0.0, 1.0, 0.01, 1e-6, 4, {}},
+        {"scale", -2.0, 48.0, 0.1, 1e-5, 3, {{IAD_LowScale, -2.0}, {IAD_HighScale, 48.0}}},
+        {"bounds", 1.0, 300.0, 1.0, 1e-4, 2, {{IAD_Minimum, 1.0}, {IAD_Maximum, 300.0}}},
+        {"beyond", 0.0, 1.0, 0.01, 1e-6, 4, {{IAD_Minimum, 0.0}, {IAD_LowScale, -5.0}}},
+        {"low above 1", 20.0, 21.0, 0.01, 1e-6, 4, {{IAD_Minimum, 20.0}}},
+        {"reversed", 1.0, 3.0, 0.01, 1e-6, 4, {{IAD_LowScale, 3.0}, {IAD_HighScale, 1.0}}},
+        {"endless", 0.0, 1.0, 0.01, 1e-6, 4, {{IAD_LowScale, -1e308}, {IAD_HighScale, 1e308}}},
+        {"wide", 0.0, 1e6, 1e4, 1e-4, 2, {{IAD_HighScale, 1e6}}},
+        {"tiny", 0.0, 1e-9, 1e-11, 1e-12, 12, {{IAD_HighScale, 1e-9}}},
+        {"whole", 0.0, 255.0, 1.0, 1.0, 0, {{IA_Integer, 1}, {IAD_HighScale, 255.0}}},
+        {"few whole", 0.0, 10.0, 1.0, 1.0, 0, {{IA_Integer, 1}, {IAD_HighScale, 10.0}}},
+        {"frames", 0, 100, 1, 1e-4, 2, {{IA_Integer, 1}, {IC_Time, 1}, {IAD_HighScale, 100.0}}},
+        {"own step", 0.0, 1.0, 0.25, 1e-6, 3, {{ICD_Step, 0.25}}},
     };
     for (const auto& row : rows) {
         const SliderSettings read(row.tags);
@@ -173,14 +160,11 @@ void SliderControlTest::PicksKnobs()
     const InspectorStage stage({{"Gain", {{IC_KnobStyle, 6}}}});
     CustomSlider& slider = stage.SliderOf();
     const QPoint middle(int(slider.KnobPixel()), slider.height() / 2);
-    for (const auto& [style, name] : {std::pair{5, "Controls.Slider.Knob.1"},
-                                      {6, "Controls.Color.Knob.2.1"},
-                                      {7, "Controls.Color.Knob.3.1"},
-                                      {8, "Controls.Color.Knob.4.1"},
-                                      {9, "Controls.Color.Knob.5.1"},
-                                      {10, "Controls.Slider.Knob.1"}}) {
-        stage.ControlOf().SetAttrsTagList(TagList({{IC_KnobStyle, style}})); // redisplays
-        const QImage knob = ResDIB::PixmapOf(name, 1.0).toImage();
+    int style = 5;
+    for (const char* name : {"Slider.Knob.1", "Color.Knob.2.1", "Color.Knob.3.1", "Color.Knob.4.1",
+                             "Color.Knob.5.1", "Slider.Knob.1"}) {
+        stage.ControlOf().SetAttrsTagList(TagList({{IC_KnobStyle, style++}})); // redisplays
+        const QImage knob = ResDIB::PixmapOf(QByteArray("Controls.") + name, 1.0).toImage();
         const QImage seen = slider.grab().toImage();
         for (int x = -1; x <= 1; ++x) // the inlay tells the knobs apart
             QCOMPARE(seen.pixelColor(middle + QPoint(x, 0)).rgb(),
@@ -220,8 +204,7 @@ void SliderControlTest::OneDragOneEntry()
     QVERIFY(stage.IsIdle());
     QCOMPARE(stage.EditOf().GetValue(), dragged);
     stage.document->Undo().Undo();
-    QCOMPARE(stage.ValueOf(), 0.5);
-    QCOMPARE(slider.Value(), 0.5);
+    QVERIFY(stage.ValueOf() == 0.5 && slider.Value() == 0.5);
     QCOMPARE(stage.EditOf().text(), QString("0.5"));
     const InspectorStage passive({{"Note", {{IA_Passive, 1}}}});
     DragKnob(passive.SliderOf(), {10});
@@ -369,23 +352,6 @@ void SliderControlTest::DragsInTheEdit()
     Pointer::Release(edit, {});
     QVERIFY(!stage.SliderOf().IsDragging() && stage.IsIdle());
     QCOMPARE(stage.UndoTexts(), QStringList("Adjust Gain"));
-}
-
-void SliderControlTest::FollowsUndoAndTime()
-{
-    const InspectorStage stage(gain);
-    Input& input = stage.InputOf();
-    input.AddKey(0.0);
-    stage.document->SetCurrentTime(10.0);
-    DragKnob(stage.SliderOf(), {200}); // a key at the current time
-    Pointer::Release(stage.SliderOf(), {});
-    QCOMPARE(input.GetNumber(10.0), 1.0);
-    QCOMPARE(input.GetNumber(0.0), 0.5);
-    stage.document->SetCurrentTime(0.0);
-    QCOMPARE(stage.SliderOf().Value(), 0.5);
-    QCOMPARE(stage.EditOf().GetValue(), 0.5);
-    stage.document->Undo().Undo();
-    QVERIFY(!input.IsKeyAt(10.0));
 }
 
 void SliderControlTest::LostGesturesEndCleanly()
