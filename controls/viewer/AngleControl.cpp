@@ -137,8 +137,14 @@ bool AngleControl::Store(const Input* input, const Parameter* value)
     const auto is = [this, input](SecondIndex index) { return seconds_[index].Is(input); };
     if (is(Centre)) {
         const auto* point = dynamic_cast<const Point*>(value);
-        const bool changedX = point && !seconds_[CentreX].Get() && Change(centre_.x, point->X());
-        return (point && !seconds_[CentreY].Get() && Change(centre_.y, point->Y())) || changedX;
+        if (!point)
+            return false;
+        const OverlayPoint centre{seconds_[CentreX].Get() ? centre_.x : point->X(),
+                                  seconds_[CentreY].Get() ? centre_.y : point->Y()};
+        const bool changed = IsAnotherPlace(centre_, centre);
+        if (changed)
+            centre_ = centre;
+        return changed;
     }
     if (is(Radius))
         return Change(radius_, NumberIn(value, radius_));

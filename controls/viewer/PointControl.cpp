@@ -22,6 +22,7 @@ std::size_t PointControl::SizeOf() const
 
 bool PointControl::SetAttrsTagList(const TagList& tags)
 {
+    ReadPrevious(tags); // counts without an input, too
     return PreviewControl::SetAttrsTagList(grab_.TakeFrom(tags));
 }
 

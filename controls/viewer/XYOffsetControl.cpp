@@ -157,11 +157,21 @@ void XYOffsetControl::ControlUp(PreviewInfo* view, const MxPointT<int>& at, TagL
     PreviewControl::ControlUp(view, at, tags);
 }
 
+bool XYOffsetControl::HitTest(PreviewInfo& view, const TagList* tags) const
+{
+    if (!MayBeHit(view, tags) || !IsWithinPick(MarkFromCursor(view), view.pickRadius))
+        return false;
+    const bool x = IsFree(FindInputByIndex(0));
+    const bool y = IsFree(FindInputByIndex(1));
+    view.SetCursor(x && !y ? ViewCursor::MoveX : y && !x ? ViewCursor::MoveY : ViewCursor::Move);
+    return true;
+}
+
 bool XYOffsetControl::ControlCommand(PreviewInfo* view, const MxID& command, u64 data,
                                      TagList* tags)
 {
     if (command == CCMD_HitTest)
-        return MayBeHit(*view, tags) && IsWithinPick(MarkFromCursor(*view), view->pickRadius);
+        return HitTest(*view, tags);
     return PreviewControl::ControlCommand(view, command, data, tags);
 }
 

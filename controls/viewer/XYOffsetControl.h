@@ -42,6 +42,7 @@ private:
     bool Store(const Input* input, const Parameter* value);
     DragOffset MarkFromCursor(const PreviewInfo& view) const;
     void Send(OverlayPoint offset);
+    bool HitTest(PreviewInfo& view, const TagList* tags) const;
 
     OverlayPoint offset_;
     OverlayPoint origin_{0.5, 0.5};

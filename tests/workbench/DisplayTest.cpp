@@ -85,15 +85,17 @@ private slots:
 
     void proxiesAreACodeOffAtMost()
     {
-        const auto paint = [](int x, int y) {
-            const float light = std::exp2(float(x) / 64.0f - 12.0f);
+        float scale = 1.0f;
+        const auto paint = [&scale](int x, int y) {
+            const float light = std::exp2(float(x) / 64.0f - 12.0f) * scale;
             return Rgba{light, y ? -light : 1e30f, std::numeric_limits<float>::quiet_NaN(),
                         float(x) / 1023.0f};
         };
         Image::Format proxy;
         proxy.scale = 0.25;
         const DisplayTransform transform{QString()};
-        for (const double exposure : {0.0, -6.0, 3.0}) {
+        for (const double exposure : {0.0, -6.0, 3.0, 25.0, -25.0}) {
+            scale = std::abs(exposure) > 20.0 ? float(std::exp2(-exposure)) : 1.0f;
             DisplaySettings settings;
             settings.exposure = exposure;
             settings.gamma = exposure < 0.0 ? 1.3 : 1.0;
@@ -153,7 +155,17 @@ private slots:
         view.ZoomTo(1e9, anchor);
         QCOMPARE(view.Zoom(), ViewTransform::maximumZoom);
 
+        const QPointF held = view.ToImage(anchor);
+        for (const double factor : {0.8, 1.25}) { // the roundings of many steps don't add up
+            for (int step = 0; step < 30; ++step)
+                view.ZoomTo(view.Zoom() * factor, anchor);
+        }
+        QVERIFY((view.ToImage(anchor) - held).manhattanLength() < 1.0 / 128.0);
+        view.SetView(600, 700, 50);
         view.Fit();
+        QCOMPARE(view.ToView(MxRect(0, 0, 200, 100)), QRectF(50, 288, 500, 125));
+
+        view.SetView(600, 700);
         PreviewInfo info;
         view.Place(info, 2.0);
         double x = 0.0;
@@ -242,8 +254,9 @@ private slots:
         result.image = image;
         emit document.GetRenderer().Finished(result);
         QTRY_VERIFY(viewer.ShownImage() == image);
-        for (const double column : {20.0, 2046.0, 4180.0}) {
-            viewer.SetZoom(1.0);
+        for (const auto& [zoom, column] :
+             {std::pair(1.0, 20.0), {1.0, 2046.0}, {1.0, 4180.0}, {1.5, 20.0}, {1.5, 2046.0}}) {
+            viewer.SetZoom(zoom);
             const QPointF at = viewer.ImageToWidget({column / 4200.0, 0.5});
             QTest::mousePress(&viewer, Qt::MiddleButton, {}, QPoint(32, 32));
             QMouseEvent move(QEvent::MouseMove, QPointF(32, 32) + QPointF(32, 32) - at,
@@ -253,7 +266,7 @@ private slots:
             const QImage shot = viewer.Screenshot();
             const QPointF left = viewer.View().ToView(QPointF(0, 0));
             for (int x = 20; x < 44; ++x) {
-                const int pixel = x - int(left.x());
+                const int pixel = int(std::floor((x + 0.5 - left.x()) / zoom + 0.001));
                 if (pixel < 0 || pixel >= 4200)
                     continue;
                 const QColor color = shot.pixelColor(x, 32);

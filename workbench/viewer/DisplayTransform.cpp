@@ -22,21 +22,9 @@ namespace {
 
 namespace ocio = OCIO_NAMESPACE;
 
-/// Light beyond this shows as white whatever the exposure; infinities would upset the curves.
+/// Light beyond this, once exposed, shows as white; infinities would upset the curves.
 constexpr float brightest = 1.0e9f;
 constexpr float brightestHalf = 65504.0f;
-
-ocio::ConstTransformRcPtr exposureOf(double stops)
-{
-    const double factor = std::exp2(stops);
-    const double scale[] = {factor, factor, factor, 1.0};
-    double matrix[16];
-    double offset[4];
-    ocio::MatrixTransform::Scale(matrix, offset, scale);
-    auto transform = ocio::MatrixTransform::Create();
-    transform->setMatrix(matrix);
-    return transform;
-}
 
 /// One colour channel, or the luminance, on all three.
 ocio::ConstTransformRcPtr channelsOf(const ocio::Config& config, ChannelView view)
@@ -72,14 +60,21 @@ unsigned char byteOf(float value)
     return value >= 1.0f ? 255 : static_cast<unsigned char>(value * 255.0f + 0.5f);
 }
 
-/// A row's values within +-`most`; what is no number becomes 0.
-void finiteRow(const float* from, int width, float most, std::vector<float>& row)
+/// A row's values times `exposure`, within +-`most`; what is no number becomes 0.
+void finiteRow(const float* from, int width, float exposure, float most, std::vector<float>& row)
 {
     row.resize(std::size_t(width) * 4);
-    std::transform(from, from + std::ptrdiff_t(width) * 4, row.begin(), [most](float value) {
-        return value == value ? std::clamp(value, -most, most) : 0.0f;
+    std::transform(from, from + std::ptrdiff_t(width) * 4, row.begin(), [=](float value) {
+        return value == value ? std::clamp(value * exposure, -most, most) : 0.0f;
     });
 }
+
+/// How rows are converted.
+struct Conversion {
+    ocio::ConstCPUProcessorRcPtr processor;
+    bool keepAlpha = true;
+    float exposure = 1.0f; // factor of the light, before the processor
+};
 
 void alphaRow(const float* from, int width, unsigned char* to)
 {
@@ -89,34 +84,34 @@ void alphaRow(const float* from, int width, unsigned char* to)
     }
 }
 
-void colorRow(const ocio::ConstCPUProcessorRcPtr& processor, const float* from, int width,
-              bool keepAlpha, std::vector<float>& scratch, unsigned char* to)
+void colorRow(const Conversion& how, const float* from, int width, std::vector<float>& scratch,
+              unsigned char* to)
 {
-    finiteRow(from, width, brightest, scratch);
+    finiteRow(from, width, how.exposure, brightest, scratch);
     ocio::PackedImageDesc strip(scratch.data(), width, 1, 4);
-    processor->apply(strip);
+    how.processor->apply(strip);
     for (std::size_t i = 0; i < scratch.size(); i += 4) {
         for (std::size_t channel = 0; channel < 3; ++channel)
             to[i + channel] = byteOf(scratch[i + channel]);
-        to[i + 3] = keepAlpha ? byteOf(from[i + 3]) : 255;
+        to[i + 3] = how.keepAlpha ? byteOf(from[i + 3]) : 255;
     }
 }
 
 /// The same through half floats, for which the library looks curves up instead of computing them:
 /// several times as fast, and a code off here and there.
-void quickRow(const ocio::ConstCPUProcessorRcPtr& processor, const float* from, int width,
-              bool keepAlpha, std::vector<float>& scratch, unsigned char* to)
+void quickRow(const Conversion& how, const float* from, int width, std::vector<float>& scratch,
+              unsigned char* to)
 {
-    finiteRow(from, width, brightestHalf, scratch);
+    finiteRow(from, width, how.exposure, brightestHalf, scratch);
     std::vector<qfloat16> halves(scratch.size());
     qFloatToFloat16(halves.data(), scratch.data(), qsizetype(scratch.size()));
     const ocio::PackedImageDesc strip(halves.data(), width, 1, 4, ocio::BIT_DEPTH_F16, 2, 8,
                                       std::ptrdiff_t(width) * 8);
     ocio::PackedImageDesc codes(to, width, 1, 4, ocio::BIT_DEPTH_UINT8, 1, 4,
                                 std::ptrdiff_t(width) * 4);
-    processor->apply(strip, codes);
+    how.processor->apply(strip, codes);
     for (int x = 0; x < width; ++x)
-        to[x * 4 + 3] = keepAlpha ? byteOf(from[x * 4 + 3]) : 255;
+        to[x * 4 + 3] = how.keepAlpha ? byteOf(from[x * 4 + 3]) : 255;
 }
 
 } // namespace
@@ -124,10 +119,12 @@ void quickRow(const ocio::ConstCPUProcessorRcPtr& processor, const float* from, 
 struct DisplayTransform::Config {
     explicit Config(ocio::ConstConfigRcPtr loaded) : colors(std::move(loaded)) {}
 
-    /// `quick`: from half floats to bytes, else from floats to floats.
-    ocio::ConstCPUProcessorRcPtr Processor(const DisplaySettings& settings, bool quick) const
+    /// For light that has its exposure. `quick`: from half floats to bytes, else from floats to
+    /// floats.
+    ocio::ConstCPUProcessorRcPtr Processor(DisplaySettings settings, bool quick) const
     {
         const std::scoped_lock lock(mutex);
+        settings.exposure = 0.0;
         if (last && lastSettings == settings && lastQuick == quick)
             return last;
         const ocio::ConstProcessorRcPtr made = Make(settings);
@@ -153,8 +150,6 @@ struct DisplayTransform::Config {
         toDisplay->setView(view.c_str());
         auto pipeline = ocio::LegacyViewingPipeline::Create();
         pipeline->setDisplayViewTransform(toDisplay);
-        if (settings.exposure != 0.0)
-            pipeline->setLinearCC(exposureOf(settings.exposure));
         if (settings.channels != ChannelView::Color)
             pipeline->setChannelView(channelsOf(*colors, settings.channels));
         if (settings.gamma != 1.0)
@@ -231,10 +226,12 @@ QImage DisplayTransform::Apply(const Image& image, const DisplaySettings& settin
     try {
         const bool isAlpha = settings.channels == ChannelView::Alpha;
         const bool isQuick = image.GetFormat().scale < 1.0;
-        const auto processor =
-            isAlpha ? ocio::ConstCPUProcessorRcPtr() : config_->Processor(settings, isQuick);
         const auto convert = isQuick ? quickRow : colorRow;
-        const bool keepAlpha = settings.channels == ChannelView::Color;
+        Conversion how;
+        if (!isAlpha)
+            how.processor = config_->Processor(settings, isQuick);
+        how.keepAlpha = settings.channels == ChannelView::Color;
+        how.exposure = float(std::exp2(settings.exposure));
         unsigned char* bits = picture.bits(); // detached once, before the threads
         const std::ptrdiff_t stride = picture.bytesPerLine();
         RenderContext context;
@@ -248,8 +245,7 @@ QImage DisplayTransform::Apply(const Image& image, const DisplaySettings& settin
                 if (isAlpha)
                     alphaRow(image.Row(y), image.Width(), bits + y * stride);
                 else
-                    convert(processor, image.Row(y), image.Width(), keepAlpha, scratch,
-                            bits + y * stride);
+                    convert(how, image.Row(y), image.Width(), scratch, bits + y * stride);
             }
         });
         return context.IsCancelled() ? QImage() : picture;

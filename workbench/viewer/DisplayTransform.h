@@ -41,9 +41,9 @@ public:
 
     /// The data window of `image` as premultiplied RGBA8888; alpha is kept for the colour view and
     /// opaque for single channels. The alpha view shows coverage as it is: exposure, gamma and
-    /// display do not apply to it. Values that are no numbers are black. A proxy's pixels go through
-    /// half floats, which is several times as fast, and may be a code off. Runs on all cores; null
-    /// when `cancelled` becomes true, or on an error, which `error` tells.
+    /// display do not apply to it. Values that are no numbers are black. A proxy's pixels go
+    /// through half floats, which is several times as fast, and may be a code off. Runs on all
+    /// cores; null when `cancelled` becomes true, or on an error, which `error` tells.
     QImage Apply(const Image& image, const DisplaySettings& settings,
                  const std::atomic<bool>* cancelled = nullptr, QString* error = nullptr) const;
 

@@ -5,15 +5,16 @@
 
 namespace Marlox {
 
-void ViewTransform::SetView(double width, double height)
+void ViewTransform::SetView(double width, double height, double margin)
 {
     const QPointF grown((width - viewWidth_) / 2.0, (height - viewHeight_) / 2.0);
     viewWidth_ = std::max(width, 1.0);
     viewHeight_ = std::max(height, 1.0);
+    margin_ = std::clamp(margin, 0.0, std::min(viewWidth_, viewHeight_) / 4.0);
     if (fitted_)
         Fit();
     else
-        PlaceAt(origin_ + grown);
+        PlaceAt(exactOrigin_ + grown);
 }
 
 void ViewTransform::SetImage(const MxRect& displayWindow, double pixelAspect)
@@ -27,8 +28,8 @@ void ViewTransform::SetImage(const MxRect& displayWindow, double pixelAspect)
 void ViewTransform::Fit()
 {
     fitted_ = true;
-    const double across = viewWidth_ / (window_.Width() * pixelAspect_);
-    const double down = viewHeight_ / window_.Height();
+    const double across = (viewWidth_ - 2.0 * margin_) / (window_.Width() * pixelAspect_);
+    const double down = (viewHeight_ - 2.0 * margin_) / window_.Height();
     zoom_ = std::clamp(std::min(across, down), minimumZoom, maximumZoom);
     const QPointF middle((window_.left + window_.right) / 2.0 * zoom_ * pixelAspect_,
                          (window_.top + window_.bottom) / 2.0 * zoom_);
@@ -37,7 +38,9 @@ void ViewTransform::Fit()
 
 void ViewTransform::ZoomTo(double zoom, QPointF anchor)
 {
-    const QPointF under = ToImage(anchor);
+    // Of the exact origin: what is rounded would add up over the steps of a wheel.
+    const QPointF from = anchor - exactOrigin_;
+    const QPointF under(from.x() / (zoom_ * pixelAspect_), from.y() / zoom_);
     fitted_ = false;
     zoom_ = std::clamp(zoom, minimumZoom, maximumZoom);
     PlaceAt(anchor - QPointF(under.x() * zoom_ * pixelAspect_, under.y() * zoom_));
@@ -46,11 +49,12 @@ void ViewTransform::ZoomTo(double zoom, QPointF anchor)
 void ViewTransform::PanBy(QPointF distance)
 {
     fitted_ = false;
-    PlaceAt(origin_ + distance);
+    PlaceAt(exactOrigin_ + distance);
 }
 
 void ViewTransform::PlaceAt(QPointF origin)
 {
+    exactOrigin_ = origin;
     origin_ = {std::round(origin.x()), std::round(origin.y())};
 }
 

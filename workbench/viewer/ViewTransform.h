@@ -16,8 +16,9 @@ public:
     static constexpr double minimumZoom = 1.0 / 64.0;
     static constexpr double maximumZoom = 256.0;
 
-    /// The middle of the view stays where it is in the image; a fitted image is fitted again.
-    void SetView(double width, double height);
+    /// The middle of the view stays where it is in the image; a fitted image is fitted again, with
+    /// `margin` around it.
+    void SetView(double width, double height, double margin = 0.0);
     void SetImage(const MxRect& displayWindow, double pixelAspect);
     const MxRect& DisplayWindow() const { return window_; }
     double PixelAspect() const { return pixelAspect_; }
@@ -48,8 +49,10 @@ private:
     double viewHeight_ = 1.0;
     MxRect window_{0, 0, 1, 1};
     double pixelAspect_ = 1.0;
+    double margin_ = 0.0;
     double zoom_ = 1.0;
-    QPointF origin_; // view coordinates of image coordinate (0, 0); whole, so that pixels are crisp
+    QPointF exactOrigin_; // view coordinates of image coordinate (0, 0)
+    QPointF origin_;      // the same in whole numbers, so that pixels are crisp
     bool fitted_ = true;
 };
 

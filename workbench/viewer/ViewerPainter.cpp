@@ -193,14 +193,14 @@ void ViewerPainter::Paint(const ViewTransform& view, const QSize& size, const Lo
 {
     setUpView(size);
     const Frame frame{view, size, look};
-    if (!QOpenGLFramebufferObject::hasOpenGLFramebufferBlit()) {
-        PaintAnew(frame);
-        return;
-    }
     if (keptFrame_ != frame) {
         if (!kept_ || kept_->size() != size)
             kept_ = std::make_unique<QOpenGLFramebufferObject>(size);
-        kept_->bind();
+        if (!QOpenGLFramebufferObject::hasOpenGLFramebufferBlit() || !kept_->bind()) {
+            keptFrame_.reset();
+            PaintAnew(frame);
+            return;
+        }
         PaintAnew(frame);
         kept_->release();
         keptFrame_ = frame;
@@ -317,7 +317,7 @@ void ViewerPainter::DrawParts(const Tile& tile, const QRegion& parts,
     // Less than is seen, so that at a zoom of 1.5 all parts take the same one of two pixels that a
     // place lies between.
     const double magnified = Magnification(view);
-    const double nudge = magnified < 1.0 ? 0.0 : 1.0 / 64.0 / magnified;
+    const double nudge = magnified < 1.0 ? 0.0 : 1.0 / 256.0 / magnified;
     const double originX = tile.loaded.left() - nudge;
     const double originY = tile.loaded.top() - nudge;
     glBegin(GL_QUADS);

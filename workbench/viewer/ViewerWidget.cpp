@@ -115,6 +115,9 @@ void ViewerWidget::DropImage()
     progress_->hide();
     SetMessage({});
     wanted_ = nullptr;
+    overlays_.EndDrag(); // its values are measured by the picture
+    overlays_.KeyUpAll();
+    overlays_.Leave();
     OnConverted({});
 }
 
@@ -297,7 +300,8 @@ void ViewerWidget::paintGL()
     look.outline = lookColor("System.PlaceholderTextColour", {138, 138, 138});
     look.checkerDark = QColor(52, 52, 52);
     look.checkerLight = QColor(68, 68, 68);
-    look.checker = checker_;
+    // A channel alone has no transparency: outside it is as black as within.
+    look.checker = checker_ && settings_.channels == ChannelView::Color;
     look.windows = windows_;
     look.devicePixelRatio = devicePixelRatioF();
     const QSizeF device = QSizeF(size()) * devicePixelRatioF();

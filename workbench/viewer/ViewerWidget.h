@@ -7,6 +7,7 @@
 
 #include <array>
 #include <memory>
+#include <set>
 
 #include <QColor>
 #include <QOpenGLWidget>
@@ -84,6 +85,7 @@ public:
     Probe ProbeAt(QPointF position) const; // in the widget
     /// Whether everything that was rendered is also on show.
     bool IsSettled() const;
+    QSize sizeHint() const override { return {960, 540}; }
     /// What the viewer shows, pixel by pixel at the screen's ratio, with the bars over it.
     QImage Screenshot();
 
@@ -148,6 +150,7 @@ private:
     bool windows_ = true;
     bool spaceHeld_ = false;
     bool spaceUsed_ = false; // the image was moved with it
+    std::set<int> keysDown_; // of those that overlays took
     bool panning_ = false;
     bool focusByKeys_ = false; // shown by a frame while no overlay has it
     QPointF panFrom_;          // widget position of the last move

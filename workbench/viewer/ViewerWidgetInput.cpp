@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -15,6 +16,7 @@ namespace Marlox {
 
 namespace {
 
+constexpr double fitMargin = 8.0; // around a fitted picture: its edges are within reach
 constexpr int plateWidth = 420;
 constexpr int plateHeight = 40;
 constexpr int plateMargin = 16;
@@ -51,7 +53,8 @@ void ViewerWidget::ZoomBy(double factor)
 void ViewerWidget::SetViewSize()
 {
     const QSizeF device = QSizeF(size()) * devicePixelRatioF();
-    view_.SetView(std::round(device.width()), std::round(device.height()));
+    view_.SetView(std::round(device.width()), std::round(device.height()),
+                  std::round(fitMargin * devicePixelRatioF()));
     PlaceBars();
     ChangeView();
 }
@@ -81,7 +84,7 @@ void ViewerWidget::resizeEvent(QResizeEvent* event)
 bool ViewerWidget::IsOwnKey(int key) const
 {
     const bool arrow = key >= Qt::Key_Left && key <= Qt::Key_Down;
-    return key == Qt::Key_Space || (arrow && overlays_.NudgesFocus());
+    return key == Qt::Key_Space || (arrow && shown_.image && overlays_.NudgesFocus());
 }
 
 void ViewerWidget::PlaceBars()
@@ -111,14 +114,17 @@ void ViewerWidget::TrackPointer(QPointF position)
 
 void ViewerWidget::ShowTip(const QHelpEvent& event)
 {
-    QToolTip::showText(event.globalPos(), shown_.image ? overlays_.Tip() : QString(), this);
+    const int reach = int(overlays_.View().pickRadius / devicePixelRatioF());
+    QToolTip::showText(event.globalPos(), shown_.image ? overlays_.Tip() : QString(), this,
+                       QRect(event.pos(), QSize(1, 1)).adjusted(-reach, -reach, reach, reach));
 }
 
 void ViewerWidget::mousePressEvent(QMouseEvent* event)
 {
     const bool pans =
         event->button() == Qt::MiddleButton || (event->button() == Qt::LeftButton && spaceHeld_);
-    focusByKeys_ = false;
+    if (std::exchange(focusByKeys_, false))
+        update();
     if (!pans) {
         const bool taken =
             event->button() == Qt::LeftButton && shown_.image &&
@@ -198,8 +204,10 @@ void ViewerWidget::wheelEvent(QWheelEvent* event)
 
 void ViewerWidget::keyPressEvent(QKeyEvent* event)
 {
-    const bool handled = overlays_.KeyDown(event->key(), modifiersOf(event->modifiers())) ||
-                         (event->key() == Qt::Key_Space && event->isAutoRepeat()) ||
+    const bool nudged = overlays_.KeyDown(event->key(), modifiersOf(event->modifiers()));
+    if (nudged)
+        keysDown_.insert(event->key());
+    const bool handled = nudged || (event->key() == Qt::Key_Space && event->isAutoRepeat()) ||
                          HandleViewKey(event->key());
     if (!handled)
         QOpenGLWidget::keyPressEvent(event);
@@ -254,7 +262,8 @@ void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
         return;
     }
     const bool modifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
-    if (!event->isAutoRepeat() && !modifier)
+    if (!event->isAutoRepeat() && !modifier && keysDown_.erase(event->key()) > 0 &&
+        keysDown_.empty())
         overlays_.KeyUpAll();
     QOpenGLWidget::keyReleaseEvent(event);
 }
@@ -273,6 +282,7 @@ void ViewerWidget::focusOutEvent(QFocusEvent* event)
     update();
     spaceHeld_ = false;
     EndPan();
+    keysDown_.clear();
     overlays_.KeyUpAll();
     overlays_.EndDrag();
     QOpenGLWidget::focusOutEvent(event);

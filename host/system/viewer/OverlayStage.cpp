@@ -23,17 +23,6 @@ std::vector<OverlayStage*>& Stages()
     return stages;
 }
 
-/// The inputs of an overlay that `main` asks for, in the order of the tool's.
-std::vector<Input*> JoinedInputs(const Input& main)
-{
-    std::vector<Input*> joined;
-    for (const Ref<Input>& input : main.Owner().Inputs()) {
-        if (input.Get() == &main || MxID(input->GetAttrS(IAS_OverlayWith)) == main.GetID())
-            joined.push_back(input.Get());
-    }
-    return joined;
-}
-
 } // namespace
 
 /// Hears what overlays and inputs say.
@@ -167,21 +156,31 @@ std::vector<Input*> OverlayStage::WantedInputs() const
     return wanted;
 }
 
+OverlayStage::Request OverlayStage::RequestOf(Input& main)
+{
+    Request request{{&main}, main.Owner().FindInput(main.GetAttrS(IAS_OverlayOffset))};
+    for (const Ref<Input>& input : main.Owner().Inputs()) {
+        if (input.Get() != &main && MxID(input->GetAttrS(IAS_OverlayWith)) == main.GetID())
+            request.inputs.push_back(input.Get());
+    }
+    return request;
+}
+
 void OverlayStage::Rebuild()
 {
     rebuilds_ = false;
     std::vector<Entry> before = std::exchange(entries_, {});
     for (Input* main : WantedInputs()) {
-        const std::vector<Input*> joined = JoinedInputs(*main);
+        const Request request = RequestOf(*main);
         const auto found = std::find_if(before.begin(), before.end(), [&](const Entry& entry) {
-            return entry.main == main && entry.joined == joined &&
+            return entry.main == main && entry.request == request &&
                    entry.overlay->GetRegistry()->ClassID() == MxID(main->GetAttrS(IAS_Overlay));
         });
         if (found != before.end()) {
             entries_.push_back(std::move(*found));
             before.erase(found);
-        } else if (Ref<PreviewControl> made = MakeOverlay(*main, joined)) {
-            entries_.push_back({std::move(made), main, joined});
+        } else if (Ref<PreviewControl> made = MakeOverlay(request)) {
+            entries_.push_back({std::move(made), main, request});
         }
     }
     for (const Entry& entry : before)
@@ -202,8 +201,9 @@ void OverlayStage::Rebuild()
     emit Changed();
 }
 
-Ref<PreviewControl> OverlayStage::MakeOverlay(Input& main, const std::vector<Input*>& joined)
+Ref<PreviewControl> OverlayStage::MakeOverlay(const Request& request)
 {
+    Input& main = *request.inputs.front();
     Ref<Object> made(
         ClassRegistry::Global().Create(main.GetAttrS(IAS_Overlay), ScriptVal(), main.Attributes()));
     const auto overlay = Ref<PreviewControl>::Share(dynamic_cast<PreviewControl*>(made.Get()));
@@ -211,7 +211,7 @@ Ref<PreviewControl> OverlayStage::MakeOverlay(Input& main, const std::vector<Inp
         return {};
     overlay->SetOperator(&main.Owner());
     overlay->SetView(&view_, nullptr);
-    for (Input* input : joined) {
+    for (Input* input : request.inputs) {
         TagList tags(input->Attributes());
         if (overlay->AddInput(input, &tags))
             overlay->SetAttrsTagList(input, tags);

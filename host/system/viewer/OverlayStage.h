@@ -95,14 +95,22 @@ signals:
 
 private:
     class Listener;
+    /// What the attributes of the inputs ask for.
+    struct Request {
+        std::vector<Input*> inputs; // the main one, and those that join it
+        Input* offset;              // by IAS_OverlayOffset; null: none
+
+        friend bool operator==(const Request&, const Request&) = default;
+    };
     struct Entry {
         Ref<PreviewControl> overlay;
-        Input* main;                // whose IAS_Overlay asked for it
-        std::vector<Input*> joined; // that it was offered
+        Input* main; // whose IAS_Overlay asked for it
+        Request request;
     };
     void Rebuild();
+    static Request RequestOf(Input& main);
     std::vector<Input*> WantedInputs() const;
-    Ref<PreviewControl> MakeOverlay(Input& main, const std::vector<Input*>& joined);
+    Ref<PreviewControl> MakeOverlay(const Request& request);
     void Discard(const Entry& entry);
     void LetGo(Operator& tool);
     std::vector<PreviewControl*> PickOrder() const;
@@ -116,6 +124,7 @@ private:
     void StartProxy();
     void FinishDrag(bool keep);
     void PlaceCursor(const MxPoint& at);
+    std::array<double, 4> Placement() const;
     void ReadColors();
     MxColor NormalColor(const PreviewControl& overlay) const;
     void SetCursor(ViewCursor shape);
@@ -136,10 +145,11 @@ private:
     Ref<Operator> proxied_; // renders at proxy resolution for this drag
     MxPoint at_;            // of the pointer
     MxPoint pressedAt_;
-    bool moved_ = false;               // since the press
-    bool replaced_ = false;            // the image moved below a drag
-    bool rebuilds_ = false;            // at the next turn of the event loop
-    std::optional<MxPoint> clickedAt_; // the last press and release, until the pointer goes away
+    bool moved_ = false;                // since the press
+    std::array<double, 4> placement_{}; // of the image in the view, when it was looked at last
+    bool replaced_ = false;             // the image moved below a drag
+    bool rebuilds_ = false;             // at the next turn of the event loop
+    std::optional<MxPoint> clickedAt_;  // the last press and release, until the pointer goes away
     u32 modifiers_ = 0;
     ViewCursor cursor_ = ViewCursor::Arrow; // as told last
     bool fades_ = false;                    // a step of fading is on its way

@@ -105,6 +105,7 @@ bool OverlayStage::Press(const MxPoint& at, u32 modifiers)
     modifiers_ = modifiers;
     PlaceCursor(at);
     pressedAt_ = at;
+    placement_ = Placement();
     moved_ = false;
     TestHover();
     TagList tags{{PV_MouseState, MouseLeft | (modifiers & KeyAlt ? MouseAlternate : 0u)},
@@ -229,6 +230,7 @@ void OverlayStage::CancelDrag()
 void OverlayStage::FinishDrag(bool keep)
 {
     pressed_ = false;
+    replaced_ = false;
     const Ref<PreviewControl> dragged = std::exchange(dragged_, nullptr);
     if (!dragged)
         return;
@@ -236,8 +238,11 @@ void OverlayStage::FinishDrag(bool keep)
     if (!keep)
         dragged->EndUndo(false);
     for (PreviewControl* other : Overlays()) {
-        if (other->DragState() == DragType::Driven)
-            other->ControlUp(&view_, at_, &tags);
+        if (other->DragState() != DragType::Driven)
+            continue;
+        if (!keep)
+            other->EndUndo(false); // it may have written first
+        other->ControlUp(&view_, at_, &tags);
     }
     dragged->ControlUp(&view_, at_, &tags);
     view_.TransformIn(at_.x, at_.y, view_.cursorX, view_.cursorY); // a drag may have rewritten it
@@ -259,9 +264,15 @@ void OverlayStage::Leave()
     TestHover();
 }
 
+std::array<double, 4> OverlayStage::Placement() const
+{
+    return {view_.imageLeft, view_.imageBottom, view_.imageWidth, view_.imageHeight};
+}
+
 void OverlayStage::PlacementChanged()
 {
-    replaced_ = pressed_; // the next move of the drag counts wherever it is
+    if (std::exchange(placement_, Placement()) != placement_ && pressed_)
+        replaced_ = true; // the next move of the drag counts wherever it is
     if (!pointerInside_ || pressed_)
         return; // the drag may have rewritten the cursor
     PlaceCursor(at_);

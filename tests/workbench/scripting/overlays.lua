@@ -217,6 +217,21 @@ local bx, by = at(0, 0.4)
 drag(bx, by, 30, 0, "Adjust Crop")
 near(inputs[1]:get() + inputs[3]:get(), wide * (1 - 60 / width()), 2 * W / width(), "the right edge stays")
 
+-- A picture that goes away ends the drag where it was: nothing is measured without it.
+local gx, gy = at(inputs[1]:get() / W, 0.4)
+view:press(gx, gy)
+view:move(gx + 30, gy)
+local reached = inputs[1]:get()
+local source = document.tools()[1]
+source:enabled(false)
+tool:enabled(false)
+waitrender()
+equal(undo.depth(), 0, "groups after the picture went")
+view:release(gx + 30, gy)
+equal(inputs[1]:get(), reached, "the value after the picture went")
+equal(view:cursor().shape, "arrow", "the pointer over nothing")
+source:enabled(true)
+
 -- Tab goes through the overlays and on; H hides them.
 tool = fresh("Transform")
 for _, id in ipairs({"Centre", "Pivot", "Angle"}) do
