@@ -1,5 +1,6 @@
 #include "ToolBench.h"
 #include "host/Rows.h"
+#include "system/evaluation/Renderer.h"
 #include "workbench/tools/OverlayTags.h"
 #include "workbench/tools/PictureFitted.h"
 
@@ -298,6 +299,10 @@ private slots:
         Bench bench("ColorGradient");
         const auto full = bench.Run();
         QCOMPARE(full->GetFormat().displayWindow, MxRect(0, 0, 1920, 1080));
+        Renderer& renderer = bench.Document().GetRenderer();
+        renderer.Request();
+        QVERIFY(renderer.WaitUntilIdle(10000));
+        QVERIFY2(renderer.LastResult().image, qPrintable(renderer.LastResult().error));
         const auto proxy = bench.Run({}, 0.0, 0.25);
         QCOMPARE(proxy->GetFormat().dataWindow, MxRect(0, 0, 480, 270));
         QCOMPARE(proxy->GetFormat().scale, 0.25);

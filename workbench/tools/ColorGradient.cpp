@@ -125,6 +125,8 @@ public:
         return context.IsCancelled() ? Ref<Image>() : result;
     }
 
+    bool NeedsUpstream() const override { return false; }
+
     std::string CacheKey() const override
     {
         std::string key = KeyOf({ramp_.start.x(), ramp_.start.y(), ramp_.end.x(), ramp_.end.y(),

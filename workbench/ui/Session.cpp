@@ -176,12 +176,32 @@ Operator* Session::AddTool(const MxID& toolType, QString* error, std::optional<i
     Operator* tool = document_->AddTool(toolType, position.value_or(behind), error);
     if (!tool)
         return nullptr;
-    auto* fitted = dynamic_cast<PictureFitted*>(tool);
-    const Ref<Image> picture = document_->GetRenderer().LastResult().image;
-    if (fitted && picture)
-        fitted->FitTo(picture->GetFormat());
+    FitToPicture(*tool);
     SelectTool(tool);
     return tool;
+}
+
+/// A tool that was just made, at once or, unless something was edited since, with the first
+/// picture.
+void Session::FitToPicture(Operator& tool)
+{
+    auto* fitted = dynamic_cast<PictureFitted*>(&tool);
+    Renderer& renderer = document_->GetRenderer();
+    if (!fitted)
+        return;
+    if (const Ref<Image> picture = renderer.LastResult().image) {
+        fitted->FitTo(picture->GetFormat());
+        return;
+    }
+    disconnect(firstPicture_);
+    const auto fit = [this, fitted, alive = Ref<Operator>::Share(&tool),
+                      entry = document_->Undo().Stack().index()](const RenderResult& result) {
+        disconnect(firstPicture_);
+        if (result.image && document_->IndexOf(*alive) >= 0 &&
+            document_->Undo().Stack().index() == entry)
+            fitted->FitTo(result.image->GetFormat());
+    };
+    firstPicture_ = connect(&renderer, &Renderer::Finished, this, fit);
 }
 
 Operator* Session::DuplicateTool(Operator& tool, QString* error)

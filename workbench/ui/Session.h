@@ -84,8 +84,10 @@ protected:
 private:
     bool OpenPicture(const QString& path, QString* error, const Watch& watch);
     bool NameFilesInFull(const QDir& newFolder);
+    void FitToPicture(Operator& tool);
 
     std::unique_ptr<MarloxDoc> document_;
+    QMetaObject::Connection firstPicture_;
     Operator* selected_ = nullptr;
     PluginHost* plugins_ = nullptr;
     int playTimer_ = 0;

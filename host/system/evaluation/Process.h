@@ -64,6 +64,9 @@ public:
     /// renderer keeps the result. A process that uses the time must have it in the key. Empty:
     /// never kept.
     virtual std::string CacheKey() const { return {}; }
+    /// Whether a tool with a main image input can't do without it: with nothing connected Run is
+    /// not called, and the user is told.
+    virtual bool NeedsUpstream() const { return true; }
 
     /// While it runs: the image connected to a further image input of the tool; null if there is
     /// none.

@@ -230,7 +230,7 @@ Ref<Image> RenderJob::RunStep(Step& step, const Images& images, QString& error)
 {
     const bool hasMain = std::any_of(step.feeds.begin(), step.feeds.end(),
                                      [](const Feed& feed) { return feed.input == mainInputID(); });
-    if (step.hasMainInput && !hasMain) {
+    if (step.hasMainInput && !hasMain && step.process->NeedsUpstream()) {
         error = named(step.toolName, tr("nothing is connected to its input"));
         return nullptr;
     }

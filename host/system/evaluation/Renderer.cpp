@@ -94,6 +94,7 @@ private:
     QTimer progress_;
     bool fullOnce_ = false;
     u64 serial_ = 0;
+    u64 gone_ = 0; // results up to this one are of a document that was cleared
 
     mutable std::mutex mutex_; // for all that follows
     std::condition_variable wake_;
@@ -126,6 +127,8 @@ void Renderer::Private::ListenToDocument()
     });
     connect(&document_, &MarloxDoc::Cleared, &renderer_, [this] {
         viewed_ = nullptr;
+        last_ = {}; // of tools that are gone, as is what is still being rendered
+        gone_ = serial_;
         Request();
     });
     connect(&document_, &MarloxDoc::InputChanged, &renderer_, [this](Input* input) {
@@ -184,7 +187,7 @@ void Renderer::Private::Deliver(const RenderResult& result)
         std::lock_guard lock(mutex_);
         --undelivered_;
     }
-    if (result.cancelled)
+    if (result.cancelled || result.serial <= gone_)
         return;
     last_ = result;
     emit renderer_.Finished(result);
