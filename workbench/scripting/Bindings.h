@@ -6,6 +6,7 @@ namespace Marlox {
 
 class DialogAnswers;
 class MainWindow;
+class Parameter;
 class ScriptLog;
 class Session;
 class Synthesizer;
@@ -31,6 +32,9 @@ void AddDialogBindings(ScriptContext& context);
 void AddPictureBindings(ScriptContext& context);
 void AddViewerBindings(ScriptContext& context); // behind the widgets
 void AddPluginBindings(ScriptContext& context);
+
+/// Values as scripts have them: points as {x=, y=}, the rest as documents store it; null is nil.
+ScriptVal ValueForScript(const Parameter* value);
 
 /// Runs the event loop for a time (seconds), then throws what dialogs left unanswered.
 void RunEvents(ScriptContext& context, double seconds);

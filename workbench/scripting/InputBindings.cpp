@@ -26,20 +26,6 @@ double timeOr(const ScriptCall& call, int index, const Input& input)
     return call.Number(index, input.Owner().CurrentTime());
 }
 
-/// Values as scripts have them: points by name, the rest as documents store it.
-ScriptVal toScript(const Parameter* value)
-{
-    if (!value)
-        return {};
-    const auto* point = dynamic_cast<const Point*>(value);
-    if (!point)
-        return value->ToScriptVal();
-    ScriptVal table = ScriptVal::MakeTable();
-    table.Set("x", point->X());
-    table.Set("y", point->Y());
-    return table;
-}
-
 Ref<Parameter> fromScript(const Input& input, const ScriptVal& value)
 {
     if (value.IsTable() && value.Get("x").IsNumber() && value.Get("y").IsNumber() &&
@@ -131,6 +117,7 @@ void attribute(ScriptCall& call)
         TagList tags;
         switch (TypeOfTag(tag)) {
         case TagType::String:
+        case TagType::InputID:
             tags.AddCopy(tag, call.Text(2));
             break;
         case TagType::Double:
@@ -144,6 +131,7 @@ void attribute(ScriptCall& call)
     }
     switch (TypeOfTag(tag)) {
     case TagType::String:
+    case TagType::InputID:
         return call.Return(std::string(input.GetAttrS(tag)));
     case TagType::Double:
         return call.Return(input.GetAttrD(tag));
@@ -160,7 +148,7 @@ void addValues(ScriptClass& input)
                  [](ScriptCall& call) { call.Return(self(call).GetDataType().ToString()); });
     input.Method("get", [](ScriptCall& call) {
         const Input& in = self(call);
-        call.Return(toScript(in.GetValue(timeOr(call, 1, in)).Get()));
+        call.Return(ValueForScript(in.GetValue(timeOr(call, 1, in)).Get()));
     });
     input.Method("set", [](ScriptCall& call) {
         Input& in = self(call);
@@ -180,7 +168,7 @@ void addKeys(ScriptClass& input)
         for (const auto& [time, key] : self(call).GetAnimation().Keys()) {
             ScriptVal entry = ScriptVal::MakeTable();
             entry.Set("time", time);
-            entry.Set("value", toScript(key.value.Get()));
+            entry.Set("value", ValueForScript(key.value.Get()));
             entry.Set("interpolation", interpolations[std::size_t(key.interpolation)]);
             list.Append(entry);
         }
@@ -225,6 +213,19 @@ void addLinks(ScriptClass& input)
 }
 
 } // namespace
+
+ScriptVal ValueForScript(const Parameter* value)
+{
+    if (!value)
+        return {};
+    const auto* point = dynamic_cast<const Point*>(value);
+    if (!point)
+        return value->ToScriptVal();
+    ScriptVal table = ScriptVal::MakeTable();
+    table.Set("x", point->X());
+    table.Set("y", point->Y());
+    return table;
+}
 
 void AddInputBindings(ScriptContext& context)
 {

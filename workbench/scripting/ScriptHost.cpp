@@ -7,6 +7,8 @@
 #include "workbench/ui/InspectorPanel.h"
 #include "workbench/ui/MainWindow.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -57,7 +59,10 @@ public:
         engine.AddFunction("help", [this](ScriptCall& call) {
             const std::string part = call.Text(1, "");
             ScriptVal list = ScriptVal::MakeTable();
-            for (const std::string& name : engine.Names()) {
+            std::vector<std::string> names = engine.Names();
+            names.emplace_back("answer"); // the one that is written in Lua
+            std::sort(names.begin(), names.end());
+            for (const std::string& name : names) {
                 if (name.find(part) != std::string::npos)
                     list.Append(name);
             }

@@ -2,6 +2,7 @@
 
 #include "system/controls/ControlWnd.h"
 #include "system/document/MarloxDoc.h"
+#include "workbench/scripting/Bindings.h"
 
 namespace Marlox {
 
@@ -20,7 +21,7 @@ void ScriptLog::OnValueWritten(Input* input, Parameter* value, double time, bool
     ScriptVal entry = ScriptVal::MakeTable();
     entry.Set("input", input->GetID().c_str());
     entry.Set("tool", input->Owner().GetName().toStdString());
-    entry.Set("value", value->ToScriptVal());
+    entry.Set("value", ValueForScript(value));
     entry.Set("time", time);
     entry.Set("final", final);
     values_.push_back(std::move(entry));

@@ -334,7 +334,7 @@ assert(#plugins.list() == 1 and control("Size"):class() == "SliderControl")
 local documented, own = read(guide), read(arg.file)
 assert(script_folder == arg.file:match("^(.*)/"))
 local calls = help()
-assert(#calls > 100 and #help("undo.") == 8)
+assert(#calls > 100 and #help("undo.") == 8 and #help("answer") == 1)
 local missing = {}
 for _, name in ipairs(calls) do
     local call = name:gsub("^[^.:]*:", ":") -- "Tool:name" is called as "tool:name"
