@@ -148,9 +148,13 @@ private slots:
         QVERIFY(std::abs(moved.x()) <= 0.5 && std::abs(moved.y()) <= 0.5);
         QVERIFY(!view.IsFitted());
         const QPointF middle = view.ToImage(view.Middle());
-        view.SetView(600, 700);
+        view.SetView(601, 701);
         QVERIFY((view.ToImage(view.Middle()) - middle).manhattanLength() < 0.2);
-        view.PanBy({10, -20});
+        for (int step = 0; step < 700; ++step) { // across zero, too
+            const QPointF before = view.ToView(QPointF(0, 0));
+            view.PanBy({-1, 1});
+            QCOMPARE(view.ToView(QPointF(0, 0)) - before, QPointF(-1, 1));
+        }
         QCOMPARE(view.ToView(QPointF(0, 0)), view.ToView(QPointF(0, 0)).toPoint()); // crisp
         view.ZoomTo(1e9, anchor);
         QCOMPARE(view.Zoom(), ViewTransform::maximumZoom);

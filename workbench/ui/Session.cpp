@@ -194,11 +194,14 @@ void Session::FitToPicture(Operator& tool)
         return;
     }
     disconnect(firstPicture_);
-    const auto fit = [this, fitted, alive = Ref<Operator>::Share(&tool),
-                      entry = document_->Undo().Stack().index()](const RenderResult& result) {
+    UndoHistory& undo = document_->Undo();
+    const int entry = undo.Stack().index() + (undo.Depth() > 0 ? 1 : 0); // when the tool is there
+    const auto fit = [this, fitted, entry, &undo,
+                      alive = Ref<Operator>::Share(&tool)](const RenderResult& result) {
+        if (!result.image || undo.Depth() > 0)
+            return;
         disconnect(firstPicture_);
-        if (result.image && document_->IndexOf(*alive) >= 0 &&
-            document_->Undo().Stack().index() == entry)
+        if (document_->IndexOf(*alive) >= 0 && undo.Stack().index() == entry)
             fitted->FitTo(result.image->GetFormat());
     };
     firstPicture_ = connect(&renderer, &Renderer::Finished, this, fit);

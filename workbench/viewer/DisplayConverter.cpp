@@ -30,9 +30,17 @@ void DisplayConverter::Request(Ref<Image> image, const DisplaySettings& settings
     pending_ = std::make_shared<Job>();
     pending_->displayed.image = std::move(image);
     pending_->settings = settings;
+    pending_->displayed.channels = settings.channels;
     // The running one goes on: while values are dragged each picture that is ready should show.
     if (!running_)
         Start();
+}
+
+void DisplayConverter::Cancel()
+{
+    pending_.reset();
+    if (running_)
+        running_->cancelled = true;
 }
 
 void DisplayConverter::Start()

@@ -16,6 +16,7 @@ struct DisplayedImage {
     Ref<Image> image;
     QImage picture; // of the data window
     OpaqueParts opaque;
+    ChannelView channels = ChannelView::Color; // that it shows
 };
 
 /// Applies the display transform off the user-interface thread; the newest request wins. Lives on
@@ -28,6 +29,8 @@ public:
 
     const DisplayTransform& Transform() const { return transform_; }
     void Request(Ref<Image> image, const DisplaySettings& settings);
+    /// Nothing that was requested is delivered.
+    void Cancel();
     bool IsBusy() const { return running_ || pending_; }
 
 signals:

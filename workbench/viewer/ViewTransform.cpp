@@ -55,7 +55,8 @@ void ViewTransform::PanBy(QPointF distance)
 void ViewTransform::PlaceAt(QPointF origin)
 {
     exactOrigin_ = origin;
-    origin_ = {std::round(origin.x()), std::round(origin.y())};
+    // Always upwards from a half, so that a pan by whole pixels moves by as many.
+    origin_ = {std::floor(origin.x() + 0.5), std::floor(origin.y() + 0.5)};
 }
 
 QPointF ViewTransform::ToView(QPointF image) const

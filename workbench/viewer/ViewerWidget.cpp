@@ -115,6 +115,7 @@ void ViewerWidget::DropImage()
     progress_->hide();
     SetMessage({});
     wanted_ = nullptr;
+    converter_.Cancel();
     overlays_.EndDrag(); // its values are measured by the picture
     overlays_.KeyUpAll();
     overlays_.Leave();
@@ -301,7 +302,7 @@ void ViewerWidget::paintGL()
     look.checkerDark = QColor(52, 52, 52);
     look.checkerLight = QColor(68, 68, 68);
     // A channel alone has no transparency: outside it is as black as within.
-    look.checker = checker_ && settings_.channels == ChannelView::Color;
+    look.checker = checker_ && shown_.channels == ChannelView::Color;
     look.windows = windows_;
     look.devicePixelRatio = devicePixelRatioF();
     const QSizeF device = QSizeF(size()) * devicePixelRatioF();

@@ -149,8 +149,8 @@ private:
     bool checker_ = true;
     bool windows_ = true;
     bool spaceHeld_ = false;
-    bool spaceUsed_ = false; // the image was moved with it
-    std::set<int> keysDown_; // of those that overlays took
+    bool spaceUsed_ = false;     // the image was moved with it
+    std::set<quint32> keysDown_; // of those that overlays took
     bool panning_ = false;
     bool focusByKeys_ = false; // shown by a frame while no overlay has it
     QPointF panFrom_;          // widget position of the last move

@@ -35,6 +35,12 @@ u32 modifiersOf(Qt::KeyboardModifiers modifiers)
            (modifiers & Qt::AltModifier ? KeyAlt : 0u);
 }
 
+/// The same at the release of a key, whatever modifiers have made of it meanwhile.
+quint32 codeOf(const QKeyEvent& event)
+{
+    return event.nativeScanCode() != 0 ? event.nativeScanCode() : quint32(event.key());
+}
+
 Qt::CursorShape shapeOf(ViewCursor cursor)
 {
     static constexpr Qt::CursorShape shapes[] = {
@@ -206,7 +212,7 @@ void ViewerWidget::keyPressEvent(QKeyEvent* event)
 {
     const bool nudged = overlays_.KeyDown(event->key(), modifiersOf(event->modifiers()));
     if (nudged)
-        keysDown_.insert(event->key());
+        keysDown_.insert(codeOf(*event));
     const bool handled = nudged || (event->key() == Qt::Key_Space && event->isAutoRepeat()) ||
                          HandleViewKey(event->key());
     if (!handled)
@@ -262,7 +268,7 @@ void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
         return;
     }
     const bool modifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
-    if (!event->isAutoRepeat() && !modifier && keysDown_.erase(event->key()) > 0 &&
+    if (!event->isAutoRepeat() && !modifier && keysDown_.erase(codeOf(*event)) > 0 &&
         keysDown_.empty())
         overlays_.KeyUpAll();
     QOpenGLWidget::keyReleaseEvent(event);
