@@ -8,13 +8,17 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTimer>
 
 namespace Marlox {
 
@@ -63,6 +67,34 @@ void fill(QWidget& field, const ScriptVal& value)
     }
 }
 
+QLineEdit* nameField(const QFileDialog& files)
+{
+    return files.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+}
+
+/// As typed: the dialog leaves its field alone while that has the focus.
+void chooseFile(QFileDialog& files, const QString& path)
+{
+    files.selectFile(path);
+    if (QLineEdit* name = nameField(files))
+        name->setText(QFileInfo(path).fileName()); // in the folder that selectFile went to
+}
+
+/// A dialog for files lists the folder in the background, and takes no file before it is listed.
+void waitForListing(const QFileDialog& files, const QAbstractButton& button)
+{
+    constexpr int longest = 3000; // ms
+    QLineEdit* name = nameField(files);
+    QElapsedTimer waited;
+    waited.start();
+    while (name && !name->text().isEmpty() && !button.isEnabled() && !waited.hasExpired(longest)) {
+        QEventLoop wait;
+        QTimer::singleShot(20, &wait, &QEventLoop::quit);
+        wait.exec();
+        emit name->textChanged(name->text()); // it looks again
+    }
+}
+
 /// Takes what the dialog says as its button does, for there may be more to it than closing.
 void accept(QDialog& dialog)
 {
@@ -80,6 +112,8 @@ void accept(QDialog& dialog)
     }
     if (!button)
         return dialog.accept();
+    if (auto* files = qobject_cast<QFileDialog*>(&dialog))
+        waitForListing(*files, *button);
     if (!button->isEnabled())
         throw ScriptError(QString("the button \"%1\" is disabled").arg(button->text().remove('&')));
     button->click();
@@ -153,7 +187,7 @@ void addDialogClass(ScriptContext& context)
         QDialog& self = call.Self<QDialog>();
         const QString name = call.String(1);
         if (auto* files = qobject_cast<QFileDialog*>(&self); files && name == "file")
-            return files->selectFile(call.String(2));
+            return chooseFile(*files, call.String(2));
         QWidget* field = self.findChild<QWidget*>(name);
         if (!field)
             throw ScriptError(QString("the dialog has no field \"%1\"").arg(name));
