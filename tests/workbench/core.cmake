@@ -2,7 +2,7 @@ marlox_test(workbench-image-files SOURCES ImageFilesTest.cpp TestPictures.h
     LIBS workbench-core Marlox::OpenImageIO)
 # Whole stacks, which tell the image library's leaks from ours.
 set_property(TEST workbench-image-files APPEND PROPERTY ENVIRONMENT
-    "ASAN_OPTIONS=check_initialization_order=1:fast_unwind_on_malloc=0")
+    "ASAN_OPTIONS=detect_stack_use_after_return=1:fast_unwind_on_malloc=0")
 marlox_test(workbench-tools SOURCES ToolsTest.cpp ToolBench.h TestPictures.h LIBS workbench-core)
 marlox_test(workbench-overlay-tools SOURCES OverlayToolsTest.cpp ToolBench.h TestPictures.h
     LIBS workbench-core)
@@ -30,3 +30,11 @@ add_test(NAME workbench-window COMMAND marlox-workbench
 get_test_property(workbench-tools ENVIRONMENT environment)
 string(REPLACE config-workbench-tools config-workbench-window environment "${environment}")
 set_tests_properties(workbench-window PROPERTIES TIMEOUT 120 ENVIRONMENT "${environment}")
+
+# The order of initialisation in all our libraries, the plug-in and the program: all are loaded, and
+# nothing is looked for in the memory of what was unloaded.
+if(MARLOX_SANITIZE)
+    add_test(NAME initialisation-order COMMAND marlox-workbench --list-controls)
+    marlox_test_environment(initialisation-order
+        "ASAN_OPTIONS=check_initialization_order=1:detect_leaks=0")
+endif()
