@@ -2,7 +2,7 @@ marlox_test(workbench-image-files SOURCES ImageFilesTest.cpp TestPictures.h
     LIBS workbench-core Marlox::OpenImageIO)
 # Whole stacks, which tell the image library's leaks from ours.
 set_property(TEST workbench-image-files APPEND PROPERTY ENVIRONMENT
-    "ASAN_OPTIONS=detect_stack_use_after_return=1:fast_unwind_on_malloc=0")
+    "ASAN_OPTIONS=detect_stack_use_after_return=1:intercept_tls_get_addr=0:fast_unwind_on_malloc=0")
 marlox_test(workbench-tools SOURCES ToolsTest.cpp ToolBench.h TestPictures.h LIBS workbench-core)
 marlox_test(workbench-overlay-tools SOURCES OverlayToolsTest.cpp ToolBench.h TestPictures.h
     LIBS workbench-core)
