@@ -4,6 +4,7 @@
 #include "workbench/images/ImageFile.h"
 #include "workbench/images/ImageScale.h"
 #include "workbench/tools/Tools.h"
+#include "workbench/viewer/DisplayConverter.h"
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <cmath>
@@ -177,6 +178,28 @@ private slots:
         info.TransformOut(0.0, 1.0, x, y);
         QCOMPARE(QPointF(x, 700.0 - y), view.ToView(QPointF(0, 0))); // overlays count upwards
         QCOMPARE(info.controlScale, 2.0);
+    }
+
+    void onlyWhatIsStillWantedIsDelivered()
+    {
+        DisplayConverter converter;
+        QStringList delivered;
+        connect(&converter, &DisplayConverter::Failed, this,
+                [&](const QString&) { delivered << "failure"; });
+        connect(&converter, &DisplayConverter::Converted, this, [&](const DisplayedImage& shown) {
+            delivered << QString::number(shown.picture.width());
+        });
+        DisplaySettings unknown;
+        unknown.display = "nowhere";
+        for (const DisplaySettings& settings : {DisplaySettings(), unknown}) {
+            converter.Request(Plain(800, 600, {}), settings); // runs
+            converter.Request(Plain(40, 30, {}), settings);   // waits
+            converter.Cancel();
+            converter.Request(Plain(4, 3, {}), settings);
+            QTRY_VERIFY(!converter.IsBusy());
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(delivered, QStringList({"4", "failure"}));
     }
 
     void proxiesKeepTheFrame()

@@ -1,8 +1,8 @@
 marlox_test(workbench-image-files SOURCES ImageFilesTest.cpp TestPictures.h
     LIBS workbench-core Marlox::OpenImageIO)
 # Whole stacks, which tell the image library's leaks from ours.
-set_property(TEST workbench-image-files APPEND PROPERTY ENVIRONMENT
-    "ASAN_OPTIONS=detect_stack_use_after_return=1:intercept_tls_get_addr=0:fast_unwind_on_malloc=0")
+marlox_test_environment(workbench-image-files
+    "ASAN_OPTIONS=${marlox_asan_options}:fast_unwind_on_malloc=0")
 marlox_test(workbench-tools SOURCES ToolsTest.cpp ToolBench.h TestPictures.h LIBS workbench-core)
 marlox_test(workbench-overlay-tools SOURCES OverlayToolsTest.cpp ToolBench.h TestPictures.h
     LIBS workbench-core)
@@ -27,14 +27,12 @@ set(windowFolder ${CMAKE_BINARY_DIR}/tests/workbench-window)
 file(MAKE_DIRECTORY ${windowFolder})
 add_test(NAME workbench-window COMMAND marlox-workbench
     --script ${CMAKE_CURRENT_SOURCE_DIR}/window.lua ${windowFolder} ${CMAKE_BINARY_DIR}/samples)
-get_test_property(workbench-tools ENVIRONMENT environment)
-string(REPLACE config-workbench-tools config-workbench-window environment "${environment}")
-set_tests_properties(workbench-window PROPERTIES TIMEOUT 120 ENVIRONMENT "${environment}")
+marlox_test_environment(workbench-window)
 
 # The order of initialisation in all our libraries, the plug-in and the program: all are loaded, and
 # nothing is looked for in the memory of what was unloaded.
 if(MARLOX_SANITIZE)
     add_test(NAME initialisation-order COMMAND marlox-workbench --list-controls)
     marlox_test_environment(initialisation-order
-        "ASAN_OPTIONS=check_initialization_order=1:detect_leaks=0")
+        "ASAN_OPTIONS=${marlox_asan_options}:check_initialization_order=1:detect_leaks=0")
 endif()

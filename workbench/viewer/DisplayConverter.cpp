@@ -20,8 +20,7 @@ DisplayConverter::DisplayConverter(QObject* parent) : QObject(parent)
 
 DisplayConverter::~DisplayConverter()
 {
-    if (running_)
-        running_->cancelled = true;
+    Cancel();
     pool_.waitForDone();
 }
 
@@ -63,10 +62,12 @@ void DisplayConverter::Finish(std::shared_ptr<Job> job)
     running_.reset();
     if (pending_)
         Start();
-    if (!job->error.isEmpty())
-        emit Failed(job->error);
-    else if (!job->cancelled)
+    if (job->cancelled)
+        return;
+    if (job->error.isEmpty())
         emit Converted(job->displayed);
+    else
+        emit Failed(job->error);
 }
 
 } // namespace Marlox
