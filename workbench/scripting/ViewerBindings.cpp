@@ -36,8 +36,8 @@ Input& inputOf(ScriptContext& context, const ScriptCall& call)
 
 ScriptVal cursorOf(const PreviewInfo& view)
 {
-    static constexpr const char* shapes[] = {"arrow", "move", "movex",    "movey",
-                                             "turn",  "hand", "forbidden"};
+    static constexpr const char* shapes[] = {"arrow", "move",      "movex", "movey", "turn",
+                                             "hand",  "forbidden", "cross", "pen"};
     ScriptVal table = ScriptVal::MakeTable();
     table.Set("x", view.cursorX);
     table.Set("y", view.cursorY);

@@ -44,8 +44,9 @@ quint32 codeOf(const QKeyEvent& event)
 Qt::CursorShape shapeOf(ViewCursor cursor)
 {
     static constexpr Qt::CursorShape shapes[] = {
-        Qt::ArrowCursor, Qt::SizeAllCursor,      Qt::SizeHorCursor,  Qt::SizeVerCursor,
-        Qt::CrossCursor, Qt::PointingHandCursor, Qt::ForbiddenCursor};
+        Qt::ArrowCursor,     Qt::SizeAllCursor, Qt::SizeHorCursor,
+        Qt::SizeVerCursor,   Qt::CrossCursor,   Qt::PointingHandCursor,
+        Qt::ForbiddenCursor, Qt::CrossCursor,   Qt::CrossCursor};
     return shapes[std::size_t(cursor)];
 }
 

@@ -16,16 +16,21 @@ namespace Marlox {
 class MARLOXSYSTEM_EXPORT Menu {
 public:
     struct Entry {
-        QString text; // "&" marks the letter; empty: a separator
+        /// "&" marks the letter, a tab separates a shortcut that is only shown; empty: a separator.
+        QString text;
+        QString tip; // what it does, or why it can't; empty: none
         unsigned int id = 0;
         bool enabled = true;
         bool checkable = false;
         bool checked = false;
+        bool radio = false;          // checked instead of those that follow one another beside it
         std::vector<Entry> children; // a submenu when not empty
     };
 
     void Add(unsigned int id, const QString& text, bool enabled = true);
     void AddCheck(unsigned int id, const QString& text, bool checked, bool enabled = true);
+    void AddRadio(unsigned int id, const QString& text, bool checked, bool enabled = true);
+    void SetTip(const QString& tip);      // of the entry added last
     void AddSeparator();                  // none at the start or behind another
     Menu AddSubmenu(const QString& text); // writes into this menu; valid until the next Add
     void Clear() { entries_->clear(); }   // for controls that what was added says nothing to

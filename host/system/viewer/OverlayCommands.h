@@ -16,6 +16,9 @@ MARLOXSYSTEM_EXPORT extern const MxID CCMD_HitTest;
 MARLOXSYSTEM_EXPORT extern const MxID CCMD_GetInputAt;
 /// A key went down or repeats; `data` is its Qt::Key, PV_Modifiers in the tags. True: used.
 MARLOXSYSTEM_EXPORT extern const MxID CCMD_KeyDown;
+/// Would this key (as with CCMD_KeyDown) be used? Then it comes to the overlay although it is
+/// a shortcut elsewhere. Nothing is done yet.
+MARLOXSYSTEM_EXPORT extern const MxID CCMD_WantsKey;
 /// All keys are up, or the view lost the keyboard: what they did is one undo entry.
 MARLOXSYSTEM_EXPORT extern const MxID CCMD_KeyUpAll;
 
@@ -23,6 +26,17 @@ MARLOXSYSTEM_EXPORT extern const MxID CCMD_KeyUpAll;
 inline constexpr u32 PV_MouseState = 0x10010002; // of MouseState
 inline constexpr u32 PV_Modifiers = 0x10010003;  // of KeyModifier
 inline constexpr u32 PC_PointerGone = 0x10010004;
+inline constexpr u32 PV_DoubleClick = 0x10010005; // the press is the second of a double click
+
+// What moved the pointer, with presses, moves and releases. A mouse has a time alone, and presses
+// with 1.
+inline constexpr u32 PVD_Pressure = 0x20010010;  // 0 to 1
+inline constexpr u32 PVD_PenHeight = 0x20010011; // above the tablet, in the device's units
+/// Where the pen leans to, degrees from the right, anticlockwise: 0 to 360.
+inline constexpr u32 PVD_AngleXY = 0x20010012;
+inline constexpr u32 PVD_AngleZ = 0x20010013;    // above the tablet's surface, degrees; 90: upright
+inline constexpr u32 PVD_Rotation = 0x20010014;  // about its own axis, degrees, 0 to 360
+inline constexpr u32 PVD_EventTime = 0x20010015; // seconds; only differences tell something
 
 enum MouseState : u32 {
     MouseLeft = 1,

@@ -14,6 +14,7 @@ const MxID OverlayControl::ClassID = "OverlayControl";
 const MxID CCMD_HitTest = "CCMD_HitTest";
 const MxID CCMD_GetInputAt = "CCMD_GetInputAt";
 const MxID CCMD_KeyDown = "CCMD_KeyDown";
+const MxID CCMD_WantsKey = "CCMD_WantsKey";
 const MxID CCMD_KeyUpAll = "CCMD_KeyUpAll";
 
 namespace {

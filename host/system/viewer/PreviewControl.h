@@ -44,6 +44,11 @@ public:
         CloseUndo = 4,  // ResetUndo
     };
 
+    /// Requests of DoInfo.
+    enum Info : unsigned int {
+        InfoToolbarEvent = 1, // describe the button of TB_Event; see ToolbarEvents.h
+    };
+
     PreviewControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
     ~PreviewControl() override;
 
@@ -60,6 +65,8 @@ public:
     /// EndUndo, closes it.
     void StartUndo(const char* text) override;
     void EndUndo(bool keep) override; // false: what the group did is undone
+    /// The context menu for what is under the logical cursor or, with TB_Event in the tags, what
+    /// that button of the toolbar opens.
     void AddToMenu(Menu* menu, TagList& tags) override;
     /// "DisplayChanged": what the overlay draws is another now; a viewer listens to it.
     /// "ValueWritten": SetInputs wrote; PV_Value, PVD_Time, IA_OverlayIndex and PV_Final tell what.

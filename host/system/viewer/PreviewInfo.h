@@ -25,12 +25,26 @@ enum class OverlayColor { Normal, Highlight, Origin, Ghost, Path, PathKey };
 using OverlayColors = std::array<MxColor, 6>;
 
 /// Shapes of the pointer over a view.
-enum class ViewCursor { Arrow, Move, MoveX, MoveY, Turn, Hand, Forbidden };
+enum class ViewCursor { Arrow, Move, MoveX, MoveY, Turn, Hand, Forbidden, Cross, Pen };
 
 /// What lies under the pointer: an overlay and which of its inputs. Null: nothing. Not owned.
 struct ControlHit {
     PreviewControl* control = nullptr;
     Input* input = nullptr;
+};
+
+/// What an overlay may ask of the view it is shown in.
+class ViewServices {
+public:
+    /// The toolbar shows this button (a number of ToolbarEvents.h) as pressed: its overlay's
+    /// buttons are asked for their state anew.
+    virtual void PressEvent(u32 number) = 0;
+    /// Gives the overlay the keys: it gets the focus among the overlays, and the view that of the
+    /// keyboard.
+    virtual void TakeFocus(PreviewControl& overlay) = 0;
+
+protected:
+    ~ViewServices() = default;
 };
 
 /// A view's context, handed to the overlays in it: where the image lies, what the pointer is on, in
@@ -75,6 +89,7 @@ public:
     /// An overlay that fades sets it while it draws: it is hit-tested and drawn again soon.
     bool isFading = false;
 
+    ViewServices* services = nullptr;  // null: a view without a window
     OverlayPainter* painter = nullptr; // while overlays are drawn
     OverlayColors colors{MxColor(228, 228, 228),      MxColor(255, 255, 255),
                          MxColor(160, 160, 160),      MxColor(160, 160, 160, 160),
