@@ -1,5 +1,6 @@
 #include "system/values/Parameter.h"
 
+#include "system/shapes/BSplinePolyLine.h"
 #include "system/values/Image.h"
 
 #include <algorithm>
@@ -95,6 +96,12 @@ Ref<Parameter> makeDefault(Args... args)
     return MakeRef<T>(args...);
 }
 
+template <const char* dataType>
+Ref<Parameter> readShape(const ScriptVal& value)
+{
+    return PolyLine::FromShapeVal(dataType, value);
+}
+
 struct Kind {
     const char* classID;
     Ref<Parameter> (*createDefault)();
@@ -108,6 +115,12 @@ constexpr Kind kinds[] = {
     {CLSID_DataType_Image, [] { return makeDefault<Image>(); }, nullptr},
     {CLSID_DataType_Mask, [] { return makeDefault<Mask>(); }, nullptr},
     {CLSID_DataType_TransformMatrix, [] { return makeDefault<TransformMatrix>(); }, readMatrix},
+    {CLSID_DataType_Polyline, [] { return makeDefault<PolyLine>(); },
+     readShape<CLSID_DataType_Polyline>},
+    {CLSID_DataType_BSplinePolyline, [] { return makeDefault<BSplinePolyLine>(); },
+     readShape<CLSID_DataType_BSplinePolyline>},
+    {CLSID_DataType_CardinalSplinePolyline, [] { return makeDefault<CardinalPolyLine>(); },
+     readShape<CLSID_DataType_CardinalSplinePolyline>},
 };
 
 const Kind* findKind(const MxID& dataType)
