@@ -53,14 +53,38 @@ private:
     OverlayStage& stage_;
 };
 
+/// What overlays ask of their view.
+class OverlayStage::Services final : public ViewServices {
+public:
+    explicit Services(OverlayStage& stage) : stage_(stage) {}
+    void PressEvent(u32) override { emit stage_.ToolbarChanged(); }
+    void TakeFocus(PreviewControl& overlay) override
+    {
+        if (!stage_.IsShownHere(overlay))
+            return;
+        stage_.SetFocus(&overlay);
+        emit stage_.KeyboardWanted();
+    }
+
+private:
+    OverlayStage& stage_;
+};
+
 OverlayStage::OverlayStage(MarloxDoc& document, QObject* parent)
-    : QObject(parent), document_(document), listener_(MakeRef<Listener>(*this))
+    : QObject(parent), document_(document), listener_(MakeRef<Listener>(*this)),
+      services_(std::make_unique<Services>(*this))
 {
+    view_.services = services_.get();
+    connect(this, &OverlayStage::OverlaysChanged, this, &OverlayStage::ToolbarChanged);
     Stages().push_back(this);
     connect(&document_, &MarloxDoc::ToolAdded, this, &OverlayStage::Rebuild);
     connect(&document_, &MarloxDoc::ToolMoved, this, &OverlayStage::Rebuild);
     connect(&document_, &MarloxDoc::ToolAboutToBeRemoved, this,
             [this](Operator* tool) { LetGo(*tool); });
+    connect(&document_, &MarloxDoc::InputAdded, this, &OverlayStage::Rebuild);
+    connect(&document_, &MarloxDoc::InputRemoved, this, &OverlayStage::Rebuild);
+    connect(&document_, &MarloxDoc::InputAboutToBeRemoved, this,
+            [this](Input* input) { LetGo(*input); });
     connect(&document_, &MarloxDoc::ToolChanged, this, &OverlayStage::Changed);
     connect(&document_, &MarloxDoc::Cleared, this, [this] {
         EndDrag();
@@ -121,6 +145,12 @@ std::vector<PreviewControl*> OverlayStage::Overlays() const
     for (const Entry& entry : entries_)
         overlays.push_back(entry.overlay.Get());
     return overlays;
+}
+
+bool OverlayStage::IsShownHere(const PreviewControl& overlay) const
+{
+    return std::any_of(entries_.begin(), entries_.end(),
+                       [&overlay](const Entry& entry) { return entry.overlay.Get() == &overlay; });
 }
 
 PreviewControl* OverlayStage::OverlayOf(const Input& input) const
@@ -230,10 +260,28 @@ void OverlayStage::Discard(const Entry& entry)
     entry.overlay->SetView(nullptr, nullptr); // scripts may still hold it
     if (focus_ == entry.overlay.Get())
         focus_ = nullptr;
+    if (menuOwner_.Get() == entry.overlay.Get())
+        menuOwner_ = nullptr;
     if (view_.currentControl == entry.overlay.Get())
         view_.currentControl = nullptr;
     for (Input* input : std::vector(entry.overlay->Inputs()))
         entry.overlay->RemoveInput(input, nullptr);
+}
+
+/// An input is about to leave its tool.
+void OverlayStage::LetGo(Input& input)
+{
+    input.RemoveNotify(listener_.Get());
+    for (const Entry& entry : std::vector(entries_)) {
+        const auto& inputs = entry.request.inputs;
+        const bool its = std::find(inputs.begin(), inputs.end(), &input) != inputs.end();
+        if (its)
+            std::erase_if(entries_, [&](const Entry& e) { return e.overlay == entry.overlay; });
+        if (its)
+            Discard(entry);
+        else
+            entry.overlay->RemoveInput(&input, nullptr);
+    }
 }
 
 /// A tool is about to leave the document.
@@ -271,6 +319,7 @@ void OverlayStage::SetShown(bool shown)
     KeyUpAll();
     view_.drawMode = shown ? DrawIdle : DrawHidden;
     TestHover();
+    emit ToolbarChanged();
     emit Changed();
 }
 

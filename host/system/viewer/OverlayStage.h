@@ -3,15 +3,19 @@
 #include "system/viewer/PreviewControl.h"
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <vector>
 
 #include <QObject>
 #include <QString>
 
+class QUndoCommand;
+
 namespace Marlox {
 
 class MarloxDoc;
+class Menu;
 class Operator;
 class OverlayPainter;
 
@@ -25,7 +29,9 @@ class OverlayPainter;
 /// takes a press; others may let themselves be driven by it. A second click at the same place gives
 /// the focus to the next overlay there, so that a mark below another can be dragged. A drag renders
 /// at proxy resolution from the first move on and asks for a render at full resolution when it is
-/// over. Overlays that can't be changed show so, and take a press without doing anything.
+/// over. Overlays that can't be changed show so, and take a press without doing anything. The one
+/// that has the focus is asked first, so an overlay that draws takes presses anywhere by answering
+/// CCMD_HitTest or ControlDown so.
 ///
 /// Whatever ends a drag without its release (the tool goes, the view is hidden, the library is
 /// unloaded) must call EndDrag, or happens through this class, which does: no undo group stays
@@ -50,11 +56,11 @@ public:
     void SetShown(bool shown);
     bool IsShown() const { return view_.drawMode != DrawHidden; }
 
-    // The pointer; `modifiers` of KeyModifier.
+    // The pointer; `modifiers` of KeyModifier, `more`: PV_DoubleClick and what a pen tells.
     /// True: an overlay took the press (the release must follow).
-    bool Press(const MxPoint& at, u32 modifiers);
-    void Move(const MxPoint& at, u32 modifiers);
-    void Release(const MxPoint& at, u32 modifiers);
+    bool Press(const MxPoint& at, u32 modifiers, const TagList& more = TagList());
+    void Move(const MxPoint& at, u32 modifiers, const TagList& more = TagList());
+    void Release(const MxPoint& at, u32 modifiers, const TagList& more = TagList());
     void Leave(); // the pointer left the view
     /// The image lies elsewhere below the pointer.
     void PlacementChanged();
@@ -67,6 +73,8 @@ public:
 
     // Keys, with the code of Qt::Key.
     bool KeyDown(int key, u32 modifiers); // false: not used
+    /// Whether the overlay with the focus uses this key, also where it is a shortcut elsewhere.
+    bool WantsKey(int key, u32 modifiers);
     void KeyUpAll();
     /// The overlay that keys go to: the one pressed last, or chosen by FocusNext; null: none.
     PreviewControl* Focus() const { return focus_; }
@@ -75,6 +83,18 @@ public:
     bool NudgesFocus() const;
     /// To the next overlay, or the one before; false: there is no further one. Not in a drag.
     bool FocusNext(bool forward);
+
+    // Buttons (ToolbarEvents.h) and menus. Each ends a drag first.
+    /// The overlay whose toolbar shows: the one with the focus, or else the first of the tool's,
+    /// that has buttons; null: none.
+    PreviewControl* ToolbarOwner() const;
+    /// False: its toolbar has no such button, or not now.
+    bool ClickButton(u32 event);
+    /// The context menu of the overlay under the pointer or else of ToolbarOwner(); with an event,
+    /// what that button opens. False: nothing.
+    bool FillMenu(Menu& menu, u32 event = 0);
+    /// Runs an entry of the menu that was filled last. False: its overlay is gone, or refuses.
+    bool RunMenu(unsigned int id);
 
     /// What the overlay under the pointer says of itself, and what others are there; empty:
     /// nothing.
@@ -90,11 +110,14 @@ signals:
     void Changed();       // to be drawn again
     void CursorChanged(); // View().cursorShape
     void OverlaysChanged();
+    void ToolbarChanged(); // another owner, or a button that is pressed now
+    void KeyboardWanted(); // an overlay takes the keys: the view is to have the keyboard focus
     /// As ControlWnd::ValueWritten, for what overlays write.
     void ValueWritten(Marlox::Input* input, Marlox::Parameter* value, double time, bool final);
 
 private:
     class Listener;
+    class Services;
     /// What the attributes of the inputs ask for.
     struct Request {
         std::vector<Input*> inputs; // the main one, and those that join it
@@ -113,11 +136,16 @@ private:
     Ref<PreviewControl> MakeOverlay(const Request& request);
     void Discard(const Entry& entry);
     void LetGo(Operator& tool);
+    void LetGo(Input& input);
     std::vector<PreviewControl*> PickOrder() const;
     std::vector<PreviewControl*> UnderPointer();
     bool IsNear(const MxPoint& at, const MxPoint& other) const;
     void EndClick(const MxPoint& at);
     void TestHover();
+    TagList PointerTags(const TagList& more) const;
+    bool IsShownHere(const PreviewControl& overlay) const;
+    bool TakesKeys() const;
+    const QUndoCommand* LastEntry() const;
     Input* InputAt(PreviewControl& overlay);
     PreviewControl* Grab(TagList& tags);
     void OfferTo(PreviewControl& other, TagList& tags);
@@ -134,6 +162,7 @@ private:
     Ref<Operator> tool_;
     std::vector<Entry> entries_;
     Ref<Listener> listener_;
+    std::unique_ptr<Services> services_;
     PreviewInfo view_;
     std::array<MxColor, 6> normalColors_; // by OverlayCondition; then that of the focus
     PreviewControl* focus_ = nullptr;
@@ -145,14 +174,18 @@ private:
     Ref<Operator> proxied_; // renders at proxy resolution for this drag
     MxPoint at_;            // of the pointer
     MxPoint pressedAt_;
-    bool moved_ = false;                // since the press
-    std::array<double, 4> placement_{}; // of the image in the view, when it was looked at last
-    bool replaced_ = false;             // the image moved below a drag
-    bool rebuilds_ = false;             // at the next turn of the event loop
-    std::optional<MxPoint> clickedAt_;  // the last press and release, until the pointer goes away
+    bool moved_ = false;                  // since the press
+    TagList pointer_;                     // what came with the last move or release
+    const QUndoCommand* entry_ = nullptr; // the last in the history when the press came
+    std::array<double, 4> placement_{};   // of the image in the view, when it was looked at last
+    bool replaced_ = false;               // the image moved below a drag
+    bool rebuilds_ = false;               // at the next turn of the event loop
+    std::optional<MxPoint> clickedAt_;    // the last press and release, until the pointer goes away
     u32 modifiers_ = 0;
     ViewCursor cursor_ = ViewCursor::Arrow; // as told last
     bool fades_ = false;                    // a step of fading is on its way
+    Ref<PreviewControl> menuOwner_;         // of the menu that was filled last
+    u32 menuEvent_ = 0;                     // the button that opened it; 0: none
 };
 
 } // namespace Marlox

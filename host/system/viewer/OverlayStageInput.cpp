@@ -95,7 +95,21 @@ bool OverlayStage::IsPressed() const
     return pressed_;
 }
 
-bool OverlayStage::Press(const MxPoint& at, u32 modifiers)
+TagList OverlayStage::PointerTags(const TagList& more) const
+{
+    TagList tags{{PV_MouseState, MouseLeft | (modifiers_ & KeyAlt ? MouseAlternate : 0u)},
+                 {PV_Modifiers, modifiers_}};
+    tags.Merge(more);
+    return tags;
+}
+
+const QUndoCommand* OverlayStage::LastEntry() const
+{
+    const QUndoStack& history = document_.Undo().Stack();
+    return history.index() > 0 ? history.command(history.index() - 1) : nullptr;
+}
+
+bool OverlayStage::Press(const MxPoint& at, u32 modifiers, const TagList& more)
 {
     if (pressed_)
         return true;
@@ -107,9 +121,9 @@ bool OverlayStage::Press(const MxPoint& at, u32 modifiers)
     pressedAt_ = at;
     placement_ = Placement();
     moved_ = false;
+    entry_ = LastEntry();
     TestHover();
-    TagList tags{{PV_MouseState, MouseLeft | (modifiers & KeyAlt ? MouseAlternate : 0u)},
-                 {PV_Modifiers, modifiers}};
+    TagList tags = PointerTags(more);
     PreviewControl* under = view_.currentControl;
     if (under && !under->IsEditable()) {
         SetFocus(under);
@@ -153,7 +167,7 @@ void OverlayStage::OfferTo(PreviewControl& other, TagList& tags)
         other.ControlUp(&view_, at_, &tags);
 }
 
-void OverlayStage::Move(const MxPoint& at, u32 modifiers)
+void OverlayStage::Move(const MxPoint& at, u32 modifiers, const TagList& more)
 {
     // In a drag a modifier alone is no move: a click must not write.
     const bool same = at == at_ && pointerInside_ && (pressed_ || modifiers == modifiers_);
@@ -167,8 +181,8 @@ void OverlayStage::Move(const MxPoint& at, u32 modifiers)
     if (!dragged_)
         return;
     StartProxy();
-    TagList tags{{PV_MouseState, MouseLeft | (modifiers & KeyAlt ? MouseAlternate : 0u)},
-                 {PV_Modifiers, modifiers}};
+    pointer_ = more;
+    TagList tags = PointerTags(more);
     const Ref<PreviewControl> dragged = dragged_; // what is written may end the drag
     dragged->ControlMove(&view_, at, &tags);
     for (PreviewControl* other : Overlays()) {
@@ -190,22 +204,24 @@ void OverlayStage::StartProxy()
     document_.SetAutoProxy(tool, true);
 }
 
-void OverlayStage::Release(const MxPoint& at, u32 modifiers)
+void OverlayStage::Release(const MxPoint& at, u32 modifiers, const TagList& more)
 {
     if (!pressed_)
         return;
-    Move(at, modifiers);
+    Move(at, modifiers, more);
+    pointer_ = more;
     EndDrag();
     TestHover();
     EndClick(at);
 }
 
-/// A second click at the same place goes on to the overlay below.
+/// A second click at the same place goes on to the overlay below, unless the click did something.
 void OverlayStage::EndClick(const MxPoint& at)
 {
     const bool again = clickedAt_.has_value();
-    clickedAt_ = moved_ ? std::nullopt : std::optional(at);
-    if (!again || moved_ || !IsShown())
+    const bool plain = !moved_ && LastEntry() == entry_;
+    clickedAt_ = plain ? std::optional(at) : std::nullopt;
+    if (!again || !plain || !IsShown())
         return;
     const std::vector<PreviewControl*> under = UnderPointer();
     const auto found = std::find(under.begin(), under.end(), focus_);
@@ -235,6 +251,7 @@ void OverlayStage::FinishDrag(bool keep)
     if (!dragged)
         return;
     TagList tags{{PV_Modifiers, modifiers_}};
+    tags.Merge(std::exchange(pointer_, {}));
     if (!keep)
         dragged->EndUndo(false);
     for (PreviewControl* other : Overlays()) {
@@ -281,12 +298,22 @@ void OverlayStage::PlacementChanged()
 
 // Keys --------------------------------------------------------------------------------------------
 
+bool OverlayStage::TakesKeys() const
+{
+    return focus_ && !pressed_ && IsShown() && focus_->IsEditable();
+}
+
+bool OverlayStage::WantsKey(int key, u32 modifiers)
+{
+    TagList tags{{PV_Modifiers, modifiers}};
+    return TakesKeys() && focus_->ControlCommand(&view_, CCMD_WantsKey, u64(key), &tags);
+}
+
 bool OverlayStage::KeyDown(int key, u32 modifiers)
 {
-    PreviewControl* overlay = focus_;
-    if (!overlay || pressed_ || !IsShown() || !overlay->IsEditable())
+    if (!TakesKeys())
         return false;
-    const auto alive = Ref<PreviewControl>::Share(overlay);
+    const auto overlay = Ref<PreviewControl>::Share(focus_); // what it does may remove it
     const bool held = std::exchange(view_.keysHeld, true);
     TagList tags{{PV_Modifiers, modifiers}};
     const bool used = overlay->ControlCommand(&view_, CCMD_KeyDown, u64(key), &tags);
@@ -311,6 +338,7 @@ void OverlayStage::SetFocus(PreviewControl* overlay)
     KeyUpAll();
     focus_ = overlay;
     focusShows_ = false;
+    emit ToolbarChanged();
     emit Changed();
 }
 

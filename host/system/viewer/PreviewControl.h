@@ -100,7 +100,8 @@ public:
     /// the motion path of an animated point.
     virtual void GLDrawControls(PreviewInfo* view, TagList* tags);
     // Presses, moves and releases at a position in view pixels; the view's logical cursor is the
-    // same in image coordinates. The press answers how it takes hold, which the base keeps.
+    // same in image coordinates. The press answers how it takes hold, which the base keeps. With
+    // another overlay in the view's hit, that one has taken it, and this is for being driven.
     virtual DragType ControlDown(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
     virtual void ControlMove(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
     virtual void ControlUp(PreviewInfo* view, const MxPointT<int>& at, TagList* tags);
