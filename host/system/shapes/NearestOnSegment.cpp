@@ -186,4 +186,42 @@ SegmentFoot NearestOnSegment(const CurveSegment& segment, ShapePlace at, ShapePl
     return Search(cubic).Best();
 }
 
+CurveFoot DistancePointToPolygon(ShapePlace at, const PolyLine& shape, bool closed,
+                                 ShapePlace scale)
+{
+    if (closed && !shape.IsClosed()) { // a curve may take another course at its ends
+        const Ref<PolyLine> other = shape.CopyShape();
+        if (other->Close())
+            return DistancePointToPolygon(at, *other, true, scale);
+    }
+    CurveFoot foot;
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < shape.GetCount(); ++i) {
+        const PolyPoint& point = shape.Points()[std::size_t(i)];
+        const double x = (point.x - at.x) * scale.x;
+        const double y = (point.y - at.y) * scale.y;
+        if (const double square = x * x + y * y; square < least) {
+            least = square;
+            foot.nearest = i;
+        }
+    }
+    SegmentFoot best{std::numeric_limits<double>::infinity(), 0.0};
+    const int segments = shape.GetSegmentsCount() - int(shape.IsClosed() && !closed);
+    for (int i = 0; i < segments; ++i) {
+        if (shape.Points()[std::size_t(i)].Has(PPF_Gap))
+            continue;
+        const SegmentFoot found = NearestOnSegment(shape.Segment(i), at, scale);
+        if (found.square < best.square) {
+            best = found;
+            foot.segment = i;
+        }
+    }
+    if (foot.segment < 0)
+        return foot;
+    foot.distance = std::sqrt(best.square);
+    foot.t = best.t;
+    foot.foot = shape.Segment(foot.segment).At(best.t);
+    return foot;
+}
+
 } // namespace Marlox
