@@ -47,12 +47,12 @@ private:
 
 inline double RunTree::Box::SquareTo(ShapePlace at, ShapePlace scale) const
 {
-    const auto along = [](double from, double to, double at, double scale) {
-        const double below = from - at;
-        const double above = at - to;
+    const auto along = [](double from, double to, double place, double unit) {
+        const double below = from - place;
+        const double above = place - to;
         const double outside = std::max({below, above, 0.0});
         const double unsure = 1e-12 * std::max(std::abs(below), std::abs(above));
-        return std::max(outside - unsure, 0.0) * scale;
+        return std::max(outside - unsure, 0.0) * unit;
     };
     const double x = along(low.x, high.x, at.x, scale.x);
     const double y = along(low.y, high.y, at.y, scale.y);
