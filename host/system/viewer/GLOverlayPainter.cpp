@@ -21,6 +21,11 @@ OverlayPoint Nearer(OverlayPoint point)
     return {std::clamp(point.x, -farthest, farthest), std::clamp(point.y, -farthest, farthest)};
 }
 
+MxPoint PixelOf(OverlayPoint at)
+{
+    return {int(std::floor(at.x)), int(std::floor(at.y))};
+}
+
 bool IsOblique(OverlayPainter::Shape shape, std::span<const OverlayPoint> points)
 {
     const std::size_t step = shape == OverlayPainter::Shape::Lines ? 2 : 1;
@@ -100,12 +105,27 @@ bool GLOverlayPainter::AddStamp(Shape shape, std::span<const OverlayPoint> point
     const State& state = Current();
     if (!state.framed || state.dashed || (shape <= Shape::Strip && !IsOblique(shape, points)))
         return false;
-    const OverlayPoint at{std::floor(state.origin.x), std::floor(state.origin.y)};
+    return IsMarkInView(state.origin) &&
+           stamps_->Add({shape, points, state.scale, state.color}, PixelOf(state.origin));
+}
+
+bool GLOverlayPainter::IsMarkInView(OverlayPoint at) const
+{
     const double margin = markRoom * unit_;
-    const bool inView =
-        at.x > -margin && at.x < width_ + margin && at.y > -margin && at.y < height_ + margin;
-    return inView &&
-           stamps_->Add({shape, points, state.scale, state.color}, {int(at.x), int(at.y)});
+    return at.x > -margin && at.x < width_ + margin && at.y > -margin && at.y < height_ + margin;
+}
+
+void GLOverlayPainter::EmitMarks(Shape shape, std::span<const OverlayPoint> points,
+                                 std::span<const OverlayPoint> places, double scale)
+{
+    origins_.clear();
+    for (const OverlayPoint& place : places) {
+        if (IsMarkInView(place))
+            origins_.push_back(PixelOf(place));
+    }
+    const State& state = Current();
+    if (state.dashed || !stamps_->Add({shape, points, scale, state.color}, origins_))
+        OverlayPainter::EmitMarks(shape, points, places, scale);
 }
 
 /// A fan of triangles. Nothing if a corner is far outside the view, or no number.

@@ -36,6 +36,22 @@ void OverlayPainter::Draw(Shape shape, std::span<const OverlayPoint> points)
         Emit(shape, points);
 }
 
+void OverlayPainter::Marks(Shape shape, std::span<const OverlayPoint> points,
+                           std::span<const OverlayPoint> places, double scale)
+{
+    if (points.size() >= 2 && !places.empty())
+        EmitMarks(shape, points, places, scale);
+}
+
+void OverlayPainter::EmitMarks(Shape shape, std::span<const OverlayPoint> points,
+                               std::span<const OverlayPoint> places, double scale)
+{
+    for (const OverlayPoint& place : places) {
+        const Mark mark(*this, place, scale);
+        Emit(shape, points);
+    }
+}
+
 OverlayPainter::Mark::Mark(OverlayPainter& painter, OverlayPoint at, double scale) : saved_(painter)
 {
     painter.state_.framed = true;

@@ -44,6 +44,9 @@ public:
     void Strip(std::span<const OverlayPoint> points) { Draw(Shape::Strip, points); }
     void Loop(std::span<const OverlayPoint> points) { Draw(Shape::Loop, points); }
     void Fill(std::span<const OverlayPoint> points) { Draw(Shape::Fill, points); }
+    /// One shape of a mark at many places, each as in a Mark of its own.
+    void Marks(Shape shape, std::span<const OverlayPoint> points,
+               std::span<const OverlayPoint> places, double scale);
     // The same for points written out.
     void Strip(std::initializer_list<OverlayPoint> points) { Draw(Shape::Strip, AsSpan(points)); }
     void Loop(std::initializer_list<OverlayPoint> points) { Draw(Shape::Loop, AsSpan(points)); }
@@ -87,6 +90,9 @@ public:
 
 protected:
     virtual void Emit(Shape shape, std::span<const OverlayPoint> points) = 0;
+    /// By Emit, one by one, unless there is a better way.
+    virtual void EmitMarks(Shape shape, std::span<const OverlayPoint> points,
+                           std::span<const OverlayPoint> places, double scale);
     const State& Current() const { return state_; }
 
 private:
@@ -120,7 +126,10 @@ private:
     /// Pairs of vertices.
     using Vertices = std::vector<Vertex>;
     void Emit(Shape shape, std::span<const OverlayPoint> points) override;
+    void EmitMarks(Shape shape, std::span<const OverlayPoint> points,
+                   std::span<const OverlayPoint> places, double scale) override;
     bool AddStamp(Shape shape, std::span<const OverlayPoint> points);
+    bool IsMarkInView(OverlayPoint at) const;
     OverlayPoint Placed(OverlayPoint point) const;
     double OnPixel(double at) const;
     void AddLine(OverlayPoint from, OverlayPoint to);
@@ -137,7 +146,8 @@ private:
     Vertices smoothCasing_;
     Vertices dashed_;
     Vertices dashedCasing_;
-    Vertices fills_; // triangles
+    Vertices fills_;               // triangles
+    std::vector<MxPoint> origins_; // of the marks that are being added
     std::unique_ptr<MarkStamps> stamps_;
 };
 
