@@ -25,6 +25,8 @@ constexpr TagMapEntry hostTags[] = {
     {"IA_ReadOnly", IA_ReadOnly},
     {"IA_OverlayStays", IA_OverlayStays},
     {"IA_Stepped", IA_Stepped},
+    {"IA_Computed", IA_Computed},
+    {"IA_Published", IA_Published},
     {"IAD_Minimum", IAD_Minimum},
     {"IAD_Maximum", IAD_Maximum},
     {"IAD_LowScale", IAD_LowScale},

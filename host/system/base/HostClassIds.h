@@ -15,6 +15,7 @@ inline constexpr char CLSID_InputControl_List[] = "ListControl";
 inline constexpr char CLSID_InputControl_ListID[] = "ListIDControl";
 inline constexpr char CLSID_InputControl_MultiButton[] = "MultiButtonControl";
 inline constexpr char CLSID_InputControl_MultiButtonID[] = "MultiButtonIDControl";
+inline constexpr char CLSID_InputControl_Offset[] = "OffsetControl"; // a point as two numbers
 inline constexpr char CLSID_InputControl_Slider[] = "SliderControl";
 inline constexpr char CLSID_PreviewControl_Angle[] = "AngleControl";
 inline constexpr char CLSID_PreviewControl_Crop[] = "CropControl";

@@ -181,7 +181,7 @@ void ControlWnd::Private::RefreshMoving()
 {
     for (const Ref<InputControl>& control : std::vector(page.controls_)) {
         for (Input* input : InputList(control->Inputs())) {
-            if ((input->HasExpression() || input->IsAnimated()) && control->IsOpen())
+            if (input->Moves() && control->IsOpen())
                 control->Refresh(*input);
         }
     }

@@ -100,6 +100,35 @@ void ControlWnd::Private::ConnectDocument()
         }
     });
     QObject::connect(document, &MarloxDoc::CurrentTimeChanged, &page, [this] { RefreshMoving(); });
+    QObject::connect(document, &MarloxDoc::InputAdded, &page, [this](Input* input) {
+        if (&input->Owner() == page.operator_)
+            PostReopen();
+    });
+    QObject::connect(document, &MarloxDoc::InputAboutToBeRemoved, &page, [this](Input* input) {
+        if (&input->Owner() != page.operator_)
+            return;
+        suspended = tool;
+        Release();
+        PostReopen();
+    });
+}
+
+/// Makes the rows anew at the next turn of the event loop: the tool has other inputs then.
+void ControlWnd::Private::PostReopen()
+{
+    if (std::exchange(reopenPosted, true))
+        return;
+    QMetaObject::invokeMethod(
+        &page,
+        [this] {
+            reopenPosted = false;
+            const Ref<Operator> shown = tool ? tool : std::exchange(suspended, nullptr);
+            if (!shown || !shown->GetDoc())
+                return;
+            Release();
+            Show(shown.Get());
+        },
+        Qt::QueuedConnection);
 }
 
 Ref<InputControl> ControlWnd::Private::Make(const Group& group, QString& problem)

@@ -109,6 +109,7 @@ public:
     int height = 0;
     QSize laidOut{0, 0}; // both, when the rows were last placed
     bool layoutPosted = false;
+    bool reopenPosted = false;
     bool opening = false;                   // the rows are being made
     const InputControl* revealed = nullptr; // heading to scroll to, only compared
     QElapsedTimer lastScroll;
@@ -126,6 +127,7 @@ private:
         return !row.folded && (!row.control || !row.control->IsRowHidden());
     }
     void ConnectDocument();
+    void PostReopen();
     void OpenUnfolded();
     void AdoptTabOrder(const Row& row);
     int Indent(const Row& row) const { return row.heading ? row.level * nestIndent : 0; }

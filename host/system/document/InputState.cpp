@@ -44,16 +44,11 @@ std::optional<Interpolation> interpolationNamed(const std::string& name)
 
 bool readKeys(const Input& input, const ScriptVal& list, Animation& out)
 {
-    if (!list.IsTable() || !list.Fields().empty())
+    Animation read;
+    if (!ReadKeys(input.GetDataType(), list, read))
         return false;
-    for (const ScriptVal& entry : list.Elements()) {
-        const auto value = Parameter::FromScriptVal(input.GetDataType(), entry.At(2));
-        const auto interpolation = interpolationNamed(entry.At(3).ToString("Smooth"));
-        if (!entry.At(1).IsNumber() || !std::isfinite(entry.At(1).ToNumber()) || !value ||
-            !interpolation)
-            return false;
-        out.SetKey(entry.At(1).ToNumber(), input.Accepted(*value), interpolation);
-    }
+    for (const auto& [time, key] : read.Keys())
+        out.SetKey(time, input.Accepted(*key.value), key.interpolation);
     return true;
 }
 
@@ -80,21 +75,41 @@ bool readText(const ScriptVal& value, std::string& out)
 
 } // namespace
 
-ScriptVal WriteInputState(const Input& input)
+ScriptVal WriteKeys(const Animation& animation)
 {
-    const Input::State& state = input.GetState();
-    ScriptVal table = ScriptVal::MakeTable();
-    if (state.value)
-        table.Set("Value", state.value->ToScriptVal());
     ScriptVal keys;
-    for (const auto& [time, key] : state.animation.Keys()) {
+    for (const auto& [time, key] : animation.Keys()) {
         ScriptVal entry;
         entry.Append(time);
         entry.Append(key.value->ToScriptVal());
         entry.Append(nameOf(key.interpolation));
         keys.Append(entry);
     }
-    table.Set("Keys", keys);
+    return keys;
+}
+
+bool ReadKeys(const MxID& dataType, const ScriptVal& list, Animation& out)
+{
+    if (!list.IsTable() || !list.Fields().empty())
+        return false;
+    for (const ScriptVal& entry : list.Elements()) {
+        const auto value = Parameter::FromScriptVal(dataType, entry.At(2));
+        const auto interpolation = interpolationNamed(entry.At(3).ToString("Smooth"));
+        if (!entry.At(1).IsNumber() || !std::isfinite(entry.At(1).ToNumber()) || !value ||
+            !interpolation)
+            return false;
+        out.SetKey(entry.At(1).ToNumber(), value, interpolation);
+    }
+    return true;
+}
+
+ScriptVal WriteInputState(const Input& input)
+{
+    const Input::State& state = input.GetState();
+    ScriptVal table = ScriptVal::MakeTable();
+    if (state.value)
+        table.Set("Value", state.value->ToScriptVal());
+    table.Set("Keys", WriteKeys(state.animation));
     if (!state.expression.empty())
         table.Set("Expression", state.expression);
     if (!state.source.empty())

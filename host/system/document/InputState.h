@@ -16,6 +16,11 @@ namespace Marlox {
 /// Fields that say nothing (no keys, no expression, the pixels of an image) are left out.
 ScriptVal WriteInputState(const Input& input);
 
+/// The keys alone, and values of a kind back from them; nil: there are none. False: of the wrong
+/// form.
+ScriptVal WriteKeys(const Animation& animation);
+bool ReadKeys(const MxID& dataType, const ScriptVal& list, Animation& out);
+
 /// Reads what WriteInputState wrote, with values as the input accepts them; fields left out mean
 /// the default. Nothing and `error`, naming the field, if a field is of the wrong form. Fields that
 /// are not known, or that the input takes none of, are named in `notes`.

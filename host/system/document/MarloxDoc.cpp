@@ -5,6 +5,7 @@
 #include "system/document/DocumentText.h"
 #include "system/document/Preferences.h"
 #include "system/evaluation/Renderer.h"
+#include "system/shapes/ShapeLinks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -121,6 +122,7 @@ bool MarloxDoc::RemoveTool(Operator& tool)
     undo_->EndGestures(); // a drag of the tool is an entry of its own
     undo_->Begin(text);
     BypassConnections(*this, tool);
+    ReleaseFollowers(*this, tool);
     Take(tool);
     PushStep([this, held, at] { Insert(held, at); }, [this, held] { Take(*held); }, text);
     undo_->End();
@@ -284,13 +286,14 @@ void MarloxDoc::TellInputChanged(Input& input)
     TellExpressions(&input);
 }
 
-/// Expressions may refer to anything that has changed; what they refer to only they know.
+/// Expressions may refer to anything that has changed; what they refer to only they know. So may
+/// what tools compute, and shapes with points that feed inputs or follow other shapes.
 void MarloxDoc::TellExpressions(const Input* except)
 {
     std::vector<Ref<Input>> told;
     for (const Ref<Operator>& tool : tools_) {
         for (const Ref<Input>& input : tool->Inputs()) {
-            if (input->HasExpression() && input.Get() != except)
+            if (input->DependsOnOthers() && input.Get() != except)
                 told.push_back(input);
         }
     }

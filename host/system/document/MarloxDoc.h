@@ -115,6 +115,10 @@ signals:
     void ToolMoved(Marlox::Operator* tool, int position);
     void ToolChanged(Marlox::Operator* tool); // name, enabled, locked
     void InputChanged(Marlox::Input* input);  // value, keys, expression, connection
+    // Inputs that come to a tool later and go again: published points.
+    void InputAdded(Marlox::Input* input);
+    void InputAboutToBeRemoved(Marlox::Input* input);
+    void InputRemoved(Marlox::Input* input); // still alive
     void CurrentTimeChanged(double time);
     void FrameRangeChanged(double first, double last);
     void AutoProxyChanged(bool on);

@@ -12,16 +12,18 @@ namespace Marlox {
 namespace {
 
 /// One step upstream, whether that tool is disabled or not. A disabled source in the order is left
-/// out: it has nothing to pass through.
+/// out: it has nothing to pass through. Modifiers are no part of the flow.
 Operator* directFeed(const MarloxDoc& document, const Input& input)
 {
-    if (!input.GetState().source.empty())
-        return input.GetSource();
+    if (!input.GetState().source.empty()) {
+        Operator* source = input.GetSource();
+        return source && !source->IsModifier() ? source : nullptr;
+    }
     if (input.Owner().ImageInput() != &input)
         return nullptr;
     for (int i = document.IndexOf(input.Owner()) - 1; i >= 0; --i) {
         Operator* tool = document.Tools()[std::size_t(i)].Get();
-        if (!tool->IsDisabled() || tool->ImageInput())
+        if (!tool->IsModifier() && (!tool->IsDisabled() || tool->ImageInput()))
             return tool;
     }
     return nullptr;

@@ -4,6 +4,7 @@
 #include "system/document/ExpressionNames.h"
 #include "system/document/InputState.h"
 #include "system/document/MarloxDoc.h"
+#include "system/document/PublishedInputs.h"
 
 #include <algorithm>
 
@@ -13,7 +14,8 @@ namespace Marlox {
 
 namespace {
 
-constexpr const char* knownFields[] = {"Class", "Name", "Locked", "Disabled", "Inputs"};
+constexpr const char* knownFields[] = {"Class",    "Name",      "Locked",
+                                       "Disabled", "Published", "Inputs"};
 
 QString tr(const char* text)
 {
@@ -97,7 +99,7 @@ bool Operator::SetLocked(bool locked)
 
 bool Operator::DisableTool(bool disable)
 {
-    if (locked_)
+    if (locked_ || IsModifier())
         return disabled_ == disable;
     return SetFlag(&Operator::disabled_, disable, disable ? tr("Disable %1") : tr("Enable %1"));
 }
@@ -123,6 +125,16 @@ Input* Operator::ImageInput() const
     return input && input->IsImage() ? input : nullptr;
 }
 
+Ref<Parameter> Operator::Compute(const Input&, double) const
+{
+    return nullptr;
+}
+
+ShapePlacement Operator::PlacementOf(const Input&, double) const
+{
+    return {};
+}
+
 double Operator::CurrentTime() const
 {
     return document_ ? document_->CurrentTime() : 0.0;
@@ -137,23 +149,37 @@ bool Operator::SaveState(ScriptVal& state) const
         state.Set("Locked", true);
     if (disabled_)
         state.Set("Disabled", true);
+    if (const ScriptVal published = WritePublished(*this); !published.IsNil())
+        state.Set("Published", published);
     ScriptVal inputs = ScriptVal::MakeTable();
-    for (const Ref<Input>& input : inputs_)
-        inputs.Set(input->GetID().View(), WriteInputState(*input));
+    for (const Ref<Input>& input : inputs_) {
+        if (!input->IsComputed())
+            inputs.Set(input->GetID().View(), WriteInputState(*input));
+    }
     for (const auto& [id, value] : unknownInputs_.Fields())
         inputs.Set(id, value.Clone());
     state.Set("Inputs", inputs);
     return true;
 }
 
-bool Operator::ReadInputs(const ScriptVal& table, InputStates& out, ScriptVal& unknown,
-                          QString& error, QStringList& notes) const
+bool Operator::ReadInputs(const ScriptVal& table, Settings& out, QString& error,
+                          QStringList& notes) const
 {
+    const auto inputOf = [&](const MxID& id) -> Input* {
+        for (const Ref<Input>& input : out.published) {
+            if (input->GetID() == id)
+                return input.Get();
+        }
+        Input* own = FindInput(id);
+        return own && !own->GetAttrB(IA_Published) ? own : nullptr;
+    };
     for (const auto& [id, value] : table.Fields()) {
         const QString inputName = QString::fromStdString(id);
-        Input* input = FindInput(MxID(std::string_view(id)));
+        Input* input = inputOf(MxID(std::string_view(id)));
+        if (input && input->IsComputed())
+            continue;
         if (!input) {
-            unknown.Set(id, value.Clone());
+            out.unknown.Set(id, value.Clone());
             notes += tr("The tool \"%1\" has no input \"%2\"; it is kept in the file.")
                          .arg(name_.isEmpty() ? toolType_.ToString() : name_, inputName);
             continue;
@@ -166,7 +192,7 @@ bool Operator::ReadInputs(const ScriptVal& table, InputStates& out, ScriptVal& u
         }
         for (const QString& note : inputNotes)
             notes += tr("Tool \"%1\", input \"%2\": %3.").arg(name_, inputName, note);
-        out.emplace_back(input, *read);
+        out.states.emplace_back(input, *read);
     }
     return true;
 }
@@ -182,12 +208,13 @@ bool Operator::RestoreState(const ScriptVal& state, QString& error, QStringList&
 {
     if (!IsOwnState(state, error))
         return false;
-    InputStates states;
-    ScriptVal unknown;
+    Settings settings;
+    settings.disabled = state.Get("Disabled").ToBool() && !IsModifier();
     const QString before = name_;
     if (!document_)
         name_ = QString::fromStdString(state.Get("Name").ToString()).simplified();
-    if (!ReadInputs(state.Get("Inputs"), states, unknown, error, notes)) {
+    if (!ReadPublished(state.Get("Published"), settings, error) ||
+        !ReadInputs(state.Get("Inputs"), settings, error, notes)) {
         name_ = before;
         return false;
     }
@@ -198,13 +225,10 @@ bool Operator::RestoreState(const ScriptVal& state, QString& error, QStringList&
                          .arg(name_, QString::fromStdString(field));
     }
     if (document_) {
-        ChangeTo(std::move(states), std::move(unknown), state.Get("Disabled").ToBool(), notes);
+        ChangeTo(std::move(settings), notes);
         return true;
     }
-    unknownInputs_ = unknown;
-    for (const auto& [input, inputState] : states)
-        input->RestoreInputState(inputState);
-    disabled_ = state.Get("Disabled").ToBool();
+    TakeOver(std::move(settings));
     locked_ = state.Get("Locked").ToBool();
     return true;
 }
@@ -230,31 +254,52 @@ bool Operator::IsOwnState(const ScriptVal& state, QString& error) const
     return false;
 }
 
+/// Outside of a document: nothing is recorded.
+void Operator::TakeOver(Settings settings)
+{
+    std::erase_if(inputs_, [](const Ref<Input>& input) { return input->GetAttrB(IA_Published); });
+    inputs_.insert(inputs_.end(), settings.published.begin(), settings.published.end());
+    unknownInputs_ = settings.unknown;
+    for (const auto& [input, inputState] : settings.states)
+        input->RestoreInputState(inputState);
+    disabled_ = settings.disabled;
+}
+
 /// The change within a document, as one undo step. Connections that can't be made stay as they are.
-void Operator::ChangeTo(InputStates states, ScriptVal unknown, bool disabled, QStringList& notes)
+void Operator::ChangeTo(Settings settings, QStringList& notes)
 {
     MarloxDoc& document = *document_;
     document.Undo().Begin(tr("Change Settings of %1").arg(name_));
-    if (!(unknown == unknownInputs_)) {
+    for (const Ref<Input>& input : std::vector(inputs_)) {
+        const auto& kept = settings.published;
+        if (input->GetAttrB(IA_Published) &&
+            std::find(kept.begin(), kept.end(), input) == kept.end())
+            RemovePublishedInput(*input);
+    }
+    for (const Ref<Input>& input : settings.published) {
+        if (FindInput(input->GetID()) != input.Get())
+            Adopt(input, QString());
+    }
+    if (const ScriptVal& unknown = settings.unknown; !(unknown == unknownInputs_)) {
         const auto take = [self = Ref<Operator>::Share(this)](const ScriptVal& inputs) {
             self->unknownInputs_ = inputs;
         };
         document.PushStep([take, before = unknownInputs_] { take(before); },
-                          [take, unknown] { take(unknown); }, QString());
+                          [take, unknown = unknown] { take(unknown); }, QString());
         unknownInputs_ = unknown;
     }
-    for (auto& [input, next] : states) {
+    for (auto& [input, next] : settings.states) {
         const std::string present = input->GetState().source;
         const Operator* source = document.FindTool(QString::fromStdString(next.source));
         if (next.source != present && !next.source.empty() &&
-            (!source || document.IsFedBy(*source, *this))) {
+            (!source || source->IsModifier() || document.IsFedBy(*source, *this))) {
             notes += tr("Tool \"%1\", input \"%2\": it can't be connected to \"%3\".")
                          .arg(name_, input->GetName(), QString::fromStdString(next.source));
             next.source = present;
         }
         input->ChangeTo(std::move(next));
     }
-    DisableTool(disabled);
+    DisableTool(settings.disabled);
     document.Undo().End();
 }
 

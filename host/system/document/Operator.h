@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/evaluation/Process.h"
+#include "system/shapes/ShapePlacement.h"
 #include "system/values/Input.h"
 
 #include <memory>
@@ -17,6 +18,9 @@ class MarloxDoc;
 /// classes register with ClassKind::Tool; a document creates them by class id. Changes of name,
 /// lock and enabling are undo steps of the document. A locked tool refuses every change but
 /// unlocking; undo and redo pass.
+///
+/// A tool may be a modifier: it makes no image but values that others read by expressions
+/// ("Path1.Position"). Images flow past it, and it can't be disabled.
 class MARLOXSYSTEM_EXPORT Operator : public Object {
 public:
     explicit Operator(const Registry* record);
@@ -30,7 +34,7 @@ public:
     bool SetName(const QString& name);
     bool IsLocked() const { return locked_; }
     bool SetLocked(bool locked);
-    /// A disabled tool passes its image through unchanged.
+    /// A disabled tool passes its image through unchanged. A modifier can't be disabled.
     bool IsDisabled() const { return disabled_; }
     bool DisableTool(bool disable);
 
@@ -40,6 +44,25 @@ public:
     /// For constructors of tools. The inspector control shared by several inputs shows up once, at
     /// the first of them.
     Input& AddInput(const MxID& id, const TagList& attributes);
+    /// Adds a Point input that stands for a point of one of the tool's shapes: shown, connected,
+    /// animated, saved and copied like those the tool was made with. Its id is `name` as far as
+    /// scripts can have it, with a number behind it when it is taken; by default the first free one
+    /// of "Point0", "Point1" and so on. An undo step. Null: the tool is locked.
+    Input* AddPublishedInput(const QString& name = {}, double x = 0.5, double y = 0.5);
+    /// An undo step. False: the tool is locked, or it was not added by AddPublishedInput. Links of
+    /// shapes to it are the caller's (see UnpublishPoints).
+    bool RemovePublishedInput(Input& input);
+    /// The same inputs as another tool has (a copy's, without their values); undo steps.
+    void AddPublishedInputsOf(const Operator& other);
+
+    virtual bool IsModifier() const { return false; }
+    /// The value at `time` of an input with IA_Computed; null: its default.
+    virtual Ref<Parameter> Compute(const Input& input, double time) const;
+
+    /// Where the tool puts one of its shapes in the image; as it is, unless told. The places of the
+    /// shape's published points, and those that following points share, are the image's.
+    virtual ShapePlacement PlacementOf(const Input& shape, double time) const;
+
     /// The input for the picture that comes from upstream, id "Input"; null for a source.
     Input* ImageInput() const;
 
@@ -68,10 +91,24 @@ public:
 private:
     friend class MarloxDoc;
     using InputStates = std::vector<std::pair<Input*, Input::State>>;
-    bool ReadInputs(const ScriptVal& table, InputStates& out, ScriptVal& unknown, QString& error,
+    /// What a table of settings holds, read before any of it is taken over.
+    struct Settings {
+        InputStates states;
+        std::vector<Ref<Input>> published; // those that it has; new ones among them
+        ScriptVal unknown;
+        bool disabled = false;
+    };
+    bool ReadInputs(const ScriptVal& table, Settings& out, QString& error,
                     QStringList& notes) const;
+    bool ReadPublished(const ScriptVal& list, Settings& out, QString& error);
     bool IsOwnState(const ScriptVal& state, QString& error) const;
-    void ChangeTo(InputStates states, ScriptVal unknown, bool disabled, QStringList& notes);
+    void ChangeTo(Settings settings, QStringList& notes);
+    void TakeOver(Settings settings);
+    Ref<Input> MakePublished(const MxID& id, const QString& name, double x, double y);
+    MxID FreeInputID(const QString& name) const;
+    void Adopt(const Ref<Input>& input, const QString& text);
+    void InsertInput(const Ref<Input>& input, std::size_t at);
+    void TakeInput(Input& input);
     bool SetFlag(bool Operator::*flag, bool on, const QString& text);
 
     MxID toolType_;

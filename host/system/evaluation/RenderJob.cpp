@@ -48,16 +48,17 @@ auto guarded(QString& error, Work work) -> decltype(work())
     return {};
 }
 
-/// The tool whose output stands for the output of `tool` (null: of the document).
+/// The tool whose output stands for the output of `tool` (null: of the document, as for a
+/// modifier).
 Operator* outputTool(const MarloxDoc& document, const Operator* tool)
 {
-    if (tool) {
+    if (tool && !tool->IsModifier()) {
         if (!tool->IsDisabled())
             return const_cast<Operator*>(tool);
         return tool->ImageInput() ? document.FeedOf(*tool->ImageInput()) : nullptr;
     }
     for (auto at = document.Tools().rbegin(); at != document.Tools().rend(); ++at) {
-        if (!(*at)->IsDisabled() || (*at)->ImageInput())
+        if (!(*at)->IsModifier() && (!(*at)->IsDisabled() || (*at)->ImageInput()))
             return outputTool(document, at->Get());
     }
     return nullptr;

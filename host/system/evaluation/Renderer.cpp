@@ -113,6 +113,8 @@ void Renderer::Private::ListenToDocument()
     connect(&document_, &MarloxDoc::ToolAdded, &renderer_, request);
     connect(&document_, &MarloxDoc::ToolMoved, &renderer_, request);
     connect(&document_, &MarloxDoc::ToolChanged, &renderer_, request);
+    connect(&document_, &MarloxDoc::InputAdded, &renderer_, request);
+    connect(&document_, &MarloxDoc::InputRemoved, &renderer_, request);
     connect(&document_, &MarloxDoc::CurrentTimeChanged, &renderer_, request);
     connect(&document_, &MarloxDoc::FrameRangeChanged, &renderer_, request); // and the rate
     connect(&document_, &MarloxDoc::AutoProxyChanged, &renderer_, [this](bool on) {

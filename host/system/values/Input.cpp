@@ -3,6 +3,7 @@
 #include "system/base/ScriptServices.h"
 #include "system/document/MarloxDoc.h"
 #include "system/document/Operator.h"
+#include "system/shapes/ShapeLinks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,16 +52,16 @@ bool operator==(const Input::State& a, const Input::State& b)
 class Input::Step final : public UndoStep {
 public:
     Step(Input& input, State before, State after)
-        : tool_(Ref<Operator>::Share(&input.owner_)), input_(input), before_(std::move(before)),
-          after_(std::move(after))
+        : tool_(Ref<Operator>::Share(&input.owner_)), input_(Ref<Input>::Share(&input)),
+          before_(std::move(before)), after_(std::move(after))
     {
     }
-    void Undo() override { input_.RestoreInputState(before_); }
-    void Redo() override { input_.RestoreInputState(after_); }
+    void Undo() override { input_->RestoreInputState(before_); }
+    void Redo() override { input_->RestoreInputState(after_); }
     bool Absorb(UndoStep& later) override
     {
         auto* step = dynamic_cast<Step*>(&later);
-        if (!step || &step->input_ != &input_)
+        if (!step || !(step->input_ == input_))
             return false;
         after_ = std::move(step->after_);
         return true;
@@ -69,7 +70,7 @@ public:
 
 private:
     Ref<Operator> tool_;
-    Input& input_;
+    Ref<Input> input_; // a published one may have left its tool
     State before_;
     State after_;
 };
@@ -81,6 +82,12 @@ Input::Input(Operator& owner, const MxID& id, const TagList& attributes)
     if (!Parameter::CreateDefault(dataType_)) {
         dataType_ = CLSID_DataType_Number;
         attributes_.Set(IAS_DataType, CLSID_DataType_Number);
+    }
+    computed_ = attributes_.GetBool(IA_Computed);
+    if (computed_) {
+        attributes_.Set(IA_ReadOnly, true);
+        attributes_.Set(IA_Passive, true);
+        attributes_.Set(IA_Animatable, false);
     }
     state_.value = DefaultValue();
 }
@@ -139,7 +146,16 @@ Ref<Parameter> Input::GetValue(double time) const
 {
     if (IsImage() && !state_.source.empty())
         return nullptr;
+    if (computed_) {
+        const Ref<Parameter> value = owner_.Compute(*this, time);
+        return value && value->GetDataType() == dataType_ ? value : state_.value;
+    }
     return HasExpression() ? EvaluateExpression(time) : GetPlainValue(time);
+}
+
+bool Input::DependsOnOthers() const
+{
+    return HasExpression() || computed_ || HasLinks(state_);
 }
 
 Ref<Parameter> Input::EvaluateExpression(double time) const
@@ -191,7 +207,7 @@ bool Input::ChangeTo(State next, Force force)
 
 bool Input::Change(State next, const QString& text, Force force)
 {
-    if (force == Ask && !IsChangeable())
+    if (computed_ || (force == Ask && !IsChangeable()))
         return false;
     if (next == state_)
         return true;
@@ -299,7 +315,7 @@ bool Input::Connect(Operator* source)
 {
     const MarloxDoc* document = GetDoc();
     if (source && (!IsImage() || !document || source->GetDoc() != document ||
-                   document->IsFedBy(*source, owner_)))
+                   source->IsModifier() || document->IsFedBy(*source, owner_)))
         return false;
     State next = state_;
     next.source = source ? source->GetName().toStdString() : std::string();
@@ -337,8 +353,11 @@ void Input::Announce(bool reconnected)
 
 void Input::RenameSource(const std::string& from, const std::string& to)
 {
-    if (state_.source == from && !from.empty())
+    if (from.empty())
+        return;
+    if (state_.source == from)
         state_.source = to;
+    RenameToolInLinks(state_, from, to);
 }
 
 void Input::AddControl(Object* control)

@@ -57,6 +57,14 @@ public:
     Operator& Owner() const { return owner_; }
     const MxID& GetID() const { return id_; }
     QString GetName() const; // IAS_Name, or the id
+    /// With IA_Computed: its tool works it out whenever it is asked for (Operator::Compute), from
+    /// the other inputs. It takes no value, no keys, no expression, and documents don't keep it.
+    bool IsComputed() const { return computed_; }
+    /// Whether its value may change with other inputs: by an expression, because it is computed, or
+    /// because points of its shape are linked.
+    bool DependsOnOthers() const;
+    /// Whether its value may be another one at another time.
+    bool Moves() const { return IsAnimated() || DependsOnOthers(); }
     MxID GetDataType() const { return dataType_; }
     /// Not with IA_ReadOnly, nor while the tool is locked; a lock keeps what the tool gives, so it
     /// leaves inputs with IA_Passive alone.
@@ -110,7 +118,8 @@ public:
     bool ChangeTo(State next, Force force = Ask);
     /// For undo and loading: replaces everything and tells listeners; records nothing.
     void RestoreInputState(const State& state);
-    /// The tool of that name has another one now: a connection to it follows. Records nothing.
+    /// The tool of that name has another one now: a connection to it and points of shapes that
+    /// follow its points keep with it. Records nothing.
     void RenameSource(const std::string& from, const std::string& to);
 
     // Controls showing this input; not owned. The list is changed under the write lock.
@@ -142,6 +151,7 @@ private:
     MxID id_;
     MxID dataType_;
     TagList attributes_;
+    bool computed_ = false;
     State state_;
     mutable Ref<Parameter> lastGood_; // what the expression gave last; null: nothing yet
     mutable QString expressionError_;

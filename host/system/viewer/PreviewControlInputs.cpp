@@ -195,15 +195,12 @@ void PreviewControl::ReadInputs()
 void PreviewControl::TimeChanged()
 {
     const auto alive = Ref<PreviewControl>::Share(this); // what follows may remove the overlay
-    const auto moves = [](const Input& input) {
-        return input.IsAnimated() || input.HasExpression();
-    };
     for (Input* input : GetDoc() ? std::vector(inputs_) : std::vector<Input*>()) {
-        if (moves(*input))
+        if (input->Moves())
             Refresh(*input);
     }
     for (const Listened& each : std::vector(listened_)) {
-        if (moves(*each.input))
+        if (each.input->Moves())
             Refresh(*each.input);
     }
 }
