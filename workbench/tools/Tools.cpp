@@ -1,12 +1,14 @@
 #include "workbench/tools/Tools.h"
 
 #include "system/base/Registry.h"
+#include "system/shapes/PathModifier.h"
 #include "workbench/tools/Blur.h"
 #include "workbench/tools/BrightnessContrast.h"
 #include "workbench/tools/ColorGradient.h"
 #include "workbench/tools/Crop.h"
 #include "workbench/tools/DropShadow.h"
 #include "workbench/tools/ImageSource.h"
+#include "workbench/tools/PictureFitted.h"
 #include "workbench/tools/Transform.h"
 
 namespace Marlox {
@@ -37,6 +39,14 @@ struct ToolClass {
     Registry record;
 };
 
+/// Measures lengths and angles as the picture on view has them.
+class FittedPath final : public PathModifier, public PictureFitted {
+public:
+    using PathModifier::PathModifier;
+    void FitTo(const Image::Format& format) override { TakeAspect(format); }
+    std::size_t SizeOf() const override { return sizeof(*this); }
+};
+
 } // namespace
 
 void RegisterTools()
@@ -50,6 +60,8 @@ void RegisterTools()
     static const ToolClass<Crop> crop("Crop", "Crop", "Transform");
     static const ToolClass<CropRegion> cropRegion("CropRegion", "Crop Region", "Transform");
     static const ToolClass<Transform> transform("Transform", "Transform", "Transform");
+    static const ToolClass<FittedPath> path(CLSID_Tool_Path, "Path", "Modifier");
+    static const ToolClass<TrackerModifier> tracker(CLSID_Tool_Tracker, "Tracker", "Modifier");
 }
 
 } // namespace Marlox

@@ -218,6 +218,7 @@ Operator* Session::DuplicateTool(Operator& tool, QString* error)
     document_->StartUndo("Duplicate Tool");
     Operator* copy = document_->AddTool(tool.GetToolType(), document_->IndexOf(tool) + 1, error);
     if (copy) {
+        copy->AddPublishedInputsOf(tool);
         for (const Ref<Input>& input : tool.Inputs()) {
             if (Input* other = copy->FindInput(input->GetID()))
                 other->RestoreInputState(input->GetState());
