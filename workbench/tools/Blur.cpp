@@ -46,6 +46,7 @@ Blur::Blur(const Registry* record) : Operator(record)
 {
     const TagList size{{IAD_Minimum, 0.0}, {IAD_Maximum, largest}, {ICD_Gamma, 2.0}};
     AddImageInput(*this);
+    AddMaskInput(*this);
     AddSlider(*this, {"XSize", "Size X", 0.0, 100.0, 10.0, "Width of the blur in pixels"}, size);
     AddSlider(*this, {"YSize", "Size Y", 0.0, 100.0, 10.0, "Height of the blur in pixels"}, size);
     AddSlider(

@@ -162,19 +162,20 @@ int fours(int count)
     return (count + together - 1) / together;
 }
 
-/// The alpha of four neighbouring rows as the channels of one: a blur along the rows takes four of
-/// them at once.
-Ref<Image> alphaByRows(const Image& image, RenderContext& context)
+/// The values of four neighbouring rows as the channels of one: a blur along the rows takes four of
+/// them at once. `row(y)` gives the first value of a row, the next ones are `step` floats apart.
+template <class Row>
+Ref<Image> packedRows(const MxRect& window, std::ptrdiff_t step, Row row, RenderContext& context)
 {
     Image::Format format;
-    format.dataWindow = {0, 0, image.Width(), fours(image.Height())};
+    format.dataWindow = {0, 0, window.Width(), fours(window.Height())};
     auto rows = MakeRef<Image>(format);
-    context.ForRows(image.Height(), [&](int first, int last) {
+    context.ForRows(window.Height(), [&](int first, int last) {
         for (int y = first; y < last; ++y) {
-            const float* alpha = image.Row(y) + 3;
+            const float* value = row(y);
             float* to = rows->Row(y / together) + y % together;
-            for (int x = 0; x < image.Width(); ++x, alpha += 4, to += together)
-                *to = *alpha > 0.0f ? std::min(*alpha, 1.0f) : 0.0f;
+            for (int x = 0; x < window.Width(); ++x, value += step, to += together)
+                *to = *value > 0.0f ? std::min(*value, 1.0f) : 0.0f;
         }
     });
     return rows;
@@ -183,9 +184,7 @@ Ref<Image> alphaByRows(const Image& image, RenderContext& context)
 /// The same values, four of a row as the channels of a pixel, which is one float after the other.
 Ref<Image> alphaByColumns(const Image& rows, const MxRect& window, RenderContext& context)
 {
-    Image::Format format;
-    format.dataWindow = {0, 0, fours(window.Width()), window.Height()};
-    auto columns = MakeRef<Image>(format);
+    Ref<Image> columns = PlaneRows(window);
     context.ForRows(window.Height(), [&](int first, int last) {
         for (int y = first; y < last; ++y) {
             const float* from = rows.Row(y / together) + y % together;
@@ -195,6 +194,26 @@ Ref<Image> alphaByColumns(const Image& rows, const MxRect& window, RenderContext
         }
     });
     return columns;
+}
+
+/// From a plane packed by rows.
+AlphaPlane softened(Ref<Image> rows, const MxRect& window, const BlurSize& size,
+                    RenderContext& context, double from, double to)
+{
+    const Box across(size.deviationX, size.passes);
+    const Box down(size.deviationY, size.passes);
+    if (across.passes > 0 && !rows->GetFormat().dataWindow.IsEmpty())
+        rows = blurRows(*rows, across, false, context);
+    context.SetPart((from + to) / 2.0, to);
+    AlphaPlane plane;
+    plane.window = window.Widened(across.Spread(), 0);
+    plane.rows = alphaByColumns(*rows, plane.window, context);
+    if (down.passes > 0 && !plane.window.IsEmpty())
+        plane.rows = blurColumns(*plane.rows, down, false, context);
+    plane.window = plane.window.Widened(0, down.Spread());
+    if (context.IsCancelled())
+        plane.rows = {};
+    return plane;
 }
 
 } // namespace
@@ -217,26 +236,30 @@ Ref<Image> Blurred(const Ref<Image>& image, const BlurSize& size, RenderContext&
     return context.IsCancelled() ? Ref<Image>() : result;
 }
 
+Ref<Image> PlaneRows(const MxRect& window)
+{
+    Image::Format format;
+    format.dataWindow = {0, 0, fours(window.Width()), window.Height()};
+    return MakeRef<Image>(format);
+}
+
+AlphaPlane Blurred(const AlphaPlane& plane, const BlurSize& size, RenderContext& context,
+                   double from, double to)
+{
+    context.SetPart(from, (from + to) / 2.0);
+    return softened(packedRows(
+                        plane.window, 1, [&](int y) { return plane.Row(y); }, context),
+                    plane.window, size, context, from, to);
+}
+
 AlphaPlane BlurredAlpha(const Image& image, const BlurSize& size, RenderContext& context,
                         double from, double to)
 {
-    const Box across(size.deviationX, size.passes);
-    const Box down(size.deviationY, size.passes);
-    const double middle = (from + to) / 2.0;
-    context.SetPart(from, middle);
-    Ref<Image> rows = alphaByRows(image, context);
-    if (across.passes > 0 && !rows->GetFormat().dataWindow.IsEmpty())
-        rows = blurRows(*rows, across, false, context);
-    context.SetPart(middle, to);
-    AlphaPlane plane;
-    plane.window = image.GetFormat().dataWindow.Widened(across.Spread(), 0);
-    plane.rows = alphaByColumns(*rows, plane.window, context);
-    if (down.passes > 0 && !plane.window.IsEmpty())
-        plane.rows = blurColumns(*plane.rows, down, false, context);
-    plane.window = plane.window.Widened(0, down.Spread());
-    if (context.IsCancelled())
-        plane.rows = {};
-    return plane;
+    const MxRect& window = image.GetFormat().dataWindow;
+    context.SetPart(from, (from + to) / 2.0);
+    return softened(packedRows(
+                        window, together, [&](int y) { return image.Row(y) + 3; }, context),
+                    window, size, context, from, to);
 }
 
 } // namespace Marlox

@@ -26,6 +26,14 @@ struct AlphaPlane {
     const float* Row(int y) const { return rows->Row(y); }
 };
 
+/// Zeroed rows for a plane with this window.
+Ref<Image> PlaneRows(const MxRect& window);
+
+/// A plane softened. The window grows by what the blur spreads; edges are not repeated. Values that
+/// are not within 0 and 1 are limited, not a number is 0.
+AlphaPlane Blurred(const AlphaPlane& plane, const BlurSize& size, RenderContext& context,
+                   double from, double to);
+
 /// The alpha of an image alone, limited to 0 and 1 (not a number is 0) and softened, in a quarter
 /// of the time. The window grows by what the blur spreads; edges are not repeated.
 AlphaPlane BlurredAlpha(const Image& image, const BlurSize& size, RenderContext& context,

@@ -136,6 +136,7 @@ BrightnessContrast::BrightnessContrast(const Registry* record) : Operator(record
         return TagList{{IC_Centred, true}, {ICD_Centre, centre}};
     };
     AddImageInput(*this);
+    AddMaskInput(*this);
     AddSlider(*this, {"Gain", "Gain", 0.0, 5.0, 1.0, "Multiplies light; 2 is one stop more"},
               centred(1.0));
     AddSlider(*this,

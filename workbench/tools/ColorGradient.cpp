@@ -1,6 +1,5 @@
 #include "workbench/tools/ColorGradient.h"
 
-#include "workbench/images/ImageScale.h"
 #include "workbench/tools/ColorInputs.h"
 #include "workbench/tools/ImageWindows.h"
 #include "workbench/tools/OverlayInputs.h"
@@ -12,8 +11,6 @@
 namespace Marlox {
 
 namespace {
-
-constexpr MxRect standardFrame{0, 0, 1920, 1080};
 
 using Pixel = std::array<float, 4>;
 
@@ -88,13 +85,6 @@ private:
     bool isPoint_ = false;
 };
 
-Image::Format standardFormat(const RenderContext& context)
-{
-    Image::Format format;
-    format.displayWindow = format.dataWindow = standardFrame;
-    return ReducedFormat(format, ProxyDivisor(context.scale));
-}
-
 class GradientProcess final : public ToolProcess {
 public:
     explicit GradientProcess(const Ramp& ramp)
@@ -107,7 +97,7 @@ public:
     {
         if (upstream && start_ == Pixel{} && end_ == Pixel{})
             return upstream; // nothing to see of it
-        Image::Format format = upstream ? upstream->GetFormat() : standardFormat(context);
+        Image::Format format = upstream ? upstream->GetFormat() : StandardFormat(context);
         format.dataWindow = United(format.displayWindow, format.dataWindow);
         auto result = MakeRef<Image>(format);
         const RampLine line(ramp_, format);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/values/Image.h"
+#include "workbench/images/ImageScale.h"
 
 #include <algorithm>
 
@@ -29,6 +30,14 @@ inline void MakeEmpty(Image::Format& format)
 {
     const MxRect& frame = format.displayWindow;
     format.dataWindow = {frame.left, frame.top, frame.left, frame.top};
+}
+
+/// The format of a source without a size of its own: 1920 x 1080 pixels, or what the proxy wants.
+inline Image::Format StandardFormat(const RenderContext& context)
+{
+    Image::Format format;
+    format.displayWindow = format.dataWindow = {0, 0, 1920, 1080};
+    return ReducedFormat(format, ProxyDivisor(context.scale));
 }
 
 /// Where a point of normalised image coordinates, y up, lies in a display window.

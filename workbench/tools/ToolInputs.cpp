@@ -75,6 +75,12 @@ Input& AddImageInput(Operator& tool)
     return tool.AddInput("Input", {{IAS_Name, "Input"}, {IAS_DataType, CLSID_DataType_Image}});
 }
 
+Input& AddMaskInput(Operator& tool)
+{
+    return tool.AddInput("EffectMask",
+                         {{IAS_Name, "Effect Mask"}, {IAS_DataType, CLSID_DataType_Mask}});
+}
+
 double NumberAt(const Operator& tool, const char* id, double time)
 {
     const Input* input = tool.FindInput(id);

@@ -41,6 +41,8 @@ Input& AddNest(Operator& tool, const char* id, const char* name, int rows, bool 
                const char* help = "");
 /// The main image input, id "Input".
 Input& AddImageInput(Operator& tool);
+/// The mask that limits the tool's effect, id "EffectMask"; nothing connected limits nothing.
+Input& AddMaskInput(Operator& tool);
 
 /// The number of the tool's input at `time`.
 double NumberAt(const Operator& tool, const char* id, double time);

@@ -9,6 +9,7 @@
 #include "workbench/tools/DropShadow.h"
 #include "workbench/tools/ImageSource.h"
 #include "workbench/tools/PictureFitted.h"
+#include "workbench/tools/PolygonMask.h"
 #include "workbench/tools/Transform.h"
 
 namespace Marlox {
@@ -60,6 +61,8 @@ void RegisterTools()
     static const ToolClass<Crop> crop("Crop", "Crop", "Transform");
     static const ToolClass<CropRegion> cropRegion("CropRegion", "Crop Region", "Transform");
     static const ToolClass<Transform> transform("Transform", "Transform", "Transform");
+    static const ToolClass<PolygonMask> polygon("PolygonMask", "Polygon Mask", "Mask");
+    static const ToolClass<BSplineMask> spline("BSplineMask", "B-Spline Mask", "Mask");
     static const ToolClass<FittedPath> path(CLSID_Tool_Path, "Path", "Modifier");
     static const ToolClass<TrackerModifier> tracker(CLSID_Tool_Tracker, "Tracker", "Modifier");
 }
