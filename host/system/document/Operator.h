@@ -59,8 +59,8 @@ public:
     /// The value at `time` of an input with IA_Computed; null: its default.
     virtual Ref<Parameter> Compute(const Input& input, double time) const;
 
-    /// Where the tool puts one of its shapes in the image; as it is, unless told. The places of the
-    /// shape's published points, and those that following points share, are the image's.
+    /// Where the tool puts one of its shapes in the image; as it is, unless told. Points that
+    /// follow those of another tool's shape are at the same place of the image.
     virtual ShapePlacement PlacementOf(const Input& shape, double time) const;
 
     /// The input for the picture that comes from upstream, id "Input"; null for a source.

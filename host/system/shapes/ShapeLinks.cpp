@@ -24,9 +24,8 @@ public:
             PolyPoint* const point = place ? shape.GetPoint(shape.GetIndex(link.point)) : nullptr;
             if (!point)
                 continue;
-            const ShapePlace at = PlacementOf(input).In(*place);
-            point->x = at.x;
-            point->y = at.y;
+            point->x = place->x;
+            point->y = place->y;
         }
     }
 
@@ -55,14 +54,18 @@ private:
         return input.Owner().PlacementOf(input, time_);
     }
 
-    /// In the image, as all places that are handed on.
+    /// In the coordinates of the input's own shape, as places of points are.
     std::optional<ShapePlace> LinkedPlace(const Input& input, const PointLink& link)
     {
         const Input* other = InputOf(input, link);
         if (!other)
             return {};
-        if (link.kind == PointLink::Kind::Follows)
-            return PlaceOf(*other, link.target);
+        if (link.kind == PointLink::Kind::Follows) {
+            const std::optional<ShapePlace> place = PlaceOf(*other, link.target);
+            const ShapePlacement from = PlacementOf(*other);
+            const ShapePlacement to = PlacementOf(input);
+            return place && !(from == to) ? to.In(from.Out(*place)) : place;
+        }
         const Ref<Parameter> value = other->GetValue(time_);
         const auto* point = dynamic_cast<const Point*>(value.Get());
         return point ? std::optional(ShapePlace(point->X(), point->Y())) : std::nullopt;
@@ -87,7 +90,7 @@ private:
         }
         if (looped_)
             return {};
-        return place ? place : PlacementOf(input).Out(point->Place());
+        return place ? place : point->Place();
     }
 
     double time_;
@@ -158,8 +161,7 @@ bool UpdatePublishedPointInputs(Input& shape, double time)
         Input* const input = Resolver::InputOf(shape, link);
         if (!input || input->HasExpression())
             continue;
-        const ShapePlace at = shape.Owner().PlacementOf(shape, time).Out(point->Place());
-        const Point next(at.x, at.y);
+        const Point next(point->x, point->y);
         if (!input->GetValue(time)->IsEqual(next)) {
             if (shape.IsAnimated() && !input->IsAnimated())
                 taken = input->AddKey(time) && taken;

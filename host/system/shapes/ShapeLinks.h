@@ -9,11 +9,12 @@ namespace Marlox {
 class MarloxDoc;
 class Operator;
 
-// Points of shapes that are joined to something: published ones lie where an input of their own
-// tool says, following ones where a point of another shape lies (an empty tool name in the link
-// means the shape's own tool, so that copies and renamed tools keep it). A shape as an input holds
-// it has such points where they were when it was last written; these functions find where they are.
-// User-interface thread.
+// Points of shapes that are joined to something. Published ones lie where an input of their own
+// tool says, in the coordinates of the shape: what the tool does to the shape as a whole moves
+// them, too. Following ones lie where a point of another shape is seen; an empty tool name in the
+// link means the shape's own tool, so that copies and renamed tools keep it. A shape as an input
+// holds it has such points where they were when it was last written; these functions find where
+// they are. User-interface thread.
 
 /// The shape of `shape` at `time`, each linked point with its handles moved to where it is. A point
 /// whose link leads nowhere, or round to itself, stays. Null: the input holds no shape.

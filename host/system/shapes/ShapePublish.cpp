@@ -66,10 +66,7 @@ Input::State publishedState(const Input& shape, u32 id, const Input& input)
     const auto placeAt = [&](double time) -> Ref<Parameter> {
         const Ref<PolyLine> value = ResolvedShape(shape, time);
         const PolyPoint* const point = std::as_const(*value).GetPoint(value->GetIndex(id));
-        if (!point)
-            return {};
-        const ShapePlace at = shape.Owner().PlacementOf(shape, time).Out(point->Place());
-        return MakeRef<Point>(at.x, at.y);
+        return point ? MakeRef<Point>(point->x, point->y) : Ref<Parameter>();
     };
     Input::State state = input.GetState();
     for (const auto& [time, key] : shape.GetAnimation().Keys()) {
@@ -171,8 +168,7 @@ int PublishPoints(Input& shape, const SelMask& mask)
     const Ref<PolyLine> now = ResolvedShape(shape, tool.CurrentTime());
     std::vector<std::string> inputs;
     for (const PolyPoint& point : points) {
-        const PolyPoint& here = *std::as_const(*now).GetPoint(now->GetIndex(point.id));
-        const ShapePlace at = tool.PlacementOf(shape, tool.CurrentTime()).Out(here.Place());
+        const PolyPoint& at = *std::as_const(*now).GetPoint(now->GetIndex(point.id));
         Input* const input = tool.AddPublishedInput({}, at.x, at.y);
         input->ChangeTo(publishedState(shape, point.id, *input));
         inputs.push_back(input->GetID().c_str());

@@ -135,10 +135,6 @@ private slots:
         QVERIFY(near(placeOf(point("Point0")), {0.625, 0.5}));
         QVERIFY(near(at(shape(), 1), {0.9, 0.9})); // the expression rules
         QVERIFY(near(at(shape(), 2), {0.875, 0.75}));
-        static_cast<ShapeTool*>(tool_)->shift = 0.25; // inputs tell places in the picture
-        QVERIFY(near(at(shape(), 0), {0.375, 0.5}));
-        drag({0.0, 0.25});
-        QVERIFY(near(placeOf(point("Point0")), {0.625, 0.75}));
     }
 
     void followingReachesShapesAndPictures()
@@ -162,6 +158,12 @@ private slots:
         QCOMPARE(picture(), 0.0625f);
         point("Point0").SetExpression("{time / 100, 0}");
         QVERIFY(near(at(thirdShape, 0, 25), {0.25, 0.0}));
+        static_cast<ShapeTool*>(second)->shift = 0.25; // both are seen at one place
+        QVERIFY(near(at(secondShape, 0, 25), {0.0, 0.0}));
+        QVERIFY(near(at(secondShape, 1, 25), {0.25, 0.0})); // an input's place is the shape's
+        QVERIFY(near(at(thirdShape, 0, 25), {0.5, 0.0}));
+        QCOMPARE(SetPointsToFollow(thirdShape, mask(1, {0}), 25, {0.01, 0.01}), 1);
+        QVERIFY(near(at(thirdShape, 0, 25), {0.5, 0.0}));
     }
 
     void followersKeepToTheirTool()
