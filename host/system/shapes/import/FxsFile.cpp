@@ -1,0 +1,376 @@
+#include "system/shapes/import/FxsFile_p.h"
+#include "system/shapes/import/ImportText_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <set>
+
+#include <QXmlStreamReader>
+#include <zlib.h>
+
+namespace Marlox {
+
+namespace {
+
+constexpr int maxDepth = 64; // of elements within each other
+constexpr std::size_t maxObjects = 20'000;
+constexpr int maxPairs = 4; // of numbers in a point
+
+/// Properties that shapes and layers are made of here.
+const std::set<std::string> usedProperties = {"path",
+                                              "opacity",
+                                              "feather",
+                                              "mode",
+                                              "invert",
+                                              "objects",
+                                              "transform.matrix",
+                                              "transform.scale",
+                                              "transform.anchor",
+                                              "transform.rotate",
+                                              "transform.position"};
+/// Those that are known and change nothing here.
+const std::set<std::string> idleProperties = {"strokeWidth", "motionBlur", "outlineColor"};
+
+/// The bytes of packed data, whose first four tell how many they are. Throws.
+QByteArray Unpacked(const QByteArray& bytes)
+{
+    z_stream stream{};
+    if (inflateInit(&stream) != Z_OK)
+        throw ImportFailure{0, "it can't be unpacked", true};
+    constexpr int lengthSize = 4;
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.constData())) + lengthSize;
+    stream.avail_in = uInt(bytes.size() - lengthSize);
+    QByteArray out;
+    std::array<char, 65536> part;
+    int state = Z_OK;
+    while (state == Z_OK && out.size() <= maxImportFileSize) {
+        stream.next_out = reinterpret_cast<Bytef*>(part.data());
+        stream.avail_out = uInt(part.size());
+        state = inflate(&stream, Z_NO_FLUSH);
+        out.append(part.data(), int(part.size() - stream.avail_out));
+    }
+    inflateEnd(&stream);
+    if (out.size() > maxImportFileSize)
+        throw ImportFailure{0, "it is larger than 64 MB when it is unpacked", true};
+    if (state != Z_STREAM_END)
+        throw ImportFailure{0, "its packed data are damaged or cut off", true};
+    return out;
+}
+
+bool IsTrue(const QString& text)
+{
+    return text.compare(QStringLiteral("true"), Qt::CaseInsensitive) == 0;
+}
+
+/// Numbers in brackets: "(1,2)", "(1,2),(3,4)", "1". Brackets and commas only part them.
+std::vector<double> NumbersOf(const std::string& text, int line)
+{
+    std::string plain = text;
+    for (char& c : plain) {
+        if (c == '(' || c == ')' || c == ',')
+            c = ' ';
+    }
+    std::vector<std::string_view> words;
+    SplitFields(plain, words);
+    std::vector<double> numbers;
+    for (const std::string_view word : words)
+        numbers.push_back(Number(word, line));
+    return numbers;
+}
+
+class FxsReader {
+public:
+    FxsReader(ImportJob& job, const QByteArray& xml) : job_(job), xml_(xml) {}
+    FxsFile Read();
+
+private:
+    int Line() const { return int(xml_.lineNumber()); }
+    bool NextChild();
+    void CheckDocument();
+    void ReadRoot();
+    void ReadInto(FxsObject& object, int depth);
+    void ReadChild(FxsObject& parent, int depth);
+    void ReadProperty(FxsObject& object, int depth);
+    void ReadValues(FxsProperty& property);
+    void ReadKey(FxsProperty& property, FxsKey key);
+    void ReadPath(FxsKey& key);
+    void ReadPoint(FxsKey& key);
+    QString Attribute(const char* name) const
+    {
+        return xml_.attributes().value(QLatin1String(name)).toString();
+    }
+
+    ImportJob& job_;
+    QXmlStreamReader xml_;
+    FxsFile file_;
+    std::size_t objects_ = 0;
+};
+
+/// Whether there is a further element within the present one, which is entered then.
+bool FxsReader::NextChild()
+{
+    const bool isOne = xml_.readNextStartElement();
+    if (xml_.hasError())
+        throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
+    return isOne;
+}
+
+/// Up to the root element: nothing may be declared there.
+void FxsReader::CheckDocument()
+{
+    while (!xml_.atEnd() && xml_.readNext() != QXmlStreamReader::StartElement) {
+        if (xml_.tokenType() == QXmlStreamReader::DTD)
+            throw ImportFailure{Line(), "documents with declarations of types are refused", true};
+    }
+    if (xml_.hasError())
+        throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
+}
+
+void FxsReader::ReadRoot()
+{
+    const auto number = [&](const char* name) -> std::optional<double> {
+        const std::string text = Attribute(name).toStdString();
+        if (text.empty())
+            return std::nullopt;
+        return Number(text, Line());
+    };
+    file_.width = number("width").value_or(0.0);
+    file_.height = number("height").value_or(0.0);
+    file_.startFrame = number("sessionStartFrame");
+}
+
+/// Elements that only wrap others are gone through.
+void FxsReader::ReadInto(FxsObject& object, int depth)
+{
+    if (depth > maxDepth)
+        throw ImportFailure{Line(), "its elements are nested too deeply", true};
+    while (NextChild()) {
+        const QStringRef name = xml_.name();
+        if (name == QLatin1String("Layer") || name == QLatin1String("Shape") ||
+            name == QLatin1String("Object"))
+            ReadChild(object, depth + 1);
+        else if (name == QLatin1String("Property"))
+            ReadProperty(object, depth + 1);
+        else
+            ReadInto(object, depth + 1);
+    }
+}
+
+void FxsReader::ReadChild(FxsObject& parent, int depth)
+{
+    const QString element = xml_.name().toString();
+    const QString type = element == QLatin1String("Object") ? Attribute("type") : element;
+    const bool isLayer = type == QLatin1String("Layer");
+    if (!isLayer && type != QLatin1String("Shape")) {
+        job_.LeaveAside(Line(), "an object of type " + Quoted(type.toStdString()) + " is not read");
+        xml_.skipCurrentElement();
+        return;
+    }
+    if (++objects_ > maxObjects)
+        throw ImportFailure{Line(), "it holds too many objects", true};
+    FxsObject object;
+    object.isLayer = isLayer;
+    object.name = Attribute("label").toStdString();
+    object.isHidden = IsTrue(Attribute("hidden"));
+    object.isLocked = IsTrue(Attribute("locked"));
+    object.line = Line();
+    ReadInto(object, depth);
+    parent.children.push_back(std::move(object));
+}
+
+void FxsReader::ReadProperty(FxsObject& object, int depth)
+{
+    const std::string id = Attribute("id").toStdString();
+    if (id == "objects")
+        return ReadInto(object, depth);
+    if (!usedProperties.contains(id)) {
+        if (!idleProperties.contains(id))
+            job_.LeaveAside(0, "properties " + Quoted(id) + " are not read");
+        return xml_.skipCurrentElement();
+    }
+    FxsProperty property;
+    try {
+        ReadValues(property);
+    } catch (const ImportFailure& failure) {
+        if (failure.isFatal)
+            throw;
+        object.problem = failure;
+        return; // the reader stands behind the property, see ReadValues
+    }
+    object.properties[id] = std::move(property);
+}
+
+/// Values and keys up to the end of the property, also behind one that is bad.
+void FxsReader::ReadValues(FxsProperty& property)
+{
+    std::optional<ImportFailure> problem;
+    while (NextChild()) {
+        const bool isKey = xml_.name() == QLatin1String("Key");
+        if (!isKey && xml_.name() != QLatin1String("Value")) {
+            xml_.skipCurrentElement();
+            continue;
+        }
+        FxsKey key;
+        key.line = Line();
+        const std::string frame = Attribute("frame").toStdString();
+        const QString interpolation = Attribute("interp");
+        if (interpolation == QLatin1String("hold"))
+            key.interpolation = Interpolation::Step;
+        else if (!interpolation.isEmpty() && interpolation != QLatin1String("linear"))
+            key.interpolation = Interpolation::Smooth;
+        try {
+            key.frame = isKey ? Number(frame, key.line) : 0.0;
+        } catch (const ImportFailure& failure) {
+            problem = failure;
+        }
+        property.isAnimated = property.isAnimated || isKey;
+        try {
+            ReadKey(property, std::move(key));
+        } catch (const ImportFailure& failure) {
+            if (failure.isFatal)
+                throw;
+            problem = failure;
+        }
+    }
+    if (problem)
+        throw *problem;
+    std::stable_sort(property.keys.begin(), property.keys.end(),
+                     [](const FxsKey& a, const FxsKey& b) { return a.frame < b.frame; });
+}
+
+/// Text, or a path, up to the end of the element.
+void FxsReader::ReadKey(FxsProperty& property, FxsKey key)
+{
+    std::optional<ImportFailure> problem;
+    QString text;
+    while (!xml_.atEnd() && xml_.readNext() != QXmlStreamReader::EndElement) {
+        if (xml_.isCharacters()) {
+            text += xml_.text();
+        } else if (xml_.isStartElement() && xml_.name() == QLatin1String("Path")) {
+            try {
+                ReadPath(key);
+            } catch (const ImportFailure& failure) {
+                if (failure.isFatal)
+                    throw;
+                problem = failure;
+            }
+        } else if (xml_.isStartElement()) {
+            xml_.skipCurrentElement();
+        }
+    }
+    if (xml_.hasError())
+        throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
+    if (problem)
+        throw *problem;
+    key.text = text.trimmed().toStdString();
+    const bool isNumbers =
+        !key.text.empty() && !std::isalpha(static_cast<unsigned char>(key.text[0]));
+    if (isNumbers)
+        key.numbers = NumbersOf(key.text, key.line);
+    property.keys.push_back(std::move(key));
+}
+
+void FxsReader::ReadPath(FxsKey& key)
+{
+    key.isClosed = !Attribute("closed").isEmpty() ? IsTrue(Attribute("closed")) : true;
+    key.pathType = Attribute("type").toStdString();
+    std::optional<ImportFailure> problem;
+    while (NextChild()) {
+        if (xml_.name() != QLatin1String("Point")) {
+            xml_.skipCurrentElement();
+            continue;
+        }
+        try {
+            ReadPoint(key);
+        } catch (const ImportFailure& failure) {
+            if (failure.isFatal)
+                throw;
+            problem = failure;
+        }
+    }
+    if (problem)
+        throw *problem;
+}
+
+void FxsReader::ReadPoint(FxsKey& key)
+{
+    const int line = Line();
+    const std::string text =
+        xml_.readElementText(QXmlStreamReader::SkipChildElements).toStdString();
+    if (xml_.hasError())
+        throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
+    const std::vector<double> numbers = NumbersOf(text, line);
+    if (numbers.size() < 2 || numbers.size() % 2 != 0 || numbers.size() > 2 * maxPairs)
+        throw ImportFailure{line, "a point is made of pairs (x,y), not " + Quoted(text)};
+    if (key.path.size() >= std::size_t(maxImportedPoints)) {
+        throw ImportFailure{
+            line, "a shape has at most " + std::to_string(maxImportedPoints) + " points", true};
+    }
+    job_.CountPoints(1, line);
+    const ShapePlace at{numbers[0], numbers[1]};
+    if (key.pathType != "Bezier") {
+        key.path.push_back(PointFromPlaces(at, at, at));
+        return;
+    }
+    if (numbers.size() != 6)
+        throw ImportFailure{line, "a Bezier point has three pairs, not " + Quoted(text)};
+    key.path.push_back(PointFromPlaces(at, {numbers[2], numbers[3]}, {numbers[4], numbers[5]}));
+}
+
+FxsFile FxsReader::Read()
+{
+    CheckDocument();
+    if (!xml_.isStartElement())
+        throw ImportFailure{0, "it holds no elements", true};
+    ReadRoot();
+    const QStringRef name = xml_.name();
+    if (name == QLatin1String("Layer") || name == QLatin1String("Shape") ||
+        name == QLatin1String("Object"))
+        ReadChild(file_.root, 0);
+    else
+        ReadInto(file_.root, 0);
+    while (!xml_.atEnd()) // what stands behind the root must be in order, too
+        xml_.readNext();
+    if (xml_.hasError())
+        throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
+    return std::move(file_);
+}
+
+} // namespace
+
+std::vector<double> FxsProperty::At(double frame) const
+{
+    const auto next =
+        std::upper_bound(keys.begin(), keys.end(), frame,
+                         [](double wanted, const FxsKey& key) { return wanted < key.frame; });
+    if (next == keys.begin())
+        return keys.empty() ? std::vector<double>() : next->numbers;
+    const FxsKey& last = *(next - 1);
+    if (next == keys.end() || last.interpolation == Interpolation::Step || last.frame == frame)
+        return last.numbers;
+    if (last.numbers.size() != next->numbers.size())
+        return {};
+    std::vector<double> out(last.numbers.size());
+    const double t = (frame - last.frame) / (next->frame - last.frame);
+    for (std::size_t i = 0; i < out.size(); ++i)
+        out[i] = std::lerp(last.numbers[i], next->numbers[i], t);
+    return out;
+}
+
+const FxsProperty* FxsObject::Find(const char* id) const
+{
+    const auto found = properties.find(id);
+    return found != properties.end() && !found->second.keys.empty() ? &found->second : nullptr;
+}
+
+FxsFile ReadFxsFile(ImportJob& job)
+{
+    const QByteArray& bytes = job.Bytes();
+    constexpr char zlibMark = 0x78;
+    const bool isPacked = bytes.size() > 6 && bytes[4] == zlibMark &&
+                          (uchar(bytes[4]) * 256 + uchar(bytes[5])) % 31 == 0;
+    return FxsReader(job, isPacked ? Unpacked(bytes) : bytes).Read();
+}
+
+} // namespace Marlox

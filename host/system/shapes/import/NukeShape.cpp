@@ -1,0 +1,272 @@
+#include "system/shapes/import/ImportText_p.h"
+#include "system/shapes/import/NukeScript_p.h"
+
+#include <algorithm>
+
+namespace Marlox {
+
+namespace {
+
+constexpr std::size_t inTangent = 0; // of the three places of a Bezier vertex
+constexpr std::size_t centre = 1;
+constexpr std::size_t outTangent = 2;
+constexpr std::size_t placesPerVertex = 3;
+
+ShapePlace At(const NukePlace& place, double time)
+{
+    return {place[0].At(time), place[1].At(time)};
+}
+
+/// One vertex at one time, as places in pixels before any transform.
+struct Vertex {
+    ShapePlace at;
+    ShapePlace in;
+    ShapePlace out;
+};
+
+Vertex VertexAt(const NukeCurve& curve, bool isBSpline, std::size_t index, double time)
+{
+    if (isBSpline) {
+        const ShapePlace at = At(curve.places[index], time);
+        return {at, at, at};
+    }
+    const NukePlace* places = &curve.places[index * placesPerVertex];
+    Vertex vertex{At(places[centre], time), At(places[inTangent], time),
+                  At(places[outTangent], time)};
+    if (curve.flags & NF_RelativeTangents) {
+        vertex.in = vertex.at + vertex.in;
+        vertex.out = vertex.at + vertex.out;
+    }
+    return vertex;
+}
+
+/// Feather points are told as offsets from the curve's; their tangents belong to them.
+Vertex FeatherAt(const NukeShape& shape, std::size_t index, double time)
+{
+    const ShapePlace base = VertexAt(shape.curve, shape.isBSpline, index, time).at;
+    const Vertex vertex = VertexAt(shape.feather, shape.isBSpline, index, time);
+    return {base + vertex.at, base + vertex.in, base + vertex.out};
+}
+
+void AddTimes(const NukeCurve& curve, KeyTimes& times)
+{
+    for (const double time : curve.times)
+        times.Add(time);
+    for (const NukePlace& place : curve.places) {
+        for (const AnimatedNumber& number : place)
+            times.Add(number);
+    }
+}
+
+bool HasFeather(const NukeShape& shape)
+{
+    const NukeCurve& feather = shape.feather;
+    if (feather.places.size() != shape.curve.places.size())
+        return false;
+    const std::size_t step = shape.isBSpline ? 1 : placesPerVertex;
+    for (std::size_t i = shape.isBSpline ? 0 : centre; i < feather.places.size(); i += step) {
+        if (!feather.places[i][0].Is(0.0) || !feather.places[i][1].Is(0.0))
+            return true;
+    }
+    return false;
+}
+
+std::optional<double> FirstValue(const NukeShape& shape, const char* name)
+{
+    const auto found = shape.attributes.find(name);
+    if (found == shape.attributes.end())
+        return std::nullopt;
+    const AnimatedNumber& number = found->second;
+    return number.Keys().empty() ? number.At(0.0) : number.Keys().front().value;
+}
+
+/// What is set beside the curve and has no like here.
+void NoteAttributes(ImportJob& job, const NukeShape& shape, const std::string& name)
+{
+    for (const char* feather : {"fx", "fy"}) {
+        const auto found = shape.attributes.find(feather);
+        if (found != shape.attributes.end() && !found->second.Is(0.0)) {
+            job.LeaveAside(shape.line, Quoted(name) + ": its even feather is not taken");
+            break;
+        }
+    }
+    if (FirstValue(shape, "ltt").value_or(0.0) != 0.0)
+        job.LeaveAside(shape.line, Quoted(name) + ": its lifetime is not taken");
+    for (const char* attribute : {"vis", "inv", "bm"}) {
+        const auto found = shape.attributes.find(attribute);
+        if (found != shape.attributes.end() && found->second.IsAnimated())
+            job.LeaveAside(shape.line, Quoted(name) + ": of its attribute \"" + attribute +
+                                           "\" the first key is taken alone");
+    }
+}
+
+void SetAttributes(ImportJob& job, const NukeShape& shape, bool isVisible, ImportedShape& out)
+{
+    struct Blend {
+        int number;
+        const char* name;
+    };
+    constexpr Blend blends[] = {{0, "add"}, {4, "max"}, {12, "subtract"}, {13, "difference"}};
+    out.visible = isVisible && FirstValue(shape, "vis").value_or(1.0) != 0.0;
+    out.locked = (shape.flags & NF_Locked) != 0;
+    out.inverted = FirstValue(shape, "inv").value_or(0.0) != 0.0;
+    if (const std::optional<double> number = FirstValue(shape, "bm")) {
+        for (const Blend& blend : blends) {
+            if (blend.number == *number)
+                out.combine = blend.name;
+        }
+        if (out.combine.empty())
+            job.LeaveAside(shape.line, Quoted(out.name) + ": how it blends is not understood");
+    }
+    const auto opacity = shape.attributes.find("opc");
+    if (opacity != shape.attributes.end()) {
+        for (const AnimatedNumber::Key& key : opacity->second.Keys())
+            out.opacity.push_back({key.time, key.value, key.interpolation});
+        if (opacity->second.Keys().empty())
+            out.opacity.push_back({0.0, opacity->second.At(0.0)});
+    }
+    NoteAttributes(job, shape, out.name);
+}
+
+/// One shape on its way, with the transforms it lies under.
+class NukeConverter {
+public:
+    NukeConverter(ImportJob& job, const ImageFrame& image, const NukeShape& shape,
+                  const NukeChain& layers)
+        : job_(job), image_(image), shape_(shape), chain_(layers)
+    {
+        chain_.push_back(&shape.transform);
+    }
+    ImportedShape Convert();
+
+private:
+    void Check();
+    std::vector<double> Times();
+    ImportedKey KeyAt(double time, bool isFeather) const;
+
+    ImportJob& job_;
+    const ImageFrame& image_;
+    const NukeShape& shape_;
+    NukeChain chain_;
+    std::size_t count_ = 0; // of vertices
+    bool hasFeather_ = false;
+    Interpolation interpolation_ = Interpolation::Smooth;
+};
+
+void NukeConverter::Check()
+{
+    const std::size_t places = shape_.curve.places.size();
+    if (places == 0)
+        throw ImportFailure{shape_.line, "it has no points"};
+    if (!shape_.isBSpline && places % placesPerVertex != 0)
+        throw ImportFailure{shape_.line, "its points and tangents do not come in threes"};
+    count_ = shape_.isBSpline ? places : places / placesPerVertex;
+    if (count_ > std::size_t(maxImportedPoints))
+        throw ImportFailure{shape_.line, "it has too many points"};
+    for (const NukeTransform* transform : chain_) {
+        if (!transform->problem.empty())
+            throw ImportFailure{shape_.line, transform->problem};
+    }
+    hasFeather_ = HasFeather(shape_);
+    if (!shape_.feather.places.empty() && shape_.feather.places.size() != places) {
+        job_.LeaveAside(shape_.line,
+                        Quoted(shape_.name) + ": its feather has another number of points");
+    }
+}
+
+std::vector<double> NukeConverter::Times()
+{
+    KeyTimes gathered;
+    AddTimes(shape_.curve, gathered);
+    if (hasFeather_)
+        AddTimes(shape_.feather, gathered);
+    for (const NukeTransform* transform : chain_)
+        transform->AddTimes(gathered);
+    interpolation_ = gathered.Kind();
+    std::vector<double> times = gathered.Take(shape_.line);
+    if (times.empty())
+        times.push_back(job_.Context().startFrame);
+    job_.CountPoints(count_ * times.size() * (hasFeather_ ? 2 : 1), shape_.line);
+    return times;
+}
+
+ImportedKey NukeConverter::KeyAt(double time, bool isFeather) const
+{
+    PlaneMap map;
+    for (const NukeTransform* transform : chain_)
+        map = map * transform->At(time);
+    const auto place = [&](ShapePlace at) {
+        const ShapePlace moved = map.Apply(at);
+        return image_.FromPixels(moved.x, moved.y);
+    };
+    ImportedKey key{time, interpolation_, {}};
+    for (std::size_t i = 0; i < count_; ++i) {
+        const Vertex vertex = isFeather ? FeatherAt(shape_, i, time)
+                                        : VertexAt(shape_.curve, shape_.isBSpline, i, time);
+        key.points.push_back(
+            PointFromPlaces(place(vertex.at), place(vertex.in), place(vertex.out)));
+    }
+    return key;
+}
+
+ImportedShape NukeConverter::Convert()
+{
+    Check();
+    ImportedShape out;
+    out.name = shape_.name;
+    out.line = shape_.line;
+    out.kind = shape_.isBSpline ? ImportedShape::Kind::BSpline : ImportedShape::Kind::Bezier;
+    out.closed = !(shape_.curve.flags & NF_Open);
+    for (const double time : Times()) {
+        out.keys.push_back(KeyAt(time, false));
+        if (hasFeather_)
+            out.outerKeys.push_back(KeyAt(time, true));
+    }
+    return out;
+}
+
+} // namespace
+
+PlaneMap NukeTransform::At(double time) const
+{
+    const auto pair = [&](const AnimatedNumber(&numbers)[2]) {
+        return ShapePlace{numbers[0].At(time), numbers[1].At(time)};
+    };
+    const ShapePlace about = pair(pivot);
+    const ShapePlace by = pair(move);
+    const ShapePlace size = pair(scale);
+    const PlaneMap map = PlaneMap::Move(about.x + by.x, about.y + by.y) *
+                         PlaneMap::Turn(turn.At(time)) * PlaneMap::Scale(size.x, size.y) *
+                         PlaneMap::Move(-about.x, -about.y);
+    if (matrix.empty())
+        return map;
+    constexpr int places[] = {0, 1, 3}; // x, y, w
+    PlaneMap own;
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column)
+            own.m[row][column] = matrix[std::size_t(places[row] * 4 + places[column])].At(time);
+    }
+    return own * map;
+}
+
+void NukeTransform::AddTimes(KeyTimes& times) const
+{
+    for (int axis = 0; axis < 2; ++axis) {
+        for (const AnimatedNumber* number : {&pivot[axis], &move[axis], &scale[axis]})
+            times.Add(*number);
+    }
+    times.Add(turn);
+    times.AddFramesOf(turn); // points go along arcs
+    for (const AnimatedNumber& number : matrix)
+        times.Add(number);
+}
+
+void TakeNukeShape(ImportJob& job, const ImageFrame& image, const NukeShape& shape,
+                   const NukeChain& layers, bool isVisible)
+{
+    ImportedShape out = NukeConverter(job, image, shape, layers).Convert();
+    SetAttributes(job, shape, isVisible, out);
+    job.Take(std::move(out));
+}
+
+} // namespace Marlox
