@@ -111,6 +111,7 @@ constexpr Numbered bitmaps[] = {
     {"Icons.Workbench.NextFrame"},
     {"Icons.Workbench.NextKey"},
     {"Icons.Workbench.Open"},
+    {"Icons.Workbench.PenCursor"},
     {"Icons.Workbench.Play"},
     {"Icons.Workbench.PreviousFrame"},
     {"Icons.Workbench.PreviousKey"},
