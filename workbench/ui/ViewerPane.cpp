@@ -1,5 +1,6 @@
 #include "workbench/ui/ViewerPane.h"
 
+#include "workbench/ui/OverlayToolbar.h"
 #include "workbench/ui/ReadOut.h"
 #include "workbench/ui/Session.h"
 #include "workbench/ui/ViewerBar.h"
@@ -16,6 +17,7 @@ ViewerPane::ViewerPane(Session& session, QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(new ViewerBar(*viewer_));
+    layout->addWidget(new OverlayToolbar(viewer_->Overlays()));
     layout->addWidget(viewer_, 1);
     layout->addWidget(new ReadOut(*viewer_));
     setFocusProxy(viewer_);

@@ -7,7 +7,7 @@ namespace Marlox {
 class Session;
 class ViewerWidget;
 
-/// A viewer with the strip above it and the read-out below. It shows the overlays of the selected
+/// A viewer with the strips above it and the read-out below. It shows the overlays of the selected
 /// tool. A window may have several over one document; each has its own overlays, zoom and settings.
 class ViewerPane : public QWidget {
     Q_OBJECT

@@ -58,6 +58,8 @@ ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
     setUpdateBehavior(PartialUpdate); // each frame covers all of the view: it needs no clearing
     connect(&overlays_, &OverlayStage::Changed, this, QOverload<>::of(&QWidget::update));
     connect(&overlays_, &OverlayStage::CursorChanged, this, &ViewerWidget::ShowCursor);
+    connect(&overlays_, &OverlayStage::KeyboardWanted, this,
+            [this] { setFocus(Qt::OtherFocusReason); });
     connect(&converter_, &DisplayConverter::Converted, this, &ViewerWidget::OnConverted);
     connect(&converter_, &DisplayConverter::Failed, this, &ViewerWidget::SetMessage);
     ConnectRenderer();

@@ -11,8 +11,10 @@
 
 #include <QColor>
 #include <QOpenGLWidget>
+#include <QPointer>
 
 class QHelpEvent;
+class QMenu;
 
 namespace Marlox {
 
@@ -39,7 +41,8 @@ struct Probe {
 ///
 /// Overlays of the selected tool lie over the image and take the left button; a press beside them
 /// is left alone. A second click at the same place goes on to the one below, Tab from one to the
-/// next; arrow keys nudge the one that has the focus, Escape gives up a drag.
+/// next. The one that has the focus gets the keys first, arrow keys nudge it; Escape gives up a
+/// drag. The right button opens the menu of what is under it.
 class ViewerWidget : public QOpenGLWidget {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
@@ -104,6 +107,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void tabletEvent(QTabletEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
@@ -128,7 +133,9 @@ private:
     void ShowCursor();
     void ShowTip(const QHelpEvent& event);
     bool HandleViewKey(int key);
-    bool IsOwnKey(int key) const;
+    bool IsOwnKey(const QKeyEvent& event);
+    void TrackModifiers(const QKeyEvent& event);
+    TagList PointerTags(const QMouseEvent& event);
     MxPoint ToOverlays(QPointF position) const;
     void PlaceBars();
     void ReleasePainter();
@@ -155,6 +162,8 @@ private:
     bool focusByKeys_ = false; // shown by a frame while no overlay has it
     QPointF panFrom_;          // widget position of the last move
     QPointF pointer_{-1.0, -1.0};
+    TagList pen_{{PVD_Pressure, 1.0}}; // of the mouse event that comes next
+    QPointer<QMenu> menu_;             // while it is open
 };
 
 /// Full-resolution display window of an image, which may be a proxy of an image shown before with

@@ -1,14 +1,17 @@
 // The viewer's size, mouse, wheel and keys.
 
+#include "system/controls/Menu.h"
 #include "workbench/viewer/ViewerBars.h"
+#include "workbench/viewer/ViewerPointer.h"
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include <QKeyEvent>
-#include <QMouseEvent>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QTabletEvent>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -28,26 +31,10 @@ double stoppedAtOne(double from, double to)
     return crosses ? 1.0 : to;
 }
 
-u32 modifiersOf(Qt::KeyboardModifiers modifiers)
-{
-    return (modifiers & Qt::ShiftModifier ? KeyShift : 0u) |
-           (modifiers & Qt::ControlModifier ? KeyControl : 0u) |
-           (modifiers & Qt::AltModifier ? KeyAlt : 0u);
-}
-
 /// The same at the release of a key, whatever modifiers have made of it meanwhile.
 quint32 codeOf(const QKeyEvent& event)
 {
     return event.nativeScanCode() != 0 ? event.nativeScanCode() : quint32(event.key());
-}
-
-Qt::CursorShape shapeOf(ViewCursor cursor)
-{
-    static constexpr Qt::CursorShape shapes[] = {
-        Qt::ArrowCursor,     Qt::SizeAllCursor, Qt::SizeHorCursor,
-        Qt::SizeVerCursor,   Qt::CrossCursor,   Qt::PointingHandCursor,
-        Qt::ForbiddenCursor, Qt::CrossCursor,   Qt::CrossCursor};
-    return shapes[std::size_t(cursor)];
 }
 
 } // namespace
@@ -71,8 +58,7 @@ bool ViewerWidget::event(QEvent* event)
     if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
         SetViewSize(); // the pixel ratio may be another one
     // Keys of the viewer that are also shortcuts elsewhere are its own while it has the focus.
-    if (event->type() == QEvent::ShortcutOverride &&
-        IsOwnKey(static_cast<QKeyEvent*>(event)->key()))
+    if (event->type() == QEvent::ShortcutOverride && IsOwnKey(*static_cast<QKeyEvent*>(event)))
         event->accept();
     if (event->type() == QEvent::ToolTip) {
         ShowTip(*static_cast<QHelpEvent*>(event));
@@ -87,11 +73,22 @@ void ViewerWidget::resizeEvent(QResizeEvent* event)
     SetViewSize();
 }
 
-/// Space pans and plays; arrows, with Ctrl too, nudge the point that has the focus.
-bool ViewerWidget::IsOwnKey(int key) const
+/// Space pans and plays; arrows, with Ctrl too, nudge the point that has the focus. What an overlay
+/// wants comes before shortcuts of the window.
+bool ViewerWidget::IsOwnKey(const QKeyEvent& event)
 {
-    const bool arrow = key >= Qt::Key_Left && key <= Qt::Key_Down;
-    return key == Qt::Key_Space || (arrow && shown_.image && overlays_.NudgesFocus());
+    const bool arrow = event.key() >= Qt::Key_Left && event.key() <= Qt::Key_Down;
+    return event.key() == Qt::Key_Space ||
+           (shown_.image && ((arrow && overlays_.NudgesFocus()) ||
+                             overlays_.WantsKey(event.key(), OverlayModifiers(event.modifiers()))));
+}
+
+/// What the pointer would do may be another with a modifier.
+void ViewerWidget::TrackModifiers(const QKeyEvent& event)
+{
+    const bool modifier = event.key() >= Qt::Key_Shift && event.key() <= Qt::Key_Alt;
+    if (modifier && shown_.image && !overlays_.IsPressed() && rect().contains(pointer_.toPoint()))
+        overlays_.Move(ToOverlays(pointer_), OverlayModifiers(event.modifiers()));
 }
 
 void ViewerWidget::PlaceBars()
@@ -135,7 +132,8 @@ void ViewerWidget::mousePressEvent(QMouseEvent* event)
     if (!pans) {
         const bool taken =
             event->button() == Qt::LeftButton && shown_.image &&
-            overlays_.Press(ToOverlays(event->localPos()), modifiersOf(event->modifiers()));
+            overlays_.Press(ToOverlays(event->localPos()), OverlayModifiers(event->modifiers()),
+                            PointerTags(*event));
         if (!taken && event->button() == Qt::LeftButton)
             overlays_.SetFocus(nullptr);
         event->setAccepted(taken);
@@ -160,18 +158,56 @@ void ViewerWidget::mouseMoveEvent(QMouseEvent* event)
         ChangeView();
     }
     if (shown_.image)
-        overlays_.Move(ToOverlays(event->localPos()), modifiersOf(event->modifiers()));
+        overlays_.Move(ToOverlays(event->localPos()), OverlayModifiers(event->modifiers()),
+                       PointerTags(*event));
     TrackPointer(event->localPos());
 }
 
 void ViewerWidget::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && overlays_.IsPressed()) {
-        overlays_.Release(ToOverlays(event->localPos()), modifiersOf(event->modifiers()));
+        overlays_.Release(ToOverlays(event->localPos()), OverlayModifiers(event->modifiers()),
+                          PointerTags(*event));
         TrackPointer(event->localPos());
     } else if (event->button() == Qt::MiddleButton || event->button() == Qt::LeftButton) {
         EndPan();
     }
+}
+
+/// Goes on as a mouse event, with what it tells.
+void ViewerWidget::tabletEvent(QTabletEvent* event)
+{
+    pen_ = PenTags(*event);
+    event->ignore();
+}
+
+TagList ViewerWidget::PointerTags(const QMouseEvent& event)
+{
+    TagList tags = std::exchange(pen_, {{PVD_Pressure, 1.0}});
+    tags.Set(PVD_EventTime, double(event.timestamp()) / 1000.0);
+    if (event.type() == QEvent::MouseButtonDblClick)
+        tags.Set(PV_DoubleClick, true);
+    return tags;
+}
+
+void ViewerWidget::contextMenuEvent(QContextMenuEvent* event)
+{
+    Menu entries;
+    if (shown_.image && event->reason() == QContextMenuEvent::Mouse)
+        overlays_.Move(ToOverlays(event->pos()), OverlayModifiers(event->modifiers()));
+    if (!shown_.image || !overlays_.FillMenu(entries))
+        return event->ignore();
+    menu_ = new QMenu(this);
+    connect(menu_, &QMenu::aboutToHide, menu_, &QObject::deleteLater);
+    connect(menu_, &QObject::destroyed, this, [this] {
+        if (!underMouse())
+            overlays_.Leave();
+    });
+    entries.Fill(*menu_);
+    connect(menu_, &QMenu::triggered, this,
+            [this](QAction* action) { overlays_.RunMenu(action->data().toUInt()); });
+    menu_->popup(event->globalPos());
+    event->accept();
 }
 
 void ViewerWidget::EndPan()
@@ -187,7 +223,7 @@ void ViewerWidget::ShowCursor()
     else if (spaceHeld_)
         setCursor(Qt::OpenHandCursor);
     else
-        setCursor(shapeOf(overlays_.View().cursorShape));
+        setCursor(CursorOf(overlays_.View().cursorShape, devicePixelRatioF()));
 }
 
 void ViewerWidget::wheelEvent(QWheelEvent* event)
@@ -205,16 +241,18 @@ void ViewerWidget::wheelEvent(QWheelEvent* event)
     pointer_ = event->position();
     ChangeView();
     if (shown_.image)
-        overlays_.Move(ToOverlays(pointer_), modifiersOf(event->modifiers()));
+        overlays_.Move(ToOverlays(pointer_), OverlayModifiers(event->modifiers()));
     event->accept();
 }
 
 void ViewerWidget::keyPressEvent(QKeyEvent* event)
 {
-    const bool nudged = overlays_.KeyDown(event->key(), modifiersOf(event->modifiers()));
-    if (nudged)
+    TrackModifiers(*event);
+    const bool used =
+        shown_.image && overlays_.KeyDown(event->key(), OverlayModifiers(event->modifiers()));
+    if (used && overlays_.View().keysHeld) // a dialog that it opened would get the release
         keysDown_.insert(codeOf(*event));
-    const bool handled = nudged || (event->key() == Qt::Key_Space && event->isAutoRepeat()) ||
+    const bool handled = used || (event->key() == Qt::Key_Space && event->isAutoRepeat()) ||
                          HandleViewKey(event->key());
     if (!handled)
         QOpenGLWidget::keyPressEvent(event);
@@ -268,6 +306,7 @@ void ViewerWidget::keyReleaseEvent(QKeyEvent* event)
             emit SpaceTapped();
         return;
     }
+    TrackModifiers(*event);
     const bool modifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
     if (!event->isAutoRepeat() && !modifier && keysDown_.erase(codeOf(*event)) > 0 &&
         keysDown_.empty())
@@ -308,7 +347,8 @@ bool ViewerWidget::focusNextPrevChild(bool next)
 
 void ViewerWidget::leaveEvent(QEvent* event)
 {
-    overlays_.Leave();
+    if (!menu_) // which is for what the pointer was on
+        overlays_.Leave();
     TrackPointer({-1.0, -1.0});
     QOpenGLWidget::leaveEvent(event);
 }

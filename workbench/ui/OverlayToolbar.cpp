@@ -1,0 +1,134 @@
+#include "workbench/ui/OverlayToolbar.h"
+
+#include "system/controls/Menu.h"
+#include "system/resources/Resources.h"
+#include "system/viewer/OverlayStage.h"
+
+#include <algorithm>
+
+#include <QActionGroup>
+#include <QMenu>
+#include <QToolButton>
+
+namespace Marlox {
+
+namespace {
+
+constexpr int iconPixels = 20;
+constexpr int redrawPause = 40; // ms: what the pointer lights up changes the buttons rarely
+
+/// Its first state off, the second on; none if the look has no such bitmap.
+QIcon iconOf(const QString& name)
+{
+    QIcon icon;
+    const auto add = [&icon, &name](const char* number, QIcon::State state) {
+        const QByteArray full = name.toUtf8() + number;
+        if (!LookPack::Global().Has(Resource::Kind::Bitmap, full.constData()))
+            return;
+        for (const double ratio : {1.0, 2.0})
+            icon.addPixmap(ResDIB::PixmapOf(full.constData(), ratio), QIcon::Normal, state);
+    };
+    if (!name.isEmpty()) {
+        add(".1", QIcon::Off);
+        add(".2", QIcon::On);
+    }
+    return icon;
+}
+
+/// Whether both can be one button in different states.
+bool isSameButton(const ToolbarButton& a, const ToolbarButton& b)
+{
+    return a.event == b.event && a.icon == b.icon && a.text == b.text &&
+           a.checkable == b.checkable && a.popDown == b.popDown && a.clicks == b.clicks;
+}
+
+} // namespace
+
+OverlayToolbar::OverlayToolbar(OverlayStage& stage, QWidget* parent)
+    : QToolBar(parent), stage_(stage)
+{
+    setObjectName("overlaytoolbar");
+    setAccessibleName(tr("Buttons of the overlay"));
+    setIconSize(QSize(iconPixels, iconPixels));
+    setContentsMargins(4, 0, 4, 0); // in line with the strip above
+    setMovable(false);
+    refresh_.setSingleShot(true);
+    connect(&refresh_, &QTimer::timeout, this, &OverlayToolbar::Refresh);
+    connect(&stage_, &OverlayStage::ToolbarChanged, this, [this] { RefreshSoon(0); });
+    connect(&stage_, &OverlayStage::Changed, this, [this] { RefreshSoon(redrawPause); });
+    Refresh();
+}
+
+void OverlayToolbar::RefreshSoon(int milliseconds)
+{
+    if (!stage_.IsPressed() && (!refresh_.isActive() || milliseconds < refresh_.remainingTime()))
+        refresh_.start(milliseconds);
+}
+
+void OverlayToolbar::Refresh()
+{
+    PreviewControl* owner = stage_.ToolbarOwner();
+    std::vector<ToolbarButton> now = owner ? ToolbarOf(*owner) : std::vector<ToolbarButton>();
+    const bool same =
+        std::equal(now.begin(), now.end(), buttons_.begin(), buttons_.end(), isSameButton);
+    buttons_ = std::move(now);
+    if (!same)
+        Rebuild();
+    const QList<QAction*> shown = actions();
+    for (std::size_t i = 0; i < buttons_.size(); ++i)
+        ShowState(*shown[int(i)], buttons_[i]);
+    setVisible(!buttons_.empty());
+}
+
+void OverlayToolbar::Rebuild()
+{
+    qDeleteAll(actions()); // with their pop-downs
+    for (const ToolbarButton& button : buttons_)
+        AddButton(button);
+}
+
+void OverlayToolbar::AddButton(const ToolbarButton& button)
+{
+    auto* action = new QAction(iconOf(button.icon), button.text, this);
+    action->setCheckable(button.checkable);
+    const u32 event = button.event;
+    if (button.popDown)
+        action->setMenu(MakePopDown(event));
+    if (!button.popDown || button.clicks)
+        connect(action, &QAction::triggered, this, [this, event] { stage_.ClickButton(event); });
+    if (button.popDown)
+        connect(action, &QObject::destroyed, action->menu(), &QObject::deleteLater);
+    addAction(action);
+    auto* shown = static_cast<QToolButton*>(widgetForAction(action));
+    shown->setObjectName("overlaytoolbar." + button.text);
+    shown->setAccessibleName(button.text);
+    if (button.popDown)
+        shown->setPopupMode(button.clicks ? QToolButton::MenuButtonPopup
+                                          : QToolButton::InstantPopup);
+}
+
+/// Its entries are asked for each time it opens.
+QMenu* OverlayToolbar::MakePopDown(u32 event)
+{
+    auto* menu = new QMenu(this);
+    connect(menu, &QMenu::aboutToShow, this, [this, menu, event] {
+        menu->clear();
+        qDeleteAll(menu->findChildren<QActionGroup*>(QString(), Qt::FindDirectChildrenOnly));
+        qDeleteAll(menu->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly));
+        Menu entries;
+        if (stage_.FillMenu(entries, event))
+            entries.Fill(*menu);
+    });
+    connect(menu, &QMenu::triggered, this,
+            [this](QAction* chosen) { stage_.RunMenu(chosen->data().toUInt()); });
+    return menu;
+}
+
+void OverlayToolbar::ShowState(QAction& action, const ToolbarButton& button) const
+{
+    action.setToolTip(button.tip);
+    action.setEnabled(button.enabled);
+    action.setChecked(button.checked); // a click has turned it over already
+}
+
+} // namespace Marlox
