@@ -22,6 +22,12 @@ foreach(plugin Working Unresolved Silent)
     add_dependencies(workbench-plugin-library test-plugin-${plugin})
 endforeach()
 
+# An overlay with buttons and menus, for the viewer.
+add_library(test-plugin-Buttons MODULE ${PROJECT_SOURCE_DIR}/tests/host/controls/ButtonsOverlay.cpp)
+target_include_directories(test-plugin-Buttons PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+target_link_libraries(test-plugin-Buttons PRIVATE marloxsystem)
+target_compile_options(test-plugin-Buttons PRIVATE -fno-gnu-unique)
+
 # The window itself, driven by a script as users do.
 set(windowFolder ${CMAKE_BINARY_DIR}/tests/workbench-window)
 file(MAKE_DIRECTORY ${windowFolder})

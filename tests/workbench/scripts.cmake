@@ -10,6 +10,11 @@ marlox_script_test(workbench-reference ${scripts}/reference.lua
 marlox_script_test(workbench-overlays ${scripts}/overlays.lua
     ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${pictures} ${CMAKE_BINARY_DIR}/samples/dusk.marlox)
 
+# Toolbars and menus of overlays, and pens.
+marlox_script_test(workbench-buttons ${scripts}/buttons.lua
+    ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${CMAKE_BINARY_DIR}/samples/dusk.marlox
+    $<TARGET_FILE:test-plugin-Buttons> ${pictures})
+
 # Broken files of all kinds, in a look with some broken files of its own.
 set(look ${pictures}/look)
 file(COPY ${PROJECT_SOURCE_DIR}/host/look/ DESTINATION ${look})

@@ -2,6 +2,7 @@
 
 #include "system/controls/ControlWnd.h"
 #include "workbench/scripting/Bindings.h"
+#include "workbench/scripting/MenuTable.h"
 #include "workbench/scripting/ScriptLog.h"
 #include "workbench/ui/InspectorPanel.h"
 #include "workbench/ui/MainWindow.h"
@@ -35,55 +36,15 @@ InputControl* findControl(ScriptContext& context, const QString& name)
     return nullptr;
 }
 
-QString plainText(QString text)
-{
-    return text.remove('&');
-}
-
-ScriptVal menuTable(const std::vector<Menu::Entry>& entries)
-{
-    ScriptVal list = ScriptVal::MakeTable();
-    for (const Menu::Entry& entry : entries) {
-        ScriptVal row = ScriptVal::MakeTable();
-        row.Set("text", plainText(entry.text).toStdString());
-        row.Set("id", int(entry.id));
-        row.Set("enabled", entry.enabled);
-        row.Set("checked", entry.checked);
-        if (!entry.children.empty())
-            row.Set("children", menuTable(entry.children));
-        list.Append(row);
-    }
-    return list;
-}
-
-const Menu::Entry* findEntry(const std::vector<Menu::Entry>& entries, const QString& path)
-{
-    for (const Menu::Entry& entry : entries) {
-        const QString text = plainText(entry.text);
-        if (text == path && !text.isEmpty() && entry.children.empty())
-            return &entry;
-        if (!entry.children.empty() && path.startsWith(text + '/')) {
-            if (const Menu::Entry* found = findEntry(entry.children, path.mid(text.size() + 1)))
-                return found;
-        }
-    }
-    return nullptr;
-}
-
 void runEntry(ScriptContext& context, ScriptCall& call)
 {
     InputControl& control = call.Self<InputControl>();
     Menu menu;
     control.BuildMenu(menu);
-    const QString path = call.String(1);
-    const Menu::Entry* entry = findEntry(menu.Entries(), path);
-    if (!entry)
-        throw ScriptError(QString("the menu has no entry \"%1\"").arg(path));
-    if (!entry->enabled)
-        throw ScriptError(QString("the menu entry \"%1\" is disabled").arg(path));
+    const Menu::Entry& entry = MenuEntryAt(menu.Entries(), call.String(1));
     u64 data = 0;
     TagList tags;
-    static_cast<Object&>(control).HandleMenu(entry->id, &data, tags);
+    static_cast<Object&>(control).HandleMenu(entry.id, &data, tags);
     RunEvents(context, 0.0);
 }
 
@@ -127,7 +88,7 @@ void addControlClass(ScriptContext& context)
     control.Method("menu", [](ScriptCall& call) {
         Menu menu;
         call.Self<InputControl>().BuildMenu(menu);
-        call.Return(menuTable(menu.Entries()));
+        call.Return(MenuTable(menu.Entries()));
     });
     control.Method("run", [&context](ScriptCall& call) { runEntry(context, call); });
     control.Method("fault",

@@ -1,7 +1,9 @@
 // Answers to modal dialogs.
 
+#include "system/widgets/TimeCodeEdit.h"
 #include "workbench/scripting/Bindings.h"
 #include "workbench/scripting/DialogAnswers.h"
+#include "workbench/scripting/MenuTable.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
@@ -16,6 +18,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTimer>
@@ -27,7 +30,9 @@ namespace {
 bool isField(const QWidget& widget)
 {
     return !widget.objectName().isEmpty() && !widget.objectName().startsWith("qt_") &&
-           (qobject_cast<const QLineEdit*>(&widget) || qobject_cast<const QComboBox*>(&widget) ||
+           (qobject_cast<const QLineEdit*>(&widget) ||
+            qobject_cast<const QPlainTextEdit*>(&widget) ||
+            qobject_cast<const TimeCodeEdit*>(&widget) || qobject_cast<const QComboBox*>(&widget) ||
             qobject_cast<const QAbstractSpinBox*>(&widget) ||
             (qobject_cast<const QAbstractButton*>(&widget) &&
              static_cast<const QAbstractButton&>(widget).isCheckable()));
@@ -51,6 +56,11 @@ void fill(QWidget& field, const ScriptVal& value)
     if (auto* edit = qobject_cast<QLineEdit*>(&field)) {
         edit->setText(text);
         emit edit->textEdited(text);
+    } else if (auto* lines = qobject_cast<QPlainTextEdit*>(&field)) {
+        lines->setPlainText(text);
+    } else if (auto* number = qobject_cast<TimeCodeEdit*>(&field)) {
+        number->setText(text);
+        number->Commit();
     } else if (auto* combo = qobject_cast<QComboBox*>(&field)) {
         const int index = value.IsNumber() ? int(value.ToNumber()) - 1 : combo->findText(text);
         if (index < 0 || index >= combo->count())
@@ -126,7 +136,7 @@ ScriptVal entriesOf(const QMenu& menu)
         if (action->isSeparator())
             continue;
         ScriptVal row = ScriptVal::MakeTable();
-        row.Set("text", action->text().remove('&').toStdString());
+        row.Set("text", MenuEntryText(action->text()).toStdString());
         row.Set("enabled", action->isEnabled());
         row.Set("checked", action->isChecked());
         if (action->menu())
@@ -139,7 +149,7 @@ ScriptVal entriesOf(const QMenu& menu)
 QAction* findAction(const QMenu& menu, const QString& path)
 {
     for (QAction* action : menu.actions()) {
-        const QString text = action->text().remove('&');
+        const QString text = MenuEntryText(action->text());
         if (!action->menu() && text == path)
             return action;
         if (action->menu() && path.startsWith(text + '/')) {

@@ -30,6 +30,14 @@ Qt::MouseButton buttonIn(const ScriptVal& how)
     throw ScriptError("a button is \"left\", \"middle\" or \"right\"");
 }
 
+std::optional<Synthesizer::Pen> penIn(const ScriptVal& how)
+{
+    if (!how.Get("pressure").IsNumber())
+        return {};
+    return Synthesizer::Pen{how.Get("pressure").ToNumber(), int(how.Get("tiltx").ToNumber()),
+                            int(how.Get("tilty").ToNumber()), how.Get("rotation").ToNumber()};
+}
+
 QPointF positionAt(const ScriptCall& call)
 {
     return {call.Number(1), call.Number(2)};
@@ -55,9 +63,18 @@ void drag(ScriptContext& context, ScriptCall& call)
         return QPointF(point.At(1).ToNumber(), point.At(2).ToNumber());
     };
     Synthesizer& events = context.events;
+    const auto usePen = [&](std::size_t i) {
+        ScriptVal its = how.IsNil() ? ScriptVal::MakeTable() : how.Clone();
+        if (points.At(i).Get("pressure").IsNumber())
+            its.Set("pressure", points.At(i).Get("pressure"));
+        events.UsePen(penIn(its));
+    };
+    usePen(1);
     events.Press(widget, at(1), buttonIn(how), heldIn(how));
-    for (std::size_t i = 2; i <= points.Length(); ++i)
+    for (std::size_t i = 2; i <= points.Length(); ++i) {
+        usePen(i);
         events.Move(widget, at(i), heldIn(how));
+    }
     events.Release(widget, at(points.Length()), buttonIn(how), heldIn(how));
 }
 
@@ -86,6 +103,7 @@ void AddEventBindings(ScriptContext& context)
     // Every event may have opened a dialog that nobody answered, so each looks for that.
     const auto method = [&context, &widget](const char* name, auto run) {
         widget.Method(name, [&context, run](ScriptCall& call) {
+            context.events.UsePen(call.IsTable(3) ? penIn(call.Table(3)) : std::nullopt);
             run(context, call);
             RunEvents(context, 0.0);
         });

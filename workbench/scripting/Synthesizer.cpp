@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QKeySequence>
+#include <QTabletEvent>
 #include <QWheelEvent>
 #include <QWidget>
 #include <QWindow>
@@ -47,6 +48,19 @@ bool hasFocusWithin(const QWidget& widget)
 
 } // namespace
 
+/// Its own event, which widgets that have no use for it let go on as that of a mouse.
+void Synthesizer::TellPen(QWindow& window, QPointF local, QPointF global, Qt::MouseButton button,
+                          QEvent::Type type, Qt::KeyboardModifiers held)
+{
+    const QEvent::Type own = type == QEvent::MouseButtonPress     ? QEvent::TabletPress
+                             : type == QEvent::MouseButtonRelease ? QEvent::TabletRelease
+                                                                  : QEvent::TabletMove;
+    QTabletEvent event(own, local, global, QTabletEvent::Stylus, QTabletEvent::Pen, pen_->pressure,
+                       pen_->tiltX, pen_->tiltY, 0.0, pen_->rotation, 0, held, 1, button, buttons_);
+    event.setTimestamp(ulong(timestamp_));
+    QCoreApplication::sendEvent(&window, &event);
+}
+
 void Synthesizer::Mouse(QWidget& widget, QPointF at, Qt::MouseButton button, QEvent::Type type,
                         Qt::KeyboardModifiers held)
 {
@@ -57,6 +71,8 @@ void Synthesizer::Mouse(QWidget& widget, QPointF at, Qt::MouseButton button, QEv
     lastWidget_ = &widget;
     lastAt_ = at;
     timestamp_ += 20;
+    if (pen_)
+        TellPen(window, local, global, button, type, held);
     qt_handleMouseEvent(&window, local, global, buttons_, button, type, held, timestamp_);
     QCoreApplication::processEvents();
 }

@@ -9,6 +9,7 @@
 #include <Qt>
 
 class QWidget;
+class QWindow;
 
 namespace Marlox {
 
@@ -18,6 +19,15 @@ namespace Marlox {
 /// dialog).
 class Synthesizer {
 public:
+    /// What a pen tells beside its place.
+    struct Pen {
+        double pressure = 1.0; // 0 to 1
+        int tiltX = 0;         // degrees from upright, to the right
+        int tiltY = 0;         // and towards the user
+        double rotation = 0.0; // degrees
+    };
+    /// The mouse events from then on are those of a pen, or no longer.
+    void UsePen(const std::optional<Pen>& pen) { pen_ = pen; }
     void Press(QWidget& widget, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers held);
     void Move(QWidget& widget, QPointF at, Qt::KeyboardModifiers held);
     void Release(QWidget& widget, QPointF at, Qt::MouseButton button, Qt::KeyboardModifiers held);
@@ -38,9 +48,12 @@ public:
     void Reset();
 
 private:
+    void TellPen(QWindow& window, QPointF local, QPointF global, Qt::MouseButton button,
+                 QEvent::Type type, Qt::KeyboardModifiers held);
     void Mouse(QWidget& widget, QPointF at, Qt::MouseButton button, QEvent::Type type,
                Qt::KeyboardModifiers held);
 
+    std::optional<Pen> pen_;
     Qt::MouseButtons buttons_;
     QPointer<QWidget> lastWidget_;
     QPointF lastAt_;

@@ -1,7 +1,9 @@
 // Viewers and the overlays in them.
 
 #include "system/viewer/OverlayPainter.h"
+#include "system/viewer/ToolbarEvents.h"
 #include "workbench/scripting/Bindings.h"
+#include "workbench/scripting/MenuTable.h"
 #include "workbench/ui/MainWindow.h"
 #include "workbench/viewer/ViewerWidget.h"
 
@@ -68,6 +70,77 @@ void addOverlayClass(ScriptEngine& engine)
                    [](ScriptCall& call) { call.Return(call.Self<PreviewControl>().IsEditable()); });
 }
 
+std::vector<ToolbarButton> toolbarOf(const OverlayStage& stage)
+{
+    PreviewControl* owner = stage.ToolbarOwner();
+    return owner ? ToolbarOf(*owner) : std::vector<ToolbarButton>();
+}
+
+u32 buttonOf(const OverlayStage& stage, const QString& text)
+{
+    for (const ToolbarButton& button : toolbarOf(stage)) {
+        if (button.text == text)
+            return button.event;
+    }
+    throw ScriptError(QString("the toolbar has no button \"%1\"").arg(text));
+}
+
+ScriptVal toolbarTable(const OverlayStage& stage)
+{
+    ScriptVal list = ScriptVal::MakeTable();
+    for (const ToolbarButton& button : toolbarOf(stage)) {
+        ScriptVal row = ScriptVal::MakeTable();
+        row.Set("text", button.text.toStdString());
+        row.Set("tip", button.tip.toStdString());
+        row.Set("icon", button.icon.toStdString());
+        row.Set("event", int(button.event));
+        row.Set("enabled", button.enabled);
+        row.Set("checked", button.checked);
+        row.Set("popdown", button.popDown);
+        list.Append(row);
+    }
+    return list;
+}
+
+/// The context menu or, with the text of a button at `index`, what that opens.
+void fillMenu(const ScriptCall& call, int index, Menu& menu)
+{
+    OverlayStage& stage = stageOf(call);
+    stage.FillMenu(menu, call.Has(index) ? buttonOf(stage, call.String(index)) : 0);
+}
+
+void addMenuMethods(ScriptContext& context, ScriptClass& viewer)
+{
+    viewer.Method("toolbar", [](ScriptCall& call) { call.Return(toolbarTable(stageOf(call))); });
+    viewer.Method("press_button", [&context](ScriptCall& call) {
+        OverlayStage& stage = stageOf(call);
+        if (!stage.ClickButton(buttonOf(stage, call.String(1))))
+            throw ScriptError(QString("the button \"%1\" can't be clicked").arg(call.String(1)));
+        RunEvents(context, 0.0);
+    });
+    viewer.Method("menu", [](ScriptCall& call) {
+        Menu menu;
+        fillMenu(call, 1, menu);
+        call.Return(MenuTable(menu.Entries()));
+    });
+    viewer.Method("menu_text", [](ScriptCall& call) {
+        Menu menu;
+        fillMenu(call, 1, menu);
+        call.Return(MenuOutline(menu.Entries()));
+    });
+    viewer.Method("popdown", [](ScriptCall& call) {
+        Menu menu;
+        stageOf(call).FillMenu(menu, buttonOf(stageOf(call), call.String(1)));
+        call.Return(MenuTable(menu.Entries()));
+    });
+    viewer.Method("run_menu", [&context](ScriptCall& call) {
+        Menu menu;
+        fillMenu(call, 2, menu);
+        stageOf(call).RunMenu(MenuEntryAt(menu.Entries(), call.String(1)).id);
+        RunEvents(context, 0.0);
+    });
+}
+
 void addViewerClass(ScriptContext& context)
 {
     ScriptClass& viewer = context.engine.AddClass<ViewerWidget>("Viewer", "Widget");
@@ -93,6 +166,7 @@ void addViewerClass(ScriptContext& context)
                   [](ScriptCall& call) { call.ReturnObject(stageOf(call).Focus()); });
     viewer.Method("cursor", [](ScriptCall& call) { call.Return(cursorOf(stageOf(call).View())); });
     viewer.Method("tip", [](ScriptCall& call) { call.Return(stageOf(call).Tip()); });
+    addMenuMethods(context, viewer);
     viewer.Method("drawn", [](ScriptCall& call) {
         OverlayRecorder recorder;
         stageOf(call).Draw(recorder);

@@ -229,6 +229,10 @@ viewer():move(viewer():normalised(0.5, 0.5))
 assert(viewer():current() == mark and viewer():tip():find("Centre") and viewer():focusedoverlay() == nil)
 assert(math.abs(viewer():cursor().x - 0.5) < 1e-2 and viewer():cursor().shape == "move")
 assert(viewer():drawn():find("normal", 1, true))
+assert(#viewer():toolbar() == 0 and #viewer():menu() == 0 and viewer():menu_text() == "")
+refused(function() viewer():press_button("Done") end, "no button", "Done")
+refused(function() viewer():popdown("Publish") end, "no button", "Publish")
+refused(function() viewer():run_menu("Create/Ellipse") end, "Create/Ellipse")
 refused(function() viewer():overlay("Gain") end, "Gain")
 refused(function() viewer(2) end, "viewer 2")
 mover:remove()
@@ -350,7 +354,7 @@ for _, name in ipairs(calls) do
     known[name:match("[^.:]*$")] = true
 end
 for span in documented:gmatch("`[^`\n]+`") do
-    for name in span:gmatch("(%a+)[({]") do
+    for name in span:gmatch("([%a_]+)[({]") do
         local there = known[name] or _G[name] or os[name] or name == "function"
         assert(there, "the guide tells of " .. name .. ", which is not there")
     end
