@@ -9,7 +9,7 @@
 namespace Marlox {
 
 /// Where normalised image coordinates lie in a view: scaled, then moved. View pixels, y upwards.
-struct CurveView {
+struct MARLOXSYSTEM_EXPORT CurveView {
     ShapePlace scale{1.0, 1.0};
     ShapePlace offset;
     double width = 1.0; // the view's
