@@ -1,12 +1,9 @@
 #include "workbench/ui/Messages.h"
 
+#include "system/controls/MessageBox.h"
 #include "system/evaluation/Process.h"
 
-#include <algorithm>
-
 #include <QCoreApplication>
-#include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 
 namespace Marlox {
@@ -18,43 +15,20 @@ QString words(const char* text)
     return QCoreApplication::translate("Messages", text);
 }
 
-/// A message with what it is about in bright letters and the rest below. Wide enough for a path or
-/// a sentence on one line.
-class Message : public QMessageBox {
-public:
-    Message(QWidget* parent, const char* name, Icon icon, const QString& text,
-            const QString& details = {})
-        : QMessageBox(icon, QCoreApplication::applicationName(), text, NoButton, parent)
-    {
-        setObjectName(name);
-        setTextFormat(Qt::PlainText);
-        setInformativeText(details);
-        if (auto* label = findChild<QLabel*>("qt_msgbox_label")) {
-            label->setWordWrap(true);
-            const int line = label->fontMetrics().size(0, text).width() + 2;
-            label->setMinimumWidth(
-                std::max(label->minimumSizeHint().width(), std::clamp(line, 320, 640)));
-            QPalette bright = label->palette();
-            bright.setColor(QPalette::WindowText, bright.color(QPalette::ButtonText));
-            label->setPalette(bright);
-        }
-    }
-};
-
 } // namespace
 
 void ShowError(QWidget* parent, const QString& text)
 {
-    Message box(parent, "error", QMessageBox::Warning, text);
+    MessageBox box(parent, "error", QMessageBox::Warning, text);
     box.setStandardButtons(QMessageBox::Ok);
     box.exec();
 }
 
 SaveChoice AskToSave(QWidget* parent, const QString& name)
 {
-    Message box(parent, "asktosave", QMessageBox::Question,
-                words("Save the changes to %1?").arg(name),
-                words("Changes that are not saved are lost."));
+    MessageBox box(parent, "asktosave", QMessageBox::Question,
+                   words("Save the changes to %1?").arg(name),
+                   words("Changes that are not saved are lost."));
     box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
@@ -69,12 +43,12 @@ SaveChoice AskToSave(QWidget* parent, const QString& name)
 
 RecoveryChoice AskToRecover(QWidget* parent, int count)
 {
-    Message box(parent, "asktorecover", QMessageBox::Question,
-                words("The workbench ended unexpectedly while a document was open."),
-                count == 1 ? words("Open the copy that was kept, or discard it?")
-                           : words("Open the newest of the %1 copies that were kept, or discard "
-                                   "them all?")
-                                 .arg(count));
+    MessageBox box(parent, "asktorecover", QMessageBox::Question,
+                   words("The workbench ended unexpectedly while a document was open."),
+                   count == 1 ? words("Open the copy that was kept, or discard it?")
+                              : words("Open the newest of the %1 copies that were kept, or discard "
+                                      "them all?")
+                                    .arg(count));
     box.setStandardButtons(QMessageBox::Open | QMessageBox::Discard | QMessageBox::Cancel);
     box.button(QMessageBox::Cancel)->setText(words("Later"));
     box.setDefaultButton(QMessageBox::Open);
@@ -90,11 +64,11 @@ RecoveryChoice AskToRecover(QWidget* parent, int count)
 
 void ShowAbout(QWidget* parent)
 {
-    Message box(parent, "about", QMessageBox::Information,
-                QString("%1 %2").arg(QCoreApplication::applicationName(),
-                                     QCoreApplication::applicationVersion()),
-                words("A workbench for the standard controls: it loads them like any host and "
-                      "edits real pictures with them."));
+    MessageBox box(parent, "about", QMessageBox::Information,
+                   QString("%1 %2").arg(QCoreApplication::applicationName(),
+                                        QCoreApplication::applicationVersion()),
+                   words("A workbench for the standard controls: it loads them like any host and "
+                         "edits real pictures with them."));
     box.setStandardButtons(QMessageBox::Ok);
     box.exec();
 }
