@@ -17,6 +17,7 @@ namespace Marlox {
 using float64 = double;
 using int32 = std::int32_t;
 using int64 = std::int64_t;
+using uint64 = std::uint64_t;
 using u8 = std::uint8_t;
 using u32 = std::uint32_t;
 using u64 = std::uint64_t;

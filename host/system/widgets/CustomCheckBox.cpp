@@ -25,6 +25,8 @@ CustomCheckBox::CustomCheckBox(const QString& text, QWidget* parent) : QCheckBox
 {
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // the label shortens
+    connect(this, &QCheckBox::stateChanged, this,
+            [this](int state) { emit CheckChanged(state, id_); });
 }
 
 QRect CustomCheckBox::BoxRect() const

@@ -21,8 +21,15 @@ public:
     /// follows: it shows flat, and the label has the colour too. An invalid colour takes it away.
     void SetStateColor(const QColor& color, bool ruled = false);
 
+    /// A number of its owner's that goes with CheckChanged; 0 at first.
+    void SetId(u64 id) { id_ = id; }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+
+signals:
+    /// It has another state (Qt::CheckState), whoever changed it.
+    void CheckChanged(int32 state, uint64 id);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -35,6 +42,7 @@ private:
     QString ToolTipText() const; // empty: none of its own
 
     QColor stateColor_;
+    u64 id_ = 0;
     bool ruled_ = false;
 };
 
