@@ -184,6 +184,14 @@ inline const Layout layouts[] = {
     {"Controls.Spacer.Layout", {}},
     {"Controls.TextEdit.Layout", {"textedit", "expression"}},
     {"Controls.TrackerPattern.Layout", {"pattern"}},
+    {"Dialogs.ImportShape.Layout",
+     {"m_ImportIndexLabel", "m_ImportIndexCombo", "m_ImportAllCheck", "m_OKCancel"}},
+    {"Dialogs.OnionSkin.Layout",
+     {"m_LabelSkinCount", "m_EditSkinCount", "m_LabelSkinStep", "m_EditSkinStep", "m_CheckKeySkin",
+      "m_GroupSkinRange", "m_CheckOnionAnchor", "m_CheckPointPlot", "m_CheckShowHull",
+      "m_CheckSetCurrentTime", "m_OKCancel"}},
+    {"Dialogs.PolyKeyList.Layout",
+     {"m_KeyList", "m_KindCombo", "m_GoToButton", "m_DeleteButton", "m_StateLabel"}},
 };
 
 constexpr const char* dataBlocks[] = {
