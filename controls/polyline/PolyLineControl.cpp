@@ -1,30 +1,485 @@
 #include "controls/polyline/PolyLineControl.h"
 
+#include "controls/polyline/PolyDraw.h"
+#include "controls/polyline/PolyKeyListDlg.h"
+#include "controls/polyline/PolyPreferences.h"
+#include "framework/ControlClass.h"
+#include "system/document/MarloxDoc.h"
+#include "system/document/Preferences.h"
+#include "system/shapes/ShapeLinks.h"
+#include "system/viewer/OverlayState.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
 namespace Marlox {
+
+namespace {
+
+/// A tag that tells an input by its place in the tool, and the PLCID_ tag that it stands in for.
+struct PlaceTag {
+    u32 place;
+    u32 id;
+};
+
+constexpr PlaceTag placeTags[] = {
+    {PLCD_SetX, PLCID_CenterX},
+    {PLCD_SetY, PLCID_CenterY},
+    {PLCD_SetAngle, PLCID_Angle},
+    {PLCD_SetSize, PLCID_Size},
+    {PLCD_SetAngleX, PLCID_AngleX},
+    {PLCD_SetAngleY, PLCID_AngleY},
+    {PLCD_SetTrackerSize, PLCID_TrackerSize},
+    {PLCD_SetTrackerSearchSize, PLCID_TrackerSearchSize},
+};
+
+constexpr u32 unusedBound = PLCID_CenterZ + 2; // the gap in the numbers
+
+Input* InputAtPlace(Operator* tool, double place)
+{
+    if (!tool || !(place >= 0.0) || !(place < double(tool->Inputs().size())))
+        return nullptr;
+    return tool->Inputs()[std::size_t(place)].Get();
+}
+
+} // namespace
+
+PolyLineControl::PolyLineControl(const Registry* record, const ScriptVal& creator,
+                                 const TagList& attributes)
+    : PreviewControl(record, creator, attributes)
+{
+    for (std::unique_ptr<Bound>& bound : bound_)
+        bound = std::make_unique<Bound>(*this);
+    const Preferences& preferences = MarloxDoc::GetPreferences();
+    settings_.onion = OnionSkinSettings::FromPreferences();
+    const int option = preferences.Get(PREF_PolyExportOption, 0).toInt();
+    settings_.drawMode = u8(settings_.drawMode | (std::clamp(option, 0, 15) << 4));
+    settings_.Read(attributes);
+    hasMode_ = attributes.Find(PLC_DrawMode) != nullptr;
+}
+
+PolyLineControl::~PolyLineControl()
+{
+    delete keyList_.data();
+}
 
 std::size_t PolyLineControl::SizeOf() const
 {
     return sizeof(*this);
 }
 
+// Attributes
+// ---------------------------------------------------------------------------------------
+
+bool PolyLineControl::SetAttrsTagList(Input* input, const TagList& tags)
+{
+    const PolySettings before = settings_;
+    settings_.Read(tags);
+    hasMode_ = hasMode_ || tags.Find(PLC_DrawMode);
+    ReadBoundInputs(tags);
+    if (settings_.Mode() != before.Mode()) {
+        PressModeEvent();
+        clicked_.clear();
+    }
+    pending_ = Mode() == PolyDrawMode::ClickAppend ? &clicked_ : nullptr;
+    const bool accepted = PreviewControl::SetAttrsTagList(input, tags);
+    if (settings_ != before)
+        UpdateDisplay(nullptr, nullptr);
+    return accepted;
+}
+
+void PolyLineControl::ReadBoundInputs(const TagList& tags)
+{
+    for (std::size_t i = 0; i < boundCount; ++i) {
+        const u32 id = PLCID_Center + u32(i);
+        const u32 pointer = PLCP_Center + u32(i);
+        if (id == unusedBound)
+            continue;
+        const auto place = std::find_if(std::begin(placeTags), std::end(placeTags),
+                                        [id](const PlaceTag& each) { return each.id == id; });
+        const bool byPlace = place != std::end(placeTags) && !tags.Find(id) &&
+                             !tags.Find(pointer) && tags.Find(place->place);
+        if (byPlace)
+            bound_[i]->Attach(
+                InputAtPlace(GetOperator(nullptr), tags.GetDouble(place->place, -1.0)));
+        else
+            bound_[i]->ReadFrom(tags, id, pointer);
+    }
+    ReadShapes();
+}
+
+bool PolyLineControl::CopyAttr(u64 tag, void* out)
+{
+    int64 value = 0;
+    if (!settings_.Get(u32(tag), value))
+        return PreviewControl::CopyAttr(tag, out);
+    std::memcpy(out, &value, sizeof value);
+    return true;
+}
+
+u64 PolyLineControl::DoTagList(unsigned int command, TagList& tags)
+{
+    if (command == Redisplay)
+        ReadShapes();
+    return PreviewControl::DoTagList(command, tags);
+}
+
+void PolyLineControl::SetAttr(u32 tag, int64 value)
+{
+    const auto alive = Ref<PolyLineControl>::Share(this);
+    const TagList change{{tag, value}};
+    SetAttrsTagList(change);
+    if (!Inputs().empty())
+        Inputs().front()->SetAttrsTagList(change);
+}
+
+PolySettings& PolyLineControl::ChangeSettings()
+{
+    UpdateDisplay(nullptr, nullptr);
+    return settings_;
+}
+
+void PolyLineControl::ChangeRoto(const char* text,
+                                 const std::function<void(RotoAssistSettings& roto)>& change)
+{
+    if (!CanEdit())
+        return;
+    const PolyNest nest(*this, text);
+    const bool was = settings_.roto.enabled;
+    ScriptVal before = ScriptVal::MakeTable();
+    before.Set("RotoAssist", settings_.SavedRoto());
+    change(ChangeSettings().roto);
+    ScriptVal after = ScriptVal::MakeTable();
+    after.Set("RotoAssist", settings_.SavedRoto());
+    PushOverlayState(*this, QString::fromLatin1(text), before, after);
+    if (was != settings_.roto.enabled && !settings_.roto.keepsTool)
+        GetOperator(nullptr)->DisableTool(settings_.roto.enabled);
+}
+
+void PolyLineControl::SetMode(PolyDrawMode mode)
+{
+    if (mode == Mode())
+        return;
+    const auto alive = Ref<PolyLineControl>::Share(this);
+    SetAttr(PLC_DrawMode, int64(mode));
+    const bool draws = mode == PolyDrawMode::ClickAppend || mode == PolyDrawMode::DrawAppend;
+    if (draws && !hasFocused_ && CanEdit()) {
+        hasFocused_ = true;
+        TakeViewFocus();
+    }
+}
+
+PolyDrawMode PolyLineControl::ModeAfterClose()
+{
+    const QString name =
+        MarloxDoc::GetPreferences().Get(PREF_PolyAfterCloseMode, "InsertAndModify").toString();
+    return name == QLatin1String("InsertAndModify") ? PolyDrawMode::InsertAndModify
+                                                    : PolyDrawMode::ModifyOnly;
+}
+
+void PolyLineControl::SetView(PreviewInfo* view, TagList* tags)
+{
+    PreviewControl::SetView(view, tags);
+    PressModeEvent();
+}
+
+void PolyLineControl::TakeViewFocus()
+{
+    if (view_ && view_->services)
+        view_->services->TakeFocus(*this);
+}
+
+// Inputs
+// -------------------------------------------------------------------------------------------
+
+Input* PolyLineControl::ShapeInput(int polygon) const
+{
+    Input* const own = FindInputByIndex(unsigned(polygon));
+    return own || polygon == InnerPolygon ? own : BoundInput(PLCID_InPolyLine2);
+}
+
+Input* PolyLineControl::BoundInput(u32 idTag) const
+{
+    return bound_[idTag - PLCID_Center]->Get();
+}
+
+bool PolyLineControl::IsShapeFree(int polygon) const
+{
+    const Input* input = ShapeInput(polygon);
+    return input && !input->Owner().IsLocked() && IsFree(input) && input->IsChangeable();
+}
+
+ShapePlacement PolyLineControl::PlacementAt(double time) const
+{
+    ShapePlacement placement;
+    if (const Input* center = BoundInput(PLCID_Center)) {
+        const Ref<Parameter> value = center->GetValue(time);
+        if (const auto* point = dynamic_cast<const Point*>(value.Get()))
+            placement.center = {point->X(), point->Y()};
+    }
+    const auto number = [&](u32 idTag, double otherwise) {
+        const Input* input = BoundInput(idTag);
+        const double value = input ? input->GetNumber(time, otherwise) : otherwise;
+        return std::isfinite(value) ? value : otherwise;
+    };
+    placement.center.x = number(PLCID_CenterX, placement.center.x);
+    placement.center.y = number(PLCID_CenterY, placement.center.y);
+    placement.angle = number(PLCID_Angle, 0.0);
+    placement.size = number(PLCID_Size, 1.0);
+    return placement;
+}
+
+bool PolyLineControl::AddInput(Input* input, TagList* tags)
+{
+    const bool added = PreviewControl::AddInput(input, tags);
+    ReadShapes();
+    return added;
+}
+
+bool PolyLineControl::RemoveInput(Input* input, TagList* tags)
+{
+    bool mine = false;
+    for (std::unique_ptr<Bound>& bound : bound_)
+        mine = bound->Forget(input) || mine;
+    const bool removed = PreviewControl::RemoveInput(input, tags);
+    if (keyList_ && keyList_->GetInput() == input)
+        keyList_->SetInput(nullptr);
+    ReadShapes();
+    return removed || mine;
+}
+
+void PolyLineControl::ReadShapes()
+{
+    bool another = false;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        const Input* input = ShapeInput(polygon);
+        another = editor_.Notify(polygon,
+                                 input ? ResolvedShape(*input, CurrentTime()) : Ref<PolyLine>()) ||
+                  another;
+    }
+    if (!hasMode_ && editor_.Shape(InnerPolygon)) {
+        hasMode_ = true; // a new shape is to be drawn, one that is there to be changed
+        const PolyDrawMode mode =
+            editor_.HasPoints(InnerPolygon) ? ModeAfterClose() : PolyDrawMode::ClickAppend;
+        settings_.drawMode = u8((settings_.drawMode & 0xf0) | u8(mode));
+        pending_ = mode == PolyDrawMode::ClickAppend ? &clicked_ : nullptr;
+        PressModeEvent();
+    }
+    if (another)
+        UpdateDisplay(nullptr, nullptr);
+}
+
+void PolyLineControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
+{
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        if (!input || input != ShapeInput(polygon))
+            continue;
+        if (!editor_.Notify(polygon, ResolvedShape(*input, CurrentTime())))
+            return;
+    }
+    PreviewControl::NotifyChanged(input, value, tags);
+}
+
+void PolyLineControl::UpdateDisplay(Input* input, TagList* tags)
+{
+    PreviewControl::UpdateDisplay(input, tags);
+}
+
+bool PolyLineControl::WriteShape(int polygon, Input::State next)
+{
+    Input* const input = ShapeInput(polygon);
+    if (!IsShapeFree(polygon))
+        return false;
+    const auto alive = Ref<PolyLineControl>::Share(this); // what follows may remove the overlay
+    const bool inGesture = gesture_ != nullptr;
+    if (!input->ChangeTo(std::move(next)))
+        return false;
+    changed_ = inGesture;
+    const Ref<Parameter> written = input->GetPlainValue(CurrentTime());
+    TagList what{{PV_Value, written.Get()},
+                 {PVD_Time, CurrentTime()},
+                 {IA_OverlayIndex, polygon},
+                 {PV_Final, !inGesture}};
+    Notify(MxID("ValueWritten"), what);
+    return true;
+}
+
+void PolyLineControl::SelectionChanged()
+{
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void PolyLineControl::SetInactive(TagList* tags)
+{
+    if (const auto gesture = std::move(gesture_))
+        gesture->Cancel();
+    SetHoveredTime(TimeNone);
+    PreviewControl::SetInactive(tags);
+}
+
+PolyKeyListDlg* PolyLineControl::KeyList()
+{
+    if (!keyList_ && settings_.animated)
+        keyList_ = new PolyKeyListDlg;
+    if (keyList_)
+        keyList_->SetInput(ShapeInput(editor_.ActivePolygon()));
+    return keyList_;
+}
+
+// State
+// --------------------------------------------------------------------------------------------
+
+bool PolyLineControl::SaveState(ScriptVal& state) const
+{
+    state = ScriptVal::MakeTable();
+    settings_.Save(state);
+    state.Set("DrawMode", int(Mode()));
+    state.Set("ActivePolygon", editor_.ActivePolygon());
+    ScriptVal selections = ScriptVal::MakeTable();
+    for (const SelMask& mask : editor_.Selections()) {
+        ScriptVal items = ScriptVal::MakeTable();
+        for (const int index : mask.Items())
+            items.Append(index);
+        items.Set("Last", mask.Last());
+        selections.Append(items);
+    }
+    state.Set("Selections", selections);
+    return true;
+}
+
+bool PolyLineControl::RestoreState(const ScriptVal& state)
+{
+    if (!state.IsTable())
+        return false;
+    settings_.Restore(state);
+    const double mode = state.Get("DrawMode").ToNumber(-1.0);
+    if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly))
+        SetMode(PolyDrawMode(int(mode)));
+    if (const ScriptVal& active = state.Get("ActivePolygon"); active.IsNumber())
+        editor_.SetActivePolygon(active.ToNumber() == 1.0 ? OuterPolygon : InnerPolygon);
+    PolyEditor::Masks masks = editor_.Selections();
+    for (std::size_t i = 0; i < masks.size(); ++i) {
+        const ScriptVal& items = state.Get("Selections").At(i + 1);
+        if (!items.IsTable())
+            continue;
+        masks[i].Reset();
+        for (const ScriptVal& item : items.Elements())
+            masks[i].DoSet(int(std::clamp(item.ToNumber(-1.0), -1.0, 1e9)), SelMask::Select);
+        masks[i].SetLast(int(std::clamp(items.Get("Last").ToNumber(-1.0), -1.0, 1e9)));
+    }
+    editor_.SetSelections(masks);
+    UpdateDisplay(nullptr, nullptr);
+    return true;
+}
+
+void PolyLineControl::CleanupState(ScriptVal& state) const
+{
+    state = ScriptVal();
+}
+
+// Registration
+// -------------------------------------------------------------------------------------
+
 namespace {
 
-struct PolyLineFacts : GenericOverlayFacts {
+struct PolyLineFacts : OverlayFacts {
     using Class = PolyLineControl;
     static constexpr char name[] = "PolyLineControl";
     static constexpr RecordFacts records[] = {{"PolylineControl", "PolylineControl"}};
+    static constexpr TagMapEntry tagNames[] = {
+        {"PLC_DrawMode", PLC_DrawMode},
+        {"PLC_RecordTime", PLC_RecordTime},
+        {"PLC_RecordPressure", PLC_RecordPressure},
+        {"PLC_RecordHeight", PLC_RecordHeight},
+        {"PLC_RecordAngleXY", PLC_RecordAngleXY},
+        {"PLC_RecordAngleZ", PLC_RecordAngleZ},
+        {"PLC_RecordRotation", PLC_RecordRotation},
+        {"PLC_CanPublishPoints", PLC_CanPublishPoints},
+        {"PLC_CurrentTimeOnly", PLC_CurrentTimeOnly},
+        {"PLC_ShowKeyPoints", PLC_ShowKeyPoints},
+        {"PLC_ShowHandles", PLC_ShowHandles},
+        {"PLC_StopRendering", PLC_StopRendering},
+        {"PLC_Animated", PLC_Animated},
+        {"PLC_HandleColor", PLC_HandleColor},
+        {"PLC_FollowExternMatchPoint", PLC_FollowExternMatchPoint},
+        {"PLC_ShowPolyLine", PLC_ShowPolyLine},
+        {"PLC_DrawStyle", PLC_DrawStyle},
+        {"PLC_ShowTaggedPointIDs", PLC_ShowTaggedPointIDs},
+        {"PLCD_SetX", PLCD_SetX},
+        {"PLCD_SetY", PLCD_SetY},
+        {"PLCD_SetAngle", PLCD_SetAngle},
+        {"PLCD_SetSize", PLCD_SetSize},
+        {"PLCD_SetAngleX", PLCD_SetAngleX},
+        {"PLCD_SetAngleY", PLCD_SetAngleY},
+        {"PLCD_SetTrackerSize", PLCD_SetTrackerSize},
+        {"PLCD_SetTrackerSearchSize", PLCD_SetTrackerSearchSize},
+        {"PLCID_Center", PLCID_Center},
+        {"PLCID_Angle", PLCID_Angle},
+        {"PLCID_Size", PLCID_Size},
+        {"PLCID_Displacement", PLCID_Displacement},
+        {"PLCID_CurrentTimePoint", PLCID_CurrentTimePoint},
+        {"PLCID_AngleX", PLCID_AngleX},
+        {"PLCID_AngleY", PLCID_AngleY},
+        {"PLCID_AngleZ", PLCID_AngleZ},
+        {"PLCID_InPolyLine2", PLCID_InPolyLine2},
+        {"PLCID_CenterX", PLCID_CenterX},
+        {"PLCID_CenterY", PLCID_CenterY},
+        {"PLCID_CenterZ", PLCID_CenterZ},
+        {"PLCID_TrackerSize", PLCID_TrackerSize},
+        {"PLCID_TrackerSearchSize", PLCID_TrackerSearchSize},
+        {"PLCP_Center", PLCP_Center},
+        {"PLCP_Angle", PLCP_Angle},
+        {"PLCP_Size", PLCP_Size},
+        {"PLCP_Displacement", PLCP_Displacement},
+        {"PLCP_CurrentTimePoint", PLCP_CurrentTimePoint},
+        {"PLCP_AngleX", PLCP_AngleX},
+        {"PLCP_AngleY", PLCP_AngleY},
+        {"PLCP_AngleZ", PLCP_AngleZ},
+        {"PLCP_InPolyLine2", PLCP_InPolyLine2},
+        {"PLCP_CenterX", PLCP_CenterX},
+        {"PLCP_CenterY", PLCP_CenterY},
+        {"PLCP_CenterZ", PLCP_CenterZ},
+        {"PLCP_TrackerSize", PLCP_TrackerSize},
+        {"PLCP_TrackerSearchSize", PLCP_TrackerSearchSize},
+        {},
+    };
     struct Resources {
+        ResDIB closed[2]{{"Icons.Polyline.Closed.1", 0}, {"Icons.Polyline.Closed.2", 0}};
         ResDIB currentTimeOnly[2]{{"Icons.Polyline.CurrentTimeOnly.1", 0},
                                   {"Icons.Polyline.CurrentTimeOnly.2", 0}};
         ResDIB deleteIcon[2]{{"Icons.Polyline.Delete.1", 0}, {"Icons.Polyline.Delete.2", 0}};
+        ResDIB drawClick[2]{{"Icons.Polyline.DrawClick.1", 0}, {"Icons.Polyline.DrawClick.2", 0}};
+        ResDIB drawDone[2]{{"Icons.Polyline.DrawDone.1", 0}, {"Icons.Polyline.DrawDone.2", 0}};
+        ResDIB drawFreehand[2]{{"Icons.Polyline.DrawFreehand.1", 0},
+                               {"Icons.Polyline.DrawFreehand.2", 0}};
         ResDIB drawInsertAndModify[2]{{"Icons.Polyline.DrawInsertandModify.1", 0},
                                       {"Icons.Polyline.DrawInsertandModify.2", 0}};
+        ResDIB drawModifyOnly[2]{{"Icons.Polyline.DrawModifyOnly.1", 0},
+                                 {"Icons.Polyline.DrawModifyOnly.2", 0}};
+        ResDIB followPublished[2]{{"Icons.Polyline.FollowPublished.1", 0},
+                                  {"Icons.Polyline.FollowPublished.2", 0}};
+        ResDIB linear[2]{{"Icons.Polyline.Linear.1", 0}, {"Icons.Polyline.Linear.2", 0}};
         ResDIB lock[2]{{"Icons.Polyline.Lock.1", 0}, {"Icons.Polyline.Lock.2", 0}};
         ResDIB makeDoublePolyline[2]{{"Icons.Polyline.MakeDoublePolyline.1", 0},
                                      {"Icons.Polyline.MakeDoublePolyline.2", 0}};
         ResDIB multiTimeEdit[2]{{"Icons.Polyline.MultiTimeEdit.1", 0},
                                 {"Icons.Polyline.MultiTimeEdit.2", 0}};
         ResDIB onionSkin[2]{{"Icons.Polyline.OnionSkin.1", 0}, {"Icons.Polyline.OnionSkin.2", 0}};
+        ResDIB publishPoints[2]{{"Icons.Polyline.PublishPoints.1", 0},
+                                {"Icons.Polyline.PublishPoints.2", 0}};
+        ResDIB reducePoints[2]{{"Icons.Polyline.ReducePoints.1", 0},
+                               {"Icons.Polyline.ReducePoints.2", 0}};
+        ResDIB rotoAssist[2]{{"Icons.Polyline.RotoAssist.1", 0},
+                             {"Icons.Polyline.RotoAssist.2", 0}};
+        ResDIB selectAll[2]{{"Icons.Polyline.SelectAll.1", 0}, {"Icons.Polyline.SelectAll.2", 0}};
+        ResDIB shapeBox[2]{{"Icons.Polyline.ShapeBox.1", 0}, {"Icons.Polyline.ShapeBox.2", 0}};
+        ResDIB showHandles[2]{{"Icons.Polyline.ShowHandles.1", 0},
+                              {"Icons.Polyline.ShowHandles.2", 0}};
+        ResDIB showKeys[2]{{"Icons.Polyline.ShowKeys.1", 0}, {"Icons.Polyline.ShowKeys.2", 0}};
+        ResColor prevSkin{"Controls.Polyline.PrevSkinColour", MxColor(240, 120, 110)};
+        ResColor nextSkin{"Controls.Polyline.NextSkinColour", MxColor(110, 190, 240)};
+        ResDIB smooth[2]{{"Icons.Polyline.Smooth.1", 0}, {"Icons.Polyline.Smooth.2", 0}};
     };
 };
 
@@ -33,5 +488,15 @@ struct PolyLineFacts : GenericOverlayFacts {
 template <>
 ControlClass<PolyLineFacts> controlClass<PolyLineFacts>{};
 MARLOX_SCRIPT_CASTS(PolyLineControl)
+
+MxColor PrevSkinColor()
+{
+    return controlClass<PolyLineFacts>.resources.prevSkin.Color();
+}
+
+MxColor NextSkinColor()
+{
+    return controlClass<PolyLineFacts>.resources.nextSkin.Color();
+}
 
 } // namespace Marlox

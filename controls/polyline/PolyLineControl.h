@@ -1,15 +1,132 @@
 #pragma once
 
-#include "framework/GenericPreviewControl.h"
+#include "controls/polyline/PolyEditor.h"
+#include "controls/polyline/PolyGesture.h"
+#include "framework/SecondInput.h"
+
+#include <array>
+#include <memory>
+
+#include <Qt>
 
 namespace Marlox {
 
-/// The points and handles of a shape. Registered as "PolylineControl", the spelling that scenes and
-/// scripts know.
-class PolyLineControl final : public GenericPreviewControl {
+class PolyKeyListDlg;
+
+/// The viewer overlay in which roto shapes and paths are drawn and edited: points are appended by
+/// clicks or freehand, inserted, selected, moved, joined by handles; commands come from the context
+/// menu, the toolbar and the keys (PolyActions). Registered as "PolylineControl", the spelling that
+/// scenes and scripts know.
+///
+/// Its inputs hold polylines: IA_OverlayIndex 0 the main shape, which is the inner polygon of a
+/// double one, 1 the outer polygon, which may also be the input that PLCID_InPolyLine2 names.
+/// Positions are normalised image coordinates, turned, scaled and moved as the inputs PLCID_Center,
+/// PLCID_Angle and PLCID_Size tell. A point is hit when both its distances from the cursor, in
+/// pixels of the image, are smaller than the view's pick radius divided by its zoom.
+///
+/// Every edit is one undo entry with a fixed text. A locked tool takes none, silently.
+class PolyLineControl final : public PreviewControl {
 public:
-    using GenericPreviewControl::GenericPreviewControl;
+    PolyLineControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
+    ~PolyLineControl() override;
+
     std::size_t SizeOf() const override;
+    using PreviewControl::SetAttrsTagList;
+    bool SetAttrsTagList(Input* input, const TagList& tags) override;
+    u64 DoTagList(unsigned int command, TagList& tags) override;
+    bool CopyAttr(u64 tag, void* out) override;
+    bool DoInfo(unsigned int request, TagList& tags) override;
+    void SetView(PreviewInfo* view, TagList* tags) override;
+    void SetInactive(TagList* tags) override;
+    bool AddInput(Input* input, TagList* tags) override;
+    bool RemoveInput(Input* input, TagList* tags) override;
+    void NotifyChanged(Input* input, Parameter* value, TagList* tags) override;
+    void UpdateDisplay(Input* input, TagList* tags) override;
+    /// What editing has set and no attribute tells: the active polygon, selections, display.
+    bool SaveState(ScriptVal& state) const override;
+    bool RestoreState(const ScriptVal& state) override;
+    void CleanupState(ScriptVal& state) const override;
+    void AddToMenu(Menu* menu, TagList& tags) override;
+    using PreviewControl::HandleMenu;
+    bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
+    void GetAvailableEvents(std::vector<MxID>& out) const override;
+    bool HandleEvent(Object* sender, const MxID& event, TagList& tags) override;
+    bool ControlGetTip(PreviewInfo* view, char* tip, TagList* tags) override;
+    void GLDrawControls(PreviewInfo* view, TagList* tags) override;
+    DragType ControlDown(PreviewInfo* view, const MxPoint& at, TagList* tags) override;
+    void ControlMove(PreviewInfo* view, const MxPoint& at, TagList* tags) override;
+    void ControlUp(PreviewInfo* view, const MxPoint& at, TagList* tags) override;
+    bool ControlCommand(PreviewInfo* view, const MxID& command, u64 data, TagList* tags) override;
+    void EndUndo(bool keep) override;
+    bool MarksHover() const override { return true; }
+
+    // For the parts of this control.
+    PolyEditor& Editor() { return editor_; }
+    const PolyEditor& Editor() const { return editor_; }
+    const PolySettings& Settings() const { return settings_; }
+    /// Changes what is no attribute, and shows it.
+    PolySettings& ChangeSettings();
+    /// An undo entry of its own.
+    void ChangeRoto(const char* text, const std::function<void(RotoAssistSettings& roto)>& change);
+    /// Sets an attribute through the overlay's and the input's tags.
+    void SetAttr(u32 tag, int64 value);
+    PolyDrawMode Mode() const { return settings_.Mode(); }
+    /// The other mode, if it is another: the toolbar and the input's attribute follow.
+    void SetMode(PolyDrawMode mode);
+    /// Insert and Modify, or Modify Only, as the preference PREF_PolyAfterCloseMode tells.
+    static PolyDrawMode ModeAfterClose();
+    /// Whether the shape can be edited at all: not with the tool locked or the input driven.
+    bool CanEdit() const { return IsShapeFree(InnerPolygon); }
+    PreviewInfo* View() const { return view_; }
+    ShapePlacement Placement() const { return PlacementAt(CurrentTime()); }
+    ShapePlacement PlacementAt(double time) const;
+    void TakeViewFocus(); // "Set Focus"
+    const std::vector<PolyPoint>* PendingPoints() const { return pending_; }
+    std::vector<PolyPoint>& ClickedPoints() { return clicked_; }
+    void SelectionChanged();
+    PolyKeyListDlg* KeyList();          // made when first needed; null without PLC_Animated
+    Input* BoundInput(u32 idTag) const; // by a PLCID_ tag; null: none
+    double HoveredTime() const { return hoveredTime_; }
+    void SetHoveredTime(double time);
+    double PressTime() const { return pressTime_; } // Platform::GetUpTime, seconds
+
+    // For the editor.
+    Input* ShapeInput(int polygon) const;
+    bool IsShapeFree(int polygon) const;
+    bool WriteShape(int polygon, Input::State next);
+    /// Whether the gesture under way has changed something already.
+    bool IsPastFirstChange() const { return gesture_ && changed_; }
+    // For gestures.
+    void BeginGesture(const char* text);
+
+private:
+    friend class SecondInput<PolyLineControl>;
+    using Bound = SecondInput<PolyLineControl>;
+    static constexpr std::size_t boundCount = 0x0f; // 0x0c is not used
+    /// Turns to the other polygon's point where both coincide.
+    static constexpr int switchKey = Qt::Key_Period;
+
+    void ReadBoundInputs(const TagList& tags);
+    void PressModeEvent() const;
+    void ReadShapes();
+    bool HitTest(PreviewInfo& view, const TagList* tags);
+    PolyPointer PointerOf(const PolyView& view, const TagList* tags) const;
+    bool WantsKey(int key, u32 modifiers) const;
+    bool HandleKey(int key, u32 modifiers);
+
+    PolySettings settings_;
+    PolyEditor editor_{*this};
+    std::array<std::unique_ptr<Bound>, boundCount> bound_;
+    std::unique_ptr<PolyGesture> gesture_;
+    bool changed_ = false; // the gesture wrote
+    double pressTime_ = 0.0;
+    double penTime_ = 0.0; // of the press, as the view counts
+    double hoveredTime_ = TimeNone;
+    std::vector<PolyPoint> clicked_;            // in this run of Click Append
+    std::vector<PolyPoint>* pending_ = nullptr; // the points of the mode under way
+    bool hasFocused_ = false;                   // took the view's focus for drawing
+    bool hasMode_ = false;                      // a draw mode was told, or chosen by the shape
+    QPointer<PolyKeyListDlg> keyList_;          // owned
 };
 
 } // namespace Marlox

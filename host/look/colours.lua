@@ -81,4 +81,6 @@
     ["Controls.Other.DisabledTextColour"] = {110, 110, 110},
     ["Controls.Other.FocusTextColour"] = {255, 255, 255},
     ["Controls.Other.TextColour"] = {220, 220, 220},
+    ["Controls.Polyline.NextSkinColour"] = {110, 190, 240}, -- a shape's onion skins
+    ["Controls.Polyline.PrevSkinColour"] = {240, 120, 110},
 }

@@ -9,7 +9,7 @@ namespace Marlox {
 
 PolyLine::PolyLine(const PolyLine& other)
     : Parameter(), LockableObject(other), points_(other.points_), links_(other.links_),
-      lastId_(other.lastId_), closed_(other.closed_)
+      lastId_(other.lastId_), closed_(other.closed_), enabled_(other.enabled_)
 {
 }
 
@@ -22,6 +22,13 @@ Ref<PolyLine> PolyLine::Create(const MxID& dataType)
     if (dataType == MxID(CLSID_DataType_CardinalSplinePolyline))
         return MakeRef<CardinalPolyLine>();
     return {};
+}
+
+bool IsShapeType(const MxID& dataType)
+{
+    return dataType == MxID(CLSID_DataType_Polyline) ||
+           dataType == MxID(CLSID_DataType_BSplinePolyline) ||
+           dataType == MxID(CLSID_DataType_CardinalSplinePolyline);
 }
 
 Ref<PolyLine> PolyLine::CopyShape() const

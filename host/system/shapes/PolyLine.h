@@ -73,6 +73,9 @@ public:
     int GetIndex(const KeyPoint& point) const; // -1: there is none
     int GetIndex(u32 id) const;
     int GetCount(u32 flags = 0) const;
+    /// One that is not enabled is kept, yet neither shown nor drawn into masks.
+    bool IsEnabled() const { return enabled_; }
+    void SetEnabled(bool enabled) { enabled_ = enabled; }
     bool IsClosed() const { return closed_; }
     /// False: it has fewer than two points.
     bool Close();
@@ -149,6 +152,7 @@ public:
     Ref<Parameter> Copy() const override;
     bool IsEqual(const Parameter& other) const override;
     ScriptVal ToScriptVal() const override;
+    /// Of the kind that the value names, otherwise of `dataType`.
     static Ref<Parameter> FromShapeVal(const MxID& dataType, const ScriptVal& value);
     /// Seven for each point: place, handles, tension.
     std::span<const double> Components() const override;
@@ -169,9 +173,13 @@ private:
     std::vector<PointLink> links_;
     u32 lastId_ = 0;
     bool closed_ = false;
+    bool enabled_ = true;
     mutable std::mutex cacheMutex_;
     mutable std::unique_ptr<std::vector<double>> components_; // made when first asked for
 };
+
+/// Whether it is one of the kinds of shapes: an input of one carries shapes of any.
+MARLOXSYSTEM_EXPORT bool IsShapeType(const MxID& dataType);
 
 // Distances and bounds ---------------------------------------------------------------------------
 

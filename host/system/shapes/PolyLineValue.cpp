@@ -112,7 +112,8 @@ bool PolyLine::IsEqual(const Parameter& other) const
     if (other.GetDataType() != GetDataType())
         return false;
     const auto& shape = static_cast<const PolyLine&>(other);
-    return closed_ == shape.closed_ && points_ == shape.points_ && links_ == shape.links_;
+    return closed_ == shape.closed_ && enabled_ == shape.enabled_ && points_ == shape.points_ &&
+           links_ == shape.links_;
 }
 
 ScriptVal PolyLine::ToScriptVal() const
@@ -121,7 +122,10 @@ ScriptVal PolyLine::ToScriptVal() const
     for (const PolyPoint& point : points_)
         points.Append(ToVal(point));
     ScriptVal table = ScriptVal::MakeTable();
+    table.Set("Kind", std::string(GetDataType().View()));
     table.Set("Closed", closed_);
+    if (!enabled_)
+        table.Set("Enabled", false);
     if (!links_.empty()) {
         ScriptVal links = ScriptVal::MakeTable();
         for (const PointLink& link : links_)
@@ -134,7 +138,9 @@ ScriptVal PolyLine::ToScriptVal() const
 
 Ref<Parameter> PolyLine::FromShapeVal(const MxID& dataType, const ScriptVal& value)
 {
-    const Ref<PolyLine> shape = Create(dataType);
+    const ScriptVal& kind = value.Get("Kind");
+    const Ref<PolyLine> shape =
+        Create(kind.IsString() ? MxID(std::string_view(kind.ToString())) : dataType);
     const ScriptVal& list = value.Get("Points");
     if (!shape || !list.IsTable() || list.Length() > std::size_t(maxPoints))
         return {};
@@ -153,6 +159,7 @@ Ref<Parameter> PolyLine::FromShapeVal(const MxID& dataType, const ScriptVal& val
     }
     if (value.Get("Closed").ToBool())
         shape->Close();
+    shape->SetEnabled(value.Get("Enabled").ToBool(true));
     return shape;
 }
 

@@ -4,7 +4,9 @@
 
 namespace Marlox {
 
-ShapeKeys::ShapeKeys(Input& input) : input_(input), state_(input.GetState()) {}
+ShapeKeys::ShapeKeys(Input& input) : ShapeKeys(input, input.GetState()) {}
+
+ShapeKeys::ShapeKeys(Input& input, Input::State from) : input_(input), state_(std::move(from)) {}
 
 std::vector<double> ShapeKeys::Times() const
 {

@@ -12,6 +12,7 @@ namespace Marlox {
 class MARLOXSYSTEM_EXPORT ShapeKeys {
 public:
     explicit ShapeKeys(Input& input);
+    ShapeKeys(Input& input, Input::State from); // from another state than it has
 
     /// The times of the keys, ascending; empty where the input is not animated.
     std::vector<double> Times() const;
@@ -27,7 +28,9 @@ public:
     /// Every shape is replaced by one of another kind or build.
     void Replace(const std::function<Ref<PolyLine>(const PolyLine& shape)>& made);
 
-    /// Writes what changed into the input. False: the input refuses it.
+    /// What it has become, for who writes it.
+    const Input::State& State() const { return state_; }
+    /// Writes it into the input. False: the input refuses it.
     bool Commit();
 
 private:

@@ -1,5 +1,7 @@
 #include "system/values/Input.h"
 
+#include "system/shapes/PolyLine.h"
+
 #include "system/base/ScriptServices.h"
 #include "system/document/MarloxDoc.h"
 #include "system/document/Operator.h"
@@ -113,6 +115,13 @@ QString Input::GetName() const
     return name && *name ? QString::fromUtf8(name) : id_.ToString();
 }
 
+/// Whether a value is of the kind that it carries; of shapes, any kind.
+bool Input::Holds(const Parameter& value) const
+{
+    const MxID type = value.GetDataType();
+    return type == dataType_ || (IsShapeType(type) && IsShapeType(dataType_));
+}
+
 bool Input::IsImage() const
 {
     return dataType_ == MxID(CLSID_DataType_Image) || dataType_ == MxID(CLSID_DataType_Mask);
@@ -148,7 +157,7 @@ Ref<Parameter> Input::GetValue(double time) const
         return nullptr;
     if (computed_) {
         const Ref<Parameter> value = owner_.Compute(*this, time);
-        return value && value->GetDataType() == dataType_ ? value : state_.value;
+        return value && Holds(*value) ? value : state_.value;
     }
     return HasExpression() ? EvaluateExpression(time) : GetPlainValue(time);
 }
@@ -178,7 +187,7 @@ Ref<Parameter> Input::EvaluateExpression(double time) const
 
     if (looped_)
         error = tr("The expression refers to itself.");
-    else if (value && value->GetDataType() != dataType_)
+    else if (value && !Holds(*value))
         error = tr("The expression gives a %1 where a %2 is wanted.")
                     .arg(value->GetDataType().ToString(), dataType_.ToString());
     else if (!value && error.isEmpty())
@@ -223,7 +232,7 @@ bool Input::Change(State next, const QString& text, Force force)
 
 bool Input::SetValue(const Parameter& value, double time, unsigned flags)
 {
-    if (value.GetDataType() != dataType_)
+    if (!Holds(value))
         return false;
     State next = state_;
     const bool replaceAll = (flags & ReplaceAll) != 0 || time == TimeNone;
@@ -254,7 +263,7 @@ bool Input::SetAnimation(Animation animation)
     State next = state_;
     next.animation = {};
     for (const auto& [time, key] : animation.Keys()) {
-        if (key.value->GetDataType() != dataType_)
+        if (!Holds(*key.value))
             return false;
         next.animation.SetKey(time, Accepted(*key.value), key.interpolation);
     }

@@ -143,6 +143,7 @@ private:
 
     bool Change(State next, const QString& text, Force force = Ask);
     void Assign(const State& state);
+    bool Holds(const Parameter& value) const;
     void Announce(bool reconnected);
     std::optional<Interpolation> InterpolationOfKeySet(double time) const;
     Ref<Parameter> EvaluateExpression(double time) const;

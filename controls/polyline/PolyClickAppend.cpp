@@ -1,0 +1,104 @@
+// Click Append: each press puts a point at the end of the shape, and a drag pulls its handles out.
+// A press on the first point closes the shape.
+
+#include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyGesture.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "system/viewer/OverlayCommands.h"
+
+#include <cmath>
+
+namespace Marlox {
+
+namespace {
+
+constexpr double leastPull = 3.0; // view pixels; a nearer release was a click
+
+class ClickAppend final : public PolyGesture {
+public:
+    ClickAppend(PolyLineControl& control, const PolyPointer& pointer)
+        : PolyGesture(control), at_(pointer.view.Cursor()),
+          pressed_(pointer.view.ToView(pointer.view.Cursor()))
+    {
+        PolyEditor& editor = Editor();
+        const int active = editor.ActivePolygon();
+        const bool both = editor.IsMatched() && editor.IsShown(OtherPolygon(active));
+        Begin(both ? "Add Points" : "Add Point");
+        PolyPoint point;
+        point.x = at_.x;
+        point.y = at_.y;
+        point.flags = PPF_Linear;
+        for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+            if (polygon == active || both)
+                editor.Change(polygon, PolyEditor::Scope::Keys,
+                              [&point](PolyLine& shape) { shape.Append(point); });
+        }
+        const PolyLine* shape = editor.Active();
+        if (!shape || shape->GetCount() == 0)
+            return;
+        index_ = shape->GetCount() - 1;
+        editor.SelectOnly(active, index_);
+        Control().ClickedPoints().push_back(shape->Points().back());
+        states_ = editor.TakeStates();
+        hasHandles_ = shape->GetDataType() == MxID(CLSID_DataType_Polyline);
+    }
+
+    void Move(const PolyPointer& pointer) override
+    {
+        const ShapePlace cursor = pointer.view.Cursor();
+        const OverlayPoint now = pointer.view.ToView(cursor);
+        const double reach = leastPull * pointer.view.Info().pixelRatio;
+        if (!pulled_ && std::hypot(now.x - pressed_.x, now.y - pressed_.y) < reach)
+            return;
+        pulled_ = true;
+        const ShapePlace by = cursor - at_;
+        const int index = index_;
+        const bool hasHandles = hasHandles_;
+        Editor().ChangeSelected(
+            [=](PolyLine& shape, const SelMask&) {
+                PolyPoint* point = shape.GetPoint(index);
+                if (!point)
+                    return;
+                point->Set(PPF_Linear, false);
+                if (hasHandles) {
+                    point->outX = by.x;
+                    point->outY = by.y;
+                    point->inX = -by.x;
+                    point->inY = -by.y;
+                } else { // a vertex goes with the pointer
+                    point->x += by.x;
+                    point->y += by.y;
+                }
+            },
+            states_);
+    }
+
+private:
+    ShapePlace at_;
+    OverlayPoint pressed_;
+    int index_ = -1;
+    PolyEditor::States states_;
+    bool hasHandles_ = false;
+    bool pulled_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<PolyGesture> MakeClickAppend(PolyLineControl& control, const PolyPointer& pointer)
+{
+    PolyEditor& editor = control.Editor();
+    const PolyHit hit = editor.HitAt(pointer.view);
+    const PolyLine* shape = editor.Active();
+    const bool onFirst = hit.IsPoint() && hit.polygon == editor.ActivePolygon() && hit.index == 0;
+    if (onFirst && !shape->IsClosed() && shape->GetCount() > 1) {
+        TogglePolygonClosed(control);
+        return std::make_unique<PolyNoGesture>(control);
+    }
+    if (hit.IsPoint()) // two points at one place are of no use: this one is to be moved
+        return MakeMovePoints(control, pointer, hit);
+    if (editor.IsFull())
+        return std::make_unique<PolyNoGesture>(control);
+    return std::make_unique<ClickAppend>(control, pointer);
+}
+
+} // namespace Marlox

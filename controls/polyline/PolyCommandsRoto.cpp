@@ -1,0 +1,102 @@
+// Settings of the automatic edge following.
+
+#include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "system/controls/HostDialogs.h"
+#include "system/document/MarloxDoc.h"
+
+#include <algorithm>
+
+namespace Marlox {
+
+namespace {
+
+/// The whole number at the beginning of a text; without one 0.
+int LeadingNumber(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    int end = !trimmed.isEmpty() && (trimmed[0] == '-' || trimmed[0] == '+') ? 1 : 0;
+    while (end < trimmed.size() && trimmed[end] >= '0' && trimmed[end] <= '9')
+        ++end;
+    return int(std::clamp(trimmed.left(end).toDouble(), -1e9, 1e9));
+}
+
+/// Asks until the number fits or the user cancels. Nothing: cancelled, or the number it is already.
+std::optional<int> AskWhole(const char* title, int current, int most)
+{
+    HostDialogs::TextRequest request;
+    request.title = QString::fromLatin1(title);
+    request.preset = QString::number(current);
+    for (;;) {
+        const std::optional<QString> text = HostDialogs::Get().AskText(request);
+        if (!text)
+            return {};
+        const int number = LeadingNumber(*text);
+        if (number == current)
+            return {};
+        if (number >= 1 && number <= most)
+            return number;
+        HostDialogs::Get().Message(
+            HostDialogs::Kind::Warning,
+            QStringLiteral("Please choose a number between 1 and %1").arg(most));
+        request.preset = *text;
+    }
+}
+
+} // namespace
+
+void ToggleRotoAssist(PolyLineControl& control)
+{
+    const bool on = !control.Settings().roto.enabled;
+    control.ChangeRoto(on ? "Enable auto-roto" : "Disable auto-roto",
+                       [on](RotoAssistSettings& roto) {
+                           roto.enabled = on;
+                           if (!on) {
+                               roto.tracking = false;
+                               roto.heldPoint = -1;
+                           }
+                       });
+}
+
+void ToggleRotoFollow(PolyLineControl& control)
+{
+    const bool on = !control.Settings().roto.follow;
+    control.ChangeRoto(on ? "Set auto-roto follow" : "Reset auto-roto follow",
+                       [on](RotoAssistSettings& roto) { roto.follow = on; });
+}
+
+void ToggleRotoEdges(PolyLineControl& control)
+{
+    const bool on = !control.Settings().roto.edges;
+    control.ChangeRoto(on ? "Enable auto-roto edge" : "Disable auto-roto edge",
+                       [on](RotoAssistSettings& roto) { roto.edges = on; });
+}
+
+void AskRotoDistance(PolyLineControl& control)
+{
+    constexpr int furthest = 16;
+    const auto alive = Ref<PolyLineControl>::Share(&control);
+    if (const auto chosen = AskWhole("Distance", control.Settings().roto.distance, furthest))
+        control.ChangeRoto("Set distance",
+                           [&](RotoAssistSettings& roto) { roto.distance = *chosen; });
+}
+
+void AskRotoFrameSkip(PolyLineControl& control)
+{
+    constexpr int most = 10;
+    const auto alive = Ref<PolyLineControl>::Share(&control);
+    if (const auto chosen = AskWhole("Track Frame Skip", control.Settings().roto.frameSkip, most))
+        control.ChangeRoto("Track Frame Skip",
+                           [&](RotoAssistSettings& roto) { roto.frameSkip = *chosen; });
+}
+
+void ResetRotoAssist(PolyLineControl& control)
+{
+    control.ChangeRoto("Reset auto-roto", [](RotoAssistSettings& roto) {
+        const bool enabled = roto.enabled;
+        roto = {};
+        roto.enabled = enabled;
+    });
+}
+
+} // namespace Marlox

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "controls/polyline/PolyView.h"
+
+namespace Marlox {
+
+class PolyLineControl;
+
+/// Draws the polyline overlay: onion skins, then the curves, hulls, handles, points and numbers of
+/// both polygons, the active one last, and the shape box.
+void DrawPolyLines(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view);
+
+// Onion skins (PolySkins.cpp).
+void DrawSkins(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view);
+MxColor PrevSkinColor(); // of the look
+MxColor NextSkinColor();
+/// The time of the skin under the cursor, where clicks on skins set the time; else TimeNone.
+double SkinTimeAt(const PolyLineControl& control, const PolyView& view);
+
+// The shape box (PolyShapeBox.cpp): a frame about the selected points, or about all.
+void DrawShapeBox(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view);
+bool IsOnShapeBox(const PolyLineControl& control, const PolyView& view);
+
+} // namespace Marlox

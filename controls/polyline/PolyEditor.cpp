@@ -1,0 +1,506 @@
+#include "controls/polyline/PolyEditor.h"
+
+#include "controls/polyline/PolyLineControl.h"
+#include "system/shapes/ShapeLinks.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Marlox {
+
+namespace {
+
+constexpr std::size_t mostRemembered = 64; // shapes whose selections come back
+
+bool IsWithin(ShapePlace a, ShapePlace b, double tolerance)
+{
+    return std::abs(a.x - b.x) < tolerance && std::abs(a.y - b.y) < tolerance;
+}
+
+/// The same points, by their ids, in another shape.
+SelMask Carried(const SelMask& mask, const PolyLine& from, const PolyLine& to)
+{
+    SelMask carried(to.GetCount());
+    if (!mask.IsAnySet())
+        return carried;
+    std::vector<std::pair<u32, bool>> chosen; // id, last
+    for (const int index : mask.Items())
+        chosen.emplace_back(from.Points()[std::size_t(index)].id, index == mask.Last());
+    std::sort(chosen.begin(), chosen.end());
+    int last = -1;
+    for (int i = 0; i < to.GetCount(); ++i) {
+        const std::pair<u32, bool> id(to.Points()[std::size_t(i)].id, false);
+        const auto found = std::lower_bound(chosen.begin(), chosen.end(), id);
+        if (found == chosen.end() || found->first != id.first)
+            continue;
+        carried.DoSet(i, SelMask::Select);
+        last = found->second ? i : last;
+    }
+    carried.SetLast(last);
+    return carried;
+}
+
+std::vector<u32> FlagsOf(const PolyLine* shape)
+{
+    std::vector<u32> flags;
+    if (!shape)
+        return flags;
+    for (const PolyPoint& point : shape->Points())
+        flags.push_back(point.flags);
+    return flags;
+}
+
+/// A point's flags hold in all keys: those that changed in one go to the others.
+void SpreadFlags(ShapeKeys& keys, const std::vector<u32>& before, const std::vector<u32>& after)
+{
+    if (before == after || before.size() != after.size())
+        return;
+    keys.ForEach([&](PolyLine& shape, double) {
+        for (std::size_t i = 0; i < after.size(); ++i) {
+            if (PolyPoint* point = before[i] != after[i] ? shape.GetPoint(int(i)) : nullptr)
+                point->flags = after[i];
+        }
+    });
+}
+
+} // namespace
+
+// Polygons
+// -----------------------------------------------------------------------------------------
+
+Input* PolyEditor::InputOf(int polygon) const
+{
+    return control_.ShapeInput(polygon);
+}
+
+const PolyLine* PolyEditor::Shape(int polygon) const
+{
+    const auto& preview = previews_[std::size_t(polygon)];
+    return preview ? preview.Get() : shapes_[std::size_t(polygon)].Get();
+}
+
+bool PolyEditor::IsShown(int polygon) const
+{
+    const PolyLine* shape = Shape(polygon);
+    return shape && shape->IsEnabled() && (polygon == InnerPolygon || shape->GetCount() > 0);
+}
+
+bool PolyEditor::IsMatched() const
+{
+    return Shape(InnerPolygon) && Shape(OuterPolygon) &&
+           Shape(InnerPolygon)->GetCount() == Shape(OuterPolygon)->GetCount();
+}
+
+void PolyEditor::SetActivePolygon(int polygon)
+{
+    if (polygon != active_ && IsShown(polygon))
+        active_ = polygon;
+}
+
+bool PolyEditor::IsAnimated(int polygon) const
+{
+    const Input* input = InputOf(polygon);
+    return input && (input->IsAnimated() || control_.Settings().animated);
+}
+
+bool PolyEditor::IsFull() const
+{
+    return Active() && Active()->GetCount() >= PolyLine::maxPoints;
+}
+
+bool PolyEditor::Notify(int polygon, const Ref<PolyLine>& shape)
+{
+    skins_[std::size_t(polygon)].clear();
+    const Ref<PolyLine>& before = shapes_[std::size_t(polygon)];
+    if (before == shape || (before && shape && before->IsEqual(*shape))) {
+        shapes_[std::size_t(polygon)] = shape;
+        return false;
+    }
+    Adopt(polygon, shape);
+    return true;
+}
+
+void PolyEditor::Adopt(int polygon, const Ref<PolyLine>& shape)
+{
+    const auto at = std::size_t(polygon);
+    Remember(polygon);
+    const Ref<PolyLine> before = std::exchange(shapes_[at], shape);
+    indices_[at].reset();
+    SelMask& mask = masks_[at];
+    const auto known =
+        std::find_if(remembered_[at].rbegin(), remembered_[at].rend(),
+                     [&shape](const Remembered& each) { return each.shape == shape; });
+    if (!shape)
+        mask.Create(0);
+    else if (known != remembered_[at].rend() && known->mask.Count() == shape->GetCount())
+        mask = known->mask;
+    else if (before && before->GetCount() == mask.Count())
+        mask = Carried(mask, *before, *shape);
+    else
+        mask.Create(shape->GetCount());
+    hovered_ = {};
+    if (!IsShown(active_))
+        active_ = IsShown(OtherPolygon(active_)) ? OtherPolygon(active_) : int(InnerPolygon);
+}
+
+/// Of a drag only the shape that it began with.
+void PolyEditor::Remember(int polygon)
+{
+    const auto at = std::size_t(polygon);
+    std::deque<Remembered>& all = remembered_[at];
+    if (!shapes_[at] || control_.IsPastFirstChange())
+        return;
+    std::erase_if(all, [&](const Remembered& each) { return each.shape == shapes_[at]; });
+    all.push_back({shapes_[at], masks_[at]});
+    if (all.size() > mostRemembered)
+        all.pop_front();
+}
+
+const ShapeIndex* PolyEditor::Index(int polygon) const
+{
+    const PolyLine* shape = Shape(polygon);
+    std::unique_ptr<ShapeIndex>& index = indices_[std::size_t(polygon)];
+    if (!shape)
+        return nullptr;
+    if (!index)
+        index = std::make_unique<ShapeIndex>(*shape);
+    return index.get();
+}
+
+Ref<PolyLine> PolyEditor::ShapeAt(int polygon, double time) const
+{
+    std::map<double, Ref<PolyLine>>& known = skins_[std::size_t(polygon)];
+    const Input* input = InputOf(polygon);
+    const auto found = known.find(time);
+    if (found != known.end() || !input)
+        return found != known.end() ? found->second : nullptr;
+    return known[time] = ResolvedShape(*input, time);
+}
+
+const ViewStrips& PolyEditor::CurveOf(int polygon, const PolyView& view) const
+{
+    const auto at = std::size_t(polygon);
+    PlacedCurve& curve = curves_[at];
+    const Ref<PolyLine>& shape = previews_[at] ? previews_[at] : shapes_[at];
+    const ShapePlacement& placement = view.Placement();
+    if (curve.source != shape || curve.placement != placement) {
+        curve.source = shape;
+        curve.placement = placement;
+        curve.shape = placement.IsIdentity() ? shape : PlacedShape(*shape, placement);
+    }
+    return curve.lines.Make(curve.shape, CurveView::Of(view.Info()));
+}
+
+void PolyEditor::Preview(int polygon, const Ref<PolyLine>& shape)
+{
+    previews_[std::size_t(polygon)] = shape;
+    indices_[std::size_t(polygon)].reset();
+    control_.UpdateDisplay(nullptr, nullptr);
+}
+
+// Selection
+// ----------------------------------------------------------------------------------------
+
+void PolyEditor::SetSelections(const Masks& masks)
+{
+    if (control_.Settings().lockSelection || masks_ == masks)
+        return;
+    for (std::size_t i = 0; i < masks.size(); ++i) {
+        const PolyLine* shape = Shape(int(i));
+        if (masks[i].Count() == (shape ? shape->GetCount() : 0))
+            masks_[i] = masks[i];
+    }
+    control_.SelectionChanged();
+}
+
+void PolyEditor::Select(int polygon, int index, SelMask::Mode mode)
+{
+    Masks masks = masks_;
+    masks[std::size_t(polygon)].DoSet(index, mode);
+    SetSelections(masks);
+}
+
+void PolyEditor::SelectOnly(int polygon, int index)
+{
+    Masks masks = masks_;
+    for (SelMask& mask : masks)
+        mask.Reset();
+    masks[std::size_t(polygon)].DoSet(index, SelMask::Select);
+    SetSelections(masks);
+}
+
+void PolyEditor::SelectAll()
+{
+    Masks masks = masks_;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        SelMask& mask = masks[std::size_t(polygon)];
+        if (polygon == active_ || (control_.Settings().editBoth && IsShown(polygon)))
+            mask.Create(mask.Count(), true);
+    }
+    SetSelections(masks);
+}
+
+void PolyEditor::ClearSelection()
+{
+    Masks masks = masks_;
+    for (SelMask& mask : masks)
+        mask.Reset();
+    SetSelections(masks);
+}
+
+bool PolyEditor::IsAnySelected() const
+{
+    return masks_[InnerPolygon].IsAnySet() || masks_[OuterPolygon].IsAnySet();
+}
+
+SelMask PolyEditor::EditedMask(int polygon) const
+{
+    SelMask mask = Selection(polygon);
+    const PolySettings& settings = control_.Settings();
+    if (polygon == active_ || !IsShown(polygon))
+        return mask;
+    if (!settings.editBoth)
+        mask.Reset();
+    if (polygon != OuterPolygon || !settings.followInner || !IsMatched())
+        return mask;
+    SelMask matching;
+    SetMatchingPolyLinePointMask(ActiveSelection(), mask.Count(), matching);
+    for (const int index : matching.Items())
+        mask.DoSet(index, SelMask::Select);
+    return mask;
+}
+
+SelMask PolyEditor::CommandMask(int polygon) const
+{
+    const SelMask& own = Selection(polygon);
+    return IsAnySelected() ? own : SelMask(own.Count(), polygon == active_);
+}
+
+// What is where
+// ------------------------------------------------------------------------------------
+
+bool PolyEditor::ShowsHandles(int polygon, int index) const
+{
+    const PolyLine* shape = Shape(polygon);
+    const PolyPoint* point = shape ? shape->GetPoint(index) : nullptr;
+    return point && !point->Has(PPF_Linear) &&
+           shape->GetDataType() == MxID(CLSID_DataType_Polyline) &&
+           (control_.Settings().showHandles || Selection(polygon).GetSetItem(index));
+}
+
+PolyHit PolyEditor::HitAt(const PolyView& view) const
+{
+    const double tolerance = view.Tolerance();
+    const ShapePlace cursor = view.CursorPixels();
+    const std::array<int, PolygonCount> order{active_, OtherPolygon(active_)};
+    const auto isNear = [&](ShapePlace at) {
+        return IsWithin(view.ToPixels(at), cursor, tolerance);
+    };
+    // Points: each of the active polygon before its match.
+    if (view.Placement().angle == 0.0 && IsShown(active_)) {
+        const int other = OtherPolygon(active_);
+        const double size = std::abs(view.Placement().size);
+        const ShapePlace pixels = view.PixelSize();
+        const PairHit hit =
+            PointAt(*Index(active_), IsShown(other) ? Index(other) : nullptr, view.Cursor(),
+                    {tolerance / (pixels.x * size), tolerance / (pixels.y * size)});
+        if (hit.point >= 0) {
+            const int polygon = hit.isOther ? other : active_;
+            return {PolyHit::Point, polygon, hit.point, 0.0,
+                    Shape(polygon)->GetPoint(hit.point)->Place()};
+        }
+    } else {
+        int count = 0;
+        for (const int polygon : order)
+            count = std::max(count, IsShown(polygon) ? Shape(polygon)->GetCount() : 0);
+        for (int i = 0; i < count; ++i) {
+            for (const int polygon : order) {
+                const PolyPoint* point = IsShown(polygon) ? Shape(polygon)->GetPoint(i) : nullptr;
+                if (point && isNear(point->Place()))
+                    return {PolyHit::Point, polygon, i, 0.0, point->Place()};
+            }
+        }
+    }
+    // Handles that show.
+    for (const int polygon : order) {
+        const int count = IsShown(polygon) ? Shape(polygon)->GetCount() : 0;
+        for (int i = 0; i < count; ++i) {
+            if (!ShowsHandles(polygon, i))
+                continue;
+            const PolyPoint& point = *Shape(polygon)->GetPoint(i);
+            if (isNear(point.Out()))
+                return {PolyHit::OutHandle, polygon, i, 0.0, point.Out()};
+            if (isNear(point.In()))
+                return {PolyHit::InHandle, polygon, i, 0.0, point.In()};
+        }
+    }
+    // The curves.
+    const double size = std::abs(view.Placement().size);
+    const ShapePlace scale{view.PixelSize().x * size, view.PixelSize().y * size};
+    for (const int polygon : order) {
+        if (!IsShown(polygon) || Shape(polygon)->GetSegmentsCount() == 0)
+            continue;
+        const CurveFoot foot = Index(polygon)->NearestOnCurve(view.Cursor(), scale);
+        if (foot.segment >= 0 && isNear(foot.foot))
+            return {PolyHit::Curve, polygon, foot.segment, foot.t, foot.foot};
+    }
+    return {};
+}
+
+bool PolyEditor::SetHovered(const PolyHit& hit)
+{
+    return std::exchange(hovered_, hit) != hit;
+}
+
+bool PolyEditor::SwitchCoinciding(const PolyView& view)
+{
+    const int other = OtherPolygon(active_);
+    const int index = hovered_.IsPoint() ? hovered_.index : ActiveSelection().Last();
+    if (!IsDouble() || !IsMatched() || index < 0)
+        return false;
+    const PolyPoint& mine = *Active()->GetPoint(index);
+    const PolyPoint& match = *Shape(other)->GetPoint(index);
+    if (!IsWithin(view.ToPixels(mine.Place()), view.ToPixels(match.Place()), view.Tolerance()))
+        return false;
+    SetActivePolygon(other);
+    SelectOnly(other, index);
+    SetHovered(HitAt(view));
+    control_.UpdateDisplay(nullptr, nullptr);
+    return true;
+}
+
+// Changes
+// ------------------------------------------------------------------------------------------
+
+PolyEditor::States PolyEditor::TakeStates() const
+{
+    States states;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        states[std::size_t(polygon)] = TakeState(polygon);
+    }
+    return states;
+}
+
+/// What an edit at the current time begins with: linked points where they are.
+std::optional<Input::State> PolyEditor::TakeState(int polygon) const
+{
+    Input* const input = InputOf(polygon);
+    const PolyLine* shape = Shape(polygon);
+    if (!input)
+        return {};
+    if (!shape || shape->Links().empty())
+        return input->GetState();
+    ShapeKeys keys(*input);
+    const double now = control_.CurrentTime();
+    if (PolyLine* const edited = IsAnimated(polygon) ? keys.MakeKey(now) : keys.At(now))
+        PlaceLinkedPoints(*input, now, *edited);
+    return keys.State();
+}
+
+/// The keys besides the current time that multi-frame editing tells.
+std::vector<double> PolyEditor::OtherFrames(const Input::State& state) const
+{
+    const MultiFrame which = control_.Settings().multiFrame;
+    const double now = control_.CurrentTime();
+    std::vector<double> times;
+    for (const auto& [time, key] : state.animation.Keys()) {
+        const bool wanted = which == MultiFrame::All || (which == MultiFrame::Prev && time < now) ||
+                            (which == MultiFrame::Next && time > now);
+        if (wanted)
+            times.push_back(time);
+    }
+    return times;
+}
+
+bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
+                        const std::optional<Input::State>& from)
+{
+    Input* const input = InputOf(polygon);
+    if (!input || !control_.IsShapeFree(polygon))
+        return false;
+    ShapeKeys keys(*input, from ? *from : *TakeState(polygon));
+    const auto apply = [&change](PolyLine* shape) {
+        if (!shape)
+            return;
+        const WriteLock lock(*shape);
+        change(*shape);
+    };
+    const double now = control_.CurrentTime();
+    if (IsAnimated(polygon))
+        keys.MakeKey(now);
+    if (scope == Scope::Keys) {
+        keys.ForEach([&apply](PolyLine& shape, double) { apply(&shape); });
+    } else {
+        std::vector<double> times = OtherFrames(keys.State());
+        if (std::find(times.begin(), times.end(), now) == times.end())
+            times.push_back(now);
+        const std::vector<u32> before = FlagsOf(keys.At(now));
+        for (const double time : times)
+            apply(keys.At(time));
+        SpreadFlags(keys, before, FlagsOf(keys.At(now)));
+    }
+    const bool written = Write(polygon, keys.State());
+    if (written && Shape(polygon) && !Shape(polygon)->Links().empty() && InputOf(polygon))
+        UpdatePublishedPointInputs(*InputOf(polygon), now);
+    return written;
+}
+
+bool PolyEditor::ChangeSelected(
+    const std::function<void(PolyLine& shape, const SelMask& mask)>& change, const States& from)
+{
+    bool changed = false;
+    Masks masks; // before a change makes them others
+    for (int polygon = 0; polygon < PolygonCount; ++polygon)
+        masks[std::size_t(polygon)] = EditedMask(polygon);
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        const SelMask& mask = masks[std::size_t(polygon)];
+        if (mask.IsAnySet())
+            changed |= Change(
+                polygon, Scope::Frames, [&change, &mask](PolyLine& shape) { change(shape, mask); },
+                from[std::size_t(polygon)]);
+    }
+    return changed;
+}
+
+bool PolyEditor::Write(int polygon, Input::State next)
+{
+    Preview(polygon, {});
+    return control_.WriteShape(polygon, std::move(next));
+}
+
+// Undo
+// ---------------------------------------------------------------------------------------------
+
+Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement)
+{
+    const Ref<PolyLine> placed = shape.CopyShape();
+    std::vector<PolyPoint> points(shape.Points().begin(), shape.Points().end());
+    for (PolyPoint& point : points) {
+        const ShapePlace at = placement.Out(point.Place());
+        const ShapePlace in = placement.OutVector({point.inX, point.inY});
+        const ShapePlace out = placement.OutVector({point.outX, point.outY});
+        point.x = at.x;
+        point.y = at.y;
+        point.inX = in.x;
+        point.inY = in.y;
+        point.outX = out.x;
+        point.outY = out.y;
+    }
+    placed->SetPoints(std::move(points));
+    return placed;
+}
+
+PolyNest::PolyNest(PolyLineControl& control, const char* text)
+    : control_(Ref<PolyLineControl>::Share(&control)), document_(control.GetDoc())
+{
+    if (document_)
+        document_->StartUndoNest(text);
+}
+
+PolyNest::~PolyNest()
+{
+    if (document_)
+        document_->EndUndoNest();
+}
+
+} // namespace Marlox

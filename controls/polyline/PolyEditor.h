@@ -1,0 +1,169 @@
+#pragma once
+
+#include "controls/polyline/PolySettings.h"
+#include "controls/polyline/PolyView.h"
+#include "system/shapes/PolyLine.h"
+#include "system/shapes/ShapeDrawing.h"
+#include "system/shapes/ShapeIndex.h"
+#include "system/values/Input.h"
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include <QPointer>
+
+namespace Marlox {
+
+class PolyLineControl;
+
+/// The polygons of a shape: the main one, which is the inner one of a double polygon, and the outer
+/// one.
+enum Polygon : int { InnerPolygon = 0, OuterPolygon = 1, PolygonCount = 2 };
+
+constexpr int OtherPolygon(int polygon)
+{
+    return 1 - polygon;
+}
+
+/// What lies under the cursor.
+struct PolyHit {
+    enum Kind { Nothing, Point, InHandle, OutHandle, Curve };
+    Kind kind = Nothing;
+    int polygon = InnerPolygon;
+    int index = -1;   // of the point; of the segment
+    double t = 0.0;   // how far along the segment
+    ShapePlace place; // on the curve, the shape's coordinates
+
+    bool Any() const { return kind != Nothing; }
+    bool IsPoint() const { return kind == Point; }
+    bool IsHandle() const { return kind == InHandle || kind == OutHandle; }
+    friend bool operator==(const PolyHit&, const PolyHit&) = default;
+};
+
+/// What a polyline overlay edits: the shapes of its inputs as they are at the current time, which
+/// polygon is the active one, which points are selected, and the ways to change them. Every change
+/// goes through Change or Write, and stands within an undo group of the control.
+class PolyEditor {
+public:
+    /// Which shapes a change is made to.
+    enum class Scope {
+        Frames, // the one at the current time, and the keys that multi-frame editing tells
+        Keys,   // all of them: changes of which points there are
+    };
+    using ShapeChange = std::function<void(PolyLine& shape)>;
+    using States = std::array<std::optional<Input::State>, PolygonCount>;
+    using Masks = std::array<SelMask, PolygonCount>;
+
+    explicit PolyEditor(PolyLineControl& control) : control_(control) {}
+
+    // Polygons.
+    Input* InputOf(int polygon) const; // null: none
+    /// As it is shown at the current time; null: none.
+    const PolyLine* Shape(int polygon) const;
+    bool IsShown(int polygon) const; // it is there, and enabled
+    bool IsDouble() const { return IsShown(InnerPolygon) && IsShown(OuterPolygon); }
+    bool HasPoints(int polygon) const { return Shape(polygon) && Shape(polygon)->GetCount() > 0; }
+    /// Whether the points of both match: there are as many.
+    bool IsMatched() const;
+    int ActivePolygon() const { return active_; }
+    void SetActivePolygon(int polygon);
+    const PolyLine* Active() const { return Shape(active_); }
+    bool IsAnimated(int polygon) const; // edits make or change keys
+    bool IsFull() const;                // the active one has as many points as it may
+    /// The input has another shape now. False: it shows nothing new.
+    bool Notify(int polygon, const Ref<PolyLine>& shape);
+    const ShapeIndex* Index(int polygon) const; // null: no shape
+    /// At another time, for onion skins; kept until the input or the time changes.
+    Ref<PolyLine> ShapeAt(int polygon, double time) const;
+    /// The lines of its curve in a view; valid until the next call for this polygon.
+    const ViewStrips& CurveOf(int polygon, const PolyView& view) const;
+
+    // Selection: one mask for each polygon.
+    const SelMask& Selection(int polygon) const { return masks_[std::size_t(polygon)]; }
+    const SelMask& ActiveSelection() const { return Selection(active_); }
+    const Masks& Selections() const { return masks_; }
+    void SetSelections(const Masks& masks);
+    void Select(int polygon, int index, SelMask::Mode mode);
+    void SelectOnly(int polygon, int index);
+    void SelectAll();
+    void ClearSelection();
+    bool IsAnySelected() const;
+    /// The selection of a polygon that an edit of the active one's selection concerns too: the
+    /// active one's own, and on the other the matching points, where they go with it, and what is
+    /// selected there with both edited.
+    SelMask EditedMask(int polygon) const;
+    /// The points that a command works on: the selected ones, or all without a selection.
+    SelMask CommandMask(int polygon) const;
+
+    // What is where.
+    PolyHit HitAt(const PolyView& view) const;
+    bool ShowsHandles(int polygon, int index) const;
+    const PolyHit& Hovered() const { return hovered_; }
+    bool SetHovered(const PolyHit& hit); // whether it is another one
+    /// Turns to the other one of two points that coincide; false: there is none.
+    bool SwitchCoinciding(const PolyView& view);
+
+    // Changes.
+    States TakeStates() const;
+    /// Changes shapes of a polygon, from what its input holds or from `from`. In Frames a time
+    /// without a key gets one where the shape is animated. False: it can't be changed.
+    bool Change(int polygon, Scope scope, const ShapeChange& change,
+                const std::optional<Input::State>& from = {});
+    /// The same for both polygons at the points of EditedMask.
+    bool ChangeSelected(const std::function<void(PolyLine& shape, const SelMask& mask)>& change,
+                        const States& from = {});
+    bool Write(int polygon, Input::State next);
+    /// Shows a shape that is not written yet; null: what the input holds.
+    void Preview(int polygon, const Ref<PolyLine>& shape);
+
+private:
+    /// A shape turned and moved to where it is drawn, and its lines.
+    struct PlacedCurve {
+        Ref<PolyLine> source;
+        ShapePlacement placement;
+        Ref<PolyLine> shape;
+        ThinCurve lines;
+    };
+    struct Remembered {
+        Ref<PolyLine> shape;
+        SelMask mask;
+    };
+    std::optional<Input::State> TakeState(int polygon) const;
+    void Adopt(int polygon, const Ref<PolyLine>& shape);
+    void Remember(int polygon);
+    std::vector<double> OtherFrames(const Input::State& state) const;
+
+    PolyLineControl& control_;
+    std::array<Ref<PolyLine>, PolygonCount> shapes_;
+    std::array<Ref<PolyLine>, PolygonCount> previews_;
+    Masks masks_;
+    /// The selections that shapes were left with, newest last: undo brings the same shapes back.
+    std::array<std::deque<Remembered>, PolygonCount> remembered_;
+    mutable std::array<std::unique_ptr<ShapeIndex>, PolygonCount> indices_;
+    mutable std::array<PlacedCurve, PolygonCount> curves_;
+    mutable std::array<std::map<double, Ref<PolyLine>>, PolygonCount> skins_; // by their time
+    int active_ = InnerPolygon;
+    PolyHit hovered_;
+};
+
+/// A shape whose coordinates are those of the image.
+Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement);
+
+/// One undo entry of the control for the length of a scope, unless a gesture has one open.
+class PolyNest {
+public:
+    PolyNest(PolyLineControl& control, const char* text);
+    ~PolyNest();
+    PolyNest(const PolyNest&) = delete;
+    PolyNest& operator=(const PolyNest&) = delete;
+
+private:
+    Ref<PolyLineControl> control_; // an edit may remove the overlay
+    QPointer<MarloxDoc> document_;
+};
+
+} // namespace Marlox

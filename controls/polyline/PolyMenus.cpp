@@ -1,0 +1,365 @@
+// Where the actions show: the context menu, the toolbar with its pop-downs, the keys.
+
+#include "controls/polyline/PolyActions.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "system/controls/Menu.h"
+#include "system/viewer/OverlayCommands.h"
+#include "system/viewer/ToolbarEvents.h"
+
+#include <algorithm>
+#include <span>
+
+#include <Qt>
+
+namespace Marlox {
+
+namespace {
+
+using A = PolyAction;
+
+/// A line of a menu: an entry, the beginning or the end of a submenu, or a line between groups.
+struct Node {
+    enum Kind { Entry, Radio, Open, Close, Line };
+    Kind kind;
+    A action = A::None;
+    const char* text = nullptr; // of a submenu
+
+    constexpr Node(A action) : kind(Entry), action(action) {}
+    constexpr Node(Kind kind, A action = A::None) : kind(kind), action(action) {}
+    constexpr Node(const char* text) : kind(Open), text(text) {}
+};
+
+constexpr Node::Kind End = Node::Close;
+constexpr Node::Kind Line = Node::Line;
+constexpr Node::Kind Radio = Node::Radio;
+
+constexpr Node contextMenu[] = {
+    {Radio, A::ClickAppend},
+    {Radio, A::DrawAppend},
+    {Radio, A::InsertAndModify},
+    {Radio, A::ModifyOnly},
+    {Radio, A::Done},
+    Line,
+    A::SetFocus,
+    A::Closed,
+    Line,
+    A::Copy,
+    A::Paste,
+    A::CopyPathPoints,
+    A::CopyPathValue,
+    A::CutPathPoints,
+    A::PastePathPoints,
+    A::PasteWithOffset,
+    Line,
+    A::DeletePoints,
+    A::LockPoints,
+    A::LockPointPairs,
+    A::EditPoint,
+    Line,
+    A::Linear,
+    A::Smooth,
+    "Smooth Points",
+    A::SmoothPointsDefault,
+    A::SmoothPointsDialog,
+    End,
+    A::SmoothAnimation,
+    A::EaseInOut,
+    Line,
+    "Create",
+    A::CreateEllipse,
+    A::CreateRectangle,
+    A::CreateSpiral,
+    End,
+    Line,
+    A::RemoveOuter,
+    A::ResetOuter,
+    A::MakeOuter,
+    A::EnableOuter,
+    A::FollowInner,
+    A::EnableInner,
+    Line,
+    A::CardinalToBezier,
+    A::BSplineToBezier,
+    A::BezierToBSpline,
+    A::ConvertToXYPath,
+    Line,
+    A::ShapeBox,
+    A::ShapeBoxBoth,
+    Line,
+    "Draw Style",
+    {Radio, A::StyleSolid},
+    {Radio, A::StyleDash},
+    {Radio, A::StyleNull},
+    End,
+    A::SplineColor,
+    A::KeyPointColor,
+    A::HandleColor,
+    Line,
+    A::Subdivide,
+    A::ReducePoints,
+    Line,
+    "Publish",
+    A::PublishPoints,
+    "Publish To",
+    A::PublishToPath,
+    A::PublishToXYPath,
+    A::PublishToTracker,
+    End,
+    A::FollowPublished,
+    End,
+    Line,
+    A::PointNumbers,
+    A::CurrentTimeOnly,
+    A::SelectAll,
+    A::LockSelection,
+    A::PublishingEnabled,
+    Line,
+    "Show",
+    A::ShowKeyPoints,
+    A::ShowHull,
+    A::ShowHandles,
+    A::ShowPolygon,
+    A::ShowTaggedIDs,
+    A::ShowKeyList,
+    End,
+    "Onion skin",
+    A::OnionSkin,
+    A::OnionSettings,
+    A::OnionClickSetsTime,
+    A::OnionResetAnchor,
+    A::SetPrevSkinColor,
+    A::ResetPrevSkinColor,
+    End,
+    "Roto Assist",
+    A::RotoEnable,
+    A::RotoTrackPoints,
+    A::RotoMultiplePoints,
+    A::RotoDistance,
+    A::RotoFrameSkip,
+    A::RotoCreateTrackPoints,
+    A::RotoReset,
+    A::RotoShowArea,
+    A::RotoPatternEdit,
+    A::RotoResetPattern,
+    End,
+    Line,
+    A::EditMultiple,
+    "Edit Multiple Frames",
+    {Radio, A::FramesNone},
+    {Radio, A::FramesPrev},
+    {Radio, A::FramesNext},
+    {Radio, A::FramesAll},
+    End,
+    Line,
+    A::StopRendering,
+    "Record",
+    A::RecordTime,
+    A::RecordPressure,
+    A::RecordHeight,
+    A::RecordAngleXY,
+    A::RecordAngleZ,
+    A::RecordRotation,
+    End,
+    Line,
+    A::Export,
+    "Import",
+    A::ImportLightWave,
+    A::ImportMotionPath,
+    A::ImportShape,
+    A::ImportSsf,
+    A::ImportFxs,
+    A::ImportNuke,
+    A::ImportBoujou,
+    End,
+};
+
+constexpr A toolbar[] = {
+    A::ClickAppend,     A::DrawAppend,     A::InsertAndModify, A::ModifyOnly,      A::Done,
+    A::CurrentTimeOnly, A::Closed,         A::LockPoints,      A::Smooth,          A::Linear,
+    A::SelectAll,       A::ShowKeyPoints,  A::ShowHandles,     A::ShowPolygon,     A::ShapeBox,
+    A::DeletePoints,    A::ReducePoints,   A::PublishMenu,     A::FollowPublished, A::MakeOuter,
+    A::FollowInner,     A::MultiframeMenu, A::OnionSkin,       A::RotoEnable,
+};
+
+// Pop-downs.
+
+constexpr Node publishEntries[] = {A::PublishPoints, A::PublishToPath, A::PublishToXYPath,
+                                   A::PublishToTracker};
+constexpr Node unpublishEntries[] = {A::UnpublishPoints, A::PublishToPath, A::PublishToXYPath,
+                                     A::PublishToTracker};
+constexpr Node multiframeEntries[] = {
+    {Radio, A::FramesNone}, {Radio, A::FramesPrev}, {Radio, A::FramesNext}, {Radio, A::FramesAll}};
+constexpr Node onionEntries[] = {A::OnionSettings, A::OnionClickSetsTime, A::OnionResetAnchor,
+                                 A::SetPrevSkinColor, A::ResetPrevSkinColor};
+constexpr Node rotoEntries[] = {A::RotoTrackPoints, A::RotoEdges,     A::RotoMultiplePoints,
+                                A::RotoDistance,    A::RotoFrameSkip, A::RotoCreateTrackPoints,
+                                A::RotoReset,       A::RotoShowArea,  A::RotoPatternEdit,
+                                A::RotoResetPattern};
+
+std::span<const Node> EntriesOf(const PolyLineControl& control, A button)
+{
+    switch (button) {
+    case A::PublishMenu:
+        return IsActionEnabled(control, A::UnpublishPoints) ? std::span(unpublishEntries)
+                                                            : std::span(publishEntries);
+    case A::MultiframeMenu:
+        return multiframeEntries;
+    case A::OnionSkin:
+        return onionEntries;
+    case A::RotoEnable:
+        return rotoEntries;
+    default:
+        return {};
+    }
+}
+
+// Keys. A letter counts with Shift, as the menu tells it, and alone; a row with neither is for the
+// letter alone.
+
+struct KeyRow {
+    int key;
+    u32 modifiers;
+    A action;
+};
+
+constexpr u32 Plain = 0;
+
+constexpr KeyRow keys[] = {
+    {Qt::Key_A, KeyShift, A::SelectAll},       {Qt::Key_B, KeyShift, A::ShapeBox},
+    {Qt::Key_C, KeyShift, A::ClickAppend},     {Qt::Key_D, KeyShift, A::DrawAppend},
+    {Qt::Key_E, KeyShift, A::EditPoint},       {Qt::Key_F, KeyShift, A::FollowPublished},
+    {Qt::Key_H, KeyShift, A::ShowHandles},     {Qt::Key_I, KeyShift, A::InsertAndModify},
+    {Qt::Key_K, KeyShift, A::ShowKeyPoints},   {Qt::Key_L, KeyShift, A::Linear},
+    {Qt::Key_M, KeyShift, A::ModifyOnly},      {Qt::Key_N, KeyShift, A::Done},
+    {Qt::Key_O, KeyShift, A::Closed},          {Qt::Key_R, KeyShift, A::StopRendering},
+    {Qt::Key_S, KeyShift, A::Smooth},          {Qt::Key_T, KeyShift, A::TagPoints},
+    {Qt::Key_X, KeyShift, A::CutPoints},       {Qt::Key_Z, KeyShift, A::FlipPoints},
+    {Qt::Key_K, Plain, A::ShowKeyList},        {Qt::Key_C, KeyControl, A::CopyPathPoints},
+    {Qt::Key_X, KeyControl, A::CutPathPoints}, {Qt::Key_V, KeyControl, A::PastePathPoints},
+    {Qt::Key_R, KeyControl, A::RotoEnable},    {Qt::Key_O, KeyControl | KeyAlt, A::OnionSkin},
+    {Qt::Key_Delete, Plain, A::DeletePoints},  {Qt::Key_Backspace, Plain, A::DeletePoints},
+};
+
+/// Letters that do something else in a view when they come alone.
+constexpr int viewKeys[] = {Qt::Key_F};
+
+A KeyAction(int key, u32 modifiers)
+{
+    for (const KeyRow& row : keys) {
+        if (row.key == key && row.modifiers == modifiers)
+            return row.action;
+    }
+    return A::None;
+}
+
+QString TextOf(const PolyLineControl& control, const PolyActionRow& row, const char* text)
+{
+    const RotoAssistSettings& roto = control.Settings().roto;
+    const int number = row.action == A::RotoDistance ? roto.distance : roto.frameSkip;
+    return QString::fromUtf8(text).replace(QLatin1String("%d"), QString::number(number));
+}
+
+void AddEntry(const PolyLineControl& control, Menu& menu, const Node& node, bool popDown)
+{
+    const PolyActionRow& row = *FindAction(node.action);
+    const char* text = popDown && row.popDown ? row.popDown : row.menu;
+    const bool enabled = IsActionEnabled(control, node.action);
+    const QString shown = TextOf(control, row, text);
+    const bool checked = row.checked && row.checked(control);
+    if (node.kind == Node::Radio)
+        menu.AddRadio(u32(node.action), shown, checked, enabled);
+    else if (row.checked)
+        menu.AddCheck(u32(node.action), shown, checked, enabled);
+    else
+        menu.Add(u32(node.action), shown, enabled);
+    if (row.refusal)
+        menu.SetTip(QString::fromUtf8(row.refusal));
+    else if (popDown && row.popDownTip)
+        menu.SetTip(QString::fromUtf8(row.popDownTip));
+}
+
+/// Up to the end of the submenu; returns what is left.
+std::span<const Node> FillFrom(const PolyLineControl& control, Menu& menu,
+                               std::span<const Node> nodes, bool popDown)
+{
+    while (!nodes.empty()) {
+        const Node& node = nodes.front();
+        nodes = nodes.subspan(1);
+        if (node.kind == Node::Close)
+            break;
+        if (node.kind == Node::Line) {
+            menu.AddSeparator();
+        } else if (node.kind == Node::Open) {
+            Menu submenu = menu.AddSubmenu(QString::fromUtf8(node.text));
+            nodes = FillFrom(control, submenu, nodes, popDown);
+        } else {
+            AddEntry(control, menu, node, popDown);
+        }
+    }
+    return nodes;
+}
+
+} // namespace
+
+void FillContextMenu(const PolyLineControl& control, Menu& menu)
+{
+    FillFrom(control, menu, contextMenu, false);
+}
+
+bool FillPopDown(const PolyLineControl& control, u32 event, Menu& menu)
+{
+    const PolyActionRow* row = FindActionOfEvent(event);
+    const std::span<const Node> entries =
+        row ? EntriesOf(control, row->action) : std::span<const Node>();
+    FillFrom(control, menu, entries, true);
+    return !entries.empty();
+}
+
+const std::vector<u32>& ToolbarEvents()
+{
+    static const std::vector<u32> events = [] {
+        std::vector<u32> all;
+        for (const A action : toolbar)
+            all.push_back(FindAction(action)->event);
+        return all;
+    }();
+    return events;
+}
+
+bool DescribeButton(const PolyLineControl& control, u32 event, ToolbarButton& button)
+{
+    const PolyActionRow* row = FindActionOfEvent(event);
+    if (!row || !row->button)
+        return false;
+    button.event = event;
+    button.text = QString::fromUtf8(row->button);
+    button.tip = QString::fromUtf8(row->tip);
+    button.icon =
+        row->icon ? QLatin1String("Icons.Polyline.") + QLatin1String(row->icon) : QString();
+    button.enabled = IsActionEnabled(control, row->action);
+    button.checkable = row->checked != nullptr;
+    button.checked = row->checked && row->checked(control);
+    button.popDown = !EntriesOf(control, row->action).empty();
+    button.clicks = button.popDown && row->run;
+    return true;
+}
+
+PolyAction ActionOfKey(const PolyLineControl& control, int key, u32 modifiers)
+{
+    if (key == Qt::Key_P && (modifiers == KeyShift || modifiers == Plain)) {
+        // Publishes what is selected; without a selection it shows or hides the curve.
+        if (!control.Editor().IsAnySelected())
+            return A::ShowPolygon;
+        return IsActionEnabled(control, A::UnpublishPoints) ? A::UnpublishPoints : A::PublishPoints;
+    }
+    if (key == Qt::Key_C && modifiers == KeyControl && !control.Editor().IsAnySelected())
+        return A::Copy;
+    const A found = KeyAction(key, modifiers);
+    const bool isViews =
+        std::find(std::begin(viewKeys), std::end(viewKeys), key) != std::end(viewKeys);
+    if (found == A::None && modifiers == Plain && !isViews)
+        return KeyAction(key, KeyShift);
+    return found;
+}
+
+} // namespace Marlox

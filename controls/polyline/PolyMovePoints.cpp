@@ -1,0 +1,163 @@
+// Moving points: those that are selected, one that was just put into the curve, the last clicked.
+
+#include "controls/polyline/PolyGesture.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "controls/polyline/PolyMoveRule.h"
+#include "system/base/Platform.h"
+
+#include <cmath>
+
+namespace Marlox {
+
+namespace {
+
+constexpr double longestClick = 0.5; // seconds; who waited longer has thought better of it
+
+/// Moves the edited points from where they were at the press.
+class MovePoints : public PolyGesture {
+public:
+    MovePoints(PolyLineControl& control, const PolyPointer& pointer, const char* text)
+        : PolyGesture(control), text_(text), rule_(pointer), states_(Editor().TakeStates())
+    {
+    }
+
+    void Move(const PolyPointer& pointer) override
+    {
+        const ShapePlace by = rule_.Movement(pointer);
+        if (!moved_ && by == ShapePlace())
+            return;
+        moved_ = true;
+        if (Control().Settings().stopRendering) {
+            ShowMoved(by);
+            return;
+        }
+        Begin(text_);
+        Write(by);
+    }
+
+    void Finish(const PolyPointer& pointer) override
+    {
+        if (moved_ && Control().Settings().stopRendering) {
+            Begin("Drag Points");
+            Write(rule_.Movement(pointer));
+        } else if (!moved_ && onClick_) {
+            onClick_();
+        }
+        ShowAsWritten();
+    }
+
+    void Cancel() override { ShowAsWritten(); }
+
+    /// What a press without a move does, on its release.
+    void SetOnClick(std::function<void()> onClick) { onClick_ = std::move(onClick); }
+
+private:
+    void Write(ShapePlace by)
+    {
+        Editor().ChangeSelected(
+            [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); }, states_);
+    }
+    void ShowMoved(ShapePlace by)
+    {
+        for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+            const SelMask mask = Editor().EditedMask(polygon);
+            const Input* input = Editor().InputOf(polygon);
+            if (!input || !mask.IsAnySet())
+                continue;
+            Ref<PolyLine>& start = shown_[std::size_t(polygon)];
+            if (!start)
+                start = Editor().Shape(polygon)->CopyShape();
+            const Ref<PolyLine> shape = start->CopyShape();
+            shape->MovePoints(mask, by);
+            Editor().Preview(polygon, shape);
+        }
+    }
+    void ShowAsWritten()
+    {
+        for (int polygon = 0; polygon < PolygonCount; ++polygon)
+            Editor().Preview(polygon, {});
+    }
+
+    const char* text_;
+    PolyMoveRule rule_;
+    PolyEditor::States states_;
+    std::array<Ref<PolyLine>, PolygonCount> shown_; // as at the press, while nothing is written
+    bool moved_ = false;
+    std::function<void()> onClick_;
+};
+
+/// What the press does to the selection: an unselected point becomes the selected one; Shift and
+/// Ctrl turn one over.
+void SelectPressed(PolyEditor& editor, const PolyPointer& pointer, const PolyHit& hit)
+{
+    editor.SetActivePolygon(hit.polygon);
+    const SelMask& mask = editor.Selection(hit.polygon);
+    if (pointer.modifiers & (KeyShift | KeyControl))
+        editor.Select(hit.polygon, hit.index, SelMask::Toggle);
+    else if (mask.GetSetItem(hit.index))
+        editor.Select(hit.polygon, hit.index, SelMask::Select); // the last one now
+    else
+        editor.SelectOnly(hit.polygon, hit.index);
+}
+
+/// The ends of a segment.
+void SelectSegment(PolyEditor& editor, const PolyPointer& pointer, const PolyHit& hit)
+{
+    editor.SetActivePolygon(hit.polygon);
+    const PolyLine& shape = *editor.Shape(hit.polygon);
+    const int next = (hit.index + 1) % shape.GetCount();
+    const SelMask& mask = editor.Selection(hit.polygon);
+    const bool add = pointer.modifiers & (KeyShift | KeyControl);
+    if (!add && mask.GetSetItem(hit.index) && mask.GetSetItem(next))
+        return;
+    if (!add)
+        editor.SelectOnly(hit.polygon, hit.index);
+    else
+        editor.Select(hit.polygon, hit.index, SelMask::Select);
+    editor.Select(hit.polygon, next, SelMask::Select);
+}
+
+} // namespace
+
+std::unique_ptr<PolyGesture> MakeMovePoints(PolyLineControl& control, const PolyPointer& pointer,
+                                            const PolyHit& hit)
+{
+    PolyEditor& editor = control.Editor();
+    const bool onPoint = hit.IsPoint();
+    const bool wasSelected = onPoint && editor.Selection(hit.polygon).GetSetItem(hit.index);
+    if (onPoint)
+        SelectPressed(editor, pointer, hit);
+    else
+        SelectSegment(editor, pointer, hit);
+    const bool several = editor.ActiveSelection().SetCount() > 1;
+    auto gesture =
+        std::make_unique<MovePoints>(control, pointer, several ? "Move Points" : "Move Point");
+    const bool plain = !(pointer.modifiers & (KeyShift | KeyControl));
+    if (onPoint && wasSelected && several && plain) {
+        gesture->SetOnClick([&control, hit] {
+            if (Platform::GetUpTime() - control.PressTime() < longestClick)
+                control.Editor().SelectOnly(hit.polygon, hit.index);
+        });
+    }
+    return gesture;
+}
+
+std::unique_ptr<PolyGesture> MakeInsertPoint(PolyLineControl& control, const PolyPointer& pointer,
+                                             const PolyHit& hit)
+{
+    PolyEditor& editor = control.Editor();
+    if (editor.IsFull())
+        return std::make_unique<PolyNoGesture>(control);
+    control.BeginGesture("Add Point");
+    const bool both = editor.IsMatched() && editor.IsShown(OuterPolygon);
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        if (polygon == hit.polygon || both)
+            editor.Change(polygon, PolyEditor::Scope::Keys,
+                          [&hit](PolyLine& shape) { shape.InsertPoint(hit.index, hit.t); });
+    }
+    editor.SetActivePolygon(hit.polygon);
+    editor.SelectOnly(hit.polygon, hit.index + 1);
+    return std::make_unique<MovePoints>(control, pointer, "Add Point");
+}
+
+} // namespace Marlox

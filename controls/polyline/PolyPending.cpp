@@ -1,0 +1,32 @@
+#include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyLineControl.h"
+
+namespace Marlox {
+
+void ToggleEditPoint(PolyLineControl&) {}
+void SmoothPointsDefault(PolyLineControl&) {}
+void SmoothPointsDialog(PolyLineControl&) {}
+void SmoothAnimation(PolyLineControl&) {}
+void EaseInOut(PolyLineControl&) {}
+void AveragePoints(PolyLineControl&) {}
+void CreateEllipse(PolyLineControl&) {}
+void CreateRectangle(PolyLineControl&) {}
+void CreateSpiral(PolyLineControl&) {}
+void SubdivideShape(PolyLineControl&) {}
+void ReducePoints(PolyLineControl&) {}
+void ConvertToBezier(PolyLineControl&) {}
+void ConvertToBSpline(PolyLineControl&) {}
+void ConvertPathToXY(PolyLineControl&) {}
+void CreateTrackPoints(PolyLineControl&) {}
+void ResetTrackPattern(PolyLineControl&) {}
+void ExportFile(PolyLineControl&) {}
+void ExportDxf(PolyLineControl&) {}
+void ImportLightWave(PolyLineControl&) {}
+void ImportMotionPath(PolyLineControl&) {}
+void ImportShape(PolyLineControl&) {}
+void ImportSsf(PolyLineControl&) {}
+void ImportFxs(PolyLineControl&) {}
+void ImportNuke(PolyLineControl&) {}
+void ImportBoujou(PolyLineControl&) {}
+
+} // namespace Marlox

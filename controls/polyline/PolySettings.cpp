@@ -1,0 +1,165 @@
+#include "controls/polyline/PolySettings.h"
+
+#include "system/base/TagList.h"
+
+#include <algorithm>
+#include <string>
+
+namespace Marlox {
+
+namespace {
+
+struct Flag {
+    u32 tag;
+    bool PolySettings::*member;
+};
+
+constexpr Flag flags[] = {
+    {PLC_RecordTime, &PolySettings::recordTime},
+    {PLC_RecordPressure, &PolySettings::recordPressure},
+    {PLC_RecordHeight, &PolySettings::recordHeight},
+    {PLC_RecordAngleXY, &PolySettings::recordAngleXY},
+    {PLC_RecordAngleZ, &PolySettings::recordAngleZ},
+    {PLC_RecordRotation, &PolySettings::recordRotation},
+    {PLC_CanPublishPoints, &PolySettings::canPublishPoints},
+    {PLC_CurrentTimeOnly, &PolySettings::currentTimeOnly},
+    {PLC_ShowKeyPoints, &PolySettings::showKeyPoints},
+    {PLC_ShowHandles, &PolySettings::showHandles},
+    {PLC_StopRendering, &PolySettings::stopRendering},
+    {PLC_Animated, &PolySettings::animated},
+    {PLC_FollowExternMatchPoint, &PolySettings::followExternMatchPoint},
+    {PLC_ShowPolyLine, &PolySettings::showPolyLine},
+    {PLC_ShowTaggedPointIDs, &PolySettings::showTaggedPointIDs},
+};
+
+/// What SaveState keeps, by its name there.
+struct SavedFlag {
+    const char* name;
+    bool PolySettings::*member;
+};
+
+constexpr SavedFlag savedFlags[] = {
+    {"ShowHull", &PolySettings::showHull},           {"ShowNumbers", &PolySettings::showNumbers},
+    {"LockSelection", &PolySettings::lockSelection}, {"ShapeBox", &PolySettings::shapeBox},
+    {"ShapeBoxBoth", &PolySettings::shapeBoxBoth},   {"EditBoth", &PolySettings::editBoth},
+    {"OnionSkin", &PolySettings::onionSkin},
+};
+
+struct SavedRotoFlag {
+    const char* name;
+    bool RotoAssistSettings::*member;
+};
+
+constexpr SavedRotoFlag savedRotoFlags[] = {
+    {"Enabled", &RotoAssistSettings::enabled},
+    {"KeepsTool", &RotoAssistSettings::keepsTool},
+    {"Follow", &RotoAssistSettings::follow},
+    {"Edges", &RotoAssistSettings::edges},
+    {"MultiplePoints", &RotoAssistSettings::multiplePoints},
+    {"ShowArea", &RotoAssistSettings::showArea},
+    {"PatternEdit", &RotoAssistSettings::patternEdit},
+};
+
+u32 ColorOf(const TagList& tags, u32 tag, u32 otherwise)
+{
+    return u32(tags.GetLong(tag, int64(otherwise))) & 0xffffffu;
+}
+
+int WholeOf(const ScriptVal& value, int low, int high, int otherwise)
+{
+    const double number = value.ToNumber(otherwise);
+    return number >= low && number <= high ? int(number) : otherwise;
+}
+
+} // namespace
+
+void PolySettings::Read(const TagList& tags)
+{
+    if (tags.Find(PLC_DrawMode)) {
+        const auto mode = u8(tags.GetLong(PLC_DrawMode) & 0x0f);
+        if (mode <= u8(PolyDrawMode::ModifyOnly))
+            drawMode = u8((drawMode & 0xf0) | mode);
+    }
+    for (const Flag& flag : flags)
+        this->*flag.member = tags.GetBool(flag.tag, this->*flag.member);
+    const int64 style = tags.GetLong(PLC_DrawStyle, int64(drawStyle));
+    if (style >= 0 && style <= int64(PolyDrawStyle::Null))
+        drawStyle = PolyDrawStyle(style);
+    handleColor = ColorOf(tags, PLC_HandleColor, handleColor);
+}
+
+bool PolySettings::Get(u32 tag, int64& value) const
+{
+    const auto flag = std::find_if(std::begin(flags), std::end(flags),
+                                   [tag](const Flag& each) { return each.tag == tag; });
+    if (flag != std::end(flags))
+        value = this->*flag->member;
+    else if (tag == PLC_DrawMode)
+        value = drawMode;
+    else if (tag == PLC_DrawStyle)
+        value = int64(drawStyle);
+    else if (tag == PLC_HandleColor)
+        value = handleColor;
+    else
+        return false;
+    return true;
+}
+
+void PolySettings::Save(ScriptVal& to) const
+{
+    for (const SavedFlag& flag : savedFlags)
+        to.Set(flag.name, this->*flag.member);
+    to.Set("ExportOption", ExportOption());
+    to.Set("StepFactor", stepFactor);
+    to.Set("MultiFrame", int(multiFrame));
+    to.Set("SplineColor", double(splineColor));
+    to.Set("KeyPointColor", double(keyPointColor));
+    to.Set("PrevSkinColor", double(prevSkinColor));
+    to.Set("SkinAnchor", onionAnchor);
+    ScriptVal skins = ScriptVal::MakeTable();
+    skins.Set("Count", double(onion.count));
+    skins.Set("Step", double(onion.step));
+    skins.Set("Flags", int(onion.flags));
+    skins.Set("Anchor", onion.anchor);
+    skins.Set("ClickSetsTime", onion.clickSetsTime);
+    to.Set("Skins", skins);
+    to.Set("RotoAssist", SavedRoto());
+}
+
+ScriptVal PolySettings::SavedRoto() const
+{
+    ScriptVal assist = ScriptVal::MakeTable();
+    for (const SavedRotoFlag& flag : savedRotoFlags)
+        assist.Set(flag.name, roto.*flag.member);
+    assist.Set("Distance", roto.distance);
+    assist.Set("FrameSkip", roto.frameSkip);
+    return assist;
+}
+
+void PolySettings::Restore(const ScriptVal& from)
+{
+    for (const SavedFlag& flag : savedFlags)
+        this->*flag.member = from.Get(flag.name).ToBool(this->*flag.member);
+    drawMode =
+        u8((drawMode & 0x0f) | (WholeOf(from.Get("ExportOption"), 0, 15, ExportOption()) << 4));
+    const int factor = WholeOf(from.Get("StepFactor"), 1, 100, stepFactor);
+    stepFactor = factor == 10 || factor == 100 ? factor : 1;
+    multiFrame = MultiFrame(WholeOf(from.Get("MultiFrame"), 0, 3, int(multiFrame)));
+    splineColor = u32(WholeOf(from.Get("SplineColor"), 0, 0xffffff, int(splineColor)));
+    keyPointColor = u32(WholeOf(from.Get("KeyPointColor"), 0, 0xffffff, int(keyPointColor)));
+    prevSkinColor = u32(WholeOf(from.Get("PrevSkinColor"), 0, 0xffffff, int(prevSkinColor)));
+    onionAnchor = from.Get("SkinAnchor").ToNumber(onionAnchor);
+    const ScriptVal& skins = from.Get("Skins");
+    onion.count = unsigned(WholeOf(skins.Get("Count"), 0, 1'000'000, int(onion.count)));
+    onion.step = float(skins.Get("Step").ToNumber(double(onion.step)));
+    onion.flags = std::uint16_t(WholeOf(skins.Get("Flags"), 0, 0xffff, onion.flags));
+    onion.anchor = skins.Get("Anchor").ToBool(onion.anchor);
+    onion.clickSetsTime = skins.Get("ClickSetsTime").ToBool(onion.clickSetsTime);
+    const ScriptVal& assist = from.Get("RotoAssist");
+    for (const SavedRotoFlag& flag : savedRotoFlags)
+        roto.*flag.member = assist.Get(flag.name).ToBool(roto.*flag.member);
+    roto.distance = WholeOf(assist.Get("Distance"), 1, 16, roto.distance);
+    roto.frameSkip = WholeOf(assist.Get("FrameSkip"), 1, 10, roto.frameSkip);
+}
+
+} // namespace Marlox

@@ -1,0 +1,295 @@
+// The shape box: a frame about the selected points, or about all without a selection. Its corners
+// and sides scale them about the opposite one (Ctrl: about the middle; Shift: alike in both
+// directions), the knob above it turns them (Shift: in steps), its inside moves them.
+
+#include "controls/polyline/PolyDraw.h"
+#include "controls/polyline/PolyGesture.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "controls/polyline/PolyMoveRule.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <optional>
+
+namespace Marlox {
+
+namespace {
+
+constexpr double knobDistance = 22.0; // of the knob from the top side, mark pixels
+constexpr double turnStep = 15.0;     // degrees, with Shift
+constexpr std::array<OverlayPoint, 4> gripMark{{{-3, -3}, {3, -3}, {3, 3}, {-3, 3}}};
+constexpr std::array<OverlayPoint, 8> knobMark{
+    {{4, 1}, {1, 4}, {-1, 4}, {-4, 1}, {-4, -1}, {-1, -4}, {1, -4}, {4, -1}}};
+
+/// What of the box is held: a side or corner by its direction, the knob, or the inside.
+struct Grip {
+    enum Kind { Nothing, Side, Knob, Inside };
+    Kind kind = Nothing;
+    int x = 0; // -1: left, 1: right
+    int y = 0; // -1: bottom, 1: top
+};
+
+/// The box in the shape's coordinates.
+struct Box {
+    ShapePlace low;
+    ShapePlace high;
+
+    ShapePlace Middle() const { return {(low.x + high.x) / 2.0, (low.y + high.y) / 2.0}; }
+    ShapePlace At(int x, int y) const
+    {
+        const ShapePlace middle = Middle();
+        return {x < 0   ? low.x
+                : x > 0 ? high.x
+                        : middle.x,
+                y < 0   ? low.y
+                : y > 0 ? high.y
+                        : middle.y};
+    }
+};
+
+/// The points that the box works on; of the other polygon, those that it takes along.
+SelMask MaskOf(const PolyLineControl& control, int polygon)
+{
+    const PolyEditor& editor = control.Editor();
+    const SelMask& own = editor.Selection(polygon);
+    if (!editor.IsShown(polygon))
+        return SelMask(own.Count());
+    if (polygon == editor.ActivePolygon() && !editor.ActiveSelection().IsAnySet())
+        return SelMask(own.Count(), true);
+    if (polygon == editor.ActivePolygon())
+        return own;
+    if (!control.Settings().shapeBoxBoth)
+        return editor.EditedMask(polygon);
+    if (!editor.ActiveSelection().IsAnySet())
+        return SelMask(own.Count(), true);
+    SelMask matching;
+    SetMatchingPolyLinePointMask(editor.ActiveSelection(), own.Count(), matching);
+    return matching;
+}
+
+std::optional<Box> BoxOf(const PolyLineControl& control)
+{
+    const PolyEditor& editor = control.Editor();
+    const bool edits = control.Mode() == PolyDrawMode::InsertAndModify ||
+                       control.Mode() == PolyDrawMode::ModifyOnly;
+    if (!control.Settings().shapeBox || !edits)
+        return {};
+    std::vector<ShapePlace> places;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        if (polygon != editor.ActivePolygon() && !control.Settings().shapeBoxBoth)
+            continue;
+        for (const int index : MaskOf(control, polygon).Items())
+            places.push_back(editor.Shape(polygon)->GetPoint(index)->Place());
+    }
+    const ShapeBounds bounds = CalcMinMax(places);
+    if (bounds.isEmpty || places.size() < 2)
+        return {};
+    return Box{bounds.low, bounds.high};
+}
+
+OverlayPoint KnobOf(const Box& box, const PolyView& view)
+{
+    const OverlayPoint top = view.ToView(box.At(0, 1));
+    const OverlayPoint middle = view.ToView(box.Middle());
+    const double length = std::hypot(top.x - middle.x, top.y - middle.y);
+    const double off = knobDistance * view.Info().controlScale;
+    if (!(length > 0.0))
+        return {top.x, top.y + off};
+    return {top.x + (top.x - middle.x) / length * off, top.y + (top.y - middle.y) / length * off};
+}
+
+Grip GripAt(const Box& box, const PolyView& view)
+{
+    const OverlayPoint cursor = view.ToView(view.Cursor());
+    const double radius = view.Info().pickRadius;
+    const auto isNear = [&](OverlayPoint at) {
+        return std::abs(at.x - cursor.x) < radius && std::abs(at.y - cursor.y) < radius;
+    };
+    if (isNear(KnobOf(box, view)))
+        return {Grip::Knob};
+    for (const int corners : {2, 1}) { // corners before sides
+        for (int x = -1; x <= 1; ++x) {
+            for (int y = -1; y <= 1; ++y) {
+                if (std::abs(x) + std::abs(y) == corners && isNear(view.ToView(box.At(x, y))))
+                    return {Grip::Side, x, y};
+            }
+        }
+    }
+    const ShapePlace at = view.Cursor();
+    const bool inside =
+        at.x > box.low.x && at.x < box.high.x && at.y > box.low.y && at.y < box.high.y;
+    return {inside ? Grip::Inside : Grip::Nothing};
+}
+
+/// A change of places and of distances, in the shape's coordinates.
+struct Affine {
+    double xx = 1.0;
+    double xy = 0.0;
+    double yx = 0.0;
+    double yy = 1.0;
+    ShapePlace about;
+    ShapePlace by;
+
+    ShapePlace Vector(ShapePlace v) const { return {xx * v.x + xy * v.y, yx * v.x + yy * v.y}; }
+    ShapePlace Place(ShapePlace at) const { return about + by + Vector(at - about); }
+
+    void Apply(PolyPoint& point) const
+    {
+        const ShapePlace at = Place(point.Place());
+        const ShapePlace in = Vector({point.inX, point.inY});
+        const ShapePlace out = Vector({point.outX, point.outY});
+        point.x = at.x;
+        point.y = at.y;
+        point.inX = in.x;
+        point.inY = in.y;
+        point.outX = out.x;
+        point.outY = out.y;
+    }
+};
+
+class BoxDrag final : public PolyGesture {
+public:
+    BoxDrag(PolyLineControl& control, const PolyPointer& pointer, const Box& box, Grip grip)
+        : PolyGesture(control), box_(box), grip_(grip), start_(pointer.view.Cursor()),
+          rule_(pointer), states_(Editor().TakeStates())
+    {
+        for (int polygon = 0; polygon < PolygonCount; ++polygon)
+            masks_[std::size_t(polygon)] = MaskOf(control, polygon);
+    }
+
+    void Move(const PolyPointer& pointer) override
+    {
+        if (!moved_ && pointer.view.Cursor() == start_)
+            return;
+        moved_ = true;
+        const bool all = masks_[std::size_t(Editor().ActivePolygon())].IsAllSet();
+        Begin(grip_.kind == Grip::Inside ? "Dragging Shaping Box"
+              : all                      ? "Shape PolyLine"
+                                         : "Shape Points");
+        const Affine change = ChangeFor(pointer);
+        for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+            const SelMask& mask = masks_[std::size_t(polygon)];
+            if (!mask.IsAnySet())
+                continue;
+            Editor().Change(
+                polygon, PolyEditor::Scope::Frames,
+                [&](PolyLine& shape) {
+                    for (const int index : mask.Items()) {
+                        PolyPoint* point = shape.GetPoint(index);
+                        if (point && !point->Has(PPF_Locked))
+                            change.Apply(*point);
+                    }
+                },
+                states_[std::size_t(polygon)]);
+        }
+    }
+
+private:
+    Affine ChangeFor(const PolyPointer& pointer)
+    {
+        switch (grip_.kind) {
+        case Grip::Inside: {
+            Affine moved;
+            moved.by = rule_.Movement(pointer);
+            return moved;
+        }
+        case Grip::Knob:
+            return Turned(pointer);
+        default:
+            return Scaled(pointer);
+        }
+    }
+
+    Affine Turned(const PolyPointer& pointer) const
+    {
+        const double tall = pointer.view.HeightsPerWidth();
+        const ShapePlace middle = box_.Middle();
+        const auto direction = [&](ShapePlace at) {
+            return std::atan2((at.y - middle.y) * tall, at.x - middle.x);
+        };
+        double angle = direction(pointer.view.Cursor()) - direction(start_);
+        if (pointer.modifiers & KeyShift) {
+            const double step = turnStep * std::numbers::pi / 180.0;
+            angle = std::round(angle / step) * step;
+        }
+        const double cosine = std::cos(angle);
+        const double sine = std::sin(angle);
+        return {cosine, -sine * tall, sine / tall, cosine, middle, {}};
+    }
+
+    Affine Scaled(const PolyPointer& pointer) const
+    {
+        const bool fromMiddle = pointer.modifiers & KeyControl;
+        const ShapePlace about = fromMiddle ? box_.Middle() : box_.At(-grip_.x, -grip_.y);
+        const ShapePlace grip = box_.At(grip_.x, grip_.y);
+        const ShapePlace now = grip + (pointer.view.Cursor() - start_);
+        const auto factor = [](double from, double to, double fixed) {
+            return from != fixed ? (to - fixed) / (from - fixed) : 1.0;
+        };
+        Affine scaled;
+        scaled.about = about;
+        scaled.xx = grip_.x != 0 ? factor(grip.x, now.x, about.x) : 1.0;
+        scaled.yy = grip_.y != 0 ? factor(grip.y, now.y, about.y) : 1.0;
+        if (pointer.modifiers & KeyShift) {
+            const double alike = grip_.x == 0   ? scaled.yy
+                                 : grip_.y == 0 ? scaled.xx
+                                                : std::max(scaled.xx, scaled.yy);
+            scaled.xx = scaled.yy = alike;
+        }
+        return scaled;
+    }
+
+    Box box_;
+    Grip grip_;
+    ShapePlace start_;
+    PolyMoveRule rule_;
+    PolyEditor::States states_;
+    PolyEditor::Masks masks_;
+    bool moved_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<PolyGesture> MakeShapeBoxDrag(PolyLineControl& control, const PolyPointer& pointer)
+{
+    const std::optional<Box> box = BoxOf(control);
+    const Grip grip = box ? GripAt(*box, pointer.view) : Grip();
+    if (grip.kind == Grip::Nothing)
+        return nullptr;
+    return std::make_unique<BoxDrag>(control, pointer, *box, grip);
+}
+
+bool IsOnShapeBox(const PolyLineControl& control, const PolyView& view)
+{
+    const std::optional<Box> box = BoxOf(control);
+    return box && GripAt(*box, view).kind != Grip::Nothing;
+}
+
+void DrawShapeBox(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
+{
+    const std::optional<Box> box = BoxOf(control);
+    if (!box)
+        return;
+    const auto at = [&](int x, int y) { return view.ToView(box->At(x, y)); };
+    painter.SetColor(OverlayColor::Path);
+    painter.SetDashed(true);
+    painter.Loop({at(-1, -1), at(1, -1), at(1, 1), at(-1, 1)});
+    painter.SetDashed(false);
+    const OverlayPoint knob = KnobOf(*box, view);
+    painter.Line(at(0, 1), knob);
+    std::vector<OverlayPoint> grips;
+    for (int x = -1; x <= 1; ++x) {
+        for (int y = -1; y <= 1; ++y) {
+            if (x != 0 || y != 0)
+                grips.push_back(at(x, y));
+        }
+    }
+    const double scale = view.Info().controlScale;
+    painter.Marks(OverlayPainter::Shape::Loop, gripMark, grips, scale);
+    const OverlayPoint knobs[] = {knob};
+    painter.Marks(OverlayPainter::Shape::Loop, knobMark, knobs, scale);
+}
+
+} // namespace Marlox
