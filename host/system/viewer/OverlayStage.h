@@ -73,7 +73,8 @@ public:
 
     // Keys, with the code of Qt::Key.
     bool KeyDown(int key, u32 modifiers); // false: not used
-    /// Whether the overlay with the focus uses this key, also where it is a shortcut elsewhere.
+    /// Whether an overlay uses this key, also where it is a shortcut elsewhere: the one with the
+    /// focus, or else the one whose toolbar shows, which gets the focus with the key.
     bool WantsKey(int key, u32 modifiers);
     void KeyUpAll();
     /// The overlay that keys go to: the one pressed last, or chosen by FocusNext; null: none.
@@ -144,7 +145,7 @@ private:
     void TestHover();
     TagList PointerTags(const TagList& more) const;
     bool IsShownHere(const PreviewControl& overlay) const;
-    bool TakesKeys() const;
+    PreviewControl* KeyTarget(int key) const;
     const QUndoCommand* LastEntry() const;
     Input* InputAt(PreviewControl& overlay);
     PreviewControl* Grab(TagList& tags);

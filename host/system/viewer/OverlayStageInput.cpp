@@ -298,22 +298,29 @@ void OverlayStage::PlacementChanged()
 
 // Keys --------------------------------------------------------------------------------------------
 
-bool OverlayStage::TakesKeys() const
+/// The overlay with the focus or, for the keys that its buttons tell of, the one whose toolbar
+/// shows. Arrows and Escape are the view's own until an overlay has the focus.
+PreviewControl* OverlayStage::KeyTarget(int key) const
 {
-    return focus_ && !pressed_ && IsShown() && focus_->IsEditable();
+    const bool ofTheFocus = key == Qt::Key_Escape || (key >= Qt::Key_Left && key <= Qt::Key_Down);
+    PreviewControl* overlay = focus_ || ofTheFocus ? focus_ : ToolbarOwner();
+    return overlay && !pressed_ && IsShown() && overlay->IsEditable() ? overlay : nullptr;
 }
 
 bool OverlayStage::WantsKey(int key, u32 modifiers)
 {
+    PreviewControl* overlay = KeyTarget(key);
     TagList tags{{PV_Modifiers, modifiers}};
-    return TakesKeys() && focus_->ControlCommand(&view_, CCMD_WantsKey, u64(key), &tags);
+    return overlay && overlay->ControlCommand(&view_, CCMD_WantsKey, u64(key), &tags);
 }
 
 bool OverlayStage::KeyDown(int key, u32 modifiers)
 {
-    if (!TakesKeys())
+    const auto overlay = Ref<PreviewControl>::Share(KeyTarget(key)); // what it does may remove it
+    if (!overlay || (!focus_ && !WantsKey(key, modifiers)))
         return false;
-    const auto overlay = Ref<PreviewControl>::Share(focus_); // what it does may remove it
+    if (!focus_)
+        SetFocus(overlay.Get());
     const bool held = std::exchange(view_.keysHeld, true);
     TagList tags{{PV_Modifiers, modifiers}};
     const bool used = overlay->ControlCommand(&view_, CCMD_KeyDown, u64(key), &tags);

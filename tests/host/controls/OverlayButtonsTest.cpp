@@ -191,8 +191,16 @@ void OverlayButtonsTest::penTellsMoreThanItsPlace()
 
 void OverlayButtonsTest::wantedKeys()
 {
-    QVERIFY(!stage_->WantsKey(Qt::Key_R, 0)); // nobody has the focus
-    stage_->SetFocus(&Of("a"));
+    Of("a").draws = true;
+    QVERIFY(!stage_->WantsKey(Qt::Key_Escape, 0)); // nobody has the focus
+    QVERIFY(!stage_->KeyDown(Qt::Key_G, 0));
+    QVERIFY(!stage_->Focus());
+    QVERIFY(stage_->KeyDown(Qt::Key_R, 0)); // as the toolbar tells
+    stage_->KeyUpAll();
+    QCOMPARE(stage_->Focus(), &Of("a"));
+    QVERIFY(stage_->KeyDown(Qt::Key_Escape, 0));
+    stage_->KeyUpAll();
+    Of("a").log.clear();
     QVERIFY(stage_->WantsKey(Qt::Key_R, 0));
     QVERIFY(!stage_->WantsKey(Qt::Key_C, 0));
     QVERIFY(stage_->WantsKey(Qt::Key_C, KeyShift));
