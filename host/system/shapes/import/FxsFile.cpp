@@ -2,12 +2,10 @@
 #include "system/shapes/import/ImportText_p.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <set>
 
 #include <QXmlStreamReader>
-#include <zlib.h>
 
 namespace Marlox {
 
@@ -31,32 +29,6 @@ const std::set<std::string> usedProperties = {"path",
                                               "transform.position"};
 /// Those that are known and change nothing here.
 const std::set<std::string> idleProperties = {"strokeWidth", "motionBlur", "outlineColor"};
-
-/// The bytes of packed data, whose first four tell how many they are. Throws.
-QByteArray Unpacked(const QByteArray& bytes)
-{
-    z_stream stream{};
-    if (inflateInit(&stream) != Z_OK)
-        throw ImportFailure{0, "it can't be unpacked", true};
-    constexpr int lengthSize = 4;
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.constData())) + lengthSize;
-    stream.avail_in = uInt(bytes.size() - lengthSize);
-    QByteArray out;
-    std::array<char, 65536> part;
-    int state = Z_OK;
-    while (state == Z_OK && out.size() <= maxImportFileSize) {
-        stream.next_out = reinterpret_cast<Bytef*>(part.data());
-        stream.avail_out = uInt(part.size());
-        state = inflate(&stream, Z_NO_FLUSH);
-        out.append(part.data(), int(part.size() - stream.avail_out));
-    }
-    inflateEnd(&stream);
-    if (out.size() > maxImportFileSize)
-        throw ImportFailure{0, "it is larger than 64 MB when it is unpacked", true};
-    if (state != Z_STREAM_END)
-        throw ImportFailure{0, "its packed data are damaged or cut off", true};
-    return out;
-}
 
 bool IsTrue(const QString& text)
 {
@@ -87,6 +59,7 @@ public:
 private:
     int Line() const { return int(xml_.lineNumber()); }
     bool NextChild();
+    void Skip();
     void CheckDocument();
     void ReadRoot();
     void ReadInto(FxsObject& object, int depth);
@@ -114,6 +87,19 @@ bool FxsReader::NextChild()
     if (xml_.hasError())
         throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
     return isOne;
+}
+
+/// To the end of the present element, whatever is in it.
+void FxsReader::Skip()
+{
+    int depth = 1;
+    while (depth > 0 && !xml_.atEnd()) {
+        const QXmlStreamReader::TokenType token = xml_.readNext();
+        depth += token == QXmlStreamReader::StartElement;
+        depth -= token == QXmlStreamReader::EndElement;
+        if (depth > maxDepth)
+            throw ImportFailure{Line(), "its elements are nested too deeply", true};
+    }
 }
 
 /// Up to the root element: nothing may be declared there.
@@ -164,7 +150,7 @@ void FxsReader::ReadChild(FxsObject& parent, int depth)
     const bool isLayer = type == QLatin1String("Layer");
     if (!isLayer && type != QLatin1String("Shape")) {
         job_.LeaveAside(Line(), "an object of type " + Quoted(type.toStdString()) + " is not read");
-        xml_.skipCurrentElement();
+        Skip();
         return;
     }
     if (++objects_ > maxObjects)
@@ -187,7 +173,7 @@ void FxsReader::ReadProperty(FxsObject& object, int depth)
     if (!usedProperties.contains(id)) {
         if (!idleProperties.contains(id))
             job_.LeaveAside(0, "properties " + Quoted(id) + " are not read");
-        return xml_.skipCurrentElement();
+        return Skip();
     }
     FxsProperty property;
     try {
@@ -208,9 +194,11 @@ void FxsReader::ReadValues(FxsProperty& property)
     while (NextChild()) {
         const bool isKey = xml_.name() == QLatin1String("Key");
         if (!isKey && xml_.name() != QLatin1String("Value")) {
-            xml_.skipCurrentElement();
+            Skip();
             continue;
         }
+        constexpr std::size_t pointsToKey = 4; // in memory
+        job_.CountPoints(pointsToKey, Line());
         FxsKey key;
         key.line = Line();
         const std::string frame = Attribute("frame").toStdString();
@@ -256,7 +244,7 @@ void FxsReader::ReadKey(FxsProperty& property, FxsKey key)
                 problem = failure;
             }
         } else if (xml_.isStartElement()) {
-            xml_.skipCurrentElement();
+            Skip();
         }
     }
     if (xml_.hasError())
@@ -278,7 +266,7 @@ void FxsReader::ReadPath(FxsKey& key)
     std::optional<ImportFailure> problem;
     while (NextChild()) {
         if (xml_.name() != QLatin1String("Point")) {
-            xml_.skipCurrentElement();
+            Skip();
             continue;
         }
         try {
@@ -297,7 +285,7 @@ void FxsReader::ReadPoint(FxsKey& key)
 {
     const int line = Line();
     const std::string text =
-        xml_.readElementText(QXmlStreamReader::SkipChildElements).toStdString();
+        xml_.readElementText(QXmlStreamReader::ErrorOnUnexpectedElement).toStdString();
     if (xml_.hasError())
         throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
     const std::vector<double> numbers = NumbersOf(text, line);
@@ -366,11 +354,8 @@ const FxsProperty* FxsObject::Find(const char* id) const
 
 FxsFile ReadFxsFile(ImportJob& job)
 {
-    const QByteArray& bytes = job.Bytes();
-    constexpr char zlibMark = 0x78;
-    const bool isPacked = bytes.size() > 6 && bytes[4] == zlibMark &&
-                          (uchar(bytes[4]) * 256 + uchar(bytes[5])) % 31 == 0;
-    return FxsReader(job, isPacked ? Unpacked(bytes) : bytes).Read();
+    const QByteArray xml = FxsXml(job.Bytes());
+    return FxsReader(job, xml).Read();
 }
 
 } // namespace Marlox

@@ -47,7 +47,11 @@ struct FxsFile {
     std::optional<double> startFrame; // what the frames of keys count from
 };
 
-/// Reads the XML, packed or not; throws.
+/// Whether it begins as packed data do: with their length and the first bytes of a zlib stream.
+bool IsPackedFxs(const QByteArray& bytes);
+/// The XML itself, unpacked; throws where it can't be read in bounded memory and time.
+QByteArray FxsXml(const QByteArray& bytes);
+/// Reads the objects; throws.
 FxsFile ReadFxsFile(ImportJob& job);
 
 } // namespace Marlox

@@ -133,11 +133,11 @@ int ImportJob::LineOf(const char* place)
 {
     if (place < text_.data() || place > text_.data() + text_.size())
         return 0;
-    if (place < counted_) {
-        counted_ = text_.data();
-        countedLines_ = 1;
-    }
-    countedLines_ += int(std::count(counted_, place, '\n'));
+    // Places come close to each other, mostly ascending.
+    if (place < counted_)
+        countedLines_ -= int(std::count(place, counted_, '\n'));
+    else
+        countedLines_ += int(std::count(counted_, place, '\n'));
     counted_ = place;
     return countedLines_;
 }

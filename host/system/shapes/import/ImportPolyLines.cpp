@@ -1,5 +1,6 @@
 #include "system/shapes/import/ImportPolyLines.h"
 
+#include "system/shapes/import/FxsFile_p.h"
 #include "system/shapes/import/ImportJob_p.h"
 #include "system/shapes/import/ImportText_p.h"
 #include "system/shapes/import/NativeShapeFiles.h"
@@ -28,7 +29,7 @@ constexpr FormatRow formats[] = {
     {ShapeFileFormat::PathText, nullptr, ReadPathText},
 };
 
-/// XML in any encoding, or the length and the first two bytes of packed data.
+/// XML in any encoding, or packed.
 bool LooksLikeFxs(const QByteArray& bytes)
 {
     for (const char c : bytes.left(16)) {
@@ -39,9 +40,7 @@ bool LooksLikeFxs(const QByteArray& bytes)
         if (!mayPrecede)
             break;
     }
-    if (bytes.size() < 6 || bytes[4] != 0x78)
-        return false;
-    return (uchar(bytes[4]) * 256 + uchar(bytes[5])) % 31 == 0;
+    return IsPackedFxs(bytes);
 }
 
 /// A line that begins a roto node or a script's settings.
