@@ -45,8 +45,9 @@ inline QStringList keyLines(const char* what, const std::vector<ImportedKey>& ke
 {
     QStringList out;
     for (const ImportedKey& key : keys) {
-        QString line = QStringLiteral("  %1 %2 %3:").arg(QLatin1String(what), shortNumber(key.time),
-                                                         interpolationName(key.interpolation));
+        QString line = QStringLiteral("  %1 %2 %3:")
+                           .arg(QLatin1String(what), shortNumber(key.time),
+                                interpolationName(key.interpolation));
         for (const PolyPoint& point : key.points) {
             const auto pair = [](double x, double y) {
                 return shortNumber(x) + ',' + shortNumber(y);
@@ -70,11 +71,11 @@ inline QStringList keyLines(const char* what, const std::vector<ImportedKey>& ke
 inline QStringList shapeLines(const ImportedShape& shape)
 {
     constexpr const char* kinds[] = {"bezier", "bspline", "cardinal"};
-    QString line = QStringLiteral("shape %1 \"%2\" %3, line %4")
-                       .arg(QLatin1String(kinds[int(shape.kind)]),
-                            QString::fromStdString(shape.name),
-                            shape.closed ? QStringLiteral("closed") : QStringLiteral("open"))
-                       .arg(shape.line);
+    QString line =
+        QStringLiteral("shape %1 \"%2\" %3, line %4")
+            .arg(QLatin1String(kinds[int(shape.kind)]), QString::fromStdString(shape.name),
+                 shape.closed ? QStringLiteral("closed") : QStringLiteral("open"))
+            .arg(shape.line);
     const auto flag = [&](const char* name, std::optional<bool> value) {
         if (value)
             line += QStringLiteral(", %1 %2").arg(QLatin1String(name)).arg(int(*value));
