@@ -72,6 +72,8 @@ QVariant ToolModel::data(const QModelIndex& index, int role) const
             return tr("%1 (%2)").arg(tool->GetName(), tool->GetToolType().ToString());
         break;
     case Enabled:
+        if (tool->IsModifier())
+            return {}; // it has no picture to pass through
         if (role == Qt::DecorationRole)
             return WorkbenchIcon(tool->IsDisabled() ? "EyeClosed" : "Eye");
         if (role == Qt::ToolTipRole)

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include <QApplication>
+
 namespace Marlox {
 
 namespace {
@@ -108,9 +110,17 @@ void ControlWnd::Private::ConnectDocument()
         if (&input->Owner() != page.operator_)
             return;
         suspended = tool;
+        LeaveFocus();
         Release();
         PostReopen();
     });
+}
+
+void ControlWnd::Private::LeaveFocus() const
+{
+    const QWidget* focus = QApplication::focusWidget();
+    if (focus && page.isAncestorOf(focus))
+        page.window()->setFocus();
 }
 
 /// Makes the rows anew at the next turn of the event loop: the tool has other inputs then.
@@ -125,6 +135,7 @@ void ControlWnd::Private::PostReopen()
             const Ref<Operator> shown = tool ? tool : std::exchange(suspended, nullptr);
             if (!shown || !shown->GetDoc())
                 return;
+            LeaveFocus();
             Release();
             Show(shown.Get());
         },

@@ -128,6 +128,7 @@ private:
     }
     void ConnectDocument();
     void PostReopen();
+    void LeaveFocus() const; // a field that goes would pass it to some other one
     void OpenUnfolded();
     void AdoptTabOrder(const Row& row);
     int Indent(const Row& row) const { return row.heading ? row.level * nestIndent : 0; }

@@ -77,7 +77,6 @@ private slots:
         history().Redo();
         history().Redo();
         QCOMPARE(tool_->FindInput("Point0"), input);
-        input->SetExpression("Point(0.3, 0.4)");
         input->SetExpression("{0.3, 0.4}");
 
         const std::string text = document_->ToText();
@@ -97,6 +96,9 @@ private slots:
         QVERIFY(near(at(*copy->FindInput("Polyline"), 1), {0.3, 0.4}));
         history().Undo();
         QVERIFY(!copy->FindInput("Point0") && copy->FindInput("Other"));
+
+        copy->AddPublishedInputsOf(*tool_);
+        QCOMPARE(copy->FindInput("Point0")->GetName(), point("Point0").GetName());
 
         ScriptVal wrong;
         wrong.Append(ScriptVal("Polyline")); // no list of lists
