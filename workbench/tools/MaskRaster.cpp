@@ -12,6 +12,7 @@ namespace {
 constexpr int rowsTogether = 32;   // stay in the processor's cache
 constexpr double narrowest = 0.75; // pixels: edges below it are the antialiasing's alone,
 constexpr double overlap = 1e-6;   // pixels by which neighbours do so
+constexpr double rounding = 1e-6;  // pixels
 constexpr double leastArea = 1e-7;
 constexpr double wideEnough = 1.5; // and above it the band's
 
@@ -20,9 +21,22 @@ double distance(const PixelPlace& a, const PixelPlace& b)
     return std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
 }
 
-/// Pixels between matching places next to the inner outline have it running through them, with the
-/// band's begin on their other side. The inner outline moved outwards by half a pixel, and at most
-/// to the middle of the band, covers them as the two do together.
+/// How wide the band is at a place of the inner outline, across it. There may be less to it than
+/// the distance of the matching places: they may lie askew.
+double widthAt(const MaskOutlines& outlines, std::size_t i)
+{
+    const std::size_t count = outlines.inner.size();
+    const PixelPlace along =
+        outlines.inner[i + 1 < count ? i + 1 : 0] - outlines.inner[i > 0 ? i - 1 : count - 1];
+    const PixelPlace way = outlines.outer[i] - outlines.inner[i];
+    const double length = std::sqrt(along.x * along.x + along.y * along.y);
+    return length > 0.0 ? std::abs(along.x * way.y - along.y * way.x) / length
+                        : distance(outlines.inner[i], outlines.outer[i]);
+}
+
+/// The inner outline moved outwards, to the middle of a narrow band and by half a pixel to almost a
+/// whole one in wider bands. Together with the band's values in the middles of pixels it makes up
+/// for what the inner outline leaves of those it runs through.
 Outline coreOf(const MaskOutlines& outlines)
 {
     Outline core;
@@ -30,11 +44,23 @@ Outline coreOf(const MaskOutlines& outlines)
     for (std::size_t i = 0; i < outlines.outer.size(); ++i) {
         const PixelPlace& from = outlines.inner[i];
         const PixelPlace way = outlines.outer[i] - from;
-        const double length = distance(from, outlines.outer[i]);
-        const double part = length > 1.0 ? 0.5 / length : 0.5;
+        const double width = widthAt(outlines, i);
+        const double by = 0.5 + 0.2 * std::clamp((width - 2.0) / 8.0, 0.0, 1.0);
+        const double part = width > 2.0 * by ? by / width : 0.5;
         core.push_back({from.x + way.x * part, from.y + way.y * part});
     }
     return core;
+}
+
+/// Most of what it winds round.
+bool windsPositively(const Outline& outline)
+{
+    double area = 0.0;
+    for (std::size_t i = 0; i < outline.size(); ++i) {
+        const PixelPlace& next = outline[i + 1 < outline.size() ? i + 1 : 0];
+        area += outline[i].x * next.y - next.x * outline[i].y;
+    }
+    return area < 0.0;
 }
 
 float linear(float value)
@@ -65,8 +91,9 @@ MxRect MaskOutlines::Bounds() const
     }
     if (!(left < right && top < bottom))
         return {};
-    return {int(std::floor(left)), int(std::floor(top)), int(std::ceil(right)),
-            int(std::ceil(bottom))};
+    // Less cover than that counts as none.
+    return {int(std::floor(left + rounding)), int(std::floor(top + rounding)),
+            int(std::ceil(right - rounding)), int(std::ceil(bottom - rounding))};
 }
 
 // SoftBand ---------------------------------------------------------------------------------------
@@ -79,7 +106,7 @@ SoftBand::SoftBand(const MaskOutlines& outlines, const MxRect& window) : window_
         return Corner{place.x - window.left, place.y - window.top, value};
     };
     const auto strength = [&](std::size_t i) {
-        const double width = distance(outlines.inner[i], outlines.outer[i]);
+        const double width = widthAt(outlines, i);
         return std::clamp((width - narrowest) / (wideEnough - narrowest), 0.0, 1.0);
     };
     for (std::size_t rung = 0; rung < count; ++rung) {
@@ -209,9 +236,9 @@ MaskRaster::MaskRaster(const MaskOutlines& outlines, FillRule rule, Falloff fall
                        const MxRect& window)
     : window_(window), covered_(Shared(window, outlines.Bounds())), falloff_(falloff),
       isSoft_(!outlines.outer.empty()), inner_(outlines.inner, rule, covered_),
-      core_(coreOf(outlines), rule, covered_), band_(outlines, covered_),
-      isClipped_(band_.IsFolded() || rule == FillRule::EvenOdd),
-      outer_(isClipped_ ? outlines.outer : Outline(), FillRule::NonZero, covered_)
+      core_(coreOf(outlines), rule, covered_), outer_(outlines.outer, FillRule::NonZero, covered_),
+      band_(outlines, covered_), isPlain_(rule == FillRule::NonZero && !band_.IsFolded() &&
+                                          band_.GrowsPositive() == windsPositively(outlines.inner))
 {
 }
 
@@ -241,37 +268,36 @@ void MaskRaster::Rows(int first, int last, float* to, std::ptrdiff_t stride,
         walk.Next(row(y) + left, RasterJoin::Replace);
 }
 
-/// A folded band is drawn first and cut at the outer outline; then come the inner one and the core.
-/// Else the core holds the inner outline, but for rows where that winds the wrong way round.
+/// Mostly the band lies around the core, which holds the inner outline. Where it folds, or the
+/// inner outline winds the other way round, the band is drawn first and cut at the outer outline:
+/// what lies within the inner one, or beyond both, is none of its.
 void MaskRaster::SoftRows(int first, int last, float* to, std::ptrdiff_t stride,
                           const RenderContext& context) const
 {
-    ShapeRaster::Walk inner(inner_, first);
-    ShapeRaster::Walk core(core_, first);
+    ShapeRaster::Walk plain(core_, first);
     ShapeRaster::Walk outer(outer_, first);
+    ShapeRaster::Walk core(core_, first);
+    ShapeRaster::Walk inner(inner_, first);
     SoftBand::Walk band(band_, first);
-    const auto addInner = [&](int row, float* at) {
-        inner.SkipTo(row);
-        inner.Next(at, RasterJoin::Maximum);
-    };
     for (int row = first; row < last && !context.IsCancelled();) {
         const int count = std::min(rowsTogether, last - row);
-        for (int i = 0; i < count; ++i) {
-            float* at = to + i * stride;
-            if (isClipped_) {
-                std::fill_n(at, covered_.Width(), 0.0f);
-                continue;
-            }
-            core.Next(at, RasterJoin::Replace);
-            if (band_.GrowsPositive() ? core.HasNegativeWinding() : core.HasPositiveWinding())
-                addInner(row + i, at);
+        bool isPlain = isPlain_;
+        plain.SkipTo(row);
+        for (int i = 0; i < count && isPlain; ++i) {
+            plain.Next(to + i * stride, RasterJoin::Replace);
+            isPlain =
+                !(band_.GrowsPositive() ? plain.HasNegativeWinding() : plain.HasPositiveWinding());
         }
+        for (int i = 0; i < count && !isPlain; ++i)
+            std::fill_n(to + i * stride, covered_.Width(), 0.0f);
         band.Raise(count, falloff_, to, stride);
-        for (int i = 0; i < count && isClipped_; ++i) {
-            float* at = to + i * stride;
-            outer.Next(at, RasterJoin::Minimum);
-            core.Next(at, RasterJoin::Maximum);
-            addInner(row + i, at);
+        outer.SkipTo(row);
+        core.SkipTo(row);
+        inner.SkipTo(row);
+        for (int i = 0; i < count && !isPlain; ++i) {
+            outer.Next(to + i * stride, RasterJoin::Minimum);
+            core.Next(to + i * stride, RasterJoin::Maximum);
+            inner.Next(to + i * stride, RasterJoin::Maximum);
         }
         row += count;
         to += count * stride;

@@ -96,10 +96,10 @@ private:
     Falloff falloff_;
     bool isSoft_;
     ShapeRaster inner_;
-    ShapeRaster core_; // half a pixel further out
-    SoftBand band_;
-    bool isClipped_; // the band, at the outer outline
+    ShapeRaster core_; // a little further out
     ShapeRaster outer_;
+    SoftBand band_;
+    bool isPlain_; // the band lies outside the inner outline and within the outer one, as it should
 };
 
 } // namespace Marlox

@@ -119,8 +119,9 @@ struct Positions {
     void Add(double begin, double length, double pieces, double places)
     {
         const int most = mostOfSegment;
-        const int count = int(std::clamp(std::ceil(pieces), 1.0, double(most)));
-        const int each = int(std::clamp(std::ceil(places / count), 1.0, double(most / count)));
+        const int count = pieces > 1.0 ? int(std::min(std::ceil(pieces), double(most))) : 1;
+        const int each =
+            places > count ? int(std::min(std::ceil(places / count), double(most / count))) : 1;
         for (int i = 0; i < count * each; ++i) {
             if (i % each == 0)
                 rungs.push_back(u32(all.size()));

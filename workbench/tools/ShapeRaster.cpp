@@ -12,7 +12,7 @@ namespace {
 
 constexpr double closeToWhole = 1e-6;    // coverage that differs less from 0 or 1 is that
 constexpr double closeHeight = 1e-9;     // rows
-constexpr std::size_t mostExact = 48;    // lines at one spot of a row
+constexpr double exactWork = 250'000.0;  // pairs of lines looked at in one group of a row
 constexpr std::size_t fewSorted = 32;    // below it sorting by insertion is quicker
 constexpr double sampleWork = 100'000.0; // crossings in a row that is sampled
 constexpr int mostSamples = 32;
@@ -276,30 +276,62 @@ void ShapeRaster::Walk::Next(float* to, RasterJoin join)
     ++row_;
 }
 
+/// Whether pairs of lines in the slabs between ends of lines would be too many to look at.
+bool ShapeRaster::Walk::IsTooMuch(std::span<const Piece> pieces)
+{
+    if (double(pieces.size()) * double(pieces.size()) * 2.0 * double(pieces.size()) < exactWork)
+        return false;
+    std::vector<std::pair<double, int>> ends;
+    for (const Piece& piece : pieces) {
+        ends.emplace_back(piece.y0, 1);
+        ends.emplace_back(piece.y1, -1);
+    }
+    std::sort(ends.begin(), ends.end());
+    double work = 0.0;
+    double lines = 0.0;
+    for (const auto& [y, change] : ends) {
+        lines += change;
+        work += lines * lines;
+    }
+    return work > exactWork;
+}
+
 /// Lines that may cross: the row is cut into slabs without an end of a line in them.
 void ShapeRaster::Walk::FillCrossing(std::span<const Piece> pieces, int winding)
 {
-    if (pieces.size() > mostExact)
+    if (IsTooMuch(pieces))
         return FillSampled(pieces, winding);
     levels_.clear();
-    for (const Piece& piece : pieces)
+    waiting_.clear();
+    for (const Piece& piece : pieces) {
         levels_.insert(levels_.end(), {piece.y0, piece.y1});
+        waiting_.push_back(&piece);
+    }
     std::sort(levels_.begin(), levels_.end());
+    std::sort(waiting_.begin(), waiting_.end(), [](const Piece* a, const Piece* b) {
+        return a->y0 != b->y0 ? a->y0 < b->y0 : a->edge < b->edge;
+    });
+    slab_.clear();
+    std::size_t next = 0;
     for (std::size_t i = 1; i < levels_.size(); ++i) {
-        if (levels_[i] > levels_[i - 1])
-            FillSlab(pieces, winding, levels_[i - 1], levels_[i]);
+        const double top = levels_[i - 1];
+        if (!(levels_[i] > top))
+            continue;
+        std::erase_if(slab_, [top](const Piece* piece) { return piece->y1 <= top; });
+        for (; next < waiting_.size() && waiting_[next]->y0 <= top; ++next) {
+            if (waiting_[next]->y1 > top)
+                slab_.push_back(waiting_[next]);
+        }
+        FillSlab(winding, top, levels_[i]);
     }
 }
 
 /// The slab is cut where lines cross; between the cuts their order holds.
-void ShapeRaster::Walk::FillSlab(std::span<const Piece> pieces, int winding, double top,
-                                 double bottom)
+void ShapeRaster::Walk::FillSlab(int winding, double top, double bottom)
 {
     across_.clear();
-    for (const Piece& piece : pieces) {
-        if (piece.y0 <= top && piece.y1 >= bottom)
-            across_.push_back({piece.At(top), piece.At(bottom), piece.direction});
-    }
+    for (const Piece* piece : slab_)
+        across_.push_back({piece->At(top), piece->At(bottom), piece->direction});
     splits_.assign({0.0, 1.0});
     for (std::size_t i = 0; i < across_.size(); ++i) {
         for (std::size_t j = i + 1; j < across_.size(); ++j) {

@@ -39,9 +39,9 @@ std::vector<u32> OrderByRow(const std::vector<Item>& items, int rows, Top top)
 enum class RasterJoin { Replace, Maximum, Minimum };
 
 /// How much of each pixel an outline covers, 0 to 1: the exact area, also where the outline crosses
-/// or overlaps itself. (Only where more than 48 of its lines meet in one row of pixels, at one
-/// spot, the area is sampled along up to 32 lines of the row.) The values depend neither on where
-/// the outline begins nor, but for rounding, on its direction.
+/// or overlaps itself. (Only where hundreds of its lines lie side by side or across each other in
+/// one row of pixels, the area is sampled along up to 32 lines of the row.) The values depend
+/// neither on where the outline begins nor, but for rounding, on its direction.
 class ShapeRaster {
 public:
     /// `window` is the rectangle of pixels that will be asked for.
@@ -118,7 +118,8 @@ private:
     void Note(int winding);
     int Cross(int winding, const Across& line, double x0, double x1, double height);
     void FillCrossing(std::span<const Piece> pieces, int winding);
-    void FillSlab(std::span<const Piece> pieces, int winding, double top, double bottom);
+    void FillSlab(int winding, double top, double bottom);
+    bool IsTooMuch(std::span<const Piece> pieces);
     void FillSampled(std::span<const Piece> pieces, int winding);
 
     const ShapeRaster& raster_;
@@ -131,6 +132,8 @@ private:
     std::vector<double> levels_;
     std::vector<double> splits_;
     std::vector<Across> across_;
+    std::vector<const Piece*> waiting_; // of a group, by where they begin
+    std::vector<const Piece*> slab_;    // that reach through it
     RowCoverage coverage_;
 };
 
