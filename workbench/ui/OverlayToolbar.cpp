@@ -51,8 +51,7 @@ OverlayToolbar::OverlayToolbar(OverlayStage& stage, QWidget* parent)
     setObjectName("overlaytoolbar");
     setAccessibleName(tr("Buttons of the overlay"));
     setIconSize(QSize(iconPixels, iconPixels));
-    setContentsMargins(4, 0, 4, 0); // in line with the strip above
-    layout()->setSpacing(0);        // the buttons of a shape are many
+    layout()->setSpacing(0); // the buttons of a shape are many
     setMovable(false);
     refresh_.setSingleShot(true);
     connect(&refresh_, &QTimer::timeout, this, &OverlayToolbar::Refresh);
