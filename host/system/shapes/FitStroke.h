@@ -31,6 +31,7 @@ struct FitPlace {
 /// A stroke made ready: scaled, samples that lie close together replaced by their mean, closed, and
 /// its corners found. Part of the fitting; of no use elsewhere.
 struct FitStroke {
+    FitStroke() = default;
     /// `spacing`: samples that are closer along the stroke are joined; 0: none are.
     FitStroke(std::span<const StrokeSample> stroke, const FitOptions& options, double spacing);
 
@@ -51,6 +52,8 @@ private:
     double SparseTurn(int place, double least) const;
     int TipNear(int corner, double reach) const;
     void BeginAtCorner();
+    void BeginBetween(std::vector<double>& turns);
+    void Rotate(int begin);
 };
 
 /// The direction of the stroke at a place, from the places within `reach` of it along the stroke

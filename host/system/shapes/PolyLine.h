@@ -14,7 +14,7 @@
 namespace Marlox {
 
 /// A cubic Bezier segment of a curve: ends and control points, normalised image coordinates.
-struct CurveSegment {
+struct MARLOXSYSTEM_EXPORT CurveSegment {
     ShapePlace from;
     ShapePlace control1;
     ShapePlace control2;

@@ -9,9 +9,9 @@ namespace {
 
 constexpr double flatness = 0.1; // of the lines that a segment is made of, view pixels
 constexpr double thinness = 0.3; // how far places that are left out may lie from the line
-constexpr double farthest = 1e12;
+constexpr double farthest = 1e14;
 constexpr double mostSteps = 32.0; // before a segment is halved and its outer parts are left out
-constexpr int deepest = 40;
+constexpr int deepest = 50;
 
 double Cross(ShapePlace a, ShapePlace b)
 {
