@@ -300,6 +300,19 @@ private slots:
             for (std::size_t i = 0; i < plane.values.size(); ++i)
                 QVERIFY(plane.values[i] >= hard.values[i] - 1e-5f);
         }
+        // A hole has the hard edge that it has without an outer outline.
+        const auto star = [](double radius) {
+            Outline outline;
+            for (const double angle : {-0.5, 0.3, 1.1, -0.1, 0.7})
+                outline.push_back({40.2 + radius * std::cos(angle * std::numbers::pi),
+                                   30.4 + radius * std::sin(angle * std::numbers::pi)});
+            return outline;
+        };
+        const MxRect middle{33, 23, 48, 38};
+        const Plane hole = drawn(star(28), FillRule::EvenOdd, middle);
+        QVERIFY(hole.Total() > 5.0 && hole.Total() < 100.0);
+        QVERIFY(largestDifference(drawn(soft(star(28), star(44)), FillRule::EvenOdd, middle),
+                                  hole) < 1e-5);
         QVERIFY(
             largestDifference(drawn(soft(circle(40, 20), circle(40, 10)), FillRule::NonZero, in),
                               drawn(circle(40, 20), FillRule::NonZero, in)) < 1e-5);

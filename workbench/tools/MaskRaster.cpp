@@ -237,8 +237,10 @@ MaskRaster::MaskRaster(const MaskOutlines& outlines, FillRule rule, Falloff fall
     : window_(window), covered_(Shared(window, outlines.Bounds())), falloff_(falloff),
       isSoft_(!outlines.outer.empty()), inner_(outlines.inner, rule, covered_),
       core_(coreOf(outlines), rule, covered_), outer_(outlines.outer, FillRule::NonZero, covered_),
-      band_(outlines, covered_), isPlain_(rule == FillRule::NonZero && !band_.IsFolded() &&
-                                          band_.GrowsPositive() == windsPositively(outlines.inner))
+      filled_(rule == FillRule::EvenOdd ? outlines.inner : Outline(), FillRule::NonZero, covered_),
+      band_(outlines, covered_), rule_(rule),
+      isPlain_(rule == FillRule::NonZero && !band_.IsFolded() &&
+               band_.GrowsPositive() == windsPositively(outlines.inner))
 {
 }
 
@@ -278,6 +280,7 @@ void MaskRaster::SoftRows(int first, int last, float* to, std::ptrdiff_t stride,
     ShapeRaster::Walk outer(outer_, first);
     ShapeRaster::Walk core(core_, first);
     ShapeRaster::Walk inner(inner_, first);
+    ShapeRaster::Walk filled(filled_, first);
     SoftBand::Walk band(band_, first);
     for (int row = first; row < last && !context.IsCancelled();) {
         const int count = std::min(rowsTogether, last - row);
@@ -294,8 +297,11 @@ void MaskRaster::SoftRows(int first, int last, float* to, std::ptrdiff_t stride,
         outer.SkipTo(row);
         core.SkipTo(row);
         inner.SkipTo(row);
+        filled.SkipTo(row);
         for (int i = 0; i < count && !isPlain; ++i) {
             outer.Next(to + i * stride, RasterJoin::Minimum);
+            if (rule_ == FillRule::EvenOdd)
+                filled.Next(to + i * stride, RasterJoin::Clear);
             core.Next(to + i * stride, RasterJoin::Maximum);
             inner.Next(to + i * stride, RasterJoin::Maximum);
         }

@@ -78,7 +78,8 @@ private:
 
 /// The values of a mask, 0 to 1. A hard edge is exact to the area. Of a soft one all inside the
 /// inner outline is 1, all outside the outer one 0 (unless it is inside the inner), and the band
-/// between fades; as the two come together it becomes the hard edge. Thread-safe.
+/// between fades; as the two come together it becomes the hard edge. Holes that the even-odd rule
+/// leaves within the inner outline have hard edges. Thread-safe.
 class MaskRaster {
 public:
     MaskRaster(const MaskOutlines& outlines, FillRule rule, Falloff falloff, const MxRect& window);
@@ -98,7 +99,9 @@ private:
     ShapeRaster inner_;
     ShapeRaster core_; // a little further out
     ShapeRaster outer_;
+    ShapeRaster filled_; // all that the inner outline winds round
     SoftBand band_;
+    FillRule rule_;
     bool isPlain_; // the band lies outside the inner outline and within the outer one, as it should
 };
 

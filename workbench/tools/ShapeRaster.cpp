@@ -36,8 +36,10 @@ float smaller(float a, float b)
 
 void joinSpan(float* from, float* to, float value, RasterJoin join)
 {
-    if (join == RasterJoin::Replace || (join == RasterJoin::Maximum && value == 1.0f) ||
-        (join == RasterJoin::Minimum && value == 0.0f))
+    if (join == RasterJoin::Clear)
+        std::fill(from, value == 1.0f ? to : from, 0.0f);
+    else if (join == RasterJoin::Replace || (join == RasterJoin::Maximum && value == 1.0f) ||
+             (join == RasterJoin::Minimum && value == 0.0f))
         std::fill(from, to, value);
     else if (join == RasterJoin::Maximum && value > 0.0f)
         joinSpan(from, to, value, larger);

@@ -35,8 +35,8 @@ std::vector<u32> OrderByRow(const std::vector<Item>& items, int rows, Top top)
     return order;
 }
 
-/// How what is rasterised joins what the row holds.
-enum class RasterJoin { Replace, Maximum, Minimum };
+/// How what is rasterised joins what the row holds. Clear: 0 where it covers all of the pixel.
+enum class RasterJoin { Replace, Maximum, Minimum, Clear };
 
 /// How much of each pixel an outline covers, 0 to 1: the exact area, also where the outline crosses
 /// or overlaps itself. (Only where hundreds of its lines lie side by side or across each other in
