@@ -91,6 +91,8 @@ PixelPlace placeOn(const Curve& curve, double position)
 /// step.
 double piecesOf(const CurveSegment& segment, double off)
 {
+    if (segment.IsStraight())
+        return 1.0;
     const auto bend = [](const PixelPlace& a, const PixelPlace& b, const PixelPlace& c) {
         return std::hypot(a.x - 2.0 * b.x + c.x, a.y - 2.0 * b.y + c.y);
     };
