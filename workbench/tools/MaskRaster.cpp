@@ -11,10 +11,10 @@ namespace {
 
 constexpr int rowsTogether = 32;   // stay in the processor's cache
 constexpr double narrowest = 0.75; // pixels: edges below it are the antialiasing's alone,
-constexpr double overlap = 1e-6;   // pixels by which neighbours do so
-constexpr double rounding = 1e-6;  // pixels
-constexpr double leastArea = 1e-7;
 constexpr double wideEnough = 1.5; // and above it the band's
+constexpr double overlap = 1e-6;   // pixels by which triangles reach into their neighbours
+constexpr double leastArea = 1e-7; // of a triangle
+constexpr double rounding = 1e-6;  // pixels
 
 double distance(const PixelPlace& a, const PixelPlace& b)
 {
