@@ -31,6 +31,7 @@ private slots:
     void linesOfOneMarkCross();
     void allKindsAreDrawn();
     void marksReachIntoTheView();
+    void manyMarksLookLikeOneByOne();
     void nonsenseIsLeftOut();
     void stateStaysAsItWas();
 
@@ -170,6 +171,39 @@ void OverlayPainterTest::marksReachIntoTheView()
     });
     QCOMPARE(At(image, 1, 60), line);
     QCOMPARE(At(image, 1, 90), line);
+}
+
+/// Point sprites against quads: few marks at a time are these. Some lie across the view's edges or
+/// outside, and some on each other.
+void OverlayPainterTest::manyMarksLookLikeOneByOne()
+{
+    constexpr OverlayPoint diamond[] = {{-4, 0}, {0, -3}, {4, 1}, {0, 3}};
+    std::vector<OverlayPoint> places{{0, 50}, {2.5, 90}, {-3, 20}, {side, side}, {side + 3, 60}};
+    for (int i = 0; i < 100; ++i)
+        places.push_back({30.0 + i % 10 * 15.3, 20.0 + i / 10 * 16.7});
+    places.push_back(places.back());
+    for (const double unit : {1.0, 2.0}) {
+        for (const auto form : {OverlayPainter::Shape::Loop, OverlayPainter::Shape::Fill}) {
+            const QImage many = Drawn(
+                [&](OverlayPainter& painter) { painter.Marks(form, diamond, places, unit); }, unit);
+            const QImage few = Drawn(
+                [&](OverlayPainter& painter) {
+                    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+                        painter.Marks(form, diamond, std::span(places).subspan(i, 1), unit);
+                        painter.Flush();
+                    }
+                },
+                unit);
+            QVERIFY(many == few);
+            QVERIFY(At(many, 30, 23) != QColor(0, 0, 0, 0));
+        }
+    }
+    OverlayRecorder recorder;
+    recorder.Marks(OverlayPainter::Shape::Lines, std::span(diamond).first(2),
+                   std::span(places).first(2), 2.0);
+    QCOMPARE(QString::fromStdString(recorder.Text()),
+             QString("rgba(255 255 255 255) lines at (0, 50) x 2: (-4, 0) (0, -3)\n"
+                     "rgba(255 255 255 255) lines at (2.5, 90) x 2: (-4, 0) (0, -3)\n"));
 }
 
 void OverlayPainterTest::nonsenseIsLeftOut()

@@ -59,8 +59,9 @@ void PointGrid::Build(std::span<const ShapePlace> points)
         }
     }
     const int cells = std::clamp(int(std::sqrt(2.0 * double(points.size()))), 1, mostCellsOfAxis);
-    x_ = AxisFor(std::move(xs), cells);
-    y_ = AxisFor(std::move(ys), cells);
+    // Cells of one row lie together in memory: few rows, many columns.
+    x_ = AxisFor(std::move(xs), 2 * cells);
+    y_ = AxisFor(std::move(ys), cells / 2 + 1);
     // Sorted by counting, which keeps the points of a cell in their order.
     starts_.assign(std::size_t(x_.cells) * std::size_t(y_.cells) + 2, 0);
     std::vector<u32> cellOf(points.size());
