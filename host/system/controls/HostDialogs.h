@@ -44,11 +44,13 @@ public:
         /// "Polyline Files (*.dfmo)|*.dfmo||": pairs of a description and its patterns, which
         /// semicolons separate. Empty: all files.
         QString filter;
-        /// With its dot (".dfmo"); for saving: see WithDefaultExtension.
+        /// With its dot (".dfmo"); for saving: see WithDefaultExtension. Empty: that of the filter
+        /// chosen.
         QString defaultExtension{};
         /// Keeps the folder of the last file chosen under this name; empty: none is kept.
         QString pathId{};
         QString fileName{}; // the name proposed; with a path it names the folder as well
+        int* filterChosen = nullptr; // for saving: gets the place of the filter chosen, from 0
     };
     struct ColorRequest {
         QString title;

@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QVBoxLayout>
 
 namespace Marlox {
@@ -114,6 +115,13 @@ void prepare(QFileDialog& dialog, const HostDialogs::FileRequest& request)
     dialog.selectFile(proposed.fileName());
 }
 
+/// Of the first pattern of a filter ("Polyline Files (*.dfmo)"); empty: it is of any.
+QString extensionOf(const QString& filter)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\*(\\.\\w+)[^()]*\\)$"));
+    return pattern.match(filter).captured(1);
+}
+
 QString run(QFileDialog& dialog, const HostDialogs::FileRequest& request)
 {
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
@@ -206,10 +214,18 @@ QString QtHostDialogs::SaveFile(const FileRequest& request)
                        request.title.isEmpty() ? words("Save As") : request.title);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    // The dialog's own suffix follows the same rule; with it, it asks about the right file.
-    dialog.setDefaultSuffix(request.defaultExtension);
     prepare(dialog, request);
-    return WithDefaultExtension(run(dialog, request), request.defaultExtension);
+    const auto extension = [&request](const QString& filter) {
+        return request.defaultExtension.isEmpty() ? extensionOf(filter) : request.defaultExtension;
+    };
+    // The dialog's own suffix follows the same rule; with it, it asks about the right file.
+    dialog.setDefaultSuffix(extension(dialog.selectedNameFilter()));
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
+                     [&](const QString& filter) { dialog.setDefaultSuffix(extension(filter)); });
+    const QString path = run(dialog, request);
+    if (request.filterChosen)
+        *request.filterChosen = dialog.nameFilters().indexOf(dialog.selectedNameFilter());
+    return WithDefaultExtension(path, extension(dialog.selectedNameFilter()));
 }
 
 std::optional<MxColor> QtHostDialogs::ChooseColor(const ColorRequest& request)

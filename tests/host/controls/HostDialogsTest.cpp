@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -193,6 +194,24 @@ void HostDialogsTest::FilesAreSavedWithTheirExtension()
     QCOMPARE(save("walk"), folder.filePath("walk.dfmo"));
     QCOMPARE(save("walk.txt"), folder.filePath("walk.txt"));
     QCOMPARE(save({}), QString());
+
+    int chosen = -1; // of several filters the one chosen tells it
+    request.filter = "Shapes (*.dfsh)|*.dfsh|Nuke (*.nk)|*.nk;*.nuke|All|*.*||";
+    request.defaultExtension.clear();
+    request.filterChosen = &chosen;
+    const auto saveAs = [&](int filter) {
+        answerNext<QFileDialog>([filter](QFileDialog& dialog) {
+            auto* box = dialog.findChild<QComboBox*>("fileTypeCombo");
+            for (int i = 0; i < filter; ++i)
+                QTest::keyClick(box, Qt::Key_Down);
+            takeFile(dialog, "walk");
+        });
+        return HostDialogs::Get().SaveFile(request);
+    };
+    QCOMPARE(saveAs(0), folder.filePath("walk.dfsh"));
+    QCOMPARE(saveAs(1), folder.filePath("walk.nk"));
+    QCOMPARE(chosen, 1);
+    QCOMPARE(saveAs(2), folder.filePath("walk"));
 }
 
 void HostDialogsTest::FoldersAreKept()

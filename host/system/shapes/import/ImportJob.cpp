@@ -149,8 +149,10 @@ ImageFrame ImportJob::Image(double width, double height)
     if (!isTold || context_.overrideImageSize) {
         image.width = context_.width;
         image.height = context_.height;
-        if (!(image.width > 0.0) || !(image.height > 0.0))
+        if (!(image.width > 0.0) || !(image.height > 0.0)) {
+            result_.lacksImageSize = true;
             throw ImportFailure{0, "it tells no image size, and none was given", true};
+        }
         Assume(0,
                std::string(isTold ? "its own image size is not used" : "it tells no image size") +
                    ": taken as " + std::to_string(std::lround(image.width)) + " x " +

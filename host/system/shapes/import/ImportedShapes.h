@@ -79,6 +79,7 @@ struct ImportedShapes {
     std::vector<ImportNote> notes;
     /// Why nothing was taken; no shapes and no paths then.
     std::optional<ImportNote> error;
+    bool lacksImageSize = false; // and that is why: it can be told in the context
 
     /// A note or the error as a message: "roto.ssf, line 12: ...".
     MARLOXSYSTEM_EXPORT std::string Message(const ImportNote& note) const;
