@@ -85,7 +85,7 @@ void CreateTrackPoints(PolyLineControl& control);
 void ResetRotoAssist(PolyLineControl& control);
 void ResetTrackPattern(PolyLineControl& control);
 
-// Files (PolyCommandsFiles.cpp).
+// Files (PolyExport.cpp, PolyImport.cpp).
 void ExportFile(PolyLineControl& control);
 void ExportDxf(PolyLineControl& control);
 void ImportLightWave(PolyLineControl& control);

@@ -19,14 +19,5 @@ void ConvertToBSpline(PolyLineControl&) {}
 void ConvertPathToXY(PolyLineControl&) {}
 void CreateTrackPoints(PolyLineControl&) {}
 void ResetTrackPattern(PolyLineControl&) {}
-void ExportFile(PolyLineControl&) {}
-void ExportDxf(PolyLineControl&) {}
-void ImportLightWave(PolyLineControl&) {}
-void ImportMotionPath(PolyLineControl&) {}
-void ImportShape(PolyLineControl&) {}
-void ImportSsf(PolyLineControl&) {}
-void ImportFxs(PolyLineControl&) {}
-void ImportNuke(PolyLineControl&) {}
-void ImportBoujou(PolyLineControl&) {}
 
 } // namespace Marlox

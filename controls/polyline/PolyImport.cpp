@@ -1,0 +1,260 @@
+// Reading shapes and motions from files.
+
+#include "controls/polyline/PolyImport.h"
+
+#include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "system/controls/HostDialogs.h"
+#include "system/document/MarloxDoc.h"
+#include "system/shapes/import/ImportPolyLines.h"
+
+#include <QApplication>
+
+namespace Marlox {
+
+namespace {
+
+struct ImportKind {
+    const char* title;
+    const char* filter;
+    ShapeFileFormat format;
+    const char* undoText;
+};
+
+constexpr char motionText[] = "Import motion path";
+
+constexpr ImportKind lightWave{"Import LightWave MOT", "Polyline Files (*.mot)|*.mot||",
+                               ShapeFileFormat::LightWave, motionText};
+constexpr ImportKind motionPath{
+    "Import Motion Path",
+    "Polyline Files (*.mot)|*.mot|Polyline Files (*.txt)|*.txt|Polyline Files (*.dfmo)|*.dfmo||",
+    ShapeFileFormat::Any, motionText};
+constexpr ImportKind boujou{"Import Boujou Path", "Polyline Files (*.txt)|*.txt||",
+                            ShapeFileFormat::PathText, motionText};
+constexpr ImportKind ownShape{"Import Shape",
+                              "Polyline Files (*.dfsh)|*.dfsh|Polyline Files (*.dfmo)|*.dfmo||",
+                              ShapeFileFormat::Any, "Import shape"};
+constexpr ImportKind ssf{"Import SSF Shapes", "Polyline Files (*.ssf)|*.ssf||",
+                         ShapeFileFormat::Ssf, "Import ssf shape"};
+constexpr ImportKind fxs{"Import FXS Shapes", "Polyline Files (*.fxs)|*.fxs||",
+                         ShapeFileFormat::Fxs, "Import fxs shape"};
+constexpr ImportKind nuke{"Import Nuke Shapes", "Polyline Files (*.nuke;*.nk)|*.nuke;*.nk||",
+                          ShapeFileFormat::Nuke, "Import nuke shape"};
+
+void Warn(const QString& text)
+{
+    HostDialogs::Get().Message(HostDialogs::Kind::Warning, text);
+}
+
+ImportContext ContextOf(const PolyLineControl& control, double startFrame)
+{
+    ImportContext context;
+    if (const PreviewInfo* view = control.View(); view && view->pixelWidth > 0) {
+        context.width = view->pixelWidth;
+        context.height = view->pixelHeight;
+        context.pixelAspect = view->pixelAspect;
+    }
+    if (const MarloxDoc* document = control.GetDoc())
+        context.frameRate = document->FrameRate();
+    context.startFrame = startFrame;
+    return context;
+}
+
+bool Read(const QString& path, ShapeFileFormat format, const ImportContext& context,
+          ImportedShapes& file)
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool read = ImportPolyLines(path, format, context, file);
+    QApplication::restoreOverrideCursor();
+    return read;
+}
+
+/// False: cancelled.
+bool AskImageSize(ImportContext& context, const QString& title)
+{
+    constexpr double largest = 100'000.0;
+    const auto ask = [&title](const QString& label, double preset) {
+        return HostDialogs::Get().AskNumber({title, label, preset, 1.0, largest, true});
+    };
+    const auto width =
+        ask(QStringLiteral("The file counts in pixels. Width of its image (pixels):"), 1920.0);
+    const auto height =
+        width ? ask(QStringLiteral("Height of its image (pixels):"), 1080.0) : std::nullopt;
+    context.width = width.value_or(0.0);
+    context.height = height.value_or(0.0);
+    return height.has_value();
+}
+
+QStringList NotesOf(const ImportedShapes& file)
+{
+    QStringList notes;
+    for (const ImportNote& note : file.notes)
+        notes += QString::fromStdString(file.Message(note));
+    return notes;
+}
+
+/// Lets the user choose a file and reads the whole of it; nothing: cancelled, or the user has been
+/// told why not.
+std::optional<ImportedShapes> ReadChosen(const PolyLineControl& control, const ImportKind& kind,
+                                         double startFrame)
+{
+    HostDialogs::FileRequest request;
+    request.title = QLatin1String(kind.title);
+    request.filter = QLatin1String(kind.filter);
+    request.pathId = QStringLiteral("PolylineImport");
+    const QString path = HostDialogs::Get().OpenFile(request);
+    if (path.isEmpty())
+        return {};
+    ImportContext context = ContextOf(control, startFrame);
+    ImportedShapes file;
+    bool read = Read(path, kind.format, context, file);
+    if (!read && file.lacksImageSize) {
+        if (!AskImageSize(context, request.title))
+            return {};
+        read = Read(path, kind.format, context, file);
+    }
+    if (read)
+        return file;
+    HostDialogs::Get().Message(HostDialogs::Kind::Error,
+                               QString::fromStdString(file.Message(*file.error)),
+                               NotesOf(file).join(u'\n'));
+    return {};
+}
+
+double FirstFrame(const PolyLineControl& control)
+{
+    const MarloxDoc* document = control.GetDoc();
+    return document ? document->FirstFrame() : 0.0;
+}
+
+/// What follows an import that was made.
+void Finish(PolyLineControl& control, const ImportedShapes& file, const QStringList& remarks)
+{
+    control.SetMode(PolyLineControl::ModeAfterClose());
+    const QStringList told = NotesOf(file) + remarks;
+    if (!told.isEmpty())
+        HostDialogs::Get().Message(HostDialogs::Kind::Information,
+                                   QStringLiteral("%1 was imported, with these notes:")
+                                       .arg(QString::fromStdString(file.file)),
+                                   told.join(u'\n'));
+}
+
+// Shapes -----------------------------------------------------------------------------------------
+
+std::optional<ImportShapeChoice> ChooseShapes(const ImportedShapes& file)
+{
+    if (file.shapes.size() == 1)
+        return ImportShapeChoice{0, false};
+    QStringList names;
+    for (const ImportedShape& shape : file.shapes)
+        names += QString::fromStdString(shape.name);
+    ImportShapeDlg dialog(int(names.size()), names);
+    if (dialog.exec() != QDialog::Accepted)
+        return {};
+    return dialog.Choice();
+}
+
+void ImportShapes(PolyLineControl& control, const ImportKind& kind, double startFrame)
+{
+    const auto alive = Ref<PolyLineControl>::Share(&control);
+    std::optional<ImportedShapes> file = ReadChosen(control, kind, startFrame);
+    if (!file)
+        return;
+    if (file->shapes.empty()) {
+        Warn(QStringLiteral("%1 holds no shape.").arg(QString::fromStdString(file->file)));
+        return;
+    }
+    const std::optional<ImportShapeChoice> choice = ChooseShapes(*file);
+    if (!choice || (!choice->shape && !choice->all))
+        return;
+    QString problem;
+    QStringList remarks;
+    if (PlaceShapes(control, *file, *choice, kind.undoText, problem, remarks))
+        Finish(control, *file, remarks);
+    else
+        Warn(problem);
+}
+
+// Motions ----------------------------------------------------------------------------------------
+
+/// Null: cancelled.
+const ImportedPath* ChoosePath(const ImportedShapes& file, const QString& title)
+{
+    if (file.paths.size() == 1)
+        return &file.paths.front();
+    constexpr std::size_t mostNames = 12;
+    QStringList names;
+    for (std::size_t i = 0; i < std::min(file.paths.size(), mostNames); ++i)
+        names += QStringLiteral("%1 %2").arg(i + 1).arg(QString::fromStdString(file.paths[i].name));
+    if (file.paths.size() > mostNames)
+        names += QStringLiteral("…");
+    HostDialogs::NumberRequest request;
+    request.title = title;
+    request.label = QStringLiteral("%1 holds %2 paths (%3). Number of the one to import:")
+                        .arg(QString::fromStdString(file.file))
+                        .arg(file.paths.size())
+                        .arg(names.join(QStringLiteral(", ")));
+    request.preset = request.minimum = 1.0;
+    request.maximum = double(file.paths.size());
+    request.integer = true;
+    const auto number = HostDialogs::Get().AskNumber(request);
+    return number ? &file.paths[std::size_t(*number) - 1] : nullptr;
+}
+
+void ImportMotion(PolyLineControl& control, const ImportKind& kind)
+{
+    const auto alive = Ref<PolyLineControl>::Share(&control);
+    const std::optional<ImportedShapes> file = ReadChosen(control, kind, FirstFrame(control));
+    if (!file)
+        return;
+    if (file->paths.empty()) {
+        Warn(QStringLiteral("%1 holds no motion path.").arg(QString::fromStdString(file->file)));
+        return;
+    }
+    const ImportedPath* path = ChoosePath(*file, QLatin1String(kind.title));
+    QString problem;
+    if (path && PlaceMotion(control, *path, kind.undoText, problem))
+        Finish(control, *file, {});
+    else if (path)
+        Warn(problem);
+}
+
+} // namespace
+
+void ImportLightWave(PolyLineControl& control)
+{
+    ImportMotion(control, lightWave);
+}
+
+void ImportMotionPath(PolyLineControl& control)
+{
+    ImportMotion(control, motionPath);
+}
+
+void ImportBoujou(PolyLineControl& control)
+{
+    ImportMotion(control, boujou);
+}
+
+void ImportShape(PolyLineControl& control)
+{
+    // The file tells no time: it is as if the shape were drawn now.
+    ImportShapes(control, ownShape, control.CurrentTime());
+}
+
+void ImportSsf(PolyLineControl& control)
+{
+    ImportShapes(control, ssf, FirstFrame(control));
+}
+
+void ImportFxs(PolyLineControl& control)
+{
+    ImportShapes(control, fxs, FirstFrame(control));
+}
+
+void ImportNuke(PolyLineControl& control)
+{
+    ImportShapes(control, nuke, FirstFrame(control));
+}
+
+} // namespace Marlox
