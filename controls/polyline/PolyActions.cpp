@@ -5,6 +5,7 @@
 #include "controls/polyline/PolyCommands.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/shapes/BSplinePolyLine.h"
+#include "system/shapes/PathModifier.h"
 
 #include <algorithm>
 #include <vector>
@@ -33,6 +34,10 @@ bool HasSelection(const C& c)
 bool HasSelectionInMode(const C& c)
 {
     return HasSelection(c) && c.Mode() != PolyDrawMode::Done;
+}
+bool CanEditPoint(const C& c)
+{
+    return HasSelectionInMode(c) || (c.IsPointEditorOpen() && c.Mode() != PolyDrawMode::Done);
 }
 bool CanDraw(const C& c)
 {
@@ -64,10 +69,11 @@ bool IsKind(const C& c)
 {
     return HasPoints(c) && c.Editor().Active()->GetDataType() == MxID(dataType);
 }
+template <std::size_t keys>
 bool IsKeyed(const C& c)
 {
     const Input* input = c.ShapeInput(c.Editor().ActivePolygon());
-    return HasPoints(c) && input && input->GetAnimation().Keys().size() > 2;
+    return HasPoints(c) && input && input->GetAnimation().Keys().size() >= keys;
 }
 bool CanPublish(const C& c)
 {
@@ -80,7 +86,8 @@ bool HasPublishedSelection(const C& c)
 }
 bool IsPathInput(const C& c)
 {
-    return Edits(c) && c.BoundInput(PLCID_Center);
+    return Edits(c) && (c.BoundInput(PLCID_Center) ||
+                        dynamic_cast<PathModifier*>(&c.ShapeInput(InnerPolygon)->Owner()));
 }
 bool IsListed(const C& c)
 {
@@ -228,15 +235,15 @@ constexpr PolyActionRow rows[] = {
     {A::LockPoints, "Lock Points", ToggleLocked, HasPoints, AllSelected<PPF_Locked>, "Lock",
      "Lock Points", "Lock", 0x20015},
     {A::LockPointPairs, "Lock Point Pairs", ToggleLockedPairs, IsMatched, AllSelected<PPF_Locked>},
-    {A::EditPoint, "Edit Point\tE", ToggleEditPoint, HasSelectionInMode},
+    {A::EditPoint, "Edit Point\tE", ToggleEditPoint, CanEditPoint},
     {A::Linear, "Linear\tShift+L", LinearSelected, HasPoints, nullptr, "Linear",
      "Linear  (Shift+L)", "Linear", 0x20017},
     {A::Smooth, "Smooth\tShift+S", SmoothSelected, HasPoints, nullptr, "Smooth", "Smooth (Shift+S)",
      "Smooth", 0x20016},
     {A::SmoothPointsDefault, "Default", SmoothPointsDefault, HasPoints},
     {A::SmoothPointsDialog, "Dialog…", SmoothPointsDialog, HasPoints},
-    {A::SmoothAnimation, "Smooth Animation", SmoothAnimation, IsKeyed},
-    {A::EaseInOut, "Ease In / Out…", EaseInOut, HasPoints},
+    {A::SmoothAnimation, "Smooth Animation", SmoothAnimation, IsKeyed<3>},
+    {A::EaseInOut, "Ease In / Out…", EaseInOut, IsKeyed<2>},
     {A::FlipPoints, nullptr, FlipPoints, HasPoints},
     {A::TagPoints, nullptr, TagSelected, HasSelectionInMode},
     {A::CutPoints, nullptr, CutPoints, HasSelectionInMode},
@@ -267,7 +274,7 @@ constexpr PolyActionRow rows[] = {
     {A::Subdivide, "Subdivide…", SubdivideShape, HasPoints},
     {A::ReducePoints, "Reduce Points…", ReducePoints, HasPoints, nullptr, "Reduce", "Reduce Points",
      "ReducePoints", 0x2001e},
-    {A::AveragePoints, nullptr, AveragePoints, HasSelection},
+    {A::AveragePoints, "Average", AveragePoints, HasSelection},
 
     // Look.
     {A::StyleSolid, "Solid", SetStyle<PolyDrawStyle::Solid>, nullptr,

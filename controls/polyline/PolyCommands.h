@@ -36,19 +36,21 @@ void PastePointsWithOffset(PolyLineControl& control);
 
 // Forms of shapes (PolyCommandsForms.cpp).
 void ToggleEditPoint(PolyLineControl& control); // the "Point Editor"
+void CreateEllipse(PolyLineControl& control);
+void CreateRectangle(PolyLineControl& control);
+void CreateSpiral(PolyLineControl& control);
+void ConvertToBezier(PolyLineControl& control);
+void ConvertToBSpline(PolyLineControl& control);
+void ConvertPathToXY(PolyLineControl& control);
+
+// Points moved, more of them or fewer (PolyCommandsAlter.cpp).
 void SmoothPointsDefault(PolyLineControl& control);
 void SmoothPointsDialog(PolyLineControl& control);
 void SmoothAnimation(PolyLineControl& control);
 void EaseInOut(PolyLineControl& control);
 void AveragePoints(PolyLineControl& control);
-void CreateEllipse(PolyLineControl& control);
-void CreateRectangle(PolyLineControl& control);
-void CreateSpiral(PolyLineControl& control);
 void SubdivideShape(PolyLineControl& control);
 void ReducePoints(PolyLineControl& control);
-void ConvertToBezier(PolyLineControl& control);
-void ConvertToBSpline(PolyLineControl& control);
-void ConvertPathToXY(PolyLineControl& control);
 
 // The double polygon (PolyCommandsDouble.cpp).
 void MakeOuter(PolyLineControl& control);

@@ -1,4 +1,5 @@
 #include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/shapes/ShapePublish.h"
 
@@ -9,26 +10,6 @@ namespace Marlox {
 namespace {
 
 using Scope = PolyEditor::Scope;
-
-/// Changes the points that a command works on, in both polygons.
-bool ChangePoints(PolyLineControl& control, Scope scope, const char* text,
-                  const std::function<void(PolyLine& shape, const SelMask& mask)>& change)
-{
-    PolyEditor& editor = control.Editor();
-    if (!control.CanEdit())
-        return false;
-    const PolyNest nest(control, text);
-    PolyEditor::Masks masks;
-    for (int polygon = 0; polygon < PolygonCount; ++polygon)
-        masks[std::size_t(polygon)] = editor.CommandMask(polygon);
-    bool changed = false;
-    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-        const SelMask& mask = masks[std::size_t(polygon)];
-        if (mask.IsAnySet())
-            changed |= editor.Change(polygon, scope, [&](PolyLine& shape) { change(shape, mask); });
-    }
-    return changed;
-}
 
 /// Whether all selected points have the flag.
 bool AllHave(const PolyEditor& editor, u32 flag)

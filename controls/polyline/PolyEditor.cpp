@@ -123,6 +123,8 @@ bool PolyEditor::Notify(int polygon, const Ref<PolyLine>& shape)
 void PolyEditor::Adopt(int polygon, const Ref<PolyLine>& shape)
 {
     const auto at = std::size_t(polygon);
+    if (keptMasks_[at]) // a preview of what is no more
+        Preview(polygon, {});
     Remember(polygon);
     const Ref<PolyLine> before = std::exchange(shapes_[at], shape);
     indices_[at].reset();
@@ -193,8 +195,15 @@ const ViewStrips& PolyEditor::CurveOf(int polygon, const PolyView& view) const
 
 void PolyEditor::Preview(int polygon, const Ref<PolyLine>& shape)
 {
-    previews_[std::size_t(polygon)] = shape;
-    indices_[std::size_t(polygon)].reset();
+    const auto at = std::size_t(polygon);
+    if (const std::optional<SelMask> kept = std::exchange(keptMasks_[at], {}))
+        masks_[at] = *kept;
+    if (shape && shapes_[at] && shape->GetCount() != masks_[at].Count()) {
+        keptMasks_[at] = masks_[at];
+        masks_[at] = Carried(masks_[at], *shapes_[at], *shape);
+    }
+    previews_[at] = shape;
+    indices_[at].reset();
     control_.UpdateDisplay(nullptr, nullptr);
 }
 

@@ -1,22 +1,20 @@
 #include "controls/polyline/PolyKeyListDlg.h"
 
+#include "controls/polyline/DialogPlace.h"
 #include "controls/polyline/PolyKeyModel.h"
 #include "controls/polyline/PolyPreferences.h"
 #include "system/document/MarloxDoc.h"
-#include "system/document/Preferences.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/TimeCodeEdit.h"
 
 #include <algorithm>
 
 #include <QComboBox>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
-#include <QScreen>
 #include <QStyledItemDelegate>
 #include <QTreeView>
 
@@ -358,25 +356,12 @@ void PolyKeyListDlg::hideEvent(QHideEvent* event)
 
 void PolyKeyListDlg::SavePlace() const
 {
-    Preferences::Global().Set(PREF_PolyKeyListDlgLeft, x());
-    Preferences::Global().Set(PREF_PolyKeyListDlgTop, y());
+    SaveDialogPlace(*this, PREF_PolyKeyListDlgLeft, PREF_PolyKeyListDlgTop);
 }
 
 void PolyKeyListDlg::RestorePlace()
 {
-    const QVariant left = Preferences::Global().Get(PREF_PolyKeyListDlgLeft);
-    const QVariant top = Preferences::Global().Get(PREF_PolyKeyListDlgTop);
-    if (!left.isValid() || !top.isValid())
-        return;
-    // The screen it stood on may be gone, or smaller.
-    QPoint place(left.toInt(), top.toInt());
-    const QScreen* screen = QGuiApplication::screenAt(place);
-    if (!screen)
-        screen = QGuiApplication::primaryScreen();
-    const QRect room = screen->availableGeometry();
-    place.setX(std::clamp(place.x(), room.left(), std::max(room.left(), room.right() - width())));
-    place.setY(std::clamp(place.y(), room.top(), std::max(room.top(), room.bottom() - height())));
-    move(place);
+    RestoreDialogPlace(*this, PREF_PolyKeyListDlgLeft, PREF_PolyKeyListDlgTop);
 }
 
 } // namespace Marlox

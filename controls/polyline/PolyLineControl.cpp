@@ -2,6 +2,7 @@
 
 #include "controls/polyline/PolyDraw.h"
 #include "controls/polyline/PolyKeyListDlg.h"
+#include "controls/polyline/PolyPointDlg.h"
 #include "controls/polyline/PolyPreferences.h"
 #include "framework/ControlClass.h"
 #include "system/document/MarloxDoc.h"
@@ -62,6 +63,7 @@ PolyLineControl::PolyLineControl(const Registry* record, const ScriptVal& creato
 PolyLineControl::~PolyLineControl()
 {
     delete keyList_.data();
+    delete pointEditor_.data();
 }
 
 std::size_t PolyLineControl::SizeOf() const
@@ -284,6 +286,13 @@ void PolyLineControl::NotifyChanged(Input* input, Parameter* value, TagList* tag
 void PolyLineControl::UpdateDisplay(Input* input, TagList* tags)
 {
     PreviewControl::UpdateDisplay(input, tags);
+    if (pointEditor_)
+        pointEditor_->Follow();
+}
+
+bool PolyLineControl::IsPointEditorOpen() const
+{
+    return pointEditor_ && pointEditor_->isVisible();
 }
 
 bool PolyLineControl::WriteShape(int polygon, Input::State next)

@@ -12,6 +12,7 @@
 namespace Marlox {
 
 class PolyKeyListDlg;
+class PolyPointDlg;
 
 /// The viewer overlay in which roto shapes and paths are drawn and edited: points are appended by
 /// clicks or freehand, inserted, selected, moved, joined by handles; commands come from the context
@@ -84,7 +85,9 @@ public:
     const std::vector<PolyPoint>* PendingPoints() const { return pending_; }
     std::vector<PolyPoint>& ClickedPoints() { return clicked_; }
     void SelectionChanged();
-    PolyKeyListDlg* KeyList();          // made when first needed; null without PLC_Animated
+    PolyKeyListDlg* KeyList(); // made when first needed; null without PLC_Animated
+    QPointer<PolyPointDlg>& PointEditor() { return pointEditor_; }
+    bool IsPointEditorOpen() const;
     Input* BoundInput(u32 idTag) const; // by a PLCID_ tag; null: none
     double HoveredTime() const { return hoveredTime_; }
     void SetHoveredTime(double time);
@@ -127,6 +130,7 @@ private:
     bool hasFocused_ = false;                   // took the view's focus for drawing
     bool hasMode_ = false;                      // a draw mode was told, or chosen by the shape
     QPointer<PolyKeyListDlg> keyList_;          // owned
+    QPointer<PolyPointDlg> pointEditor_;        // owned
 };
 
 } // namespace Marlox

@@ -61,6 +61,7 @@ constexpr Node contextMenu[] = {
     "Smooth Points",
     A::SmoothPointsDefault,
     A::SmoothPointsDialog,
+    A::AveragePoints,
     End,
     A::SmoothAnimation,
     A::EaseInOut,

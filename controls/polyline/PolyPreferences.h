@@ -18,6 +18,10 @@ inline constexpr char PREF_DefOnionSkinStep[] = "Polyline.OnionSkin.Step";      
 inline constexpr char PREF_PolyKeyListDlgLeft[] = "Dialogs.PolyKeyList.Left";
 inline constexpr char PREF_PolyKeyListDlgTop[] = "Dialogs.PolyKeyList.Top";
 
+// And the point editor.
+inline constexpr char PREF_PolyPointDlgLeft[] = "Dialogs.PolyPoint.Left";
+inline constexpr char PREF_PolyPointDlgTop[] = "Dialogs.PolyPoint.Top";
+
 // The draw mode after a shape was closed: "InsertAndModify", or another text for Modify Only.
 inline constexpr char PREF_PolyAfterCloseMode[] = "Polyline.AfterCloseMode";
 // What files of shapes get: 1 writes the header of motion files and the markers of end points.

@@ -1,0 +1,330 @@
+// Regular forms, other kinds of curves.
+
+#include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyKeysChange.h"
+#include "controls/polyline/PolyLineControl.h"
+#include "controls/polyline/PolyPointDlg.h"
+#include "controls/polyline/PolyValuesDlg.h"
+#include "system/controls/HostDialogs.h"
+#include "system/document/MarloxDoc.h"
+#include "system/shapes/PathAnimation.h"
+#include "system/shapes/ShapePublish.h"
+
+#include <QApplication>
+
+namespace Marlox {
+
+namespace {
+
+using Values = PolyValuesDlg::Values;
+using Field = PolyValueField;
+
+constexpr double farthest = 1e6; // pixels
+constexpr double smallest = 0.01;
+constexpr double conversionError = 0.5; // pixels
+
+/// What a form is made in: the image as the view shows it.
+struct Frame {
+    ShapePlace pixels;
+    double tall; // height over width, as seen
+    ShapePlacement placement;
+
+    ShapePlace Middle() const { return {pixels.x / 2.0, pixels.y / 2.0}; }
+    ShapePlace At(double x, double y) const { return {x / pixels.x, y / pixels.y}; }
+};
+
+struct Form {
+    const char* title;
+    const char* undo;
+    const char* layout;
+    std::vector<Field> (*fields)(const Frame& frame);
+    void (*make)(PolyLine& shape, const Frame& frame, const Values& values);
+};
+
+Field NumberField(const char* name, const QString& label, const QString& help, double value,
+                  double minimum, double maximum)
+{
+    Field field{name, label, help};
+    field.value = value;
+    field.minimum = minimum;
+    field.maximum = maximum;
+    return field;
+}
+
+std::vector<Field> CenterFields(const Frame& frame)
+{
+    const ShapePlace middle = frame.Middle();
+    return {NumberField("X", QStringLiteral("Center:"),
+                        QStringLiteral("Center X, in pixels from the image's left edge."), middle.x,
+                        -farthest, farthest),
+            NumberField("Y", {}, QStringLiteral("Center Y, in pixels from the image's lower edge."),
+                        middle.y, -farthest, farthest)};
+}
+
+Field AngleField(const QString& label)
+{
+    return NumberField("Angle", label, QStringLiteral("Degrees, counter-clockwise."), 0.0, -36000.0,
+                       36000.0);
+}
+
+Field DirectionField()
+{
+    Field field{"Clockwise", QStringLiteral("Clockwise"),
+                QStringLiteral("The order of the points; counter-clockwise without it.")};
+    field.kind = Field::Check;
+    return field;
+}
+
+std::vector<Field> SizedFields(const Frame& frame, double width, double height)
+{
+    std::vector<Field> fields = CenterFields(frame);
+    fields.push_back(NumberField("Width", QStringLiteral("Size:"),
+                                 QStringLiteral("Width, in pixels of the image."), width, smallest,
+                                 farthest));
+    fields.push_back(NumberField("Height", {}, QStringLiteral("Height, in pixels of the image."),
+                                 height, smallest, farthest));
+    fields.push_back(AngleField(QStringLiteral("Angle:")));
+    fields.push_back(DirectionField());
+    return fields;
+}
+
+/// A circle, as seen.
+std::vector<Field> EllipseFields(const Frame& frame)
+{
+    return SizedFields(frame, frame.tall * frame.pixels.x / 2.0, frame.pixels.y / 2.0);
+}
+
+std::vector<Field> RectangleFields(const Frame& frame)
+{
+    return SizedFields(frame, frame.pixels.x / 2.0, frame.pixels.y / 2.0);
+}
+
+std::vector<Field> SpiralFields(const Frame& frame)
+{
+    constexpr double mostTurns = 1000.0;
+    constexpr int mostPoints = 360; // of a turn
+    std::vector<Field> fields = CenterFields(frame);
+    fields.push_back(NumberField("From", QStringLiteral("Radii:"),
+                                 QStringLiteral("Where it begins, in pixels from the center."), 0.0,
+                                 0.0, farthest));
+    fields.push_back(NumberField("To", {},
+                                 QStringLiteral("Where it ends, in pixels from the center."),
+                                 frame.tall * frame.pixels.x / 4.0, 0.0, farthest));
+    fields.push_back(NumberField("Turns", QStringLiteral("Turns:"),
+                                 QStringLiteral("How often it goes round."), 3.0, smallest,
+                                 mostTurns));
+    fields.push_back(NumberField("Points", QStringLiteral("Points per turn:"),
+                                 QStringLiteral("How many points one turn has."), 8.0, 3.0,
+                                 mostPoints));
+    fields.back().whole = true;
+    fields.push_back(AngleField(QStringLiteral("Begin at:")));
+    fields.push_back(DirectionField());
+    return fields;
+}
+
+// Values in the order of the fields above.
+
+void MakeEllipse(PolyLine& shape, const Frame& frame, const Values& v)
+{
+    shape.MakeEllipse(frame.At(v[0], v[1]), v[2] / frame.pixels.x, v[3] / frame.pixels.y, v[4],
+                      frame.tall, v[5] != 0.0);
+}
+
+void MakeRectangle(PolyLine& shape, const Frame& frame, const Values& v)
+{
+    shape.MakeRectangle(frame.At(v[0], v[1]), v[2] / frame.pixels.x, v[3] / frame.pixels.y, v[4],
+                        frame.tall, v[5] != 0.0);
+}
+
+void MakeSpiral(PolyLine& shape, const Frame& frame, const Values& v)
+{
+    shape.MakeSpiral(frame.At(v[0], v[1]), v[2] / frame.pixels.x, v[3] / frame.pixels.x, v[4], v[6],
+                     int(v[5]), frame.tall, v[7] != 0.0);
+}
+
+constexpr Form ellipse{"Create Ellipse", "Create ellipse", "Dialogs.CreateShape.Layout",
+                       EllipseFields, MakeEllipse};
+constexpr Form rectangle{"Create Rectangle", "Create rectangle", "Dialogs.CreateShape.Layout",
+                         RectangleFields, MakeRectangle};
+constexpr Form spiral{"Create Spiral", "Create spiral", "Dialogs.CreateSpiral.Layout", SpiralFields,
+                      MakeSpiral};
+
+/// From the image's coordinates to those that the tool's placement takes there.
+void Unplace(PolyLine& shape, const ShapePlacement& placement)
+{
+    for (int i = 0; i < shape.GetCount(); ++i) {
+        PolyPoint& point = *shape.GetPoint(i);
+        const ShapePlace at = placement.In(point.Place());
+        const ShapePlace in = placement.InVector({point.inX, point.inY});
+        const ShapePlace out = placement.InVector({point.outX, point.outY});
+        point.x = at.x;
+        point.y = at.y;
+        point.inX = in.x;
+        point.inY = in.y;
+        point.outX = out.x;
+        point.outY = out.y;
+    }
+}
+
+/// In place of the active polygon's points, with ids that none of them had.
+Ref<PolyLine> Made(const PolyLine& instead, const Form& form, const Frame& frame,
+                   const Values& values)
+{
+    const Ref<PolyLine> made = instead.CopyShape();
+    form.make(*made, frame, values);
+    Unplace(*made, frame.placement);
+    return made;
+}
+
+void Replace(PolyLineControl& control, const Form& form, const Frame& frame, const Values& values)
+{
+    PolyEditor& editor = control.Editor();
+    const int polygon = editor.ActivePolygon();
+    const PolyNest nest(control, form.undo);
+    const Ref<PolyLine> made = Made(*editor.Active(), form, frame, values);
+    const std::vector<PolyPoint> points(made->Points().begin(), made->Points().end());
+    const bool closed = made->IsClosed();
+    editor.Change(polygon, PolyEditor::Scope::Keys, [&](PolyLine& shape) {
+        shape.SetPoints(points);
+        if (closed)
+            shape.Close();
+        else
+            shape.Open();
+    });
+    if (Operator* const tool = control.GetOperator(nullptr))
+        RemoveUnusedPublishedInputs(*tool);
+}
+
+void Create(PolyLineControl& control, const Form& form)
+{
+    const auto alive = Ref<PolyLineControl>::Share(&control);
+    PolyEditor& editor = control.Editor();
+    if (!control.View() || !editor.Active())
+        return;
+    const PolyView view(*control.View(), control.Placement());
+    const Frame frame{view.PixelSize(), view.HeightsPerWidth(), view.Placement()};
+    if (!(frame.pixels.x > 0.0) || !(frame.pixels.y > 0.0))
+        return;
+    Values values;
+    {
+        PolyPreview preview(control);
+        const int polygon = editor.ActivePolygon();
+        const Ref<PolyLine> before = editor.Active()->CopyShape();
+        PolyValuesDlg dialog(QString::fromLatin1(form.title), form.layout, form.fields(frame),
+                             [&](const Values& now) {
+                                 const Ref<PolyLine> made = Made(*before, form, frame, now);
+                                 preview.Show(polygon, made);
+                                 return QStringLiteral("%1 points").arg(made->GetCount());
+                             });
+        if (dialog.exec() != QDialog::Accepted)
+            return;
+        values = dialog.GetValues();
+    }
+    if (!control.IsShapeFree(editor.ActivePolygon()) || !editor.Active())
+        return;
+    Replace(control, form, frame, values);
+    control.SetMode(PolyLineControl::ModeAfterClose());
+}
+
+// Conversions -------------------------------------------------------------------------------------
+
+/// The active polygon, and the other one if it is of the same kind.
+void Convert(PolyLineControl& control, const char* text, const KeysOperation& operation)
+{
+    const PolyLine* active = control.Editor().Active();
+    if (!active)
+        return;
+    const MxID kind = active->GetDataType();
+    std::vector<PolygonKeys> all = TakeKeys(control, TakePoints::All);
+    std::erase_if(all, [&](const PolygonKeys& keys) {
+        return control.Editor().Shape(keys.polygon)->GetDataType() != kind;
+    });
+    const std::vector<ShapeList> made = OperateOn(all, operation);
+    bool any = false;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        for (std::size_t k = 0; k < made[i].size(); ++k)
+            made[i][k]->SetEnabled(all[i].shapes[k]->IsEnabled());
+        any = any || !made[i].empty();
+    }
+    if (any)
+        WriteKeys(control, text, all, made);
+    else
+        HostDialogs::Get().Message(HostDialogs::Kind::Warning,
+                                   QStringLiteral("The shape can't be converted: it needs two "
+                                                  "points, and as many in all of its keys."));
+}
+
+/// The tool whose path moves the shape, or is the shape.
+Operator* PathOf(PolyLineControl& control)
+{
+    Operator* const own = control.GetOperator(nullptr);
+    if (dynamic_cast<PathModifier*>(own))
+        return own;
+    const Input* center = control.BoundInput(PLCID_Center);
+    if (!own || !own->GetDoc() || !center || !center->HasExpression())
+        return nullptr;
+    for (const Ref<Operator>& tool : own->GetDoc()->Tools()) {
+        if (dynamic_cast<PathModifier*>(tool.Get()) &&
+            center->GetExpression() == ExpressionFor(*tool, "Position"))
+            return tool.Get();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void CreateEllipse(PolyLineControl& control)
+{
+    Create(control, ellipse);
+}
+
+void CreateRectangle(PolyLineControl& control)
+{
+    Create(control, rectangle);
+}
+
+void CreateSpiral(PolyLineControl& control)
+{
+    Create(control, spiral);
+}
+
+void ConvertToBezier(PolyLineControl& control)
+{
+    Convert(control, "Convert to Bezier",
+            [](std::span<const Ref<PolyLine>> shapes, const SelMask&) { return ToBezier(shapes); });
+}
+
+void ConvertToBSpline(PolyLineControl& control)
+{
+    const ShapeError error{conversionError, ShapePixels(control)};
+    Convert(control, "Convert to B-Spline",
+            [&](std::span<const Ref<PolyLine>> shapes, const SelMask&) {
+                return ToBSpline(shapes, error);
+            });
+}
+
+void ConvertPathToXY(PolyLineControl& control)
+{
+    const auto alive = Ref<PolyLineControl>::Share(&control);
+    Operator* const path = PathOf(control);
+    if (!path || !ConvertToXYPath(*path))
+        HostDialogs::Get().Message(HostDialogs::Kind::Warning,
+                                   QStringLiteral("No point is moved by a path here."));
+}
+
+void ToggleEditPoint(PolyLineControl& control)
+{
+    QPointer<PolyPointDlg>& editor = control.PointEditor();
+    if (editor && editor->isVisible()) {
+        editor->close();
+        return;
+    }
+    if (!editor)
+        editor = new PolyPointDlg(control, QApplication::activeWindow());
+    editor->show();
+    editor->Follow();
+    editor->raise();
+    editor->activateWindow();
+}
+
+} // namespace Marlox
