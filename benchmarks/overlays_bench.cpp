@@ -2,47 +2,22 @@
 // finding what is under the pointer and drawing 500 of them, and what one step of a drag costs from
 // the mouse event to the repainted view, beside a repaint of the same view without any.
 
-#include "script/ScriptSystem.h"
-#include "system/base/HostClassIds.h"
-#include "system/document/MarloxDoc.h"
-#include "system/viewer/OverlayPainter.h"
-#include "system/viewer/OverlayStage.h"
+#include "BenchView.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <dlfcn.h>
 #include <vector>
-
-#include <benchmark/benchmark.h>
-
-#include <QApplication>
-#include <QMouseEvent>
-#include <QOpenGLWidget>
-#include <QSurfaceFormat>
-
-#include <GL/gl.h>
 
 using namespace Marlox;
 
 namespace {
 
-constexpr QSize viewSize(1280, 720);
 constexpr int many = 500;
 constexpr int columns = 25;
 constexpr u32 crosshairStyle = 0x10058000; // four of them, from 0
 constexpr u32 previousPoint = 0x80058000;  // id of the point that another is joined to
 
 int overlaysMade = 0; // for the next tool
-
-class NoProcess : public ToolProcess {
-public:
-    Ref<Image> Run(const Ref<Image>& upstream, RenderContext&, QString&) override
-    {
-        return upstream;
-    }
-};
 
 QPointF PlaceOf(int index)
 {
@@ -51,9 +26,9 @@ QPointF PlaceOf(int index)
 
 /// A tool with points all over the picture: every other one a crosshair, in turn of each style; the
 /// rest points, each fifth of them joined to the one before.
-class PointsTool : public Operator {
+class PointsTool : public IdleTool {
 public:
-    explicit PointsTool(const Registry* record) : Operator(record)
+    explicit PointsTool(const Registry* record) : IdleTool(record)
     {
         std::string before;
         for (int i = 0; i < overlaysMade; ++i) {
@@ -72,11 +47,6 @@ public:
             before = id;
         }
     }
-    std::size_t SizeOf() const override { return sizeof(*this); }
-    std::unique_ptr<ToolProcess> Prepare(double) const override
-    {
-        return std::make_unique<NoProcess>();
-    }
 };
 
 Object* MakeTool(const Registry* record, const ScriptVal&, const TagList&)
@@ -88,80 +58,21 @@ const TagPair toolTags[] = {
     {REG_Kind, int(ClassKind::Tool)}, {REG_Create, CreateFunction(MakeTool)}, {}};
 const Registry toolRecord("BenchPointsTool", toolTags);
 
-/// A shown view that draws its overlays over a plain ground.
-class View : public QOpenGLWidget {
+class View : public BenchView {
 public:
-    explicit View(int overlays) : stage(document)
+    explicit View(int overlays)
+        : BenchView((overlaysMade = overlays) > 0 ? "BenchPointsTool" : nullptr)
     {
-        overlaysMade = overlays;
-        tool = overlays > 0 ? document.AddTool("BenchPointsTool") : nullptr;
-        stage.SetOperator(tool);
-        PreviewInfo& info = stage.View();
-        info.imageWidth = info.pixelWidth = info.viewWidth = viewSize.width();
-        info.imageHeight = info.pixelHeight = info.viewHeight = viewSize.height();
-        connect(&stage, &OverlayStage::Changed, this, QOverload<>::of(&QWidget::update));
-        setMouseTracking(true);
-        resize(viewSize);
-        show();
-        Settle();
-    }
-    static void Settle()
-    {
-        for (int i = 0; i < 5; ++i)
-            QCoreApplication::processEvents();
-    }
-    void Send(QEvent::Type type, QPointF at)
-    {
-        const bool held = type == QEvent::MouseMove;
-        QMouseEvent event(type, at, at, held ? Qt::NoButton : Qt::LeftButton,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(this, &event);
     }
     QPointF Middle(int overlay) const
     {
         const QPointF place = PlaceOf(overlay);
         return {place.x() * width(), (1.0 - place.y()) * height()};
     }
-    void DrawOverlays()
-    {
-        glMatrixMode(GL_PROJECTION);
-        glLoadIdentity();
-        glOrtho(0.0, width(), 0.0, height(), -1.0, 1.0);
-        glMatrixMode(GL_MODELVIEW);
-        glLoadIdentity();
-        GLOverlayPainter painter(stage.View(), devicePixelRatioF());
-        stage.Draw(painter);
-    }
     double ValueX(int overlay) const
     {
         const Input& input = *tool->Inputs()[std::size_t(overlay)];
         return dynamic_cast<const Point&>(*input.GetValue(0.0)).X();
-    }
-
-    MarloxDoc document;
-    Operator* tool = nullptr;
-    OverlayStage stage;
-    int paints = 0;
-
-protected:
-    void paintGL() override
-    {
-        ++paints;
-        glClearColor(0.1f, 0.1f, 0.1f, 1.0f);
-        glClear(GL_COLOR_BUFFER_BIT);
-        if (tool)
-            DrawOverlays();
-    }
-    MxPoint ToStage(QPointF at) const { return {int(at.x()), height() - int(at.y())}; }
-    void mousePressEvent(QMouseEvent* event) override
-    {
-        stage.Press(ToStage(event->localPos()), 0);
-    }
-    void mouseMoveEvent(QMouseEvent* event) override { stage.Move(ToStage(event->localPos()), 0); }
-    void mouseReleaseEvent(QMouseEvent* event) override
-    {
-        stage.Release(ToStage(event->localPos()), 0);
     }
 };
 
@@ -255,21 +166,10 @@ void BareRepaint(benchmark::State& state)
 
 int main(int argc, char** argv)
 {
-    QSurfaceFormat format;
-    format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    QSurfaceFormat::setDefaultFormat(format);
-    QApplication application(argc, argv);
-    InstallScripting();
-    if (!dlopen(MARLOX_BINARY_DIR "/lib/marloxcontrols.so", RTLD_NOW | RTLD_LOCAL)) {
-        std::fprintf(stderr, "%s\n", dlerror());
-        return EXIT_FAILURE;
-    }
-    benchmark::RegisterBenchmark("overlays/hit-and-draw-500", HitAndDraw);
-    benchmark::RegisterBenchmark("overlays/hit-500", HitOnly);
-    benchmark::RegisterBenchmark("overlays/drag-step", DragStep)->Arg(1)->Arg(many);
-    benchmark::RegisterBenchmark("overlays/bare-repaint", BareRepaint);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return EXIT_SUCCESS;
+    return RunOverlayBenchmarks(argc, argv, [] {
+        benchmark::RegisterBenchmark("overlays/hit-and-draw-500", HitAndDraw);
+        benchmark::RegisterBenchmark("overlays/hit-500", HitOnly);
+        benchmark::RegisterBenchmark("overlays/drag-step", DragStep)->Arg(1)->Arg(many);
+        benchmark::RegisterBenchmark("overlays/bare-repaint", BareRepaint);
+    });
 }

@@ -40,7 +40,7 @@ public:
         editor.SelectOnly(active, index_);
         Control().ClickedPoints().push_back(shape->Points().back());
         states_ = editor.TakeStates();
-        hasHandles_ = shape->GetDataType() == MxID(CLSID_DataType_Polyline);
+        hasHandles_ = HasHandles(*shape);
     }
 
     void Move(const PolyPointer& pointer) override

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace Marlox {
@@ -15,6 +16,8 @@ namespace {
 constexpr double restBrightness =
     0.75; // of the active polygon's points, so that selected ones stand out
 constexpr double otherBrightness = 0.5; // of the polygon that is not active
+constexpr double leastHandle = 4.0;     // mark pixels; a shorter one lies below its point
+constexpr double leastStep = 3.0;       // mark pixels between marks that can be told apart
 constexpr double numberDistance = 7.0;  // of a number's corner from its point, mark pixels
 
 // Shapes of marks, in pixels of the mark.
@@ -46,6 +49,21 @@ void SetColor(OverlayPainter& painter, u32 rgb, double brightness)
     const auto dimmed = [brightness](int component) { return int(component * brightness); };
     painter.SetColor(MxColor(dimmed(chosen.red), dimmed(chosen.green), dimmed(chosen.blue)));
 }
+
+/// Marks along a shape, without those that would only cover the one before.
+struct SparseMarks {
+    explicit SparseMarks(double least) : step(least) {}
+    void Add(OverlayPoint at)
+    {
+        if (!places.empty() && std::abs(at.x - places.back().x) < step &&
+            std::abs(at.y - places.back().y) < step)
+            return;
+        places.push_back(at);
+    }
+
+    double step; // view pixels
+    std::vector<OverlayPoint> places;
+};
 
 /// One polygon, with all that belongs to it.
 class PolygonDrawing {
@@ -102,7 +120,7 @@ private:
 
     void DrawHandles()
     {
-        if (shape_.GetDataType() != MxID(CLSID_DataType_Polyline))
+        if (!HasHandles(shape_))
             return;
         std::vector<OverlayPoint> lines;
         std::vector<OverlayPoint> ends;
@@ -111,12 +129,15 @@ private:
             if (!editor_.ShowsHandles(polygon_, i))
                 continue;
             const PolyPoint& point = *shape_.GetPoint(i);
-            for (const ShapePlace end : {point.In(), point.Out()}) {
-                if (end == point.Place())
-                    continue;
-                lines.push_back(At(point.Place()));
-                lines.push_back(At(end));
-                (point.Has(PPF_Broken) ? brokenEnds : ends).push_back(At(end));
+            const OverlayPoint at = At(point.Place());
+            for (const ShapePlace place : {point.In(), point.Out()}) {
+                const OverlayPoint end = At(place);
+                if (std::abs(end.x - at.x) < leastHandle * Scale() &&
+                    std::abs(end.y - at.y) < leastHandle * Scale())
+                    continue; // below the point's mark
+                lines.push_back(at);
+                lines.push_back(end);
+                (point.Has(PPF_Broken) ? brokenEnds : ends).push_back(end);
             }
         }
         SetColor(painter_, settings_.handleColor, brightness_ * restBrightness);
@@ -133,8 +154,9 @@ private:
 
     void DrawPoints(bool edits)
     {
-        std::vector<OverlayPoint> plain;
-        std::vector<OverlayPoint> selected;
+        const double step = leastStep * Scale();
+        SparseMarks plain(step);
+        SparseMarks selected(step);
         std::vector<OverlayPoint> locked;
         std::vector<OverlayPoint> published;
         std::vector<OverlayPoint> following;
@@ -144,9 +166,9 @@ private:
             const bool isSelected = edits && mask.GetSetItem(i);
             const OverlayPoint at = At(point.Place());
             if (isSelected)
-                selected.push_back(at);
+                selected.Add(at);
             else if (settings_.showKeyPoints && edits)
-                plain.push_back(at);
+                plain.Add(at);
             if (point.Has(PPF_Locked) && edits)
                 locked.push_back(at);
         }
@@ -157,12 +179,12 @@ private:
         }
         using Shape = OverlayPainter::Shape;
         SetColor(painter_, settings_.keyPointColor, brightness_ * restBrightness);
-        painter_.Marks(Shape::Loop, smallSquare, plain, Scale());
+        painter_.Marks(Shape::Loop, smallSquare, plain.places, Scale());
         painter_.Marks(Shape::Lines, cross, locked, Scale());
         painter_.Marks(Shape::Loop, ring, published, Scale());
         painter_.Marks(Shape::Loop, triangle, following, Scale());
         painter_.SetColor(OverlayColor::Highlight, brightness_);
-        painter_.Marks(Shape::Fill, largeSquare, selected, Scale());
+        painter_.Marks(Shape::Fill, largeSquare, selected.places, Scale());
         DrawSingles(edits);
     }
 
@@ -236,6 +258,7 @@ void DrawPolyLines(const PolyLineControl& control, OverlayPainter& painter, cons
             PolygonDrawing(control, painter, view, polygon).Draw();
     }
     DrawShapeBox(control, painter, view);
+    DrawTrackPoints(control, painter, view);
 }
 
 } // namespace Marlox

@@ -21,4 +21,8 @@ double SkinTimeAt(const PolyLineControl& control, const PolyView& view);
 void DrawShapeBox(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view);
 bool IsOnShapeBox(const PolyLineControl& control, const PolyView& view);
 
+// Track points (PolyTrackPoints.cpp).
+void DrawTrackPoints(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view);
+bool IsOnTrackPoint(const PolyLineControl& control, const PolyView& view);
+
 } // namespace Marlox

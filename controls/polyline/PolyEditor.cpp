@@ -20,6 +20,10 @@ bool IsWithin(ShapePlace a, ShapePlace b, double tolerance)
 /// The same points, by their ids, in another shape.
 SelMask Carried(const SelMask& mask, const PolyLine& from, const PolyLine& to)
 {
+    const auto sameId = [](const PolyPoint& a, const PolyPoint& b) { return a.id == b.id; };
+    if (std::equal(from.Points().begin(), from.Points().end(), to.Points().begin(),
+                   to.Points().end(), sameId))
+        return mask;
     SelMask carried(to.GetCount());
     if (!mask.IsAnySet())
         return carried;
@@ -65,8 +69,7 @@ void SpreadFlags(ShapeKeys& keys, const std::vector<u32>& before, const std::vec
 
 } // namespace
 
-// Polygons
-// -----------------------------------------------------------------------------------------
+// Polygons ----------------------------------------------------------------------------------------
 
 Input* PolyEditor::InputOf(int polygon) const
 {
@@ -207,8 +210,7 @@ void PolyEditor::Preview(int polygon, const Ref<PolyLine>& shape)
     control_.UpdateDisplay(nullptr, nullptr);
 }
 
-// Selection
-// ----------------------------------------------------------------------------------------
+// Selection ---------------------------------------------------------------------------------------
 
 void PolyEditor::SetSelections(const Masks& masks)
 {
@@ -285,15 +287,13 @@ SelMask PolyEditor::CommandMask(int polygon) const
     return IsAnySelected() ? own : SelMask(own.Count(), polygon == active_);
 }
 
-// What is where
-// ------------------------------------------------------------------------------------
+// What is where -----------------------------------------------------------------------------------
 
 bool PolyEditor::ShowsHandles(int polygon, int index) const
 {
     const PolyLine* shape = Shape(polygon);
     const PolyPoint* point = shape ? shape->GetPoint(index) : nullptr;
-    return point && !point->Has(PPF_Linear) &&
-           shape->GetDataType() == MxID(CLSID_DataType_Polyline) &&
+    return point && !point->Has(PPF_Linear) && HasHandles(*shape) &&
            (control_.Settings().showHandles || Selection(polygon).GetSetItem(index));
 }
 
@@ -378,8 +378,7 @@ bool PolyEditor::SwitchCoinciding(const PolyView& view)
     return true;
 }
 
-// Changes
-// ------------------------------------------------------------------------------------------
+// Changes -----------------------------------------------------------------------------------------
 
 PolyEditor::States PolyEditor::TakeStates() const
 {
@@ -397,12 +396,18 @@ std::optional<Input::State> PolyEditor::TakeState(int polygon) const
     const PolyLine* shape = Shape(polygon);
     if (!input)
         return {};
-    if (!shape || shape->Links().empty())
-        return input->GetState();
     ShapeKeys keys(*input);
     const double now = control_.CurrentTime();
-    if (PolyLine* const edited = IsAnimated(polygon) ? keys.MakeKey(now) : keys.At(now))
-        PlaceLinkedPoints(*input, now, *edited);
+    if (IsAnimated(polygon))
+        keys.MakeKey(now);
+    if (!shape || shape->Links().empty())
+        return keys.State();
+    std::vector<double> times = OtherFrames(keys.State());
+    times.push_back(now);
+    for (const double time : times) {
+        if (PolyLine* const edited = keys.At(time))
+            PlaceLinkedPoints(*input, time, *edited);
+    }
     return keys.State();
 }
 
@@ -437,10 +442,11 @@ bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
     const double now = control_.CurrentTime();
     if (IsAnimated(polygon))
         keys.MakeKey(now);
+    std::vector<double> times{now}; // at which points may have moved
     if (scope == Scope::Keys) {
         keys.ForEach([&apply](PolyLine& shape, double) { apply(&shape); });
     } else {
-        std::vector<double> times = OtherFrames(keys.State());
+        times = OtherFrames(keys.State());
         if (std::find(times.begin(), times.end(), now) == times.end())
             times.push_back(now);
         const std::vector<u32> before = FlagsOf(keys.At(now));
@@ -449,8 +455,10 @@ bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
         SpreadFlags(keys, before, FlagsOf(keys.At(now)));
     }
     const bool written = Write(polygon, keys.State());
-    if (written && Shape(polygon) && !Shape(polygon)->Links().empty() && InputOf(polygon))
-        UpdatePublishedPointInputs(*InputOf(polygon), now);
+    if (written && Shape(polygon) && !Shape(polygon)->Links().empty() && InputOf(polygon)) {
+        for (const double time : times)
+            UpdatePublishedPointInputs(*InputOf(polygon), time);
+    }
     return written;
 }
 
@@ -477,8 +485,13 @@ bool PolyEditor::Write(int polygon, Input::State next)
     return control_.WriteShape(polygon, std::move(next));
 }
 
-// Undo
-// ---------------------------------------------------------------------------------------------
+// Undo --------------------------------------------------------------------------------------------
+
+bool HasHandles(const PolyLine& shape)
+{
+    static const MxID bezier(CLSID_DataType_Polyline);
+    return shape.GetDataType() == bezier;
+}
 
 Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement)
 {

@@ -152,6 +152,8 @@ private:
     PolyHit hovered_;
 };
 
+/// Whether the points of this kind of shape have handles.
+bool HasHandles(const PolyLine& shape);
 /// A shape whose coordinates are those of the image.
 Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement);
 

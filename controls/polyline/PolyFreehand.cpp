@@ -44,7 +44,7 @@ public:
             points.resize(room);
         if (points.empty())
             return;
-        const bool closes = closes_ && shape->GetCount() + int(points.size()) > 2;
+        const bool closes = closes_ && shape->GetCount() + int(points.size()) >= 2;
         const int active = editor.ActivePolygon();
         const bool both = editor.IsMatched() && editor.IsShown(OtherPolygon(active));
         const int first = shape->GetCount();

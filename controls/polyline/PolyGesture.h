@@ -59,6 +59,9 @@ std::unique_ptr<PolyGesture> MakeTension(PolyLineControl& control, const PolyPoi
 std::unique_ptr<PolyGesture> MakeRubberBand(PolyLineControl& control, const PolyPointer& pointer);
 /// Null: the press is beside the shape box, or it does not show.
 std::unique_ptr<PolyGesture> MakeShapeBoxDrag(PolyLineControl& control, const PolyPointer& pointer);
+/// Null: the press is beside the track points, or they are not edited.
+std::unique_ptr<PolyGesture> MakeTrackPointDrag(PolyLineControl& control,
+                                                const PolyPointer& pointer);
 /// A gesture of which the press was all.
 class PolyNoGesture final : public PolyGesture {
 public:

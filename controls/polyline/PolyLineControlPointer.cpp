@@ -13,8 +13,7 @@
 
 namespace Marlox {
 
-// Gestures
-// -----------------------------------------------------------------------------------------
+// Gestures ----------------------------------------------------------------------------------------
 
 void PolyGesture::Finish(const PolyPointer&) {}
 void PolyGesture::Draw(OverlayPainter&, const PolyView&) const {}
@@ -44,9 +43,10 @@ std::unique_ptr<PolyGesture> StartGesture(PolyLineControl& control, const PolyPo
     case PolyDrawMode::ModifyOnly:
         break;
     }
+    if (auto track = MakeTrackPointDrag(control, pointer))
+        return track;
     const bool alternate = pointer.modifiers & KeyAlt;
-    const bool hasHandles =
-        hit.Any() && editor.Shape(hit.polygon)->GetDataType() == MxID(CLSID_DataType_Polyline);
+    const bool hasHandles = hit.Any() && HasHandles(*editor.Shape(hit.polygon));
     if (hit.IsPoint() && alternate)
         return hasHandles ? MakePullHandles(control, pointer, hit)
                           : MakeTension(control, pointer, hit);
@@ -63,8 +63,7 @@ std::unique_ptr<PolyGesture> StartGesture(PolyLineControl& control, const PolyPo
     return MakeRubberBand(control, pointer);
 }
 
-// Presses, moves and releases
-// ----------------------------------------------------------------------
+// Presses, moves and releases ---------------------------------------------------------------------
 
 PolyPointer PolyLineControl::PointerOf(const PolyView& view, const TagList* tags) const
 {
@@ -144,8 +143,7 @@ void PolyLineControl::EndUndo(bool keep)
     PreviewControl::EndUndo(keep);
 }
 
-// Hovering
-// -----------------------------------------------------------------------------------------
+// Hovering ----------------------------------------------------------------------------------------
 
 bool PolyLineControl::HitTest(PreviewInfo& view, const TagList* tags)
 {
@@ -159,18 +157,19 @@ bool PolyLineControl::HitTest(PreviewInfo& view, const TagList* tags)
     if (!may)
         return false;
     switch (Mode()) {
-    case PolyDrawMode::ClickAppend:
+    case PolyDrawMode::ClickAppend: // these take presses anywhere
         view.SetCursor(hit.IsPoint() ? ViewCursor::Hand : ViewCursor::Cross);
-        return hit.IsPoint();
+        return CanEdit();
     case PolyDrawMode::DrawAppend:
         view.SetCursor(ViewCursor::Pen);
-        return false;
+        return CanEdit();
     case PolyDrawMode::InsertAndModify:
         if (hit.kind == PolyHit::Curve)
             view.SetCursor(ViewCursor::Cross);
-        return hit.Any() || IsOnShapeBox(*this, shapes) || skin != TimeNone;
+        [[fallthrough]];
     case PolyDrawMode::ModifyOnly:
-        return hit.Any() || IsOnShapeBox(*this, shapes) || skin != TimeNone;
+        return hit.Any() || skin != TimeNone || IsOnShapeBox(*this, shapes) ||
+               IsOnTrackPoint(*this, shapes);
     case PolyDrawMode::Done:
         break;
     }
@@ -220,8 +219,7 @@ bool PolyLineControl::ControlGetTip(PreviewInfo* view, char* tip, TagList*)
     return view != nullptr;
 }
 
-// Drawing
-// ------------------------------------------------------------------------------------------
+// Drawing -----------------------------------------------------------------------------------------
 
 void PolyLineControl::GLDrawControls(PreviewInfo* view, TagList* tags)
 {

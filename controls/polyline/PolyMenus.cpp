@@ -349,6 +349,8 @@ PolyAction ActionOfKey(const PolyLineControl& control, int key, u32 modifiers)
 {
     if (key == Qt::Key_P && (modifiers == KeyShift || modifiers == Plain)) {
         // Publishes what is selected; without a selection it shows or hides the curve.
+        if (control.Mode() == PolyDrawMode::Done)
+            return A::None;
         if (!control.Editor().IsAnySelected())
             return A::ShowPolygon;
         return IsActionEnabled(control, A::UnpublishPoints) ? A::UnpublishPoints : A::PublishPoints;

@@ -71,6 +71,12 @@ int WholeOf(const ScriptVal& value, int low, int high, int otherwise)
     return number >= low && number <= high ? int(number) : otherwise;
 }
 
+double SizeOf(const ScriptVal& value, double otherwise)
+{
+    const double size = value.ToNumber(otherwise);
+    return size > 0.0 && size <= 1.0 ? size : otherwise;
+}
+
 } // namespace
 
 void PolySettings::Read(const TagList& tags)
@@ -133,6 +139,14 @@ ScriptVal PolySettings::SavedRoto() const
         assist.Set(flag.name, roto.*flag.member);
     assist.Set("Distance", roto.distance);
     assist.Set("FrameSkip", roto.frameSkip);
+    assist.Set("TrackerSize", roto.trackerSize);
+    assist.Set("SearchSize", roto.searchSize);
+    ScriptVal points = ScriptVal::MakeTable();
+    for (const ShapePlace& place : roto.trackPoints) {
+        points.Append(place.x);
+        points.Append(place.y);
+    }
+    assist.Set("TrackPoints", points);
     return assist;
 }
 
@@ -160,6 +174,13 @@ void PolySettings::Restore(const ScriptVal& from)
         roto.*flag.member = assist.Get(flag.name).ToBool(roto.*flag.member);
     roto.distance = WholeOf(assist.Get("Distance"), 1, 16, roto.distance);
     roto.frameSkip = WholeOf(assist.Get("FrameSkip"), 1, 10, roto.frameSkip);
+    roto.trackerSize = SizeOf(assist.Get("TrackerSize"), roto.trackerSize);
+    roto.searchSize = SizeOf(assist.Get("SearchSize"), roto.searchSize);
+    if (const ScriptVal& points = assist.Get("TrackPoints"); points.IsTable()) {
+        roto.trackPoints.clear();
+        for (std::size_t i = 1; i < points.Length(); i += 2)
+            roto.trackPoints.push_back({points.At(i).ToNumber(), points.At(i + 1).ToNumber()});
+    }
 }
 
 } // namespace Marlox

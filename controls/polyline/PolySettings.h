@@ -4,6 +4,9 @@
 #include "controls/polyline/PolyTags.h"
 #include "system/base/MxColor.h"
 #include "system/base/ScriptVal.h"
+#include "system/shapes/PolyPoint.h"
+
+#include <vector>
 
 namespace Marlox {
 
@@ -22,9 +25,12 @@ struct RotoAssistSettings {
     bool keepsTool = true; // the tool is not told: without it, enabling disables the tool
     bool showArea = false;
     bool patternEdit = false;
-    int distance = 4;   // 1 to 16, pixels
-    int frameSkip = 1;  // 1 to 10
-    int heldPoint = -1; // index of the point that the tracker holds; -1: none
+    int distance = 4;                    // 1 to 16, pixels
+    int frameSkip = 1;                   // 1 to 10
+    int heldPoint = -1;                  // index of the point that the tracker holds; -1: none
+    std::vector<ShapePlace> trackPoints; // one for each point of the shape, its coordinates
+    double trackerSize = 0.03;           // image widths, where no input tells them
+    double searchSize = 0.06;
 
     friend bool operator==(const RotoAssistSettings&, const RotoAssistSettings&) = default;
 };

@@ -19,11 +19,6 @@ using Names = std::set<QByteArray>;
 /// controls that have no behaviour of their own.
 bool isUndeclared(const QByteArray& name)
 {
-    static const Names polyline{
-        "CurrentTimeOnly", "Delete",   "DrawInsertandModify", "Lock", "MakeDoublePolyline",
-        "MultiTimeEdit",   "OnionSkin"};
-    if (name.startsWith("Icons.Polyline."))
-        return !polyline.count(name.split('.').at(2));
     return name.startsWith("Icons.Workbench.") || name.startsWith("Controls.Histogram.");
 }
 

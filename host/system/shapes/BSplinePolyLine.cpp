@@ -117,12 +117,14 @@ Ref<BSplinePolyLine> BSplinePolyLine::InterpolateWith(const BSplinePolyLine& oth
 
 MxID BSplinePolyLine::GetDataType() const
 {
-    return CLSID_DataType_BSplinePolyline;
+    static const MxID id(CLSID_DataType_BSplinePolyline);
+    return id;
 }
 
 MxID CardinalPolyLine::GetDataType() const
 {
-    return CLSID_DataType_CardinalSplinePolyline;
+    static const MxID id(CLSID_DataType_CardinalSplinePolyline);
+    return id;
 }
 
 } // namespace Marlox

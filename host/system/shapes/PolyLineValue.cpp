@@ -97,7 +97,8 @@ bool ReadLink(const ScriptVal& value, PointLink& link)
 
 MxID PolyLine::GetDataType() const
 {
-    return CLSID_DataType_Polyline;
+    static const MxID id(CLSID_DataType_Polyline);
+    return id;
 }
 
 Ref<Parameter> PolyLine::Copy() const

@@ -21,37 +21,52 @@ auto findKey(Map& keys, double time)
     return found != keys.end() && found->first <= time + timeTolerance ? found : keys.end();
 }
 
-double slope(const Keys::const_iterator& from, const Keys::const_iterator& to, std::size_t index)
-{
-    return (to->second.value->Components()[index] - from->second.value->Components()[index]) /
-           (to->first - from->first);
-}
+/// The tangents at a key, component by component, in value per frame. Flat at the ends and beside a
+/// stepped segment, where the value holds, and at turning points; otherwise the three-point slope,
+/// limited to three times the flatter neighbouring secant. That is the square region of F. N.
+/// Fritsch and R. E. Carlson, "Monotone piecewise cubic interpolation", SIAM J. Numer. Anal. 17
+/// (1980): within it a segment stays between its two keys.
+class Tangents {
+public:
+    Tangents(const Keys& keys, const Keys::const_iterator& key)
+    {
+        const auto next = std::next(key);
+        if (key == keys.begin() || next == keys.end())
+            return;
+        const auto previous = std::prev(key);
+        if (previous->second.interpolation == Interpolation::Step ||
+            key->second.interpolation == Interpolation::Step)
+            return;
+        before_ = previous->second.value->Components();
+        at_ = key->second.value->Components();
+        behind_ = next->second.value->Components();
+        isFlat_ = before_.size() != at_.size() || behind_.size() != at_.size();
+        lengthBefore_ = key->first - previous->first;
+        lengthBehind_ = next->first - key->first;
+    }
 
-/// The tangent at a key, in value per frame. Flat at the ends and beside a stepped segment, where
-/// the value holds, and at turning points; otherwise the three-point slope, limited to three times
-/// the flatter neighbouring secant. That is the square region of F. N. Fritsch and R. E. Carlson,
-/// "Monotone piecewise cubic interpolation", SIAM J. Numer. Anal. 17 (1980): within it a segment
-/// stays between its two keys.
-double tangent(const Keys& keys, const Keys::const_iterator& key, std::size_t index)
-{
-    const auto next = std::next(key);
-    if (key == keys.begin() || next == keys.end())
-        return 0.0;
-    const auto previous = std::prev(key);
-    if (previous->second.interpolation == Interpolation::Step ||
-        key->second.interpolation == Interpolation::Step)
-        return 0.0;
-    const double before = slope(previous, key, index);
-    const double behind = slope(key, next, index);
-    if (!(before * behind > 0.0))
-        return 0.0;
-    const double lengthBefore = key->first - previous->first;
-    const double lengthBehind = next->first - key->first;
-    const double average =
-        (before * lengthBehind + behind * lengthBefore) / (lengthBefore + lengthBehind);
-    const double limit = 3.0 * std::min(std::abs(before), std::abs(behind));
-    return std::clamp(average, -limit, limit);
-}
+    double operator[](std::size_t index) const
+    {
+        if (isFlat_)
+            return 0.0;
+        const double before = (at_[index] - before_[index]) / lengthBefore_;
+        const double behind = (behind_[index] - at_[index]) / lengthBehind_;
+        if (!(before * behind > 0.0))
+            return 0.0;
+        const double average =
+            (before * lengthBehind_ + behind * lengthBefore_) / (lengthBefore_ + lengthBehind_);
+        const double limit = 3.0 * std::min(std::abs(before), std::abs(behind));
+        return std::clamp(average, -limit, limit);
+    }
+
+private:
+    std::span<const double> before_;
+    std::span<const double> at_;
+    std::span<const double> behind_;
+    double lengthBefore_ = 1.0; // frames
+    double lengthBehind_ = 1.0;
+    bool isFlat_ = true;
+};
 
 double hermite(double from, double to, double tangentFrom, double tangentTo, double length,
                double t)
@@ -74,11 +89,12 @@ Ref<Parameter> between(const Keys& keys, const Keys::const_iterator& from,
     const double length = to->first - from->first;
     const double t = (time - from->first) / length;
     std::vector<double> components(a.size());
+    const Tangents tangentsFrom(keys, from);
+    const Tangents tangentsTo(keys, to);
     for (std::size_t i = 0; i < a.size(); ++i) {
-        const double value =
-            from->second.interpolation == Interpolation::Linear
-                ? std::lerp(a[i], b[i], t)
-                : hermite(a[i], b[i], tangent(keys, from, i), tangent(keys, to, i), length, t);
+        const double value = from->second.interpolation == Interpolation::Linear
+                                 ? std::lerp(a[i], b[i], t)
+                                 : hermite(a[i], b[i], tangentsFrom[i], tangentsTo[i], length, t);
         // Rounding in the last place must not leave the interval of the two keys either.
         components[i] = std::clamp(value, std::min(a[i], b[i]), std::max(a[i], b[i]));
     }

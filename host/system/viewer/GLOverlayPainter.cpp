@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <GL/gl.h>
 
@@ -185,13 +186,17 @@ void GLOverlayPainter::AddLine(OverlayPoint from, OverlayPoint to)
 }
 
 /// A casing is longer by a line's width at both ends. Dashed ones have the dashes of their lines.
-void GLOverlayPainter::AddCasing(OverlayPoint from, OverlayPoint to, Vertices& casing) const
+void GLOverlayPainter::AddCasing(OverlayPoint from, OverlayPoint to, Vertices& casing)
 {
     const double dx = to.x - from.x;
     const double dy = to.y - from.y;
     const double length = std::hypot(dx, dy);
     const double longer = Current().dashed || !(length > 0.0) ? 0.0 : unit_ / length;
-    const MxColor color = casingColor;
+    MxColor color = casingColor;
+    if (Current().color.alpha != 255) { // what shows through is not to be darkened either
+        color.alpha = std::uint8_t(color.alpha * Current().color.alpha / 255);
+        hasThinCasings_ = true;
+    }
     casing.push_back({float(from.x - dx * longer), float(from.y - dy * longer), color});
     casing.push_back({float(to.x + dx * longer), float(to.y + dy * longer), color});
 }
@@ -235,7 +240,8 @@ void GLOverlayPainter::Flush()
             glDisable(GL_LINE_STIPPLE);
         }
     };
-    drawLines(3.0 * unit_, crispCasing_, smoothCasing_, dashedCasing_, false);
+    drawLines(3.0 * unit_, crispCasing_, smoothCasing_, dashedCasing_,
+              std::exchange(hasThinCasings_, false));
     stamps_->Draw();
     DrawVertices(GL_TRIANGLES, fills_, true);
     drawLines(unit_, crisp_, smooth_, dashed_, true);

@@ -205,7 +205,7 @@ MxColor MarkStamps::ColorAt(const Kind& kind, int x, int y) const
     if (distance >= Reach(unit_))
         return {0, 0, 0, 0};
     return Over(kind.color, Coverage(distance, unit_), casing_,
-                Coverage(distance, casingWidth * unit_));
+                Coverage(distance, casingWidth * unit_) * kind.color.alpha / 255.0);
 }
 
 /// Makes a texture of the row of pictures; returns its size.

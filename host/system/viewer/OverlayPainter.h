@@ -134,7 +134,7 @@ private:
     double OnPixel(double at) const;
     void AddLine(OverlayPoint from, OverlayPoint to);
     void AddFill(std::span<const OverlayPoint> points);
-    void AddCasing(OverlayPoint from, OverlayPoint to, Vertices& casing) const;
+    void AddCasing(OverlayPoint from, OverlayPoint to, Vertices& casing);
     void DrawVertices(unsigned mode, const Vertices& vertices, bool colored) const;
 
     double unit_;
@@ -146,6 +146,7 @@ private:
     Vertices smoothCasing_;
     Vertices dashed_;
     Vertices dashedCasing_;
+    bool hasThinCasings_ = false;  // of lines that are not opaque
     Vertices fills_;               // triangles
     std::vector<MxPoint> origins_; // of the marks that are being added
     std::unique_ptr<MarkStamps> stamps_;

@@ -250,6 +250,8 @@ constexpr Color colors[] = {
     {"Controls.Nest.TextColour", {208, 208, 208, 255}},
     {"Controls.Other.BorderColour", {9, 9, 9, 255}},
     {"Controls.Other.TextColour", {220, 220, 220, 255}},
+    {"Controls.Polyline.NextSkinColour", {110, 190, 240, 255}},
+    {"Controls.Polyline.PrevSkinColour", {240, 120, 110, 255}},
     {"System.ErrorTextColour", {255, 140, 140, 255}},
     {"System.FlatColour", {41, 41, 41, 255}},
     {"System.SelectedItemColour", {255, 255, 255, 255}, {24, 24, 24, 255}},
