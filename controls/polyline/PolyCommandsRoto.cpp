@@ -2,24 +2,13 @@
 
 #include "controls/polyline/PolyCommands.h"
 #include "controls/polyline/PolyLineControl.h"
+#include "controls/polyline/PolyNumbers.h"
 #include "system/controls/HostDialogs.h"
 #include "system/document/MarloxDoc.h"
-
-#include <algorithm>
 
 namespace Marlox {
 
 namespace {
-
-/// The whole number at the beginning of a text; without one 0.
-int LeadingNumber(const QString& text)
-{
-    const QString trimmed = text.trimmed();
-    int end = !trimmed.isEmpty() && (trimmed[0] == '-' || trimmed[0] == '+') ? 1 : 0;
-    while (end < trimmed.size() && trimmed[end] >= '0' && trimmed[end] <= '9')
-        ++end;
-    return int(std::clamp(trimmed.left(end).toDouble(), -1e9, 1e9));
-}
 
 /// Asks until the number fits or the user cancels. Nothing: cancelled, or the number it is already.
 std::optional<int> AskWhole(const char* title, int current, int most)
@@ -77,8 +66,11 @@ void AskRotoDistance(PolyLineControl& control)
     constexpr int furthest = 16;
     const auto alive = Ref<PolyLineControl>::Share(&control);
     if (const auto chosen = AskWhole("Distance", control.Settings().roto.distance, furthest))
-        control.ChangeRoto("Set distance",
-                           [&](RotoAssistSettings& roto) { roto.distance = *chosen; });
+        control.ChangeRoto("Set distance", [&](RotoAssistSettings& roto) {
+            roto.distance = *chosen;
+            roto.trackPoints.clear();
+            roto.heldPoint = -1;
+        });
 }
 
 void AskRotoFrameSkip(PolyLineControl& control)

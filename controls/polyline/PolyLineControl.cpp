@@ -71,8 +71,7 @@ std::size_t PolyLineControl::SizeOf() const
     return sizeof(*this);
 }
 
-// Attributes
-// ---------------------------------------------------------------------------------------
+// Attributes --------------------------------------------------------------------------------------
 
 bool PolyLineControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
@@ -192,8 +191,7 @@ void PolyLineControl::TakeViewFocus()
         view_->services->TakeFocus(*this);
 }
 
-// Inputs
-// -------------------------------------------------------------------------------------------
+// Inputs ------------------------------------------------------------------------------------------
 
 Input* PolyLineControl::ShapeInput(int polygon) const
 {
@@ -336,8 +334,31 @@ PolyKeyListDlg* PolyLineControl::KeyList()
     return keyList_;
 }
 
-// State
-// --------------------------------------------------------------------------------------------
+double PolyLineControl::TrackerSize() const
+{
+    const Input* input = BoundInput(PLCID_TrackerSize);
+    return input ? input->GetNumber(CurrentTime(), settings_.roto.trackerSize)
+                 : settings_.roto.trackerSize;
+}
+
+double PolyLineControl::TrackerSearchSize() const
+{
+    const Input* input = BoundInput(PLCID_TrackerSearchSize);
+    return input ? input->GetNumber(CurrentTime(), settings_.roto.searchSize)
+                 : settings_.roto.searchSize;
+}
+
+void PolyLineControl::SetTrackerSize(bool area, double size)
+{
+    Input* const input = BoundInput(area ? PLCID_TrackerSearchSize : PLCID_TrackerSize);
+    if (input && IsFree(input) && input->IsChangeable())
+        input->SetValue(Number(size), CurrentTime());
+    else if (!input)
+        (area ? settings_.roto.searchSize : settings_.roto.trackerSize) = size;
+    changed_ = gesture_ != nullptr;
+}
+
+// State -------------------------------------------------------------------------------------------
 
 bool PolyLineControl::SaveState(ScriptVal& state) const
 {
@@ -387,8 +408,7 @@ void PolyLineControl::CleanupState(ScriptVal& state) const
     state = ScriptVal();
 }
 
-// Registration
-// -------------------------------------------------------------------------------------
+// Registration ------------------------------------------------------------------------------------
 
 namespace {
 

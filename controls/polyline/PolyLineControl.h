@@ -93,6 +93,11 @@ public:
     void SetHoveredTime(double time);
     double PressTime() const { return pressTime_; } // Platform::GetUpTime, seconds
 
+    // Of patterns and search areas of track points, image widths: the bound inputs', or settings.
+    double TrackerSize() const;
+    double TrackerSearchSize() const;
+    void SetTrackerSize(bool area, double size);
+
     // For the editor.
     Input* ShapeInput(int polygon) const;
     bool IsShapeFree(int polygon) const;

@@ -60,8 +60,7 @@ bool PolyLineControl::HandleMenu(unsigned int id, u64* data, TagList& tags)
     return RunAction(*this, PolyAction(id)) || PreviewControl::HandleMenu(id, data, tags);
 }
 
-// Keys
-// ---------------------------------------------------------------------------------------------
+// Keys --------------------------------------------------------------------------------------------
 
 bool PolyLineControl::ControlCommand(PreviewInfo* view, const MxID& command, u64 data,
                                      TagList* tags)

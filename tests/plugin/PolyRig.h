@@ -1,0 +1,128 @@
+#pragma once
+
+#include "plugin/OverlayRig.h"
+#include "system/controls/HostDialogs.h"
+#include "system/shapes/ShapeKeys.h"
+
+#include <deque>
+
+#include <QStringList>
+
+namespace Marlox {
+
+// The polyline overlay's tags, as its reference has them.
+inline constexpr u32 PLC_DrawMode = 0x10058000;
+inline constexpr u32 PLC_Animated = 0x1005800c;
+
+/// A tool with an inner and an outer polygon and a centre, on the stage of OverlayRig.
+struct PolyRig : OverlayRig {
+    explicit PolyRig(const char* kind = "Polyline", bool animated = false)
+        : OverlayRig(
+              {{"Polyline",
+                kind,
+                {{IAS_Overlay, "PolylineControl"}, {IA_OverlayIndex, 0}, {PLC_Animated, animated}}},
+               {"Polyline2", kind, {{IAS_OverlayWith, "Polyline"}, {IA_OverlayIndex, 1}}},
+               {"Center", "Point", {}}})
+    {
+    }
+
+    static MxPoint At(double x, double y) // view pixels
+    {
+        return {int(100.0 + 400.0 * x), int(50.0 + 200.0 * y)};
+    }
+    PreviewControl& Poly() const { return OverlayOf("Polyline"); }
+    Ref<PolyLine> Shape(const char* id = "Polyline") const
+    {
+        return ShapeOf(InputOf(id), document->CurrentTime());
+    }
+    int Count(const char* id = "Polyline") const { return Shape(id)->GetCount(); }
+    /// A closed shape through these places, as the only value.
+    void SetShape(std::initializer_list<ShapePlace> places, const char* id = "Polyline") const
+    {
+        const Ref<PolyLine> shape = PolyLine::Create(InputOf(id).GetDataType());
+        for (const ShapePlace& place : places)
+            shape->InsertPoint(shape->GetCount() - 1, place);
+        shape->Close();
+        InputOf(id).SetValue(*shape, TimeNone);
+        document->Undo().Clear();
+    }
+    void SetSquare(const char* id = "Polyline", double by = 0.25) const
+    {
+        SetShape({{0.5 - by, 0.5 - by},
+                  {0.5 + by, 0.5 - by},
+                  {0.5 + by, 0.5 + by},
+                  {0.5 - by, 0.5 + by}},
+                 id);
+    }
+    void SetMode(int mode) const { Poly().SetAttrsTagList(TagList({{PLC_DrawMode, mode}})); }
+    int Mode() const { return int(Poly().GetAttr(PLC_DrawMode)) & 0x0f; }
+    void Click(const MxPoint& at, u32 modifiers = 0) const { Drag({at}, modifiers); }
+    bool Key(int key, u32 modifiers = KeyShift) const
+    {
+        stage->SetFocus(&Poly());
+        const bool used = stage->KeyDown(key, modifiers);
+        stage->KeyUpAll();
+        return used;
+    }
+    /// "x y" of a point in view pixels, rounded.
+    std::string Place(int index, const char* id = "Polyline") const
+    {
+        const PolyPoint& point = *Shape(id)->GetPoint(index);
+        const MxPoint at = At(point.x, point.y);
+        return std::to_string(at.x) + ' ' + std::to_string(at.y);
+    }
+    QStringList UndoTexts() const
+    {
+        QStringList texts;
+        for (int i = 0; i < document->Undo().Stack().count(); ++i)
+            texts << document->Undo().Stack().text(i);
+        return texts;
+    }
+};
+
+/// Answers what controls ask, from a queue, and writes down what they say.
+struct AnsweringDialogs : HostDialogs {
+    AnsweringDialogs() : before(Install(this)) {}
+    ~AnsweringDialogs() override { Install(before); }
+
+    void Message(Kind, const QString& text, const QString&) override { said << text; }
+    Answer Ask(const QString& text, const QString&, bool) override
+    {
+        said << text;
+        return answer;
+    }
+    std::optional<QString> AskText(const TextRequest& request) override
+    {
+        said << request.title + '=' + request.preset;
+        return Take();
+    }
+    std::optional<double> AskNumber(const NumberRequest& request) override
+    {
+        said << request.label;
+        const auto text = Take();
+        return text ? std::optional(text->toDouble()) : std::nullopt;
+    }
+    QString OpenFile(const FileRequest&) override { return Take().value_or(QString()); }
+    QString SaveFile(const FileRequest& request) override
+    {
+        const auto path = Take();
+        return path ? WithDefaultExtension(*path, request.defaultExtension) : QString();
+    }
+    std::optional<MxColor> ChooseColor(const ColorRequest&) override { return {}; }
+
+    std::optional<QString> Take()
+    {
+        if (texts.empty())
+            return {};
+        const QString text = texts.front();
+        texts.pop_front();
+        return text;
+    }
+
+    HostDialogs* before;
+    std::deque<QString> texts; // to be answered; with none left, cancelled
+    Answer answer = Answer::No;
+    QStringList said;
+};
+
+} // namespace Marlox
