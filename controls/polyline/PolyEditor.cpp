@@ -201,9 +201,10 @@ void PolyEditor::Preview(int polygon, const Ref<PolyLine>& shape)
     const auto at = std::size_t(polygon);
     if (const std::optional<SelMask> kept = std::exchange(keptMasks_[at], {}))
         masks_[at] = *kept;
-    if (shape && shapes_[at] && shape->GetCount() != masks_[at].Count()) {
-        keptMasks_[at] = masks_[at];
-        masks_[at] = Carried(masks_[at], *shapes_[at], *shape);
+    if (shape && shapes_[at]) {
+        SelMask carried = Carried(masks_[at], *shapes_[at], *shape);
+        if (carried != masks_[at])
+            keptMasks_[at] = std::exchange(masks_[at], std::move(carried));
     }
     previews_[at] = shape;
     indices_[at].reset();

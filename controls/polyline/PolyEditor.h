@@ -141,7 +141,7 @@ private:
     std::array<Ref<PolyLine>, PolygonCount> shapes_;
     std::array<Ref<PolyLine>, PolygonCount> previews_;
     Masks masks_;
-    /// Of the shape, while one with another number of points is previewed.
+    /// Of the shape, while one with other points is previewed.
     std::array<std::optional<SelMask>, PolygonCount> keptMasks_;
     /// The selections that shapes were left with, newest last: undo brings the same shapes back.
     std::array<std::deque<Remembered>, PolygonCount> remembered_;
