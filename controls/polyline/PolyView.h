@@ -33,8 +33,12 @@ public:
     }
     /// View pixels for each pixel of the image, along x.
     double Zoom() const { return PixelSize().x > 0.0 ? view_->imageWidth / PixelSize().x : 1.0; }
-    /// How far, in the image's pixels, what is under the cursor may lie from it.
-    double Tolerance() const { return Zoom() > 0.0 ? view_->pickRadius / Zoom() : 0.0; }
+    /// Nearer than this, in the image's pixels, lies what is under the cursor. A little less than
+    /// the pick radius: what lies just there is not hit, however it was rounded on its way.
+    double Tolerance() const
+    {
+        return Zoom() > 0.0 ? view_->pickRadius * (1.0 - 1e-9) / Zoom() : 0.0;
+    }
 
     /// In the image's pixels, y up.
     ShapePlace ToPixels(ShapePlace shape) const

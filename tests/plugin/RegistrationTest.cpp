@@ -298,8 +298,8 @@ void RegistrationTest::TagMapperKnowsFourCalls()
 void RegistrationTest::GenericClassesSaySo()
 {
     const std::set<std::string_view> finished{
-        "AngleControl", "CrosshairControl", "CheckBoxControl", "ComboControl",   "CropControl",
-        "LabelControl", "PointControl",     "SliderControl",   "XYOffsetControl"};
+        "AngleControl", "CrosshairControl", "CheckBoxControl", "ComboControl",  "CropControl",
+        "LabelControl", "PointControl",     "PolyLineControl", "SliderControl", "XYOffsetControl"};
     for (const Expected::Record& row : Expected::records) {
         QVERIFY2(hasOperation(*recordOf(row)->GetScriptInfo(), "IsGeneric") !=
                      finished.contains(row.cls),
