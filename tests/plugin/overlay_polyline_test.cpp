@@ -201,7 +201,7 @@ void OverlayPolylineTest::PointsAreHitWithinTheTolerance()
     rig.View().imageHeight *= 2.0;
     rig.Drag({{300 + 5, 150}, {325, 150}});
     QCOMPARE(rig.Place(0), std::string("210 100"));
-    rig.Drag({{320 - 6, 150}, {334, 150}});
+    rig.Drag({{320, 150 - 6}, {320, 170}});
     QCOMPARE(rig.Place(0), std::string("210 100"));
 }
 
