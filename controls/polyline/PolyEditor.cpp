@@ -1,5 +1,6 @@
 #include "controls/polyline/PolyEditor.h"
 
+#include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/shapes/ShapeLinks.h"
 
@@ -483,6 +484,7 @@ bool PolyEditor::ChangeSelected(
 bool PolyEditor::Write(int polygon, Input::State next)
 {
     Preview(polygon, {});
+    UniteFlags(next);
     return control_.WriteShape(polygon, std::move(next));
 }
 

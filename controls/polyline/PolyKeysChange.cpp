@@ -29,6 +29,51 @@ bool ChangePoints(PolyLineControl& control, PolyEditor::Scope scope, const char*
 
 namespace {
 
+/// Without the flag a corner is a point whose handles have no length, or whose tension is full.
+void SetFlags(PolyLine& shape, const std::vector<u32>& flags)
+{
+    for (int i = 0; i < shape.GetCount(); ++i) {
+        PolyPoint& point = *shape.GetPoint(i);
+        if (point.Has(PPF_Linear) && !(flags[std::size_t(i)] & PPF_Linear)) {
+            point.inX = point.inY = point.outX = point.outY = 0.0;
+            point.tension = HasHandles(shape) ? point.tension : 1.0;
+        }
+        point.flags = flags[std::size_t(i)];
+    }
+}
+
+} // namespace
+
+void UniteFlags(Input::State& state)
+{
+    std::vector<std::pair<double, const PolyLine*>> shapes;
+    for (const auto& [time, key] : state.animation.Keys())
+        shapes.emplace_back(time, dynamic_cast<const PolyLine*>(key.value.Get()));
+    std::vector<u32> flags;
+    bool isOne = true;
+    for (const auto& [time, shape] : shapes) {
+        if (!shape || (!flags.empty() && shape->Points().size() != flags.size()))
+            return;
+        const bool isFirst = flags.empty();
+        flags.resize(shape->Points().size());
+        for (std::size_t i = 0; i < flags.size(); ++i) {
+            const u32 own = shape->Points()[i].flags;
+            isOne = isOne && (isFirst || own == flags[i]);
+            flags[i] =
+                isFirst ? own : (flags[i] & own & PPF_Linear) | ((flags[i] | own) & ~PPF_Linear);
+        }
+    }
+    for (const auto& [time, shape] : shapes) {
+        if (isOne)
+            return;
+        const Ref<PolyLine> copy = shape->CopyShape();
+        SetFlags(*copy, flags);
+        state.animation.SetKey(time, copy);
+    }
+}
+
+namespace {
+
 bool AreBothMatched(const PolyEditor& editor)
 {
     return editor.IsMatched() &&

@@ -15,6 +15,10 @@ namespace Marlox {
 bool ChangePoints(PolyLineControl& control, PolyEditor::Scope scope, const char* text,
                   const std::function<void(PolyLine& shape, const SelMask& mask)>& change);
 
+/// A point's flags hold in all keys, also where an edit made other ones of each: a corner is one in
+/// all of them, any other flag holds where one has it. The curves stay.
+void UniteFlags(Input::State& state);
+
 /// A polygon's shapes over time, for operations that look at all of them.
 struct PolygonKeys {
     int polygon = InnerPolygon;
