@@ -131,12 +131,12 @@ public:
         Editor().ChangeSelected(
             [by](PolyLine& shape, const SelMask& mask) {
                 for (const int index : mask.Items()) {
-                    PolyPoint& point = *shape.GetPoint(index);
-                    if (point.Has(PPF_Locked))
+                    PolyPoint* point = shape.GetPoint(index); // undo may have changed how many
+                    if (!point || point->Has(PPF_Locked))
                         continue;
-                    const double start = point.Has(PPF_Linear) ? 1.0 : point.tension;
-                    point.Set(PPF_Linear, false);
-                    point.tension = std::clamp(start + by, 0.0, 1.0);
+                    const double start = point->Has(PPF_Linear) ? 1.0 : point->tension;
+                    point->Set(PPF_Linear, false);
+                    point->tension = std::clamp(start + by, 0.0, 1.0);
                 }
             },
             states_);
