@@ -125,8 +125,12 @@ void PolyLineControl::ControlMove(PreviewInfo* view, const MxPoint& at, TagList*
 void PolyLineControl::ControlUp(PreviewInfo* view, const MxPoint& at, TagList* tags)
 {
     const auto alive = Ref<PolyLineControl>::Share(this);
-    // It stands until it has finished: what it writes then belongs to it.
-    if (view && gesture_) {
+    // It stands until it has finished: what it writes then belongs to it. What undo takes away
+    // under the drag, or what is gone, is not to be written to: no entry would tell of it.
+    const MarloxDoc* document = GetDoc();
+    if (gesture_ && (!document || document->Undo().IsReplaying())) {
+        gesture_->Cancel();
+    } else if (view && gesture_) {
         const PolyView shapes(*view, Placement());
         gesture_->Finish(PointerOf(shapes, tags));
     }
