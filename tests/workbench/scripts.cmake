@@ -25,3 +25,13 @@ marlox_script_test(workbench-broken-files ${scripts}/broken.lua
     ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${pictures}
     $<TARGET_FILE:test-plugin-Silent> $<TARGET_FILE:test-plugin-Unresolved>)
 marlox_test_environment(workbench-broken-files MARLOX_LOOK=${look})
+
+# A sequence rotoscoped with mouse and keys, on a usual and on a dense screen. A second folder behind the
+# first takes pictures of it.
+foreach(scale 1 2)
+    set(name workbench-rotoscope-${scale}x)
+    file(MAKE_DIRECTORY ${pictures}/${name})
+    marlox_script_test(${name} ${CMAKE_CURRENT_SOURCE_DIR}/rotoscope.lua
+        ${CMAKE_BINARY_DIR}/samples/balloon.0001.exr ${pictures}/${name})
+    marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
+endforeach()
