@@ -47,8 +47,9 @@ void AppendOutline(std::string& out, const ShapeOutline& outline, bool marksEnds
             AppendRow(out,
                       {point.x, point.y, point.In().x, point.In().y, point.Out().x, point.Out().y});
         }
-        const bool isEnd = &point == &outline.points.front() || &point == &outline.points.back();
-        if (marksEnds && isEnd && !outline.isClosed)
+        const bool isFirst = &point == &outline.points.front();
+        const bool isLast = &point == &outline.points.back();
+        if (marksEnds && (isLast || (isFirst && !outline.isClosed)))
             out += ' ' + std::string(nativeEndMark);
         out += '\n';
     }

@@ -39,7 +39,7 @@ std::string MotionText(const std::optional<NativeFileHeader>& header,
                        std::span<const PathSample> centre, std::span<const ShapeSample> keys);
 
 /// Shape (.dfsh). Without `main` (the input holds no polyline) the text ends behind the header.
-/// `outer`: null, there is none. `marksEnds`: the ends of open shapes are marked.
+/// `outer`: null, there is none. `marksEnds`: end points are marked.
 std::string ShapeText(const NativeFileHeader& header, const ShapeOutline* main,
                       const ShapeOutline* outer, bool marksEnds);
 

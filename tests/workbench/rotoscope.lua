@@ -282,7 +282,7 @@ end
 import("Import Shape…", "rotoscope.dfmo", "taken as closed") -- the file does not tell
 equal(#again:keys(), #keyed, "keys that came back")
 for _, frame in ipairs(keyed) do same(shape, again, frame, "motion of the shape") end
-import("Import LightWave MOT…", "rotoscope.mot", "taken as 640 x 360")
+import("Import LightWave MOT…", "rotoscope.mot", "y is taken downwards")
 equal(undo.text(), "Import motion path", "entry")
 for frame = keyed[1], keyed[5] do -- such files count from 0, which becomes the first frame
     local a, b = mask:input("Center"):get(frame), second:input("Center"):get(frame - keyed[1] + document.range())

@@ -21,25 +21,6 @@ bool StartsWith(const QByteArray& bytes, const char* mark, int size)
     return bytes.size() >= size && std::equal(mark, mark + size, bytes.constData());
 }
 
-/// The text of a file in UTF-16 or Latin-1 becomes UTF-8.
-std::string Decoded(const QByteArray& bytes, ImportJob& job)
-{
-    if (StartsWith(bytes, "\xff\xfe", 2) || StartsWith(bytes, "\xfe\xff", 2))
-        return QTextCodec::codecForName("UTF-16")->toUnicode(bytes).toStdString();
-    const int mark = StartsWith(bytes, "\xef\xbb\xbf", 3) ? 3 : 0;
-    const char* begin = bytes.constData() + mark;
-    const int size = bytes.size() - mark;
-    if (std::any_of(begin, begin + size, [](char c) { return (c & 0x80) != 0; })) {
-        QTextCodec::ConverterState state;
-        const QString text = QTextCodec::codecForName("UTF-8")->toUnicode(begin, size, &state);
-        if (state.invalidChars > 0 || state.remainingChars > 0) {
-            job.Assume(0, "its letters are taken as Latin-1");
-            return QString::fromLatin1(begin, size).toStdString();
-        }
-    }
-    return std::string(begin, std::size_t(size));
-}
-
 void UnifyLineEnds(std::string& text)
 {
     std::size_t out = 0;
@@ -64,6 +45,26 @@ void RefuseBinary(const std::string& text)
         if (!isText || c == 0x7f)
             throw ImportFailure{line, "it holds binary data, no text", true};
     }
+}
+
+/// The text of a file in UTF-16 or Latin-1 becomes UTF-8.
+std::string Decoded(const QByteArray& bytes, ImportJob& job)
+{
+    const bool isWide = StartsWith(bytes, "\xff\xfe", 2) || StartsWith(bytes, "\xfe\xff", 2);
+    const int mark = StartsWith(bytes, "\xef\xbb\xbf", 3) ? 3 : 0;
+    std::string text =
+        isWide ? QTextCodec::codecForName("UTF-16")->toUnicode(bytes).toStdString()
+               : std::string(bytes.constData() + mark, std::size_t(bytes.size() - mark));
+    UnifyLineEnds(text);
+    RefuseBinary(text);
+    if (isWide || std::none_of(text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; }))
+        return text;
+    QTextCodec::ConverterState state;
+    QTextCodec::codecForName("UTF-8")->toUnicode(text.data(), int(text.size()), &state);
+    if (state.invalidChars == 0 && state.remainingChars == 0)
+        return text;
+    job.Assume(0, "its letters are taken as Latin-1");
+    return QString::fromLatin1(text.data(), int(text.size())).toStdString();
 }
 
 /// The flags of a Bezier point by its handles at one time: a corner has none, the handles of a
@@ -121,8 +122,6 @@ std::string_view ImportJob::Text()
 {
     if (!isDecoded_) {
         text_ = Decoded(bytes_, *this);
-        UnifyLineEnds(text_);
-        RefuseBinary(text_);
         isDecoded_ = true;
         counted_ = text_.data();
     }
@@ -145,20 +144,34 @@ int ImportJob::LineOf(const char* place)
 ImageFrame ImportJob::Image(double width, double height)
 {
     const bool isTold = width > 0.0 && height > 0.0;
-    ImageFrame image{width, height, context_.pixelAspect > 0.0 ? context_.pixelAspect : 1.0};
-    if (!isTold || context_.overrideImageSize) {
-        image.width = context_.width;
-        image.height = context_.height;
-        if (!(image.width > 0.0) || !(image.height > 0.0)) {
-            result_.lacksImageSize = true;
-            throw ImportFailure{0, "it tells no image size, and none was given", true};
-        }
-        Assume(0,
-               std::string(isTold ? "its own image size is not used" : "it tells no image size") +
-                   ": taken as " + std::to_string(std::lround(image.width)) + " x " +
-                   std::to_string(std::lround(image.height)));
+    if (isTold && !context_.overrideImageSize)
+        return {width, height, context_.pixelAspect > 0.0 ? context_.pixelAspect : 1.0};
+    const ImageFrame image = ShownImage();
+    if (!context_.isSizeSure) {
+        const char* what = isTold ? "its own image size is not used" : "it tells no image size";
+        Assume(0, std::string(what) + ": taken as " + std::to_string(std::lround(image.width)) +
+                      " x " + std::to_string(std::lround(image.height)));
+        if (!isTold)
+            AskForImage(image.width, image.height);
     }
     return image;
+}
+
+ImageFrame ImportJob::ShownImage()
+{
+    if (!(context_.width > 0.0) || !(context_.height > 0.0)) {
+        result_.lacksImageSize = true;
+        throw ImportFailure{0, "it tells no image size, and none was given", true};
+    }
+    return {context_.width, context_.height,
+            context_.pixelAspect > 0.0 ? context_.pixelAspect : 1.0};
+}
+
+void ImportJob::AskForImage(double width, double height)
+{
+    result_.asksImageSize = true;
+    result_.imageWidth = width;
+    result_.imageHeight = height;
 }
 
 void ImportJob::Note(ImportNote::Kind kind, int line, const std::string& text)

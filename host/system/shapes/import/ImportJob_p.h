@@ -42,6 +42,12 @@ public:
     /// The image of the file's own size, if it tells one (0: it does not), or else of the
     /// context's. Throws when there is neither.
     ImageFrame Image(double width = 0.0, double height = 0.0);
+    /// The context's, for its proportions alone: which are nothing to ask for where they are known.
+    ImageFrame ShownImage();
+    // What the result asks for.
+    void AskForImage(double width, double height);
+    void AskForPlainUnit() { result_.asksPlainUnit = true; }
+    void AskForFirstFrame() { result_.asksFirstFrame = true; }
 
     void LeaveAside(int line, std::string text) { Note(ImportNote::Kind::LeftAside, line, text); }
     void Assume(int line, std::string text) { Note(ImportNote::Kind::Assumed, line, text); }

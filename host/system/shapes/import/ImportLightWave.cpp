@@ -259,7 +259,7 @@ Interpolation LightWaveReader::InterpolationAt(double time)
 /// Into frames and image coordinates.
 void LightWaveReader::Finish(double framesPerTime)
 {
-    const ImageFrame image = job_.Image();
+    const ImageFrame image = job_.ShownImage();
     std::vector<double> times;
     for (Channel& channel : channels_) {
         std::stable_sort(channel.begin(), channel.end(),
@@ -275,14 +275,19 @@ void LightWaveReader::Finish(double framesPerTime)
         throw ImportFailure{0, "it has no keys for x and y", true};
     std::sort(times.begin(), times.end());
     times.erase(std::unique(times.begin(), times.end()), times.end());
-    if (!isOurs_)
+    if (isOurs_) {
+        job_.Assume(0, "it is written as this system does: y is taken downwards, and its first "
+                       "frame as the first one here");
+    } else {
         job_.Assume(0, "the image is taken as one unit wide around the origin, y upwards");
+        job_.Assume(0, "its frames are not moved to the first one here");
+    }
+    const double first = isOurs_ ? job_.Context().startFrame : 0.0;
     ImportedPath path;
     const double up = (isOurs_ ? -1.0 : 1.0) / image.HeightsPerWidth();
     for (const double time : times) {
-        path.keys.push_back({job_.Context().startFrame + time * framesPerTime,
-                             0.5 + At(channels_[0], time), 0.5 + up * At(channels_[1], time),
-                             InterpolationAt(time)});
+        path.keys.push_back({first + time * framesPerTime, 0.5 + At(channels_[0], time),
+                             0.5 + up * At(channels_[1], time), InterpolationAt(time)});
     }
     job_.Take(std::move(path));
 }

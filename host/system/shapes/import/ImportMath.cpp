@@ -85,14 +85,8 @@ void KeyTimes::Add(double time)
 
 void KeyTimes::Add(const AnimatedNumber& number)
 {
-    const std::vector<AnimatedNumber::Key>& keys = number.Keys();
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        Add(keys[i].time);
-        if (i + 1 == keys.size())
-            break;
-        const Interpolation kind = keys[i].interpolation;
-        kind_ = kind_.value_or(kind) == kind ? kind : Interpolation::Smooth;
-    }
+    for (const AnimatedNumber::Key& key : number.Keys())
+        Add(key.time);
 }
 
 void KeyTimes::AddFramesOf(const AnimatedNumber& number)

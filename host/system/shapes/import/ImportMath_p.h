@@ -54,8 +54,6 @@ public:
     void Add(const AnimatedNumber& number);
     /// All whole frames from the first to the last time of these.
     void AddFramesOf(const AnimatedNumber& number);
-    /// How all segments of the numbers added go on, if all do alike; else Smooth.
-    Interpolation Kind() const { return kind_.value_or(Interpolation::Linear); }
     /// Ascending, each once; throws when there are more than a shape may have.
     std::vector<double> Take(int line);
 
@@ -64,7 +62,6 @@ private:
 
     std::vector<double> times_;
     std::size_t settled_ = 0;
-    std::optional<Interpolation> kind_; // none: no segment yet
 };
 
 } // namespace Marlox

@@ -49,6 +49,7 @@ PolyPoint PointFrom(const TextLines& lines, std::size_t first)
 /// One polygon of a shape file.
 struct Outline {
     std::vector<PolyPoint> points;
+    int line = 0;              // where it begins
     std::vector<int> endLines; // of points marked as ends
     bool isFirstEnd = false;
     bool isLastEnd = false;
@@ -81,18 +82,22 @@ void ReadShapePoint(const TextLines& lines, Outline& outline, ImportJob& job)
     }
     if (isEnd)
         outline.endLines.push_back(lines.LineNumber());
-    if (outline.points.empty())
+    if (outline.points.empty()) {
+        outline.line = lines.LineNumber();
         outline.isFirstEnd = isEnd;
+    }
     outline.isLastEnd = isEnd;
     outline.points.push_back(point);
 }
 
-/// Ends stand at both ends of an outline, or nowhere.
+/// Ends stand at the last point, of an open outline at the first as well, or nowhere.
 void CheckEnds(const Outline& outline, ImportJob& job)
 {
-    if (!outline.endLines.empty() && (!outline.IsOpen() || outline.endLines.size() > 2)) {
-        job.LeaveAside(outline.endLines.front(),
-                       "\"EP\" marks the first and the last point of an open shape, nothing else");
+    const std::size_t most = outline.isFirstEnd && outline.points.size() > 1 ? 2 : 1;
+    if (!outline.endLines.empty() && (!outline.isLastEnd || outline.endLines.size() > most)) {
+        job.LeaveAside(
+            outline.endLines.front(),
+            "\"EP\" marks the last point, and the first one of open shapes, nothing else");
     }
 }
 
@@ -168,7 +173,8 @@ void MotionReader::Read()
     if (!path_.keys.empty())
         job_.Take(std::move(path_));
     if (!shape_.keys.empty()) {
-        job_.Assume(0, "it does not tell whether the shape is closed: taken as closed");
+        job_.Assume(0, "it tells neither whether the shape is closed nor how its keys go on: taken "
+                       "as closed, and smoothly");
         job_.Take(std::move(shape_));
     }
 }
@@ -196,17 +202,20 @@ void ReadNativeShape(ImportJob& job)
             current = 1;
             continue;
         }
-        if (shape.line == 0)
-            shape.line = lines.LineNumber();
         ReadShapePoint(lines, outlines[current], job);
     }
     for (const Outline& outline : outlines)
         CheckEnds(outline, job);
     if (outlines[0].points.empty())
         throw ImportFailure{0, "it holds no points", true};
+    if (outlines[0].endLines.empty())
+        job.Assume(0, "it does not tell whether the shape is closed: taken as closed");
+    shape.line = outlines[0].line;
     shape.closed = !outlines[0].IsOpen();
     shape.keys = OnlyKey(std::move(outlines[0].points), job.Context().startFrame);
-    if (!outlines[1].points.empty())
+    if (!outlines[1].points.empty() && outlines[1].points.size() != shape.keys[0].points.size())
+        job.LeaveAside(outlines[1].line, "the edge shape has another number of points");
+    else if (!outlines[1].points.empty())
         shape.outerKeys = OnlyKey(std::move(outlines[1].points), job.Context().startFrame);
     constexpr bool cornersAreTold = true;
     job.Take(std::move(shape), cornersAreTold);

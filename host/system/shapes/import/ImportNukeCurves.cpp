@@ -152,6 +152,8 @@ void CurveReader::ReadAttributes(std::string_view text,
     while (list.Next(name) && list.Next(value) && attributes.size() < most) {
         if (value.isList || ToNukeNumber(value.text))
             attributes[std::string(name.text)] = numbers_.Read(value, nullptr);
+        else if (!IsKnownNukeAttribute(name.text))
+            job_.LeaveAside(0, "the attribute " + Quoted(name.text) + " is not understood");
     }
 }
 
@@ -163,7 +165,7 @@ NukeShape CurveReader::ShapeFrom(std::string_view text)
     NukeItem item;
     list.Next(item); // "curvegroup"
     if (list.Next(item))
-        shape.name = item.text;
+        shape.name = NukeText(item);
     if (list.Next(item) && !item.isList)
         shape.flags = u32(std::clamp(Value(item.text), 0.0, 1e9));
     if (!list.Next(item) || (item.text != "bezier" && item.text != "bspline"))
@@ -209,6 +211,7 @@ const ImageFrame& CurveReader::Image(const NukeShape& shape)
         if (format.width > 0.0 && format.height > 0.0 && !job_.Context().overrideImageSize) {
             job_.Assume(0, "it tells no image size: the centre of its transforms is taken for the "
                            "image's");
+            job_.AskForImage(format.width, format.height);
         }
     }
     image_ = job_.Image(format.width, format.height);
@@ -227,7 +230,7 @@ void CurveReader::ReadShape(std::string_view text, const LayerState& state)
         NukeItem name;
         list.Next(name);
         list.Next(name);
-        job_.LeaveAside(failure.line, Quoted(name.text) + ": " + failure.reason);
+        job_.LeaveAside(failure.line, Quoted(NukeText(name)) + ": " + failure.reason);
     }
 }
 

@@ -163,7 +163,7 @@ AnimatedNumber TreeReader::ReadNumber(NukeList& list)
 
 void TreeReader::OnName(NukeList& list, TreeNode& node)
 {
-    node.name = Next(list, "the name of a node").text;
+    node.name = NukeText(Next(list, "the name of a node"));
 }
 
 /// Two orders, then Tx Ty Rz Sx Sy Skew PivotX PivotY.

@@ -14,6 +14,13 @@ bool StartsWith(std::string_view text, std::string_view start)
     return text.substr(0, start.size()) == start;
 }
 
+std::string WithoutCommas(std::string_view text)
+{
+    std::string plain(text);
+    std::replace(plain.begin(), plain.end(), ',', ' ');
+    return plain;
+}
+
 bool AreNumbers(const TextLines& lines, std::size_t first)
 {
     for (std::size_t i = first; i < lines.Count(); ++i) {
@@ -68,6 +75,15 @@ bool IsNamedRow(const TextLines& lines)
 bool IsPlainRow(const TextLines& lines)
 {
     return lines.Count() >= 2 && AreNumbers(lines, 0);
+}
+
+/// A plain row with commas between its numbers, which are no decimal ones: there are points too.
+bool IsCommaRow(std::string_view line)
+{
+    const std::string plain = WithoutCommas(line);
+    TextLines lines(plain);
+    return line.find(',') != std::string_view::npos && line.find('.') != std::string_view::npos &&
+           lines.NextFilled() && IsPlainRow(lines);
 }
 
 /// By its first line that is not blank, in this order.
@@ -170,6 +186,7 @@ void ReadPlainRows(PathTextJob& text)
             std::all_of(path.keys.begin(), path.keys.end(),
                         [&](const auto& key) { return isNear(key.x) && isNear(key.y); });
         unit = isNormalised ? Unit::Normalised : Unit::PixelsUp;
+        text.job.AskForPlainUnit();
         text.job.Assume(0, isNormalised ? "its numbers are taken as fractions of the image"
                                         : "its numbers are taken as pixels, y upwards");
     }
@@ -199,6 +216,14 @@ void ReadPathText(ImportJob& job)
             throw ImportFailure{text.lines.LineNumber(), "it holds comments alone", true};
         kind = kindOfLine();
     }
+    if (kind == std::end(kinds) && IsCommaRow(text.lines.Line())) {
+        const std::string plain = WithoutCommas(job.Text());
+        PathTextJob rows(job, plain);
+        rows.NextRow();
+        ReadPlainRows(rows);
+        rows.Finish();
+        return job.AskForFirstFrame();
+    }
     if (kind == std::end(kinds)) {
         for (const std::string_view field : text.lines.Fields()) {
             if (field.find(',') != std::string_view::npos)
@@ -210,6 +235,8 @@ void ReadPathText(ImportJob& job)
     }
     kind->read(text);
     text.Finish();
+    if (kind->read != ReadBoujouCamera)
+        job.AskForFirstFrame();
 }
 
 } // namespace Marlox

@@ -29,8 +29,10 @@ struct ImportContext {
     double pixelAspect = 1.0; // width of a pixel over its height
     /// The size above counts even where the file tells its own.
     bool overrideImageSize = false;
+    bool isSizeSure = false; // somebody told it for this file: no note about it
     double frameRate = 24.0; // frames a second, for files that count in seconds
-    /// The frame at which a file begins that counts from its own beginning, or tells no time.
+    /// The frame at which a file of this system begins that counts from its own beginning, and any
+    /// that tells no time.
     double startFrame = 0.0;
     double frameOffset = 0.0; // added to all times
     PlainUnit plainUnit = PlainUnit::ByRange;

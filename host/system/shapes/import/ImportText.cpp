@@ -38,8 +38,10 @@ double Number(std::string_view word, int line)
     if (value)
         throw ImportFailure{line, Quoted(word) + " is out of range"};
     const bool hasComma = word.find(',') != std::string_view::npos;
-    throw ImportFailure{line, Quoted(word) + (hasComma ? " is no number: decimals need a point"
-                                                       : " is no finite number")};
+    throw ImportFailure{
+        line, Quoted(word) + (hasComma ? " is no number: decimals need a point, and blanks part "
+                                         "numbers"
+                                       : " is no finite number")};
 }
 
 int WholeNumber(std::string_view word, int line, int low, int high, const char* what)

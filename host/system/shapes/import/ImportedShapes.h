@@ -80,6 +80,12 @@ struct ImportedShapes {
     /// Why nothing was taken; no shapes and no paths then.
     std::optional<ImportNote> error;
     bool lacksImageSize = false; // and that is why: it can be told in the context
+    // What the file leaves open and its reader took for granted; the user may know better.
+    bool asksImageSize = false;
+    double imageWidth = 0.0; // as taken, pixels
+    double imageHeight = 0.0;
+    bool asksPlainUnit = false;
+    bool asksFirstFrame = false; // from which number it counts its frames
 
     /// A note or the error as a message: "roto.ssf, line 12: ...".
     MARLOXSYSTEM_EXPORT std::string Message(const ImportNote& note) const;

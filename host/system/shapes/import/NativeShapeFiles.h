@@ -19,8 +19,9 @@
 // <header> is five numbers: image width and height in pixels, pixel aspect (width of a pixel over
 // its height), image aspect factor (see HeightsPerWidth) and frames a second. A <point> that is
 // linear (PPF_Linear) is "x y", another one "x y inx iny outx outy". " EP" behind the numbers marks
-// the first and the last point of an open shape, where the writer was told to mark end points;
-// without any mark the shape counts as closed.
+// the end points, where the writer was told to: of an open shape the first and the last one, of a
+// closed one the last alone, from which it goes back to the first. Without any mark it is not told
+// whether the shape is closed, and readers take it as closed. The outer polygon has as many points.
 //
 // Motion (.dfmo), a shape over time:
 //

@@ -103,6 +103,16 @@ std::vector<NukeItem> NukeItems(ImportJob& job, std::string_view text)
     return items;
 }
 
+std::string NukeText(const NukeItem& item)
+{
+    std::string text;
+    for (std::size_t at = 0; at < item.text.size(); ++at) {
+        at += item.text[at] == '\\' && at + 1 < item.text.size();
+        text += item.text[at];
+    }
+    return text;
+}
+
 std::string_view NukeFirstWord(ImportJob& job, std::string_view text)
 {
     NukeList list(job, text);

@@ -35,6 +35,9 @@ private:
 /// All items; for short lists.
 std::vector<NukeItem> NukeItems(ImportJob& job, std::string_view text);
 
+/// The text as it is meant: what a backslash stands before, without it.
+std::string NukeText(const NukeItem& item);
+
 /// What a list begins with; empty: with a list, or with nothing.
 std::string_view NukeFirstWord(ImportJob& job, std::string_view text);
 
@@ -54,7 +57,7 @@ enum NukeFlag : u32 {
 using NukePlace = std::array<AnimatedNumber, 2>;
 
 struct NukeCurve {
-    u32 flags = 0;
+    u32 flags = NF_RelativeTangents; // as all are that tell theirs
     /// Of Bezier curves left tangent, centre, right tangent for each vertex; else one for each.
     std::vector<NukePlace> places;
     std::vector<double> times; // of its keys, where they are told for all places at once
@@ -85,6 +88,9 @@ struct NukeShape {
 };
 
 using NukeChain = std::vector<const NukeTransform*>; // from the root on
+
+/// An attribute of a shape that is read, or is of no use here.
+bool IsKnownNukeAttribute(std::string_view name);
 
 /// Into a shape of ours; what can't be had is noted. Throws where the shape is not understood.
 void TakeNukeShape(ImportJob& job, const ImageFrame& image, const NukeShape& shape,

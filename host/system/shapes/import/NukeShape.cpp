@@ -1,7 +1,9 @@
+#include "system/shapes/PolyLine.h"
 #include "system/shapes/import/ImportText_p.h"
 #include "system/shapes/import/NukeScript_p.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Marlox {
 
@@ -90,6 +92,10 @@ void NoteAttributes(ImportJob& job, const NukeShape& shape, const std::string& n
             break;
         }
     }
+    for (const auto& [attribute, number] : shape.attributes) {
+        if (!IsKnownNukeAttribute(attribute))
+            job.LeaveAside(0, "the attribute " + Quoted(attribute) + " is not understood");
+    }
     if (FirstValue(shape, "ltt").value_or(0.0) != 0.0)
         job.LeaveAside(shape.line, Quoted(name) + ": its lifetime is not taken");
     for (const char* attribute : {"vis", "inv", "bm"}) {
@@ -128,6 +134,36 @@ void SetAttributes(ImportJob& job, const NukeShape& shape, bool isVisible, Impor
     NoteAttributes(job, shape, out.name);
 }
 
+constexpr double sameInterpolation = 2e-5; // of the image's width
+constexpr double samplesOf[] = {0.21, 0.5, 0.79};
+constexpr double mostBakedPoints = 1e6;
+
+/// A shape at one time with its feather, if it has one.
+struct Moment {
+    ImportedKey inner;
+    ImportedKey outer;
+};
+
+/// How a segment goes on, as far as it is one of the ways that keys can have.
+struct SegmentFit {
+    bool isLinear = true;
+    bool isHeld = true;
+};
+
+/// Calls `compare` with each number of a point in all of the keys.
+template <class Compare>
+void CompareNumbers(const Moment& a, const Moment& b, const Moment& at, Compare compare)
+{
+    for (ImportedKey Moment::*part : {&Moment::inner, &Moment::outer}) {
+        for (std::size_t i = 0; i < (at.*part).points.size(); ++i) {
+            for (double PolyPoint::*number : {&PolyPoint::x, &PolyPoint::y, &PolyPoint::inX,
+                                              &PolyPoint::inY, &PolyPoint::outX, &PolyPoint::outY})
+                compare((a.*part).points[i].*number, (b.*part).points[i].*number,
+                        (at.*part).points[i].*number);
+        }
+    }
+}
+
 /// One shape on its way, with the transforms it lies under.
 class NukeConverter {
 public:
@@ -143,6 +179,11 @@ private:
     void Check();
     std::vector<double> Times();
     ImportedKey KeyAt(double time, bool isFeather) const;
+    Moment MomentAt(double time) const;
+    SegmentFit FitOf(const Moment& from, const Moment& to) const;
+    bool AreSmooth(const std::vector<Moment>& moments) const;
+    void SetInterpolations(std::vector<Moment>& moments) const;
+    void Bake(std::vector<Moment>& moments);
 
     ImportJob& job_;
     const ImageFrame& image_;
@@ -150,7 +191,6 @@ private:
     NukeChain chain_;
     std::size_t count_ = 0; // of vertices
     bool hasFeather_ = false;
-    Interpolation interpolation_ = Interpolation::Smooth;
 };
 
 void NukeConverter::Check()
@@ -182,7 +222,6 @@ std::vector<double> NukeConverter::Times()
         AddTimes(shape_.feather, gathered);
     for (const NukeTransform* transform : chain_)
         transform->AddTimes(gathered);
-    interpolation_ = gathered.Kind();
     std::vector<double> times = gathered.Take(shape_.line);
     if (times.empty())
         times.push_back(job_.Context().startFrame);
@@ -199,7 +238,7 @@ ImportedKey NukeConverter::KeyAt(double time, bool isFeather) const
         const ShapePlace moved = map.Apply(at);
         return image_.FromPixels(moved.x, moved.y);
     };
-    ImportedKey key{time, interpolation_, {}};
+    ImportedKey key{time, Interpolation::Linear, {}};
     for (std::size_t i = 0; i < count_; ++i) {
         const Vertex vertex = isFeather ? FeatherAt(shape_, i, time)
                                         : VertexAt(shape_.curve, shape_.isBSpline, i, time);
@@ -207,6 +246,109 @@ ImportedKey NukeConverter::KeyAt(double time, bool isFeather) const
             PointFromPlaces(place(vertex.at), place(vertex.in), place(vertex.out)));
     }
     return key;
+}
+
+Moment NukeConverter::MomentAt(double time) const
+{
+    return {KeyAt(time, false), hasFeather_ ? KeyAt(time, true) : ImportedKey()};
+}
+
+SegmentFit NukeConverter::FitOf(const Moment& from, const Moment& to) const
+{
+    SegmentFit fit;
+    for (const double part : samplesOf) {
+        const Moment at = MomentAt(std::lerp(from.inner.time, to.inner.time, part));
+        CompareNumbers(from, to, at, [&](double a, double b, double is) {
+            fit.isLinear =
+                fit.isLinear && std::abs(std::lerp(a, b, part) - is) <= sameInterpolation;
+            fit.isHeld = fit.isHeld && std::abs(a - is) <= sameInterpolation;
+        });
+    }
+    return fit;
+}
+
+/// Whether smooth segments are those that an animation makes of such keys.
+bool NukeConverter::AreSmooth(const std::vector<Moment>& moments) const
+{
+    for (ImportedKey Moment::*part : {&Moment::inner, &Moment::outer}) {
+        Animation animation;
+        for (const Moment& moment : moments) {
+            const auto line = MakeRef<PolyLine>();
+            line->SetPoints((moment.*part).points);
+            animation.SetKey(moment.inner.time, line, moment.inner.interpolation);
+        }
+        for (std::size_t i = 0; i + 1 < moments.size() && !(moments[i].*part).points.empty(); ++i) {
+            if (moments[i].inner.interpolation != Interpolation::Smooth)
+                continue;
+            for (const double sample : samplesOf) {
+                const double time =
+                    std::lerp(moments[i].inner.time, moments[i + 1].inner.time, sample);
+                const Ref<Parameter> value = animation.Evaluate(time);
+                const auto points = static_cast<const PolyLine&>(*value).Points();
+                Moment made;
+                Moment meant;
+                (made.*part).points.assign(points.begin(), points.end());
+                meant.*part = KeyAt(time, part == &Moment::outer);
+                bool isSame = true;
+                CompareNumbers(made, made, meant, [&](double a, double, double b) {
+                    isSame = isSame && std::abs(a - b) <= sameInterpolation;
+                });
+                if (!isSame)
+                    return false;
+            }
+        }
+    }
+    return true;
+}
+
+/// By what the curves do between the keys, all of them together.
+void NukeConverter::SetInterpolations(std::vector<Moment>& moments) const
+{
+    Interpolation kind = Interpolation::Linear;
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        if (i + 1 < moments.size()) {
+            const SegmentFit fit = FitOf(moments[i], moments[i + 1]);
+            kind = fit.isLinear ? Interpolation::Linear
+                   : fit.isHeld ? Interpolation::Step
+                                : Interpolation::Smooth;
+        }
+        moments[i].inner.interpolation = moments[i].outer.interpolation = kind;
+    }
+}
+
+/// Smooth segments that an animation can't make get a key at each whole frame.
+void NukeConverter::Bake(std::vector<Moment>& moments)
+{
+    const auto isCurved = [](const Moment& moment) {
+        return moment.inner.interpolation == Interpolation::Smooth;
+    };
+    if (std::none_of(moments.begin(), moments.end(), isCurved) || AreSmooth(moments))
+        return;
+    double frames = 0.0;
+    for (std::size_t i = 0; i + 1 < moments.size(); ++i)
+        frames += isCurved(moments[i]) ? moments[i + 1].inner.time - moments[i].inner.time : 0.0;
+    if (frames * double(count_) > mostBakedPoints) {
+        job_.LeaveAside(shape_.line,
+                        Quoted(shape_.name) + ": the slopes of its curves are not taken");
+        return;
+    }
+    std::vector<Moment> baked;
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        const double time = moments[i].inner.time;
+        const bool isBaked = isCurved(moments[i]);
+        baked.push_back(std::move(moments[i]));
+        if (!isBaked)
+            continue;
+        baked.back().inner.interpolation = baked.back().outer.interpolation = Interpolation::Linear;
+        for (double frame = std::floor(time) + 1.0;
+             i + 1 < moments.size() && frame < moments[i + 1].inner.time; frame += 1.0)
+            baked.push_back(MomentAt(frame));
+    }
+    moments = std::move(baked);
+    job_.CountPoints(count_ * moments.size() * (hasFeather_ ? 2 : 1), shape_.line);
+    job_.Assume(shape_.line,
+                Quoted(shape_.name) +
+                    ": where no key goes on like its curves there is one at each frame");
 }
 
 ImportedShape NukeConverter::Convert()
@@ -217,15 +359,27 @@ ImportedShape NukeConverter::Convert()
     out.line = shape_.line;
     out.kind = shape_.isBSpline ? ImportedShape::Kind::BSpline : ImportedShape::Kind::Bezier;
     out.closed = !(shape_.curve.flags & NF_Open);
-    for (const double time : Times()) {
-        out.keys.push_back(KeyAt(time, false));
+    std::vector<Moment> moments;
+    for (const double time : Times())
+        moments.push_back(MomentAt(time));
+    SetInterpolations(moments);
+    Bake(moments);
+    for (Moment& moment : moments) {
+        out.keys.push_back(std::move(moment.inner));
         if (hasFeather_)
-            out.outerKeys.push_back(KeyAt(time, true));
+            out.outerKeys.push_back(std::move(moment.outer));
     }
     return out;
 }
 
 } // namespace
+
+bool IsKnownNukeAttribute(std::string_view name)
+{
+    constexpr std::string_view known[] = {"opc", "inv", "vis", "bm",  "fx", "fy",
+                                          "ltn", "ltm", "ltt", "spx", "spy"};
+    return std::find(std::begin(known), std::end(known), name) != std::end(known);
+}
 
 PlaneMap NukeTransform::At(double time) const
 {

@@ -14,15 +14,27 @@ ShapePlace FromTop(const ImageFrame& image, double x, double y)
     return image.FromPixels(x, image.height - y);
 }
 
-/// Rows "frame x y ..." as long as they are numbers; the line behind them is put back.
-void ReadRows(PathTextJob& text, ImportedPath& path, const ImageFrame& image, double shift)
+/// Begins a row of a track, and no name or heading.
+bool IsNumberRow(const TextLines& lines)
+{
+    return ToNumber(lines.Field(0)).has_value();
+}
+/// The same, where names may be numbers.
+bool IsIndentedRow(const TextLines& lines)
+{
+    return lines.Line().front() == '\t' || lines.Line().front() == ' ';
+}
+
+/// Rows "frame x y ..." as long as they are some; the line behind them is put back.
+void ReadRows(PathTextJob& text, ImportedPath& path, const ImageFrame& image,
+              bool (*isRow)(const TextLines& lines))
 {
     while (text.NextRow()) {
-        if (!ToNumber(text.lines.Field(0)))
+        if (!isRow(text.lines))
             return text.lines.PutBack();
         text.RequireCount(3);
         text.Add(path, text.lines.NumberAt(0),
-                 image.FromPixels(text.lines.NumberAt(1) + shift, text.lines.NumberAt(2) + shift));
+                 image.FromPixels(text.lines.NumberAt(1), text.lines.NumberAt(2)));
     }
 }
 
@@ -36,6 +48,13 @@ void ReadRows(PathTextJob& text, ImportedPath& path, const ImageFrame& image, do
         text.Add(path, text.lines.NumberAt(0),
                  image.FromPixels(text.lines.NumberAt(1) + shift, text.lines.NumberAt(2) + shift));
     }
+}
+
+/// The heading of a section is its last word behind tabs: what it belongs to stands before it.
+bool IsSection(std::string_view line, std::string_view name)
+{
+    const std::string_view words = Trimmed(line);
+    return line.front() != '\t' && words.substr(words.rfind('\t') + 1) == name;
 }
 
 /// "W x H" within a line; none: it has no such words.
@@ -90,7 +109,7 @@ void ReadBoujouCamera(PathTextJob& text)
     constexpr std::size_t columns = 13;
     constexpr std::size_t placeAt = 9;
     constexpr std::string_view indexed = "First boujou frame indexed to animation frame";
-    const ImageFrame image = text.job.Image();
+    const ImageFrame image = text.job.ShownImage();
     text.job.Assume(0, "the image is taken as one unit wide around the origin, y upwards");
     std::size_t path = 0;
     text.Begin("Camera");
@@ -117,8 +136,10 @@ void ReadBoujouCamera(PathTextJob& text)
                   0.5 + lines.NumberAt(placeAt + 1) / image.HeightsPerWidth()});
         frame += 1.0;
     }
-    if (!isTold)
+    if (!isTold) {
         text.job.Assume(0, "it does not tell the frame of its beginning");
+        text.job.AskForFirstFrame();
+    }
 }
 
 /// Facts: seen in real files. The number of tracks; for each its name, a colour, the number of its
@@ -143,7 +164,7 @@ void Read3deOldTracks(PathTextJob& text)
     const std::optional<ShapePlace> size = SizeIn(text.lines);
     const ImageFrame image = size ? text.job.Image(size->x, size->y) : text.job.Image();
     while (text.NextRow())
-        ReadRows(text, text.Begin(Trimmed(text.lines.Line())), image, 0.0);
+        ReadRows(text, text.Begin(Trimmed(text.lines.Line())), image, IsIndentedRow);
 }
 
 /// Facts: seen in real files (.2dt). A name in quotes, perhaps a camera's name or a number of the
@@ -164,9 +185,8 @@ void ReadQuotedTracks(PathTextJob& text)
             text.RequireRow("the number of rows"); // that was a camera
         int count = WholeNumber(text.lines.Field(0), text.lines.LineNumber(), 0, maxRows,
                                 "the number of rows");
-        if (count > 0) {
-            text.RequireRow("the first row of a track");
-            if (text.lines.Count() == 1) // that was the clip
+        if (text.NextRow()) {
+            if (text.lines.Count() == 1 && ToNumber(text.lines.Field(0))) // that was the clip
                 count = WholeNumber(text.lines.Field(0), text.lines.LineNumber(), 0, maxRows,
                                     "the number of rows");
             else
@@ -187,7 +207,7 @@ void ReadNamedTracks(PathTextJob& text)
         }
         ImportedPath& path = text.Begin(text.lines.RestFrom(1));
         text.RequireRow("the headings of a track");
-        ReadRows(text, path, image, 0.0);
+        ReadRows(text, path, image, IsNumberRow);
     } while (text.NextRow());
 }
 
@@ -228,7 +248,7 @@ void ReadKeyframeData(PathTextJob& text)
         } else if (line.starts_with("Units Per Second")) {
             if (lines.NumberAt(last) != text.job.Context().frameRate)
                 text.job.Assume(lines.LineNumber(), "its frame rate differs: frames are kept");
-        } else if (line == "Position") {
+        } else if (IsSection(lines.Line(), "Position")) {
             lines.Require("the headings of its positions");
             if (!image)
                 image = text.job.Image(width, height);

@@ -9,7 +9,9 @@ namespace Marlox {
 /// A text with tracks: what its readers share. They begin with the first filled line read.
 class PathTextJob {
 public:
-    explicit PathTextJob(ImportJob& job) : job(job), lines(job.Text()) {}
+    explicit PathTextJob(ImportJob& job) : PathTextJob(job, job.Text()) {}
+    /// Reads another text in place of the file's own, with as many lines.
+    PathTextJob(ImportJob& job, std::string_view text) : job(job), lines(text) {}
 
     /// The next line that is neither blank nor a comment.
     bool NextRow();

@@ -142,7 +142,7 @@ void ImportShapesTest::refusesBadInput_data()
     row("motion, no number", with("lightwave1.mot", "0.2 0.1", "nan 0.1"), any,
         "file, line 7: \"nan\" is no finite number");
     row("motion, decimal comma", with("lightwave1.mot", "0.2 0.1", "0,2 0.1"), any,
-        "file, line 7: \"0,2\" is no number: decimals need a point");
+        "file, line 7: \"0,2\" is no number: decimals need a point, and blanks part numbers");
     row("motion, huge", with("lightwave1.mot", "0.2 0.1", "1e308 0.1"), any,
         "file, line 7: \"1e308\" is out of range");
     row("motion, beyond all numbers", with("lightwave1.mot", "0.2 0.1", "1e999 0.1"), any,
@@ -193,7 +193,7 @@ void ImportShapesTest::refusesBadInput_data()
     row("row of letters", with("rows.txt", "12 0.75", "12 abc"), any,
         "file, line 3: \"abc\" is no finite number");
     row("rows with commas", "1 2,5 3,5\n", any,
-        "file, line 1: \"2,5\" is no number: decimals need a point");
+        "file, line 1: \"2,5\" is no number: decimals need a point, and blanks part numbers");
     row("keyframes cut off", cut("keyframes.txt", "End of"), any,
         "file, line 15: the file ends before \"End of Keyframe Data\"");
 }
@@ -263,10 +263,15 @@ void ImportShapesTest::ordersKeysAndDropsWhatDoesNotMatch()
              "  key 2 smooth: 0,0 corner; 1,1 corner;",
              "path \"Path 1\", line 2: 3 0.3,0.3 linear; 9 0.8,0.8 linear;",
              "aside file, line 2: \"Path 1\": frame 9 is there twice: the later one counts",
-             "assumed file: it does not tell whether the shape is closed: taken as closed"}));
+             "assumed file: it tells neither whether the shape is closed nor how its keys go on: "
+             "taken as closed, and smoothly"}));
     QCOMPARE(resultLines(result).value(6),
              QStringLiteral(
                  "aside file, line 5: \"Shape 1\": its key at frame 3 has 1 points in place of 2"));
+    const ImportedShapes edge = taken(fixture("shape.dfsh").replace("0.500000 0.800000\n", ""));
+    QVERIFY(edge.shapes.at(0).outerKeys.empty());
+    QCOMPARE(resultLines(edge).last(),
+             QStringLiteral("aside file, line 8: the edge shape has another number of points"));
 }
 
 void ImportShapesTest::takesImageAndTimesFromContext()
@@ -284,11 +289,18 @@ void ImportShapesTest::takesImageAndTimesFromContext()
     context = smallImage();
     context.startFrame = 1001.0;
     context.frameRate = 12.0;
-    QCOMPARE(taken(fixture("lightwave3.mot"), context).paths.at(0).keys.at(2).time, 1013.0);
+    QCOMPARE(taken(fixture("lightwave3.mot"), context).paths.at(0).keys.at(2).time, 12.0);
+    const QByteArray ours = "LWMO\n1\n9\n1\n0.250000 0.000000 0 0 0 0 1 1 1\n0 0 0 0 0\n";
+    QCOMPARE(taken(ours, context).paths.at(0).keys.at(0).time, 1001.0);
     context.plainUnit = ImportContext::PlainUnit::PixelsDown;
     const ImportedPathKey pair = taken(fixture("pairs.txt"), context).paths.at(0).keys.at(0);
     QCOMPARE(pair.y, 0.75);
     QCOMPARE(pair.time, 1001.0);
+
+    // A binary file is refused, its bytes no letters.
+    ImportedShapes binary;
+    ImportPolyLines("LWMO\n\xfc\1", QStringLiteral("file"), Format::Any, context, binary);
+    QVERIFY(binary.error && binary.notes.empty());
 
     // A pasted node has no format: its root layer turns about the centre.
     const QByteArray script = fixture("roto.nk");
@@ -358,6 +370,10 @@ void ImportShapesTest::staysWholeWhenFilesAreMutated()
                     bytes = "0";
             }
             ImportedShapes result;
+            const auto forced = Format(int(Format::LightWave) + step % 7);
+            const bool isForced =
+                ImportPolyLines(bytes, QStringLiteral("file"), forced, smallImage(), result);
+            QCOMPARE(isForced, !result.error.has_value());
             const bool isTaken =
                 ImportPolyLines(bytes, QStringLiteral("file"), Format::Any, smallImage(), result);
             takenCount += isTaken;
