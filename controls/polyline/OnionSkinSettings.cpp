@@ -80,7 +80,8 @@ void OnionSkinSettings::ToPreferences() const
 {
     Preferences& preferences = Preferences::Global();
     preferences.Set(PREF_DefOnionSkinCount, count);
-    preferences.Set(PREF_DefOnionSkinStep, double(step)); // files know no single precision
+    // As the dialog shows it: files know no single precision.
+    preferences.Set(PREF_DefOnionSkinStep, QString::number(double(step), 'g', 7).toDouble());
     preferences.Set(PREF_DefOnionSkinRange, int(SkinRange()));
     for (const FlagPreference& row : flagPreferences)
         preferences.Set(row.name, Has(row.flag));

@@ -111,16 +111,29 @@ KeySpan SpanOr(const std::optional<KeySpan>& wanted, const std::optional<KeySpan
     return wanted ? *wanted : otherwise.value_or(now);
 }
 
+/// Whether the middle of the shape's bounds is what moves: the shape is animated, and the centre
+/// that its tool may have is not.
+bool MovesByPoints(const PolyLineControl& control)
+{
+    const Input* input = control.ShapeInput(InnerPolygon);
+    bool hasCentre = false;
+    for (const u32 tag : {PLCID_Center, PLCID_CenterX, PLCID_CenterY}) {
+        const Input* centre = control.BoundInput(tag);
+        if (centre && (centre->HasExpression() || !centre->GetAnimation().Keys().empty()))
+            return false;
+        hasCentre = hasCentre || centre;
+    }
+    return !hasCentre || (input && !input->GetAnimation().Keys().empty());
+}
+
 /// Where the shape is at a time, as its tool puts it out: the centre that the tool has an input
 /// for; the position on a path; else the middle of the shape's bounds.
 ShapePlace OutputAt(const PolyLineControl& control, double time, double heightsPerWidth)
 {
     ShapePlacement placement = control.PlacementAt(time);
     placement.heightsPerWidth = heightsPerWidth;
-    for (const u32 tag : {PLCID_Center, PLCID_CenterX, PLCID_CenterY}) {
-        if (control.BoundInput(tag))
-            return placement.center;
-    }
+    if (!MovesByPoints(control))
+        return placement.center;
     const Input* input = control.ShapeInput(InnerPolygon);
     const Ref<PolyLine> shape = input ? ResolvedShape(*input, time) : Ref<PolyLine>();
     ShapePlace at = placement.center;
@@ -205,6 +218,8 @@ ExportedText NativeShape(const PolyLineControl& control)
     if (!main && control.Editor().HasPoints(InnerPolygon))
         text.remark = QStringLiteral("Files of this kind hold Bezier shapes: it has no points. "
                                      "Convert the shape to Bezier and export it again.");
+    else if (!control.Editor().HasPoints(InnerPolygon))
+        text.remark = QStringLiteral("The shape has no points yet.");
     return text;
 }
 
@@ -272,7 +287,8 @@ void ExportFile(PolyLineControl& control)
         request.filter += QLatin1String(format.filter);
     request.filter += u'|';
     request.pathId = QStringLiteral("PolylineExport");
-    request.fileName = HostDialogs::ValidFileName(tool->GetName());
+    // A dot in it would count as an extension.
+    request.fileName = HostDialogs::ValidFileName(tool->GetName()).replace(u'.', u'_');
     request.filterChosen = &chosen;
     QString path = HostDialogs::Get().SaveFile(request);
     if (path.isEmpty())

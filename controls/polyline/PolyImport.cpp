@@ -8,6 +8,8 @@
 #include "system/document/MarloxDoc.h"
 #include "system/shapes/import/ImportPolyLines.h"
 
+#include <cmath>
+
 #include <QApplication>
 
 namespace Marlox {
@@ -22,6 +24,8 @@ struct ImportKind {
 };
 
 constexpr char motionText[] = "Import motion path";
+/// Behind each filter, for names that other programs give their files.
+constexpr char allFiles[] = "All Files (*)|*||";
 
 constexpr ImportKind lightWave{"Import LightWave MOT", "Polyline Files (*.mot)|*.mot||",
                                ShapeFileFormat::LightWave, motionText};
@@ -36,7 +40,7 @@ constexpr ImportKind ownShape{"Import Shape",
                               ShapeFileFormat::Any, "Import shape"};
 constexpr ImportKind ssf{"Import SSF Shapes", "Polyline Files (*.ssf)|*.ssf||",
                          ShapeFileFormat::Ssf, "Import ssf shape"};
-constexpr ImportKind fxs{"Import FXS Shapes", "Polyline Files (*.fxs)|*.fxs||",
+constexpr ImportKind fxs{"Import FXS (Silhouette) Shapes", "Polyline Files (*.fxs)|*.fxs||",
                          ShapeFileFormat::Fxs, "Import fxs shape"};
 constexpr ImportKind nuke{"Import Nuke Shapes", "Polyline Files (*.nuke;*.nk)|*.nuke;*.nk||",
                           ShapeFileFormat::Nuke, "Import nuke shape"};
@@ -69,56 +73,140 @@ bool Read(const QString& path, ShapeFileFormat format, const ImportContext& cont
     return read;
 }
 
-/// False: cancelled.
-bool AskImageSize(ImportContext& context, const QString& title)
-{
-    constexpr double largest = 100'000.0;
-    const auto ask = [&title](const QString& label, double preset) {
-        return HostDialogs::Get().AskNumber({title, label, preset, 1.0, largest, true});
-    };
-    const auto width =
-        ask(QStringLiteral("The file counts in pixels. Width of its image (pixels):"), 1920.0);
-    const auto height =
-        width ? ask(QStringLiteral("Height of its image (pixels):"), 1080.0) : std::nullopt;
-    context.width = width.value_or(0.0);
-    context.height = height.value_or(0.0);
-    return height.has_value();
-}
+/// Asks what a file leaves open, each thing once. What is answered goes into the context.
+class OpenQuestions {
+public:
+    OpenQuestions(ImportContext& context, QString title)
+        : context_(context), title_(std::move(title))
+    {
+    }
+
+    enum class Outcome { NothingOpen, Answered, Cancelled };
+    Outcome Ask(const ImportedShapes& file)
+    {
+        struct Question {
+            bool isOpen;
+            bool& isAsked;
+            bool (OpenQuestions::*ask)(const ImportedShapes& file);
+        };
+        const Question questions[] = {
+            {file.asksPlainUnit, isUnitAsked_, &OpenQuestions::AskUnit},
+            {file.asksImageSize || file.lacksImageSize, isSizeAsked_, &OpenQuestions::AskSize},
+            {file.asksFirstFrame, isFrameAsked_, &OpenQuestions::AskFrame}};
+        for (const Question& question : questions) {
+            if (!question.isOpen || question.isAsked)
+                continue;
+            question.isAsked = true;
+            return (this->*question.ask)(file) ? Outcome::Answered : Outcome::Cancelled;
+        }
+        return Outcome::NothingOpen;
+    }
+
+private:
+    std::optional<double> Number(const QString& label, double preset, double low, double high) const
+    {
+        return HostDialogs::Get().AskNumber({title_, label, preset, low, high, true});
+    }
+
+    bool AskUnit(const ImportedShapes&)
+    {
+        using Unit = ImportContext::PlainUnit;
+        constexpr Unit units[] = {Unit::Normalised, Unit::PixelsUp, Unit::PixelsDown};
+        const auto number =
+            Number(QStringLiteral("The file does not tell what its numbers count: fractions of the "
+                                  "image (1), pixels from its bottom left corner (2) or pixels "
+                                  "from its top left corner (3)?"),
+                   1.0, 1.0, 3.0);
+        if (number)
+            context_.plainUnit = units[int(*number) - 1];
+        return number.has_value();
+    }
+
+    bool AskSize(const ImportedShapes& file)
+    {
+        constexpr double largest = 100'000.0;
+        const bool isTaken = file.imageWidth > 0.0 && file.imageHeight > 0.0;
+        const auto width =
+            Number(QStringLiteral("The file counts in pixels. Width of its image (pixels):"),
+                   isTaken ? std::round(file.imageWidth) : 1920.0, 1.0, largest);
+        const auto height =
+            width ? Number(QStringLiteral("Height of its image (pixels):"),
+                           isTaken ? std::round(file.imageHeight) : 1080.0, 1.0, largest)
+                  : std::nullopt;
+        if (!height)
+            return false;
+        context_.width = *width;
+        context_.height = *height;
+        context_.overrideImageSize = context_.isSizeSure = true;
+        return true;
+    }
+
+    bool AskFrame(const ImportedShapes&)
+    {
+        constexpr double furthest = 1'000'000.0;
+        const auto number = Number(QStringLiteral("Frames of the file may count from another one "
+                                                  "than here. Number to add to them:"),
+                                   0.0, -furthest, furthest);
+        context_.frameOffset = number.value_or(0.0);
+        return number.has_value();
+    }
+
+    ImportContext& context_;
+    QString title_;
+    bool isUnitAsked_ = false;
+    bool isSizeAsked_ = false;
+    bool isFrameAsked_ = false;
+};
 
 QStringList NotesOf(const ImportedShapes& file)
 {
     QStringList notes;
-    for (const ImportNote& note : file.notes)
-        notes += QString::fromStdString(file.Message(note));
+    for (const ImportNote& note : file.notes) {
+        const bool isError =
+            file.error && file.error->line == note.line && file.error->text == note.text;
+        if (!isError)
+            notes += QString::fromStdString(file.Message(note));
+    }
     return notes;
+}
+
+enum class Wanted { Shapes, Paths };
+
+bool Holds(const ImportedShapes& file, Wanted wanted)
+{
+    return wanted == Wanted::Paths ? !file.paths.empty() : !file.shapes.empty();
 }
 
 /// Lets the user choose a file and reads the whole of it; nothing: cancelled, or the user has been
 /// told why not.
 std::optional<ImportedShapes> ReadChosen(const PolyLineControl& control, const ImportKind& kind,
-                                         double startFrame)
+                                         Wanted wanted, double startFrame)
 {
     HostDialogs::FileRequest request;
     request.title = QLatin1String(kind.title);
-    request.filter = QLatin1String(kind.filter);
+    request.filter = QLatin1String(kind.filter) + QLatin1String(allFiles);
     request.pathId = QStringLiteral("PolylineImport");
     const QString path = HostDialogs::Get().OpenFile(request);
     if (path.isEmpty())
         return {};
     ImportContext context = ContextOf(control, startFrame);
+    OpenQuestions questions(context, request.title);
     ImportedShapes file;
-    bool read = Read(path, kind.format, context, file);
-    if (!read && file.lacksImageSize) {
-        if (!AskImageSize(context, request.title))
+    for (;;) {
+        const bool read = Read(path, kind.format, context, file);
+        const bool mayAsk = read ? Holds(file, wanted) : file.lacksImageSize;
+        const auto outcome = mayAsk ? questions.Ask(file) : OpenQuestions::Outcome::NothingOpen;
+        if (outcome == OpenQuestions::Outcome::Cancelled)
             return {};
-        read = Read(path, kind.format, context, file);
+        if (outcome == OpenQuestions::Outcome::Answered)
+            continue;
+        if (read)
+            return file;
+        HostDialogs::Get().Message(HostDialogs::Kind::Error,
+                                   QString::fromStdString(file.Message(*file.error)),
+                                   NotesOf(file).join(u'\n'));
+        return {};
     }
-    if (read)
-        return file;
-    HostDialogs::Get().Message(HostDialogs::Kind::Error,
-                               QString::fromStdString(file.Message(*file.error)),
-                               NotesOf(file).join(u'\n'));
-    return {};
 }
 
 double FirstFrame(const PolyLineControl& control)
@@ -157,7 +245,7 @@ std::optional<ImportShapeChoice> ChooseShapes(const ImportedShapes& file)
 void ImportShapes(PolyLineControl& control, const ImportKind& kind, double startFrame)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    std::optional<ImportedShapes> file = ReadChosen(control, kind, startFrame);
+    std::optional<ImportedShapes> file = ReadChosen(control, kind, Wanted::Shapes, startFrame);
     if (!file)
         return;
     if (file->shapes.empty()) {
@@ -204,7 +292,8 @@ const ImportedPath* ChoosePath(const ImportedShapes& file, const QString& title)
 void ImportMotion(PolyLineControl& control, const ImportKind& kind)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    const std::optional<ImportedShapes> file = ReadChosen(control, kind, FirstFrame(control));
+    const std::optional<ImportedShapes> file =
+        ReadChosen(control, kind, Wanted::Paths, FirstFrame(control));
     if (!file)
         return;
     if (file->paths.empty()) {

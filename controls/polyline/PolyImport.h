@@ -14,9 +14,10 @@ class PolyLineControl;
 // get what the file tells and can't be had here.
 
 /// The chosen shape becomes that of this overlay, its keys those of the input. With `all` the
-/// others become further tools of the same class behind this one, named after the shapes, each with
-/// a path modifier for its centre. Those are disabled: masks cut one after the other, so that
-/// together they would leave only what lies in all of them. Points are moved out of `file`.
+/// others become further tools of the same class, named after the shapes as this one is, each with
+/// a path modifier for its centre. They give masks alone, lie one on the other in the file's order,
+/// this one on top, and stand where no picture flows through them: at the beginning of the flow.
+/// Tools that have no base to lie on are disabled. Points are moved out of `file`.
 bool PlaceShapes(PolyLineControl& control, ImportedShapes& file, const ImportShapeChoice& choice,
                  const char* undoText, QString& problem, QStringList& remarks);
 

@@ -54,7 +54,7 @@ PolyLineControl::PolyLineControl(const Registry* record, const ScriptVal& creato
         bound = std::make_unique<Bound>(*this);
     const Preferences& preferences = MarloxDoc::GetPreferences();
     settings_.onion = OnionSkinSettings::FromPreferences();
-    const int option = preferences.Get(PREF_PolyExportOption, 0).toInt();
+    const int option = preferences.Get(PREF_PolyExportOption, 1).toInt();
     settings_.drawMode = u8(settings_.drawMode | (std::clamp(option, 0, 15) << 4));
     settings_.Read(attributes);
     hasMode_ = attributes.Find(PLC_DrawMode) != nullptr;

@@ -1,9 +1,12 @@
 #include "controls/polyline/PolyActions.h"
+#include "host/controls/Probe.h"
 #include "host/shapes/import/ShapeFixtures.h"
 #include "plugin/PolyRig.h"
 #include "script/ScriptSystem.h"
 #include "system/base/Registry.h"
 #include "system/shapes/PathModifier.h"
+
+#include <map>
 
 #include <QApplication>
 #include <QComboBox>
@@ -62,6 +65,12 @@ struct FilesRig : PolyRig {
         keys.SetKey(5.0, Line(0.125), Interpolation::Smooth);
         InputOf("Polyline").SetAnimation(keys);
         document->Undo().Clear();
+    }
+    void SetExportOption(int option) const
+    {
+        ScriptVal state = ScriptVal::MakeTable();
+        state.Set("ExportOption", option);
+        Poly().RestoreState(state);
     }
     void MoveCenter() const
     {
@@ -129,6 +138,7 @@ private slots:
     void importsMotions();
     void importsOneOfSeveral();
     void importsAll();
+    void importsAllOntoEachOther();
     void refusesWholly_data();
     void refusesWholly();
     void asksForTheImageSize();
@@ -138,16 +148,18 @@ void OverlayPolylineFilesTest::exportsShapes()
 {
     FilesRig rig;
     QVERIFY2(rig.library.IsLoaded(), rig.library.Error().constData());
+    rig.Exported("none.dfsh");
+    QCOMPARE(rig.dialogs.said, QStringList("none.dfsh was written without a shape."));
+    rig.dialogs.said.clear();
     rig.InputOf("Polyline").SetValue(*rig.Line(), TimeNone);
+    rig.SetExportOption(0);
     const QString plain = "DFSH\n400.000000 200.000000 1.000000 0.500000 24.000000\n"
                           "0.250000 0.250000\n"
                           "0.750000 0.250000 0.625000 0.125000 0.875000 0.375000\n"
                           "0.500000 0.750000\n";
     QCOMPARE(rig.Exported("plain.dfsh"), plain);
     rig.InputOf("Polyline2").SetValue(*rig.Line(), TimeNone);
-    ScriptVal state = ScriptVal::MakeTable();
-    state.Set("ExportOption", 1);
-    rig.Poly().RestoreState(state);
+    rig.SetExportOption(1);
     const QString marked = QString(plain)
                                .replace("0.250000 0.250000\n", "0.250000 0.250000 EP\n")
                                .replace("0.750000\n", "0.750000 EP\n");
@@ -165,7 +177,10 @@ void OverlayPolylineFilesTest::exportsMotions()
 {
     FilesRig rig;
     rig.SetMovingLine();
+    const QString still = rig.Exported("still.mot"); // the centre is; the points move it
+    QVERIFY(still.section('\n', 4, 4) != still.section('\n', 8, 8));
     rig.MoveCenter();
+    rig.SetExportOption(0);
     // The shape's keys at whole frames.
     QCOMPARE(rig.Exported("walk.mot"), QString("LWMO\n1\n9\n3\n"
                                                "0.000000 0.000000 0 0 0 0 1 1 1\n0 0 0 0 0\n"
@@ -179,9 +194,7 @@ void OverlayPolylineFilesTest::exportsMotions()
     const QString keys = points.arg("3.500000", "0.250000", "0.750000") +
                          points.arg("5.000000", "0.375000", "0.625000");
     QCOMPARE(rig.Exported("walk.dfmo"), "DFMO\n" + centre + keys);
-    ScriptVal state = ScriptVal::MakeTable();
-    state.Set("ExportOption", 1);
-    rig.Poly().RestoreState(state);
+    rig.SetExportOption(1);
     QCOMPARE(rig.Exported("head.dfmo"),
              "DFMO\n400.000000 200.000000 1.000000 0.500000 24.000000\n" + centre + keys);
 
@@ -238,14 +251,10 @@ void OverlayPolylineFilesTest::importsItsOwnShapes()
     FilesRig from;
     from.SetMovingLine();
     from.InputOf("Polyline2").SetValue(*from.Line(0.1), TimeNone);
-    ScriptVal marks = ScriptVal::MakeTable();
-    marks.Set("ExportOption", 1);
-    from.Poly().RestoreState(marks);
     const QString still = from.Exported("line.dfsh");
     const QString moving = from.Exported("line.dfmo");
 
     FilesRig to("Polyline", true);
-    to.Poly().RestoreState(marks);
     QCOMPARE(to.Mode(), int(ClickAppend));
     to.document->SetCurrentTime(8.0);
     to.Run(PolyAction::ImportShape, from.File("line.dfsh"));
@@ -285,7 +294,7 @@ void OverlayPolylineFilesTest::importsMotions()
     QCOMPARE(to.document->Tools().size(), std::size_t(1));
     QVERIFY(!to.InputOf("Center").HasExpression());
 
-    to.dialogs.texts = {"2"}; // the second of two tracks
+    to.dialogs.texts = {"400", "200", "0", "2"}; // size, frames, the second of two tracks
     to.Run(PolyAction::ImportBoujou, Fixture("boujou.txt"));
     QVERIFY(
         to.dialogs.said.join('\n').contains("boujou.txt holds 2 paths (1 Target_1, 2 Wall left)"));
@@ -304,15 +313,19 @@ void OverlayPolylineFilesTest::importsOneOfSeveral()
 {
     FilesRig rig;
     rig.SetSquare();
+    const auto import = [&rig] {
+        rig.dialogs.texts = {"400", "200"}; // the image's size
+        rig.Run(PolyAction::ImportSsf, Fixture("shapes.ssf"));
+    };
     AnswerShapes(0, true, false);
-    rig.Run(PolyAction::ImportSsf, Fixture("shapes.ssf"));
+    import();
     AnswerShapes(2, false, true); // "none"
-    rig.Run(PolyAction::ImportSsf, Fixture("shapes.ssf"));
+    import();
     QCOMPARE(rig.UndoEntries(), 0);
     QCOMPARE(rig.Count(), 4);
     QCOMPARE(rig.Mode(), int(ClickAppend));
     AnswerShapes(0, false, true);
-    rig.Run(PolyAction::ImportSsf, Fixture("shapes.ssf"));
+    import();
     QCOMPARE(rig.UndoTexts(), QStringList("Import ssf shape"));
     QCOMPARE(rig.Count(), 2);
     QCOMPARE(rig.Count("Polyline2"), 2);
@@ -343,6 +356,42 @@ void OverlayPolylineFilesTest::importsAll()
     rig.document->Undo().Undo();
     QCOMPARE(rig.document->Tools().size(), std::size_t(1));
     QCOMPARE(rig.Count(), 0);
+}
+
+/// Masks that can lie on others do so, in front of the source.
+void OverlayPolylineFilesTest::importsAllOntoEachOther()
+{
+    FilesRig rig;
+    const auto addMaskInputs = [](Operator& tool) {
+        for (const auto& [id, type] : std::map<const char*, const char*>{
+                 {"Input", "Image"}, {"Base", "Image"}, {"Combine", "Number"}, {"Apply", "Number"}})
+            tool.AddInput(id, {{IAS_Name, id}, {IAS_DataType, type}});
+    };
+    addMaskInputs(*rig.tool);
+    SetProbeInputs([](Operator&) {});
+    Operator* const source = rig.document->AddTool("ProbeTool", 0);
+    SetProbeInputs([addMaskInputs](Operator& made) {
+        made.AddInput("Polyline", {{IAS_DataType, "Polyline"}});
+        addMaskInputs(made);
+    });
+    rig.tool->SetName("ProbeTool7");
+    rig.document->Undo().Clear();
+    AnswerShapes(0, true, true);
+    rig.Run(PolyAction::ImportFxs, Fixture("shapes.fxs"));
+    QCOMPARE(rig.UndoTexts(), QStringList("Import fxs shape"));
+    Operator* const below = rig.document->FindTool("S2");
+    QVERIFY(below && !below->IsDisabled());
+    QCOMPARE(rig.tool->GetName(), QString("S1"));
+    QCOMPARE(rig.InputOf("Base").GetSource(), below);
+    QCOMPARE(rig.NumberOf("Combine"), 1.0); // subtracts
+    QCOMPARE(rig.NumberOf("Apply"), 0.0);
+    QCOMPARE(below->FindInput("Apply")->GetNumber(0.0), 1.0);
+    QCOMPARE(below->FindInput("Input")->GetSource(), source);
+    QVERIFY(rig.document->IndexOf(*below) < rig.document->IndexOf(*source));
+    QCOMPARE(rig.document->FeedOf(rig.InputOf("Input")), source);
+    rig.document->Undo().Undo();
+    QCOMPARE(rig.document->Tools().size(), std::size_t(2));
+    QVERIFY(!rig.InputOf("Base").GetSource());
 }
 
 void OverlayPolylineFilesTest::refusesWholly_data()
@@ -394,9 +443,14 @@ void OverlayPolylineFilesTest::asksForTheImageSize()
     rig.dialogs.texts = {"200"}; // and no height: cancelled
     rig.Run(PolyAction::ImportBoujou, Fixture("boujou.txt"));
     QCOMPARE(rig.UndoEntries(), 0);
-    rig.dialogs.texts = {"200", "100", "1"};
+    rig.dialogs.texts = {"200", "100", "10", "1"};
+    rig.dialogs.said.clear();
     rig.Run(PolyAction::ImportBoujou, Fixture("boujou.txt"));
-    QCOMPARE(rig.CenterAt(6.0), QString("0.25 0.75"));
+    QCOMPARE(rig.CenterAt(16.0), QString("0.25 0.75"));
+    QCOMPARE(rig.dialogs.said.size(), 4);         // what was told is no note
+    rig.dialogs.texts = {"3", "200", "100", "0"}; // pixels from the top
+    rig.Run(PolyAction::ImportMotionPath, Fixture("pairs.txt"));
+    QVERIFY(rig.CenterAt(rig.document->FirstFrame()).endsWith(" 0.75"));
 }
 
 QTEST_MAIN(OverlayPolylineFilesTest)

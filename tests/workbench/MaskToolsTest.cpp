@@ -2,6 +2,7 @@
 #include "host/Rows.h"
 #include "system/evaluation/Renderer.h"
 #include "system/shapes/BSplinePolyLine.h"
+#include "workbench/tools/MaskBase.h"
 #include "workbench/tools/OverlayTags.h"
 #include "workbench/tools/PictureFitted.h"
 
@@ -274,6 +275,66 @@ private slots:
         bench.Tool().FindInput("Polyline2")->SetDefault();
         QVERIFY(total(*bench.Run({}, 5.0), 3) < half);
         QVERIFY(std::abs(total(*bench.Run({}, 5.0), 3) - 0.3 * 1920 * 540) < 1.0);
+    }
+
+    void masksLieOnOthers()
+    {
+        MarloxDoc document;
+        Operator* left = document.AddTool("PolygonMask"); // its columns are 0 to 320 of 480
+        Operator* source = document.AddTool("ColorGradient");
+        Operator* right = document.AddTool("BSplineMask"); // 160 to 480, over the gradient
+        draw(*left, rectangle(2.0 / 3.0, 2.0, {1.0 / 3.0, 0.5}));
+        draw(*right, rectangle(2.0 / 3.0, 2.0, {2.0 / 3.0, 0.5}));
+        for (const char* id : {"Behind", "Mix"})
+            QVERIFY(source->FindInput(id));
+        left->FindInput("Apply")->SetValue(Number(1.0), TimeNone);
+        right->FindInput("Apply")->SetValue(Number(1.0), TimeNone);
+        QVERIFY(right->FindInput("Base")->Connect(left));
+        const auto covered = [&] {
+            const auto image = RenderJob::Take(document, 0.0, 0.25, right)->Run().image;
+            std::string out;
+            for (const int x : {80, 240, 400})
+                out += At(*image, x, 100)[3] > 0.5f ? '1' : '0';
+            return out;
+        };
+        std::string all;
+        for (int way = 0; way < 4; ++way) {
+            right->FindInput("Combine")->SetValue(Number(way), TimeNone, Input::ReplaceAll);
+            all += covered() + ' ';
+        }
+        QCOMPARE(all, std::string("111 100 010 101 "));
+        right->FindInput("Invert")->SetValue(Number(1.0), TimeNone, Input::ReplaceAll);
+        QCOMPARE(covered(), std::string("010"));
+        right->FindInput("Invert")->SetValue(Number(0.0), TimeNone, Input::ReplaceAll);
+        // The picture that shows through a mask that is off is no mask.
+        QVERIFY(left->FindInput("Input")->Connect(source) || !source->ImageInput()->GetSource());
+        left->DisableTool(true);
+        QCOMPARE(covered(), std::string("011"));
+        left->DisableTool(false);
+        // A shape that is not drawn leaves its base as it is, whatever the frame's size.
+        draw(*right, MakeRef<BSplinePolyLine>());
+        right->FindInput("SoftEdge")->SetValue(Number(8.0), TimeNone, Input::ReplaceAll);
+        QCOMPARE(covered(), std::string("110"));
+    }
+
+    void basesOfAnotherSizeAreStretched()
+    {
+        Bench bench("PolygonMask");
+        draw(bench.Tool(), rectangle(0.5, 0.5));
+        const auto base = Picture(8, 4, [](int x, int) {
+            return Rgba{0, 0, 0, x < 4 ? 1.0f : 0.0f};
+        });
+        const MaskBase mask(base, MaskCombine::Subtract, true);
+        Image::Format format;
+        format.displayWindow = format.dataWindow = {0, 0, 16, 8};
+        std::vector<float> row(16, 0.0f);
+        row[2] = 1.0f;
+        mask.Join(format, 0, 3, row.data(), 16);
+        QCOMPARE(row[1], 1.0f);
+        QCOMPARE(row[2], 0.0f);
+        QCOMPARE(row[7], 0.75f); // between two pixels of the base
+        QCOMPARE(row[9], 0.0f);
+        QVERIFY(mask.Covered(format, {0, 0, 16, 8}).left <= 0);
     }
 
     void masksLimitOtherTools()

@@ -1,9 +1,11 @@
 #include "workbench/tools/PolygonMask.h"
 
+#include "system/document/MarloxDoc.h"
 #include "system/shapes/ShapeLinks.h"
 #include "system/shapes/ShapePlacement.h"
 #include "workbench/tools/BoxBlur.h"
 #include "workbench/tools/ImageWindows.h"
+#include "workbench/tools/MaskBase.h"
 #include "workbench/tools/MaskShape.h"
 #include "workbench/tools/OverlayInputs.h"
 #include "workbench/tools/ToolInputs.h"
@@ -28,6 +30,8 @@ struct MaskSettings {
     double level = 1.0;
     bool inverted = false;
     MaskUse use = MaskUse::Cut;
+    MaskCombine combine = MaskCombine::Add;
+    bool hasBase = false;
 };
 
 class MaskProcess final : public ToolProcess {
@@ -39,17 +43,20 @@ public:
         const bool cuts = upstream && settings_.use == MaskUse::Cut;
         Image::Format format = upstream ? upstream->GetFormat() : StandardFormat(context);
         const MaskOutlines outlines = settings_.shape.OutlinesIn(format);
-        if (cuts && (outlines.inner.empty() || format.dataWindow.IsEmpty()))
+        const MaskBase base(settings_.hasBase ? Upstream("Base") : Ref<Image>(), settings_.combine,
+                            !outlines.inner.empty());
+        const bool isNothing = outlines.inner.empty() && !base.IsThere();
+        if (cuts && (isNothing || format.dataWindow.IsEmpty()))
             return upstream;
         if (!cuts)
             format.dataWindow = United(format.displayWindow, format.dataWindow);
-        if (outlines.inner.empty())
+        if (isNothing)
             MakeEmpty(format);
         const double deviation = settings_.softEdge * format.scale / 2.0;
         const Ref<Image> result =
             deviation > 0.0 && !format.dataWindow.IsEmpty()
-                ? Soft(outlines, deviation, cuts ? upstream : nullptr, format, context)
-                : Sharp(outlines, cuts ? upstream : nullptr, format, context);
+                ? Soft(outlines, base, deviation, cuts ? upstream : nullptr, format, context)
+                : Sharp(outlines, base, cuts ? upstream : nullptr, format, context);
         return context.IsCancelled() ? Ref<Image>() : result;
     }
 
@@ -59,7 +66,8 @@ public:
     {
         return settings_.shape.Key() + ' ' +
                KeyOf({double(settings_.rule), double(settings_.falloff), settings_.softEdge,
-                      settings_.level, double(settings_.inverted), double(settings_.use)});
+                      settings_.level, double(settings_.inverted), double(settings_.use),
+                      double(settings_.combine), double(settings_.hasBase)});
     }
 
 private:
@@ -73,25 +81,27 @@ private:
     }
 
     /// A few rows of the mask at a time.
-    Ref<Image> Sharp(const MaskOutlines& outlines, const Ref<Image>& picture, Image::Format format,
-                     RenderContext& context) const
+    Ref<Image> Sharp(const MaskOutlines& outlines, const MaskBase& base, const Ref<Image>& picture,
+                     Image::Format format, RenderContext& context) const
     {
-        Limit(format, outlines.Bounds());
+        Limit(format, base.Covered(format, outlines.Bounds()));
         auto result = MakeRef<Image>(format);
         const MaskRaster raster(outlines, settings_.rule, settings_.falloff, format.dataWindow);
         const int width = result->Width();
         context.ForRows(result->Height(), [&](int first, int last) {
             std::vector<float> mask(std::size_t(width) * std::size_t(last - first));
             raster.Rows(first, last, mask.data(), width, context);
-            for (int row = first; row < last; ++row)
-                Apply(mask.data() + std::ptrdiff_t(row - first) * width, format.dataWindow.left,
-                      width, picture.Get(), row, *result);
+            for (int row = first; row < last; ++row) {
+                float* own = mask.data() + std::ptrdiff_t(row - first) * width;
+                base.Join(format, format.dataWindow.left, format.dataWindow.top + row, own, width);
+                Apply(own, picture.Get(), row, *result);
+            }
         });
         return result;
     }
 
-    Ref<Image> Soft(const MaskOutlines& outlines, double deviation, const Ref<Image>& picture,
-                    Image::Format format, RenderContext& context) const
+    Ref<Image> Soft(const MaskOutlines& outlines, const MaskBase& base, double deviation,
+                    const Ref<Image>& picture, Image::Format format, RenderContext& context) const
     {
         const double deviationY = deviation * format.pixelAspect;
         const auto reach = [](double by) { return int(std::ceil(by * wideBlur)) + blurPasses; };
@@ -99,7 +109,7 @@ private:
         plane.window = Shared(outlines.Bounds(),
                               format.dataWindow.Widened(reach(deviation), reach(deviationY)));
         if (plane.window.IsEmpty())
-            return Sharp({}, picture, format, context);
+            return Sharp({}, base, picture, format, context);
         context.SetPart(0.0, 0.3);
         plane.rows = PlaneRows(plane.window);
         const MaskRaster raster(outlines, settings_.rule, settings_.falloff, plane.window);
@@ -110,18 +120,32 @@ private:
         plane = Blurred(plane, {deviation, deviationY, blurPasses, false}, context, 0.3, 0.8);
         if (!plane.rows)
             return {};
-        Limit(format, plane.window);
+        Limit(format, base.Covered(format, plane.window));
         auto result = MakeRef<Image>(format);
         context.SetPart(0.8, 1.0);
         context.ForRows(result->Height(), [&](int first, int last) {
+            std::vector<float> own(std::size_t(result->Width()));
             for (int row = first; row < last; ++row) {
-                const int y = format.dataWindow.top + row - plane.window.top;
-                const bool isCovered = y >= 0 && y < plane.window.Height();
-                Apply(isCovered ? plane.Row(y) : nullptr, plane.window.left,
-                      isCovered ? plane.window.Width() : 0, picture.Get(), row, *result);
+                const int y = format.dataWindow.top + row;
+                CopyRow(plane, y, format.dataWindow.left, own);
+                base.Join(format, format.dataWindow.left, y, own.data(), result->Width());
+                Apply(own.data(), picture.Get(), row, *result);
             }
         });
         return result;
+    }
+
+    /// A row of the plane from column `left` of the image on; 0 beyond it.
+    static void CopyRow(const AlphaPlane& plane, int y, int left, std::vector<float>& to)
+    {
+        std::fill(to.begin(), to.end(), 0.0f);
+        if (y < plane.window.top || y >= plane.window.bottom)
+            return;
+        const int from = std::max(left, plane.window.left);
+        const int end = std::min(left + int(to.size()), plane.window.right);
+        if (from < end)
+            std::copy_n(plane.Row(y - plane.window.top) + (from - plane.window.left), end - from,
+                        to.begin() + (from - left));
     }
 
     float Strength(float mask) const
@@ -130,18 +154,14 @@ private:
         return float(settings_.level) * (settings_.inverted ? 1.0f - held : held);
     }
 
-    /// Makes a row of the result with `count` values of the mask from column `left` of the image
-    /// on; beyond them it is 0.
-    void Apply(const float* mask, int left, int count, const Image* picture, int row,
-               Image& result) const
+    /// Makes a row of the result with as many values of the mask.
+    void Apply(const float* mask, const Image* picture, int row, Image& result) const
     {
         const MxRect& window = result.GetFormat().dataWindow;
         const float* from = picture ? PixelOf(*picture, window.left, window.top + row) : nullptr;
         float* to = result.Row(row);
-        const float outside = Strength(0.0f);
         for (int x = window.left; x < window.right; ++x, to += 4) {
-            const bool isCovered = x >= left && x < left + count;
-            const float strength = isCovered ? Strength(mask[x - left]) : outside;
+            const float strength = Strength(mask[x - window.left]);
             for (std::size_t i = 0; i < 4; ++i) {
                 // What is cut away is gone, even what is infinite or not a number.
                 to[i] = !from ? strength : strength > 0.0f ? from[i] * strength : 0.0f;
@@ -218,6 +238,9 @@ PolygonMask::PolygonMask(const Registry* record, const char* dataType) : Operato
     addShapes(*this, dataType);
     AddChoice(*this, "Apply", "Apply", "Cuts the picture out, or gives the mask as white and alpha",
               {"Cut the picture", "Mask only"}, int(MaskUse::Cut));
+    AddInput("Base", {{IAS_Name, "Base"}, {IAS_DataType, CLSID_DataType_Image}});
+    AddChoice(*this, "Combine", "Combine", "How the shape joins the mask connected to Base",
+              {"Add", "Subtract", "Intersect", "Difference"}, int(MaskCombine::Add));
     AddSlider(*this,
               {"Level", "Level", 0.0, 1.0, 1.0, "How much is left of the picture in the mask"},
               {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
@@ -252,7 +275,17 @@ std::unique_ptr<ToolProcess> PolygonMask::Prepare(double time) const
     settings.level = within(NumberAt(*this, "Level", time), 1.0);
     settings.inverted = WholeAt(*this, "Invert", time) != 0;
     settings.use = MaskUse(std::clamp(WholeAt(*this, "Apply", time), 0, 1));
+    settings.combine = MaskCombine(std::clamp(WholeAt(*this, "Combine", time), 0, 3));
+    settings.hasBase = HasBase();
     return std::make_unique<MaskProcess>(std::move(settings));
+}
+
+bool PolygonMask::HasBase() const
+{
+    const Input& base = *FindInput("Base");
+    const Operator* source = base.GetSource();
+    const Operator* feed = source && GetDoc() ? GetDoc()->FeedOf(base) : source;
+    return feed && (feed == source || dynamic_cast<const PolygonMask*>(feed));
 }
 
 ShapePlacement PolygonMask::PlacementOf(const Input&, double time) const

@@ -14,6 +14,10 @@ enum class MaskUse { Cut, MaskOnly };
 /// "SoftEdge" blurs the mask besides, by so many pixels at full resolution (twice the standard
 /// deviation). Inverted, the level rules what lies outside.
 ///
+/// The alpha of what is connected to "Base" is a mask that this one lies on: "Combine" tells how
+/// the two join, before level and inversion. A base that is switched off lets what feeds it through
+/// where that is a mask; a picture is none.
+///
 /// A shape that is open or has fewer than two points is not drawn yet: it cuts nothing, and its
 /// mask is empty.
 class PolygonMask : public Operator, public PictureFitted {
@@ -30,6 +34,9 @@ public:
 
 protected:
     PolygonMask(const Registry* record, const char* dataType);
+
+private:
+    bool HasBase() const;
 };
 
 /// The same with B-splines.

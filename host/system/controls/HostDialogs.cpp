@@ -47,6 +47,8 @@ QStringList HostDialogs::QtFilters(const QString& filter)
     QStringList filters;
     const QStringList parts = filter.split(u'|');
     for (int i = 0; i + 1 < parts.size(); i += 2) {
+        while (i + 2 < parts.size() && parts[i].isEmpty()) // the end of a list before another one
+            ++i;
         const QStringList patterns = parts[i + 1].split(u';', Qt::SkipEmptyParts);
         if (patterns.isEmpty())
             continue;

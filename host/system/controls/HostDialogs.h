@@ -42,14 +42,14 @@ public:
     struct FileRequest {
         QString title;
         /// "Polyline Files (*.dfmo)|*.dfmo||": pairs of a description and its patterns, which
-        /// semicolons separate. Empty: all files.
+        /// semicolons separate; further ones may follow the end. Empty: all files.
         QString filter;
         /// With its dot (".dfmo"); for saving: see WithDefaultExtension. Empty: that of the filter
         /// chosen.
         QString defaultExtension{};
         /// Keeps the folder of the last file chosen under this name; empty: none is kept.
         QString pathId{};
-        QString fileName{}; // the name proposed; with a path it names the folder as well
+        QString fileName{};          // the name proposed; with a path it names the folder as well
         int* filterChosen = nullptr; // for saving: gets the place of the filter chosen, from 0
     };
     struct ColorRequest {

@@ -99,6 +99,20 @@ QMessageBox::Icon iconOf(HostDialogs::Kind kind)
     }
 }
 
+/// Adds the suffix of the filter that is chosen, however it was.
+class SaveDialog : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+    std::function<QString(const QString& filter)> suffixOf;
+
+protected:
+    void accept() override
+    {
+        setDefaultSuffix(suffixOf(selectedNameFilter()));
+        QFileDialog::accept();
+    }
+};
+
 /// In the folder that was kept, with the name proposed.
 void prepare(QFileDialog& dialog, const HostDialogs::FileRequest& request)
 {
@@ -210,8 +224,8 @@ QString QtHostDialogs::OpenFile(const FileRequest& request)
 
 QString QtHostDialogs::SaveFile(const FileRequest& request)
 {
-    QFileDialog dialog(QApplication::activeWindow(),
-                       request.title.isEmpty() ? words("Save As") : request.title);
+    SaveDialog dialog(QApplication::activeWindow(),
+                      request.title.isEmpty() ? words("Save As") : request.title);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     prepare(dialog, request);
@@ -219,9 +233,8 @@ QString QtHostDialogs::SaveFile(const FileRequest& request)
         return request.defaultExtension.isEmpty() ? extensionOf(filter) : request.defaultExtension;
     };
     // The dialog's own suffix follows the same rule; with it, it asks about the right file.
+    dialog.suffixOf = extension;
     dialog.setDefaultSuffix(extension(dialog.selectedNameFilter()));
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
-                     [&](const QString& filter) { dialog.setDefaultSuffix(extension(filter)); });
     const QString path = run(dialog, request);
     if (request.filterChosen)
         *request.filterChosen = dialog.nameFilters().indexOf(dialog.selectedNameFilter());

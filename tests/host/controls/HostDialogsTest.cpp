@@ -86,6 +86,8 @@ void HostDialogsTest::Filters_data()
                                   << QStringList("Polyline Files (*.nuke *.nk)");
     QTest::newRow("two filters") << "Motion|*.mot|All (any) (*.*)|*.*||"
                                  << QStringList({"Motion (*.mot)", "All (any) (*.*)"});
+    QTest::newRow("two lists") << "A (*.a)|*.a||All Files (*)|*||"
+                               << QStringList({"A (*.a)", "All Files (*)"});
     QTest::newRow("brackets in words")
         << "Shapes (old)|*.ssf||" << QStringList("Shapes (old) (*.ssf)");
     QTest::newRow("unfinished") << "A (*.a)|*.a|B" << QStringList("A (*.a)");
@@ -211,6 +213,11 @@ void HostDialogsTest::FilesAreSavedWithTheirExtension()
     QCOMPARE(saveAs(0), folder.filePath("walk.dfsh"));
     QCOMPARE(saveAs(1), folder.filePath("walk.nk"));
     QCOMPARE(chosen, 1);
+    answerNext<QFileDialog>([](QFileDialog& dialog) { // chosen by no hand
+        dialog.selectNameFilter("Nuke (*.nk *.nuke)");
+        takeFile(dialog, "walk");
+    });
+    QCOMPARE(HostDialogs::Get().SaveFile(request), folder.filePath("walk.nk"));
     QCOMPARE(saveAs(2), folder.filePath("walk"));
 }
 
