@@ -24,7 +24,8 @@ bool Edits(const C& c)
 }
 bool HasPoints(const C& c)
 {
-    return Edits(c) && c.Editor().HasPoints(c.Editor().ActivePolygon());
+    const int active = c.Editor().ActivePolygon();
+    return Edits(c) && c.Editor().IsShown(active) && c.Editor().HasPoints(active);
 }
 bool HasSelection(const C& c)
 {
@@ -39,10 +40,6 @@ bool CanEditPoint(const C& c)
 {
     return HasSelectionInMode(c) || (c.IsPointEditorOpen() && c.Mode() != PolyDrawMode::Done);
 }
-bool CanDraw(const C& c)
-{
-    return Edits(c) && !c.Editor().IsFull();
-}
 bool CanClose(const C& c)
 {
     return Edits(c) && (c.Editor().Active()->IsClosed() || c.Editor().Active()->GetCount() >= 2);
@@ -54,6 +51,11 @@ bool HasOuterInput(const C& c)
 bool HasOuter(const C& c)
 {
     return HasOuterInput(c) && c.Editor().HasPoints(OuterPolygon);
+}
+bool CanEnableInner(const C& c)
+{
+    const PolyLine* inner = c.Editor().Shape(InnerPolygon);
+    return HasOuter(c) || (Edits(c) && inner && !inner->IsEnabled());
 }
 bool CanMakeOuter(const C& c)
 {
@@ -78,6 +80,10 @@ bool IsKeyed(const C& c)
 bool CanPublish(const C& c)
 {
     return HasSelection(c) && c.Settings().canPublishPoints;
+}
+bool CanFollow(const C& c)
+{
+    return HasSelection(c) && c.Settings().followExternMatchPoint;
 }
 bool HasPublishedSelection(const C& c)
 {
@@ -142,7 +148,7 @@ template <u32 flag>
 bool AllSelected(const C& c)
 {
     const PolyLine* shape = c.Editor().Active();
-    const SelMask& mask = c.Editor().ActiveSelection();
+    const SelMask mask = c.Editor().CommandMask(c.Editor().ActivePolygon());
     if (!shape || !mask.IsAnySet())
         return false;
     const std::vector<int> items = mask.Items();
@@ -197,6 +203,9 @@ void TurnClickSetsTime(C& c)
     flag = !flag;
 }
 
+/// Turns roto assist on and off, as its button does, whose own event shows the state.
+constexpr u32 rotoToggleEvent = 0x20068;
+
 constexpr char NeedsEdgeFollowing[] =
     "Following edges by itself is not part of this version of the controls.";
 
@@ -204,17 +213,17 @@ using A = PolyAction;
 
 constexpr PolyActionRow rows[] = {
     // Draw modes.
-    {A::ClickAppend, "Click Append\tShift+C", SetMode<PolyDrawMode::ClickAppend>, CanDraw,
+    {A::ClickAppend, "Click Append\tShift+C", SetMode<PolyDrawMode::ClickAppend>, nullptr,
      InMode<PolyDrawMode::ClickAppend>, "Click", "Click Append (Shift+C)", "DrawClick", 0x2000e},
-    {A::DrawAppend, "Draw Append\tShift+D", SetMode<PolyDrawMode::DrawAppend>, CanDraw,
+    {A::DrawAppend, "Draw Append\tShift+D", SetMode<PolyDrawMode::DrawAppend>, nullptr,
      InMode<PolyDrawMode::DrawAppend>, "Draw", "Draw Append (Shift+D)", "DrawFreehand", 0x2000f},
     {A::InsertAndModify, "Insert and Modify\tShift+I", SetMode<PolyDrawMode::InsertAndModify>,
-     CanDraw, InMode<PolyDrawMode::InsertAndModify>, "Insert", "Insert and Modify (Shift+I)",
+     nullptr, InMode<PolyDrawMode::InsertAndModify>, "Insert", "Insert and Modify (Shift+I)",
      "DrawInsertandModify", 0x20010},
-    {A::ModifyOnly, "Modify Only\tShift+M", SetMode<PolyDrawMode::ModifyOnly>, CanDraw,
+    {A::ModifyOnly, "Modify Only\tShift+M", SetMode<PolyDrawMode::ModifyOnly>, nullptr,
      InMode<PolyDrawMode::ModifyOnly>, "Modify", "Modify Only (Shift+M)", "DrawModifyOnly",
      0x20011},
-    {A::Done, "Done\tShift+N", SetMode<PolyDrawMode::Done>, CanDraw, InMode<PolyDrawMode::Done>,
+    {A::Done, "Done\tShift+N", SetMode<PolyDrawMode::Done>, nullptr, InMode<PolyDrawMode::Done>,
      "Done", "Done (Shift+N)", "DrawDone", 0x20012},
     {A::SetFocus, "Set Focus", [](C& c) { c.TakeViewFocus(); }},
     {A::Closed, "Closed\tShift+O", TogglePolygonClosed, CanClose, IsClosed, "Closed",
@@ -225,7 +234,7 @@ constexpr PolyActionRow rows[] = {
     {A::Paste, "Paste\tCtrl+V", PasteWholeShape, Edits},
     {A::CopyPathPoints, "Copy Path Points\tCtrl+C", CopyPoints, nullptr},
     {A::CopyPathValue, "Copy Path Value", CopyValue, nullptr},
-    {A::CutPathPoints, "Cut Path Points\tCtrl+X", CutPoints, HasSelection},
+    {A::CutPathPoints, "Cut Path Points\tCtrl+X", CutPoints, HasSelectionInMode},
     {A::PastePathPoints, "Paste Path Points\tCtrl+V", PastePoints, Edits},
     {A::PasteWithOffset, "Paste With Offset", PastePointsWithOffset, Edits},
 
@@ -260,7 +269,8 @@ constexpr PolyActionRow rows[] = {
      IsEnabled<OuterPolygon>},
     {A::FollowInner, "Follow Inner Polyline", Turn<&PolySettings::followInner>, HasOuter,
      Is<&PolySettings::followInner>, "Follow Inner", "Follow Inner Poly", nullptr, 0x20022},
-    {A::EnableInner, "Enable Polyline", ToggleInnerEnabled, HasOuter, IsEnabled<InnerPolygon>},
+    {A::EnableInner, "Enable Polyline", ToggleInnerEnabled, CanEnableInner,
+     IsEnabled<InnerPolygon>},
     {A::CardinalToBezier, "Cardinal to Bezier", ConvertToBezier,
      IsKind<CLSID_DataType_CardinalSplinePolyline>},
     {A::BSplineToBezier, "B-Spline to Bezier", ConvertToBezier,
@@ -296,7 +306,7 @@ constexpr PolyActionRow rows[] = {
      nullptr, nullptr, 0, "Publish to XYPath", "Publish points and animate with a XYPath"},
     {A::PublishToTracker, "Publish To Tracker", PublishSelectedToTracker, CanPublish, nullptr,
      nullptr, nullptr, nullptr, 0, "Publish to Tracker", "Publish points and attach to a Tracker"},
-    {A::FollowPublished, "Follow Published Points\tShift+F", FollowPublishedPoints, HasSelection,
+    {A::FollowPublished, "Follow Published Points\tShift+F", FollowPublishedPoints, CanFollow,
      nullptr, "Follow Points", "Make points follow nearby published points (Shift+F)",
      "FollowPublished", 0x20020},
     {A::PublishMenu, nullptr, nullptr, Edits, nullptr, "Publish", "Publish Menu", "PublishPoints",
@@ -333,8 +343,7 @@ constexpr PolyActionRow rows[] = {
     {A::OnionSettings, "Onion skin settings…", EditOnionSettings, nullptr, nullptr, nullptr,
      nullptr, nullptr, 0, "Onion skin settings…", "Onion skin settings"},
     {A::OnionClickSetsTime, "Onion skin click to Set Current Time", TurnClickSetsTime, nullptr,
-     ClickSetsTime, nullptr, nullptr, nullptr, 0, "Click on shape to set current time",
-     "Enabled setting current time"},
+     ClickSetsTime, nullptr, nullptr, nullptr, 0, "Click on shape to set current time"},
     {A::OnionResetAnchor, "Reset onion skin anchor", ResetOnionAnchor, nullptr, nullptr, nullptr,
      nullptr, nullptr, 0, "Reset anchor to current time"},
     {A::SetPrevSkinColor, "Set prev skin color", ChoosePrevSkinColor},
@@ -418,6 +427,8 @@ const PolyActionRow* FindAction(PolyAction action)
 
 const PolyActionRow* FindActionOfEvent(u32 event)
 {
+    if (event == rotoToggleEvent)
+        return FindAction(PolyAction::RotoEnable);
     const auto found =
         std::find_if(std::begin(rows), std::end(rows), [event](const PolyActionRow& row) {
             return event != 0 && row.event == event;

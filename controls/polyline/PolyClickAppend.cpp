@@ -22,12 +22,14 @@ public:
     {
         PolyEditor& editor = Editor();
         const int active = editor.ActivePolygon();
-        const bool both = editor.IsMatched() && editor.IsShown(OtherPolygon(active));
-        Begin(both ? "Add Points" : "Add Point");
+        const bool both = editor.IsMatched();
+        Begin("Add Point");
         PolyPoint point;
         point.x = at_.x;
         point.y = at_.y;
-        point.flags = PPF_Linear;
+        hasHandles_ = editor.Active() && HasHandles(*editor.Active());
+        if (hasHandles_)
+            point.flags = PPF_Linear; // a corner, until it is pulled
         for (int polygon = 0; polygon < PolygonCount; ++polygon) {
             if (polygon == active || both)
                 editor.Change(polygon, PolyEditor::Scope::Keys,
@@ -36,11 +38,15 @@ public:
         const PolyLine* shape = editor.Active();
         if (!shape || shape->GetCount() == 0)
             return;
-        index_ = shape->GetCount() - 1;
-        editor.SelectOnly(active, index_);
+        editor.SelectOnly(active, shape->GetCount() - 1);
         Control().ClickedPoints().push_back(shape->Points().back());
+        for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+            const int count = editor.Shape(polygon) ? editor.Shape(polygon)->GetCount() : 0;
+            masks_[std::size_t(polygon)].Create(count);
+            if (polygon == active || both)
+                masks_[std::size_t(polygon)].DoSet(count - 1, SelMask::Select);
+        }
         states_ = editor.TakeStates();
-        hasHandles_ = HasHandles(*shape);
     }
 
     void Move(const PolyPointer& pointer) override
@@ -52,11 +58,11 @@ public:
             return;
         pulled_ = true;
         const ShapePlace by = cursor - at_;
-        const int index = index_;
         const bool hasHandles = hasHandles_;
-        Editor().ChangeSelected(
-            [=](PolyLine& shape, const SelMask&) {
-                PolyPoint* point = shape.GetPoint(index);
+        Editor().ChangeMasked(
+            masks_,
+            [=](PolyLine& shape, const SelMask& mask) {
+                PolyPoint* point = shape.GetPoint(mask.First());
                 if (!point)
                     return;
                 point->Set(PPF_Linear, false);
@@ -76,8 +82,8 @@ public:
 private:
     ShapePlace at_;
     OverlayPoint pressed_;
-    int index_ = -1;
     PolyEditor::States states_;
+    PolyEditor::Masks masks_; // the new point, and its match
     bool hasHandles_ = false;
     bool pulled_ = false;
 };

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "system/shapes/PolyPoint.h"
+
+#include <vector>
+
 namespace Marlox {
 
 class PolyLineControl;
@@ -24,6 +28,7 @@ void RemoveLastClicked(PolyLineControl& control); // of this run of Click Append
 /// factor, or divided by it with fine steps.
 void ShiftSelected(PolyLineControl& control, int x, int y, bool coarse, bool fine);
 void NextStepFactor(PolyLineControl& control);
+void ToggleFineStep(PolyLineControl& control);
 
 // The clipboard (PolyCommandsClipboard.cpp).
 void CopyWholeShape(PolyLineControl& control);
@@ -86,6 +91,8 @@ void AskRotoFrameSkip(PolyLineControl& control);
 void CreateTrackPoints(PolyLineControl& control);
 void ResetRotoAssist(PolyLineControl& control);
 void ResetTrackPattern(PolyLineControl& control);
+/// One for each point of the active shape, where it is now.
+std::vector<ShapePlace> TrackPointsOf(const PolyLineControl& control);
 
 // Files (PolyExport.cpp, PolyImport.cpp).
 void ExportFile(PolyLineControl& control);

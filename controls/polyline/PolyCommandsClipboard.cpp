@@ -34,7 +34,8 @@ Input* ActiveInput(PolyLineControl& control)
     return control.Editor().InputOf(control.Editor().ActivePolygon());
 }
 
-void Paste(PolyLineControl& control, bool whole, ShapePlace offset)
+void Paste(PolyLineControl& control, bool whole, ShapePlace offset,
+           const char* text = "Paste Points")
 {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     Input* const input = ActiveInput(control);
@@ -47,7 +48,7 @@ void Paste(PolyLineControl& control, bool whole, ShapePlace offset)
         ShapeClip pasted = *clip;
         if (whole && pasted.kind == ShapeClip::Kind::PathPoints)
             pasted.kind = ShapeClip::Kind::Shape;
-        const PolyNest nest(control, "Paste Points");
+        const PolyNest nest(control, text);
         PasteClip(*input, control.Editor().ActiveSelection(), control.CurrentTime(), pasted, offset,
                   refusal);
     }
@@ -114,7 +115,8 @@ void PastePointsWithOffset(PolyLineControl& control)
         return;
     const PolyView view(*control.View(), control.Placement());
     const ShapePlace pixels = view.PixelSize();
-    Paste(control, false, view.Placement().InVector({*x / pixels.x, *y / pixels.y}));
+    Paste(control, false, view.Placement().InVector({*x / pixels.x, *y / pixels.y}),
+          "Offset points");
 }
 
 } // namespace Marlox

@@ -63,6 +63,7 @@ void TakeFromInner(PolyLineControl& control, const std::function<void(PolyLine& 
         const std::vector<PointLink> links = shape.Links();
         for (const PointLink& link : links) // they are the inner one's
             shape.RemoveLink(link.point);
+        shape.SetEnabled(true);
         change(shape);
     });
     Input::State next = keys.State();
@@ -101,6 +102,10 @@ void RemoveOuter(PolyLineControl& control)
     next.value = outer ? outer->DefaultValue() : nullptr;
     if (next.value)
         control.Editor().Write(OuterPolygon, std::move(next));
+    const PolyLine* inner = control.Editor().Shape(InnerPolygon);
+    if (inner && !inner->IsEnabled()) // nothing would show, and nothing could change that
+        control.Editor().Change(InnerPolygon, PolyEditor::Scope::Keys,
+                                [](PolyLine& shape) { shape.SetEnabled(true); });
     control.Editor().SetActivePolygon(InnerPolygon);
 }
 

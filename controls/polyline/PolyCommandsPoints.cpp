@@ -47,7 +47,7 @@ void TogglePolygonClosed(PolyLineControl& control)
     {
         const PolyNest nest(control, closes ? "Close polygon" : "Open polygon");
         for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-            if (polygon != editor.ActivePolygon() && !editor.IsShown(polygon))
+            if (polygon != editor.ActivePolygon() && !editor.HasPoints(polygon))
                 continue;
             editor.Change(polygon, Scope::Keys, [closes](PolyLine& each) {
                 if (closes)
@@ -56,9 +56,9 @@ void TogglePolygonClosed(PolyLineControl& control)
                     each.Open();
             });
         }
+        if (closes)
+            control.ChangeModeUndoably(PolyLineControl::ModeAfterClose(), "Close polygon");
     }
-    if (closes)
-        control.SetMode(PolyLineControl::ModeAfterClose());
 }
 
 void SelectAllPoints(PolyLineControl& control)
@@ -178,7 +178,7 @@ void ShiftSelected(PolyLineControl& control, int x, int y, bool coarse, bool fin
     const ShapePlace pixels = shapes.PixelSize();
     const double factor = control.Settings().stepFactor * (coarse ? 10.0 : 1.0);
     const bool divides = fine || control.Settings().fineStep;
-    const double step = divides ? 1.0 / std::max(factor, 10.0) : factor;
+    const double step = divides ? 1.0 / (factor > 1.0 ? factor : 10.0) : factor;
     const ShapePlace by = shapes.Placement().InVector({x * step / pixels.x, y * step / pixels.y});
     control.BeginGesture("Shift points"); // open until the keys are up
     editor.ChangeSelected(
@@ -189,6 +189,12 @@ void NextStepFactor(PolyLineControl& control)
 {
     int& factor = control.ChangeSettings().stepFactor;
     factor = factor >= 100 ? 1 : factor * 10;
+}
+
+void ToggleFineStep(PolyLineControl& control)
+{
+    bool& fine = control.ChangeSettings().fineStep;
+    fine = !fine;
 }
 
 } // namespace Marlox

@@ -28,7 +28,6 @@ std::optional<int> AskWhole(const char* title, int current, int most)
         HostDialogs::Get().Message(
             HostDialogs::Kind::Warning,
             QStringLiteral("Please choose a number between 1 and %1").arg(most));
-        request.preset = *text;
     }
 }
 
@@ -37,9 +36,12 @@ std::optional<int> AskWhole(const char* title, int current, int most)
 void ToggleRotoAssist(PolyLineControl& control)
 {
     const bool on = !control.Settings().roto.enabled;
+    const PolyLine* shape = control.Editor().Active();
+    const int count = shape ? shape->GetCount() : 0;
     control.ChangeRoto(on ? "Enable auto-roto" : "Disable auto-roto",
-                       [on](RotoAssistSettings& roto) {
+                       [on, count](RotoAssistSettings& roto) {
                            roto.enabled = on;
+                           roto.points.Create(on ? count : 0);
                            if (!on) {
                                roto.tracking = false;
                                roto.heldPoint = -1;
@@ -68,7 +70,9 @@ void AskRotoDistance(PolyLineControl& control)
     if (const auto chosen = AskWhole("Distance", control.Settings().roto.distance, furthest))
         control.ChangeRoto("Set distance", [&](RotoAssistSettings& roto) {
             roto.distance = *chosen;
-            roto.trackPoints.clear();
+            if (!roto.trackPoints.empty())
+                roto.trackPoints = TrackPointsOf(control);
+            roto.recomputes = true;
             roto.heldPoint = -1;
         });
 }

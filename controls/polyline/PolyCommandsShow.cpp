@@ -6,6 +6,7 @@
 #include "controls/polyline/PolyLineControl.h"
 #include "system/controls/HostDialogs.h"
 #include "system/document/MarloxDoc.h"
+#include "system/viewer/OverlayState.h"
 
 namespace Marlox {
 
@@ -15,13 +16,13 @@ std::optional<u32> AskColor(const QString& title, u32 preset)
 {
     HostDialogs::ColorRequest request;
     request.title = title;
-    request.preset = preset
-                         ? MxColor(int(preset >> 16), int(preset >> 8 & 0xff), int(preset & 0xff))
-                         : MxColor(228, 228, 228);
+    request.preset =
+        preset ? MxColor(int(preset >> 16 & 0xff), int(preset >> 8 & 0xff), int(preset & 0xff))
+               : MxColor(228, 228, 228);
     const std::optional<MxColor> chosen = HostDialogs::Get().ChooseColor(request);
     if (!chosen)
         return {};
-    return u32(chosen->red) << 16 | u32(chosen->green) << 8 | u32(chosen->blue);
+    return chosenColor | u32(chosen->red) << 16 | u32(chosen->green) << 8 | u32(chosen->blue);
 }
 
 template <u32 PolySettings::*member>
@@ -36,8 +37,15 @@ void ChooseColor(PolyLineControl& control, const char* title)
 
 void ToggleShapeBox(PolyLineControl& control)
 {
-    bool& shows = control.ChangeSettings().shapeBox;
-    shows = !shows;
+    const bool shows = !control.Settings().shapeBox;
+    const char* const text = shows ? "Show Shape Box" : "Hide Shape Box";
+    const auto state = [](bool on) {
+        ScriptVal table = ScriptVal::MakeTable();
+        table.Set("ShapeBox", on);
+        return table;
+    };
+    control.ChangeSettings().shapeBox = shows;
+    PushOverlayState(control, QString::fromLatin1(text), state(!shows), state(shows));
 }
 
 void ChooseSplineColor(PolyLineControl& control)

@@ -13,12 +13,13 @@ namespace Marlox {
 
 namespace {
 
-constexpr double restBrightness =
+constexpr double restOpacity =
     0.75; // of the active polygon's points, so that selected ones stand out
-constexpr double otherBrightness = 0.5; // of the polygon that is not active
-constexpr double leastHandle = 4.0;     // mark pixels; a shorter one lies below its point
-constexpr double leastStep = 3.0;       // mark pixels between marks that can be told apart
-constexpr double numberDistance = 7.0;  // of a number's corner from its point, mark pixels
+constexpr double hullOpacity = 0.6;
+constexpr double otherOpacity = 0.5;   // of the polygon that is not active
+constexpr double leastHandle = 4.0;    // mark pixels; a shorter one lies below its point
+constexpr double leastStep = 3.0;      // mark pixels between marks that can be told apart
+constexpr double numberDistance = 7.0; // of a number's corner from its point, mark pixels
 
 // Shapes of marks, in pixels of the mark.
 constexpr std::array<OverlayPoint, 4> smallSquare{{{-2, -2}, {2, -2}, {2, 2}, {-2, 2}}};
@@ -38,16 +39,16 @@ MxColor ColorOf(u32 rgb)
     return MxColor(u8(rgb >> 16), u8(rgb >> 8), u8(rgb));
 }
 
-/// A colour that was chosen, or the view's; less bright for the polygon that is not active.
-void SetColor(OverlayPainter& painter, u32 rgb, double brightness)
+/// A colour that was chosen, or the view's; one that lets the picture through for what stands back.
+void SetColor(OverlayPainter& painter, const PreviewInfo& view, u32 rgb, double opacity)
 {
-    if (rgb == 0) {
-        painter.SetColor(OverlayColor::Normal, brightness);
+    if (rgb == 0 && opacity >= 1.0) {
+        painter.SetColor(OverlayColor::Normal);
         return;
     }
-    const MxColor chosen = ColorOf(rgb);
-    const auto dimmed = [brightness](int component) { return int(component * brightness); };
-    painter.SetColor(MxColor(dimmed(chosen.red), dimmed(chosen.green), dimmed(chosen.blue)));
+    MxColor color = rgb == 0 ? view.Color(OverlayColor::Normal) : ColorOf(rgb);
+    color.alpha = u8(std::lround(255.0 * opacity));
+    painter.SetColor(color);
 }
 
 /// Marks along a shape, without those that would only cover the one before.
@@ -73,7 +74,7 @@ public:
         : control_(control), settings_(control.Settings()), editor_(control.Editor()),
           painter_(painter), view_(view), polygon_(polygon), shape_(*editor_.Shape(polygon)),
           isActive_(polygon == editor_.ActivePolygon() || !editor_.IsDouble()),
-          brightness_(isActive_ ? 1.0 : otherBrightness),
+          opacity_(isActive_ ? 1.0 : otherOpacity),
           isSpline_(shape_.GetDataType() == MxID(CLSID_DataType_BSplinePolyline))
     {
     }
@@ -101,7 +102,7 @@ private:
         std::vector<OverlayPoint> places;
         for (const PolyPoint& point : shape_.Points())
             places.push_back(At(point.Place()));
-        painter_.SetColor(OverlayColor::Normal, brightness_ * 0.55);
+        SetColor(painter_, view_.Info(), 0, opacity_ * hullOpacity);
         painter_.SetDashed(true);
         if (shape_.IsClosed())
             painter_.Loop(places);
@@ -112,7 +113,7 @@ private:
 
     void DrawCurve()
     {
-        SetColor(painter_, settings_.splineColor, brightness_);
+        SetColor(painter_, view_.Info(), settings_.splineColor, opacity_);
         painter_.SetDashed(settings_.drawStyle == PolyDrawStyle::Dash);
         editor_.CurveOf(polygon_, view_).Draw(painter_);
         painter_.SetDashed(false);
@@ -140,7 +141,7 @@ private:
                 (point.Has(PPF_Broken) ? brokenEnds : ends).push_back(end);
             }
         }
-        SetColor(painter_, settings_.handleColor, brightness_ * restBrightness);
+        SetColor(painter_, view_.Info(), settings_.handleColor, opacity_ * restOpacity);
         painter_.Lines(lines);
         painter_.Marks(OverlayPainter::Shape::Fill, diamond, ends, Scale());
         painter_.Marks(OverlayPainter::Shape::Loop, diamond, brokenEnds, Scale());
@@ -178,12 +179,12 @@ private:
                     .push_back(At(point->Place()));
         }
         using Shape = OverlayPainter::Shape;
-        SetColor(painter_, settings_.keyPointColor, brightness_ * restBrightness);
+        SetColor(painter_, view_.Info(), settings_.keyPointColor, opacity_ * restOpacity);
         painter_.Marks(Shape::Loop, smallSquare, plain.places, Scale());
         painter_.Marks(Shape::Lines, cross, locked, Scale());
         painter_.Marks(Shape::Loop, ring, published, Scale());
         painter_.Marks(Shape::Loop, triangle, following, Scale());
-        painter_.SetColor(OverlayColor::Highlight, brightness_);
+        painter_.SetColor(OverlayColor::Highlight, isActive_ ? 1.0 : otherOpacity);
         painter_.Marks(Shape::Fill, largeSquare, selected.places, Scale());
         DrawSingles(edits);
     }
@@ -230,7 +231,7 @@ private:
             else if (settings_.showNumbers)
                 digits.Add(corner, u32(i), Scale());
         }
-        painter_.SetColor(OverlayColor::Normal, brightness_);
+        SetColor(painter_, view_.Info(), 0, opacity_);
         digits.Draw(painter_, Scale());
     }
 
@@ -242,7 +243,7 @@ private:
     int polygon_;
     const PolyLine& shape_;
     bool isActive_;
-    double brightness_;
+    double opacity_;
     bool isSpline_;
 };
 

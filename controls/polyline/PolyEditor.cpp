@@ -45,6 +45,16 @@ SelMask Carried(const SelMask& mask, const PolyLine& from, const PolyLine& to)
     return carried;
 }
 
+/// Whether all places are ones that a picture can have: a placement may throw them anywhere.
+bool IsSound(const PolyLine& shape)
+{
+    constexpr double furthest = 1e9; // images away
+    const auto isIn = [](double at) { return std::abs(at) <= furthest; };
+    return std::all_of(shape.Points().begin(), shape.Points().end(), [&](const PolyPoint& p) {
+        return isIn(p.x) && isIn(p.y) && isIn(p.inX) && isIn(p.inY) && isIn(p.outX) && isIn(p.outY);
+    });
+}
+
 std::vector<u32> FlagsOf(const PolyLine* shape)
 {
     std::vector<u32> flags;
@@ -91,14 +101,16 @@ bool PolyEditor::IsShown(int polygon) const
 
 bool PolyEditor::IsMatched() const
 {
-    return Shape(InnerPolygon) && Shape(OuterPolygon) &&
+    return HasPoints(InnerPolygon) && HasPoints(OuterPolygon) &&
            Shape(InnerPolygon)->GetCount() == Shape(OuterPolygon)->GetCount();
 }
 
 void PolyEditor::SetActivePolygon(int polygon)
 {
-    if (polygon != active_ && IsShown(polygon))
-        active_ = polygon;
+    if (polygon == active_ || !IsShown(polygon))
+        return;
+    active_ = polygon;
+    control_.ActivePolygonChanged();
 }
 
 bool PolyEditor::IsAnimated(int polygon) const
@@ -247,7 +259,7 @@ void PolyEditor::SelectAll()
     Masks masks = masks_;
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         SelMask& mask = masks[std::size_t(polygon)];
-        if (polygon == active_ || (control_.Settings().editBoth && IsShown(polygon)))
+        if (IsShown(polygon) && (polygon == active_ || control_.Settings().editBoth))
             mask.Create(mask.Count(), true);
     }
     SetSelections(masks);
@@ -263,7 +275,8 @@ void PolyEditor::ClearSelection()
 
 bool PolyEditor::IsAnySelected() const
 {
-    return masks_[InnerPolygon].IsAnySet() || masks_[OuterPolygon].IsAnySet();
+    return (IsShown(InnerPolygon) && masks_[InnerPolygon].IsAnySet()) ||
+           (IsShown(OuterPolygon) && masks_[OuterPolygon].IsAnySet());
 }
 
 SelMask PolyEditor::EditedMask(int polygon) const
@@ -286,6 +299,8 @@ SelMask PolyEditor::EditedMask(int polygon) const
 SelMask PolyEditor::CommandMask(int polygon) const
 {
     const SelMask& own = Selection(polygon);
+    if (!IsShown(polygon))
+        return SelMask(own.Count());
     return IsAnySelected() ? own : SelMask(own.Count(), polygon == active_);
 }
 
@@ -435,11 +450,13 @@ bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
     if (!input || !control_.IsShapeFree(polygon))
         return false;
     ShapeKeys keys(*input, from ? *from : *TakeState(polygon));
-    const auto apply = [&change](PolyLine* shape) {
+    bool isSound = true;
+    const auto apply = [&](PolyLine* shape) {
         if (!shape)
             return;
         const WriteLock lock(*shape);
         change(*shape);
+        isSound = isSound && IsSound(*shape);
     };
     const double now = control_.CurrentTime();
     if (IsAnimated(polygon))
@@ -456,7 +473,7 @@ bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
             apply(keys.At(time));
         SpreadFlags(keys, before, FlagsOf(keys.At(now)));
     }
-    const bool written = Write(polygon, keys.State());
+    const bool written = isSound && Write(polygon, keys.State());
     if (written && Shape(polygon) && !Shape(polygon)->Links().empty() && InputOf(polygon)) {
         for (const double time : times)
             UpdatePublishedPointInputs(*InputOf(polygon), time);
@@ -467,10 +484,14 @@ bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
 bool PolyEditor::ChangeSelected(
     const std::function<void(PolyLine& shape, const SelMask& mask)>& change, const States& from)
 {
+    return ChangeMasked(EditedMasks(), change, from);
+}
+
+bool PolyEditor::ChangeMasked(
+    const Masks& masks, const std::function<void(PolyLine& shape, const SelMask& mask)>& change,
+    const States& from)
+{
     bool changed = false;
-    Masks masks; // before a change makes them others
-    for (int polygon = 0; polygon < PolygonCount; ++polygon)
-        masks[std::size_t(polygon)] = EditedMask(polygon);
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         const SelMask& mask = masks[std::size_t(polygon)];
         if (mask.IsAnySet())
@@ -519,13 +540,13 @@ PolyNest::PolyNest(PolyLineControl& control, const char* text)
     : control_(Ref<PolyLineControl>::Share(&control)), document_(control.GetDoc())
 {
     if (document_)
-        document_->StartUndoNest(text);
+        nest_ = document_->StartUndoNest(text);
 }
 
 PolyNest::~PolyNest()
 {
     if (document_)
-        document_->EndUndoNest();
+        document_->EndUndoNest(nest_);
 }
 
 } // namespace Marlox

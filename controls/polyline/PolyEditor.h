@@ -67,7 +67,7 @@ public:
     bool IsShown(int polygon) const; // it is there, and enabled
     bool IsDouble() const { return IsShown(InnerPolygon) && IsShown(OuterPolygon); }
     bool HasPoints(int polygon) const { return Shape(polygon) && Shape(polygon)->GetCount() > 0; }
-    /// Whether the points of both match: there are as many.
+    /// Whether the points of both match: there are some, and as many.
     bool IsMatched() const;
     int ActivePolygon() const { return active_; }
     void SetActivePolygon(int polygon);
@@ -96,6 +96,7 @@ public:
     /// active one's own, and on the other the matching points, where they go with it, and what is
     /// selected there with both edited.
     SelMask EditedMask(int polygon) const;
+    Masks EditedMasks() const { return {EditedMask(InnerPolygon), EditedMask(OuterPolygon)}; }
     /// The points that a command works on: the selected ones, or all without a selection.
     SelMask CommandMask(int polygon) const;
 
@@ -113,7 +114,11 @@ public:
     /// without a key gets one where the shape is animated. False: it can't be changed.
     bool Change(int polygon, Scope scope, const ShapeChange& change,
                 const std::optional<Input::State>& from = {});
-    /// The same for both polygons at the points of EditedMask.
+    /// The same for the points of both polygons that a mask tells.
+    bool ChangeMasked(const Masks& masks,
+                      const std::function<void(PolyLine& shape, const SelMask& mask)>& change,
+                      const States& from = {});
+    /// The same at the points of EditedMask.
     bool ChangeSelected(const std::function<void(PolyLine& shape, const SelMask& mask)>& change,
                         const States& from = {});
     bool Write(int polygon, Input::State next);
@@ -168,6 +173,7 @@ public:
 private:
     Ref<PolyLineControl> control_; // an edit may remove the overlay
     QPointer<MarloxDoc> document_;
+    int nest_ = 0;
 };
 
 } // namespace Marlox

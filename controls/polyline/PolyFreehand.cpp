@@ -12,8 +12,9 @@ namespace Marlox {
 
 namespace {
 
-constexpr double fitError = 1.5;  // view pixels
-constexpr double leastStep = 1.0; // view pixels from sample to sample
+constexpr double fitError = 1.5;       // view pixels
+constexpr double leastStep = 1.0;      // view pixels from sample to sample
+constexpr std::size_t leastClosed = 4; // points of a closed stroke
 constexpr std::size_t mostSamples = 1'000'000;
 
 class Freehand final : public PolyGesture {
@@ -46,7 +47,7 @@ public:
             return;
         const bool closes = closes_ && shape->GetCount() + int(points.size()) >= 2;
         const int active = editor.ActivePolygon();
-        const bool both = editor.IsMatched() && editor.IsShown(OtherPolygon(active));
+        const bool both = editor.IsMatched();
         const int first = shape->GetCount();
         Begin("Freehand Add Points");
         for (int polygon = 0; polygon < PolygonCount; ++polygon) {
@@ -103,6 +104,24 @@ private:
         closes_ = !shape.IsClosed() && stroke_.size() > 3 && std::abs(last_.x - from.x) < radius &&
                   std::abs(last_.y - from.y) < radius;
         options.closed = closes_ && shape.GetCount() == 0;
+        std::vector<PolyPoint> points = FitTo(shape, options);
+        return options.closed && points.size() < leastClosed ? Divided(points) : points;
+    }
+
+    /// A closed shape that can be animated has more points than a close fit may need: one more in
+    /// the middle of each segment, which leaves the form.
+    static std::vector<PolyPoint> Divided(const std::vector<PolyPoint>& points)
+    {
+        PolyLine shape;
+        shape.SetPoints(points);
+        shape.Close();
+        for (int i = shape.GetSegmentsCount() - 1; i >= 0; --i)
+            shape.InsertPoint(i, 0.5);
+        return {shape.Points().begin(), shape.Points().end()};
+    }
+
+    std::vector<PolyPoint> FitTo(const PolyLine& shape, const FitOptions& options) const
+    {
         if (shape.GetDataType() == MxID(CLSID_DataType_BSplinePolyline))
             return FitBSpline(stroke_, options);
         if (shape.GetDataType() == MxID(CLSID_DataType_CardinalSplinePolyline))

@@ -171,10 +171,22 @@ void PolyLineControl::SetMode(PolyDrawMode mode)
     }
 }
 
+void PolyLineControl::ChangeModeUndoably(PolyDrawMode mode, const char* text)
+{
+    const auto state = [](PolyDrawMode which) {
+        ScriptVal table = ScriptVal::MakeTable();
+        table.Set("DrawMode", int(which));
+        return table;
+    };
+    if (mode == Mode())
+        return;
+    PushOverlayState(*this, QString::fromLatin1(text), state(Mode()), state(mode));
+    SetMode(mode);
+}
+
 PolyDrawMode PolyLineControl::ModeAfterClose()
 {
-    const QString name =
-        MarloxDoc::GetPreferences().Get(PREF_PolyAfterCloseMode, "InsertAndModify").toString();
+    const QString name = MarloxDoc::GetPrefString(PREF_PolyAfterCloseMode, "InsertAndModify");
     return name == QLatin1String("InsertAndModify") ? PolyDrawMode::InsertAndModify
                                                     : PolyDrawMode::ModifyOnly;
 }
@@ -317,6 +329,13 @@ void PolyLineControl::SelectionChanged()
     UpdateDisplay(nullptr, nullptr);
 }
 
+/// The list of keys is that of the polygon that is edited.
+void PolyLineControl::ActivePolygonChanged()
+{
+    if (keyList_)
+        keyList_->SetInput(ShapeInput(editor_.ActivePolygon()));
+}
+
 void PolyLineControl::SetInactive(TagList* tags)
 {
     if (const auto gesture = std::move(gesture_))
@@ -384,8 +403,8 @@ bool PolyLineControl::RestoreState(const ScriptVal& state)
         return false;
     settings_.Restore(state);
     const double mode = state.Get("DrawMode").ToNumber(-1.0);
-    if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly))
-        SetMode(PolyDrawMode(int(mode)));
+    if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly) && int(mode) != int(Mode()))
+        SetAttr(PLC_DrawMode, int64(mode));
     if (const ScriptVal& active = state.Get("ActivePolygon"); active.IsNumber())
         editor_.SetActivePolygon(active.ToNumber() == 1.0 ? OuterPolygon : InnerPolygon);
     PolyEditor::Masks masks = editor_.Selections();

@@ -76,8 +76,10 @@ public:
     void SetMode(PolyDrawMode mode);
     /// Insert and Modify, or Modify Only, as the preference PREF_PolyAfterCloseMode tells.
     static PolyDrawMode ModeAfterClose();
+    /// The same as a part of an edit: undo brings the mode from before back.
+    void ChangeModeUndoably(PolyDrawMode mode, const char* text);
     /// Whether the shape can be edited at all: not with the tool locked or the input driven.
-    bool CanEdit() const { return IsShapeFree(InnerPolygon); }
+    bool CanEdit() const { return IsShapeFree(InnerPolygon) || IsShapeFree(OuterPolygon); }
     PreviewInfo* View() const { return view_; }
     ShapePlacement Placement() const { return PlacementAt(CurrentTime()); }
     ShapePlacement PlacementAt(double time) const;
@@ -85,6 +87,7 @@ public:
     const std::vector<PolyPoint>* PendingPoints() const { return pending_; }
     std::vector<PolyPoint>& ClickedPoints() { return clicked_; }
     void SelectionChanged();
+    void ActivePolygonChanged();
     PolyKeyListDlg* KeyList(); // made when first needed; null without PLC_Animated
     QPointer<PolyPointDlg>& PointEditor() { return pointEditor_; }
     bool IsPointEditorOpen() const;

@@ -112,7 +112,7 @@ bool PolyLineControl::WantsKey(int key, u32 modifiers) const
     const Direction arrow = DirectionOf(key);
     if (arrow.x != 0 || arrow.y != 0)
         return Mode() != PolyDrawMode::Done && editor_.IsAnySelected() && !(modifiers & KeyAlt);
-    if (key == Qt::Key_PageDown)
+    if (key == Qt::Key_PageDown || key == Qt::Key_PageUp)
         return modifiers == 0 && editor_.IsAnySelected();
     if (key == switchKey)
         return modifiers == 0 && editor_.IsDouble();
@@ -131,6 +131,8 @@ bool PolyLineControl::HandleKey(int key, u32 modifiers)
         ShiftSelected(*this, arrow.x, arrow.y, modifiers & KeyShift, modifiers & KeyControl);
     else if (key == Qt::Key_PageDown)
         NextStepFactor(*this);
+    else if (key == Qt::Key_PageUp)
+        ToggleFineStep(*this);
     else if (key == switchKey)
         return view_ && editor_.SwitchCoinciding(PolyView(*view_, Placement()));
     else if (key == Qt::Key_Backspace && Mode() == PolyDrawMode::ClickAppend)

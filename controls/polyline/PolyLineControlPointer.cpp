@@ -32,6 +32,7 @@ std::unique_ptr<PolyGesture> StartGesture(PolyLineControl& control, const PolyPo
 {
     PolyEditor& editor = control.Editor();
     const PolyHit hit = editor.HitAt(pointer.view);
+    const bool isEmpty = !editor.HasPoints(editor.ActivePolygon());
     switch (control.Mode()) {
     case PolyDrawMode::Done:
         return nullptr;
@@ -43,6 +44,8 @@ std::unique_ptr<PolyGesture> StartGesture(PolyLineControl& control, const PolyPo
     case PolyDrawMode::ModifyOnly:
         break;
     }
+    if (isEmpty) // there is nothing to modify: it is drawn anew
+        return MakeClickAppend(control, pointer);
     if (auto track = MakeTrackPointDrag(control, pointer))
         return track;
     const bool alternate = pointer.modifiers & KeyAlt;
@@ -175,7 +178,7 @@ bool PolyLineControl::HitTest(PreviewInfo& view, const TagList* tags)
         return hit.Any() || skin != TimeNone || IsOnShapeBox(*this, shapes) ||
                IsOnTrackPoint(*this, shapes);
     case PolyDrawMode::Done:
-        break;
+        return skin != TimeNone;
     }
     return false;
 }
@@ -207,12 +210,15 @@ bool PolyLineControl::ControlGetTip(PreviewInfo* view, char* tip, TagList*)
             const auto followed =
                 FindExternFollowingPoint(*input, *shape, {hit.index, CurrentTime()});
             if (followed) {
-                text += QString::fromLatin1(":%1 <- ").arg(followed->input->Owner().GetName());
+                text += QString::fromLatin1(":%1.%2 <- ")
+                            .arg(followed->input->Owner().GetName(), followed->input->GetName());
                 if (followed->time > TimeNone)
                     text += QString::asprintf(" (at time %.2f)", followed->time);
             }
         }
     }
+    if (const Operator* tool = GetOperator(nullptr); tool && tool->IsLocked())
+        text += QStringLiteral("\n%1 is locked.").arg(tool->GetName());
     const QByteArray bytes = text.toUtf8();
     constexpr int room = 255;
     int size = std::min(int(bytes.size()), room);

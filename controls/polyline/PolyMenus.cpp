@@ -271,6 +271,9 @@ QString TextOf(const PolyLineControl& control, const PolyActionRow& row, const c
 {
     const RotoAssistSettings& roto = control.Settings().roto;
     const int number = row.action == A::RotoDistance ? roto.distance : roto.frameSkip;
+    if (row.action == A::OnionClickSetsTime && text == row.popDown &&
+        control.Settings().onion.clickSetsTime)
+        return QStringLiteral("Enabled setting current time");
     return QString::fromUtf8(text).replace(QLatin1String("%d"), QString::number(number));
 }
 
@@ -371,6 +374,11 @@ PolyAction ActionOfKey(const PolyLineControl& control, int key, u32 modifiers)
     }
     if (key == Qt::Key_C && modifiers == KeyControl && !control.Editor().IsAnySelected())
         return A::Copy;
+    const bool isMode = key == Qt::Key_C || key == Qt::Key_D || key == Qt::Key_I ||
+                        key == Qt::Key_M || key == Qt::Key_N;
+    if (isMode && (modifiers == KeyShift || modifiers == Plain) &&
+        (!control.CanEdit() || control.Editor().IsFull()))
+        return A::None;
     const A found = KeyAction(key, modifiers);
     const bool isViews =
         std::find(std::begin(viewKeys), std::end(viewKeys), key) != std::end(viewKeys);

@@ -17,7 +17,14 @@ constexpr double longestClick = 0.5; // seconds; who waited longer has thought b
 class MovePoints : public PolyGesture {
 public:
     MovePoints(PolyLineControl& control, const PolyPointer& pointer, const char* text)
-        : PolyGesture(control), text_(text), rule_(pointer), states_(Editor().TakeStates())
+        : MovePoints(control, pointer, text, control.Editor().EditedMasks())
+    {
+    }
+    /// Those of the masks.
+    MovePoints(PolyLineControl& control, const PolyPointer& pointer, const char* text,
+               const PolyEditor::Masks& masks)
+        : PolyGesture(control), text_(text), rule_(pointer), states_(Editor().TakeStates()),
+          masks_(masks)
     {
     }
 
@@ -54,13 +61,14 @@ public:
 private:
     void Write(ShapePlace by)
     {
-        Editor().ChangeSelected(
-            [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); }, states_);
+        Editor().ChangeMasked(
+            masks_, [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); },
+            states_);
     }
     void ShowMoved(ShapePlace by)
     {
         for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-            const SelMask mask = Editor().EditedMask(polygon);
+            const SelMask& mask = masks_[std::size_t(polygon)];
             const Input* input = Editor().InputOf(polygon);
             if (!input || !mask.IsAnySet())
                 continue;
@@ -81,6 +89,7 @@ private:
     const char* text_;
     PolyMoveRule rule_;
     PolyEditor::States states_;
+    PolyEditor::Masks masks_;
     std::array<Ref<PolyLine>, PolygonCount> shown_; // as at the press, while nothing is written
     bool moved_ = false;
     std::function<void()> onClick_;
@@ -149,7 +158,7 @@ std::unique_ptr<PolyGesture> MakeInsertPoint(PolyLineControl& control, const Pol
     if (editor.IsFull())
         return std::make_unique<PolyNoGesture>(control);
     control.BeginGesture("Add Point");
-    const bool both = editor.IsMatched() && editor.IsShown(OuterPolygon);
+    const bool both = editor.IsMatched(); // whether the other one shows or not
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         if (polygon == hit.polygon || both)
             editor.Change(polygon, PolyEditor::Scope::Keys,
@@ -157,7 +166,17 @@ std::unique_ptr<PolyGesture> MakeInsertPoint(PolyLineControl& control, const Pol
     }
     editor.SetActivePolygon(hit.polygon);
     editor.SelectOnly(hit.polygon, hit.index + 1);
-    return std::make_unique<MovePoints>(control, pointer, "Add Point");
+    PolyEditor::Masks masks; // the new point, even while the selection is locked
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        const PolyLine* shape = editor.Shape(polygon);
+        const bool goesAlong = polygon == hit.polygon ||
+                               (polygon == OuterPolygon && both && control.Settings().followInner);
+        SelMask& mask = masks[std::size_t(polygon)];
+        mask.Create(shape ? shape->GetCount() : 0);
+        if (goesAlong)
+            mask.DoSet(hit.index + 1, SelMask::Select);
+    }
+    return std::make_unique<MovePoints>(control, pointer, "Add Point", masks);
 }
 
 } // namespace Marlox

@@ -42,7 +42,8 @@ constexpr SavedFlag savedFlags[] = {
     {"ShowHull", &PolySettings::showHull},           {"ShowNumbers", &PolySettings::showNumbers},
     {"LockSelection", &PolySettings::lockSelection}, {"ShapeBox", &PolySettings::shapeBox},
     {"ShapeBoxBoth", &PolySettings::shapeBoxBoth},   {"EditBoth", &PolySettings::editBoth},
-    {"OnionSkin", &PolySettings::onionSkin},
+    {"OnionSkin", &PolySettings::onionSkin},         {"FollowInner", &PolySettings::followInner},
+    {"FineStep", &PolySettings::fineStep},
 };
 
 struct SavedRotoFlag {
@@ -62,7 +63,7 @@ constexpr SavedRotoFlag savedRotoFlags[] = {
 
 u32 ColorOf(const TagList& tags, u32 tag, u32 otherwise)
 {
-    return u32(tags.GetLong(tag, int64(otherwise))) & 0xffffffu;
+    return u32(tags.GetLong(tag, int64(otherwise))) & 0x1ffffffu;
 }
 
 int WholeOf(const ScriptVal& value, int low, int high, int otherwise)
@@ -159,9 +160,9 @@ void PolySettings::Restore(const ScriptVal& from)
     const int factor = WholeOf(from.Get("StepFactor"), 1, 100, stepFactor);
     stepFactor = factor == 10 || factor == 100 ? factor : 1;
     multiFrame = MultiFrame(WholeOf(from.Get("MultiFrame"), 0, 3, int(multiFrame)));
-    splineColor = u32(WholeOf(from.Get("SplineColor"), 0, 0xffffff, int(splineColor)));
-    keyPointColor = u32(WholeOf(from.Get("KeyPointColor"), 0, 0xffffff, int(keyPointColor)));
-    prevSkinColor = u32(WholeOf(from.Get("PrevSkinColor"), 0, 0xffffff, int(prevSkinColor)));
+    splineColor = u32(WholeOf(from.Get("SplineColor"), 0, 0x1ffffff, int(splineColor)));
+    keyPointColor = u32(WholeOf(from.Get("KeyPointColor"), 0, 0x1ffffff, int(keyPointColor)));
+    prevSkinColor = u32(WholeOf(from.Get("PrevSkinColor"), 0, 0x1ffffff, int(prevSkinColor)));
     onionAnchor = from.Get("SkinAnchor").ToNumber(onionAnchor);
     const ScriptVal& skins = from.Get("Skins");
     onion.count = unsigned(WholeOf(skins.Get("Count"), 0, 1'000'000, int(onion.count)));

@@ -5,6 +5,7 @@
 #include "system/base/MxColor.h"
 #include "system/base/ScriptVal.h"
 #include "system/shapes/PolyPoint.h"
+#include "system/shapes/SelMask.h"
 
 #include <vector>
 
@@ -25,15 +26,20 @@ struct RotoAssistSettings {
     bool keepsTool = true; // the tool is not told: without it, enabling disables the tool
     bool showArea = false;
     bool patternEdit = false;
-    int distance = 4;                    // 1 to 16, pixels
-    int frameSkip = 1;                   // 1 to 10
-    int heldPoint = -1;                  // index of the point that the tracker holds; -1: none
+    int distance = 4;   // 1 to 16, pixels
+    int frameSkip = 1;  // 1 to 10
+    int heldPoint = -1; // index of the point that the tracker holds; -1: none
+    SelMask points;     // that are followed: of the shape when it was enabled
+    bool recomputes = false;
     std::vector<ShapePlace> trackPoints; // one for each point of the shape, its coordinates
     double trackerSize = 0.03;           // image widths, where no input tells them
     double searchSize = 0.06;
 
     friend bool operator==(const RotoAssistSettings&, const RotoAssistSettings&) = default;
 };
+
+/// Set in a colour 0xRRGGBB that somebody chose, so that black is one too.
+inline constexpr u32 chosenColor = 0x1000000;
 
 /// How a polyline overlay behaves and looks, apart from the shape. A value type.
 struct PolySettings {

@@ -94,7 +94,7 @@ void DrawSkins(const PolyLineControl& control, OverlayPainter& painter, const Po
         return;
     const u32 chosen = control.Settings().prevSkinColor;
     const MxColor before =
-        chosen ? MxColor(int(chosen >> 16), int(chosen >> 8 & 0xff), int(chosen & 0xff))
+        chosen ? MxColor(int(chosen >> 16 & 0xff), int(chosen >> 8 & 0xff), int(chosen & 0xff))
                : PrevSkinColor();
     DrawSide(control, painter, view, times.before, before);
     DrawSide(control, painter, view, times.after, NextSkinColor());

@@ -26,16 +26,6 @@ double HalfSide(const PolyView& view, double size)
     return size * view.Info().imageWidth / 2.0;
 }
 
-std::vector<ShapePlace> PlacesOfPoints(const PolyLineControl& control)
-{
-    std::vector<ShapePlace> places;
-    if (const PolyLine* shape = control.Editor().Active()) {
-        for (const PolyPoint& point : shape->Points())
-            places.push_back(point.Place());
-    }
-    return places;
-}
-
 /// What of a track point is held.
 struct TrackGrip {
     enum Kind { Nothing, Place, Pattern, Area };
@@ -174,17 +164,27 @@ void DrawTrackPoints(const PolyLineControl& control, OverlayPainter& painter, co
     painter.SetDashed(false);
 }
 
+std::vector<ShapePlace> TrackPointsOf(const PolyLineControl& control)
+{
+    std::vector<ShapePlace> places;
+    if (const PolyLine* shape = control.Editor().Active()) {
+        for (const PolyPoint& point : shape->Points())
+            places.push_back(point.Place());
+    }
+    return places;
+}
+
 void CreateTrackPoints(PolyLineControl& control)
 {
     control.ChangeRoto("Create track points", [&control](RotoAssistSettings& roto) {
-        roto.trackPoints = PlacesOfPoints(control);
+        roto.trackPoints = TrackPointsOf(control);
     });
 }
 
 void ResetTrackPattern(PolyLineControl& control)
 {
     control.ChangeRoto("Reset track pattern", [&control](RotoAssistSettings& roto) {
-        roto.trackPoints = PlacesOfPoints(control);
+        roto.trackPoints = TrackPointsOf(control);
     });
 }
 

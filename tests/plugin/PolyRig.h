@@ -22,7 +22,8 @@ struct PolyRig : OverlayRig {
                 kind,
                 {{IAS_Overlay, "PolylineControl"}, {IA_OverlayIndex, 0}, {PLC_Animated, animated}}},
                {"Polyline2", kind, {{IAS_OverlayWith, "Polyline"}, {IA_OverlayIndex, 1}}},
-               {"Center", "Point", {}}})
+               {"Center", "Point", {}},
+               {"Size", "Number", {{IAD_Default, 1.0}}}})
     {
     }
 

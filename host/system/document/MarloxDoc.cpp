@@ -60,6 +60,16 @@ Preferences& MarloxDoc::GetPreferences()
     return Preferences::Global();
 }
 
+bool MarloxDoc::GetPrefBool(const QString& name, bool missing)
+{
+    return GetPreferences().Get(name, missing).toBool();
+}
+
+QString MarloxDoc::GetPrefString(const QString& name, const QString& missing)
+{
+    return GetPreferences().Get(name, missing).toString();
+}
+
 void MarloxDoc::PushStep(std::function<void()> undo, std::function<void()> redo,
                          const QString& text)
 {

@@ -50,6 +50,7 @@ public:
 
     // Time in frames.
     double CurrentTime() const { return time_; }
+    double GetCurrentFrame() const { return time_; }
     void SetCurrentTime(double time); // clamped to the frame range; not an undo step
     double FirstFrame() const { return first_; }
     double LastFrame() const { return last_; }
@@ -64,8 +65,17 @@ public:
     void EndUndo(bool keep) override;
     // The same for nests. What an overlay's drag goes on to write after the nest that its first
     // change stood in belongs to the nest's entry: the drag's own group holds it open.
-    void StartUndoNest(const char* text) { StartUndo(text); }
-    void EndUndoNest() { EndUndo(true); }
+    /// Returns the nest's id, for EndUndoNest; without one the innermost ends.
+    int StartUndoNest(const char* text)
+    {
+        StartUndo(text);
+        return Undo().Depth();
+    }
+    void EndUndoNest(int id = 0)
+    {
+        if (id == 0 || id <= Undo().Depth())
+            EndUndo(true);
+    }
 
     /// Switches reduced-resolution rendering for a drag of `tool` on or off; calls nest per tool.
     void SetAutoProxy(Operator* tool, bool on);
@@ -75,6 +85,9 @@ public:
 
     Renderer& GetRenderer() { return *renderer_; }
     static Preferences& GetPreferences();
+    // One of them by name.
+    static bool GetPrefBool(const QString& name, bool missing = false);
+    static QString GetPrefString(const QString& name, const QString& missing = {});
 
     // Files: plain text in the C locale, UTF-8, written atomically.
     QString FilePath() const { return path_; }

@@ -147,6 +147,9 @@ public:
     /// The first selected point that is published; -1: none.
     int GetSelectedPublishedPoint(const SelMask& mask) const;
 
+    /// The form in documents, as ToScriptVal gives it.
+    bool Save(ScriptVal& to) const override;
+
     // Parameter
     MxID GetDataType() const override;
     Ref<Parameter> Copy() const override;

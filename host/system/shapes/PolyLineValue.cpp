@@ -137,6 +137,12 @@ ScriptVal PolyLine::ToScriptVal() const
     return table;
 }
 
+bool PolyLine::Save(ScriptVal& to) const
+{
+    to = ToScriptVal();
+    return true;
+}
+
 Ref<Parameter> PolyLine::FromShapeVal(const MxID& dataType, const ScriptVal& value)
 {
     const ScriptVal& kind = value.Get("Kind");

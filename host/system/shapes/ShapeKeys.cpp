@@ -58,7 +58,11 @@ PolyLine* ShapeKeys::MakeKey(double time)
     if (!state_.animation.HasKeyAt(time)) {
         const Ref<Parameter> value =
             state_.animation.IsEmpty() ? state_.value : state_.animation.Evaluate(time);
-        state_.animation.SetKey(time, value);
+        // Evenly from key to key, unless the one before says otherwise.
+        const auto before = state_.animation.KeyBefore(time);
+        const Interpolation way =
+            before ? state_.animation.Keys().at(*before).interpolation : Interpolation::Linear;
+        state_.animation.SetKey(time, value, way);
     }
     return At(time);
 }

@@ -25,7 +25,7 @@ struct ShapePlacement {
             return at;
         return center + OutVector(at - ShapePlace(0.5, 0.5));
     }
-    /// Back. With a size of 0 everything lies in the shape's centre.
+    /// Back. With a size of next to nothing everything lies in the shape's centre.
     ShapePlace In(ShapePlace at) const
     {
         if (IsIdentity())
@@ -36,12 +36,13 @@ struct ShapePlacement {
     ShapePlace OutVector(ShapePlace by) const { return Turned(by, Radians(), size); }
     ShapePlace InVector(ShapePlace by) const
     {
-        return Turned(by, -Radians(), size != 0.0 ? 1.0 / size : 0.0);
+        return Turned(by, -Radians(), std::abs(size) >= leastSize ? 1.0 / size : 0.0);
     }
 
     friend bool operator==(const ShapePlacement&, const ShapePlacement&) = default;
 
 private:
+    static constexpr double leastSize = 1e-9; // a smaller shape cannot be told from a point
     double Radians() const { return angle * std::numbers::pi / 180.0; }
     ShapePlace Turned(ShapePlace by, double radians, double scale) const
     {

@@ -91,6 +91,7 @@ OverlayStage::OverlayStage(MarloxDoc& document, QObject* parent)
         if (tool_ && document_.IndexOf(*tool_) < 0)
             tool_ = nullptr;
         Rebuild();
+        kept_.clear();
     });
     Rebuild();
 }
@@ -100,6 +101,7 @@ OverlayStage::~OverlayStage()
     EndDrag();
     for (const Entry& entry : std::exchange(entries_, {}))
         Discard(entry);
+    kept_.clear();
     std::erase(Stages(), this);
 }
 
@@ -247,14 +249,41 @@ Ref<PreviewControl> OverlayStage::MakeOverlay(const Request& request)
             overlay->SetAttrsTagList(input, tags);
     }
     overlay->ReadInputs();
+    BringStateBack(*overlay);
     overlay->AddNotify(listener_.Get(), MxID());
     return overlay;
+}
+
+/// What its maker's user set is there again when the tool is selected again.
+void OverlayStage::KeepState(const Entry& entry)
+{
+    Kept kept{Ref<Operator>::Share(&entry.main->Owner()),
+              entry.main,
+              entry.overlay->GetRegistry()->ClassID(),
+              {}};
+    if (entry.overlay->SaveState(kept.state))
+        kept_.push_back(std::move(kept));
+}
+
+void OverlayStage::BringStateBack(PreviewControl& overlay)
+{
+    const auto found = std::find_if(kept_.begin(), kept_.end(), [&overlay](const Kept& kept) {
+        return !overlay.Inputs().empty() && kept.main == overlay.Inputs().front() &&
+               kept.overlay == overlay.GetRegistry()->ClassID();
+    });
+    if (found == kept_.end())
+        return;
+    Kept kept = std::move(*found);
+    kept_.erase(found);
+    overlay.RestoreState(kept.state);
+    overlay.CleanupState(kept.state);
 }
 
 void OverlayStage::Discard(const Entry& entry)
 {
     if (dragged_.Get() == entry.overlay.Get())
         FinishDrag(true);
+    KeepState(entry);
     entry.overlay->RemoveNotify(listener_.Get());
     entry.overlay->SetInactive(nullptr);
     entry.overlay->SetView(nullptr, nullptr); // scripts may still hold it

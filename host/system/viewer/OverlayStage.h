@@ -136,6 +136,8 @@ private:
     std::vector<Input*> WantedInputs() const;
     Ref<PreviewControl> MakeOverlay(const Request& request);
     void Discard(const Entry& entry);
+    void KeepState(const Entry& entry);
+    void BringStateBack(PreviewControl& overlay);
     void LetGo(Operator& tool);
     void LetGo(Input& input);
     std::vector<PreviewControl*> PickOrder() const;
@@ -162,6 +164,14 @@ private:
     MarloxDoc& document_;
     Ref<Operator> tool_;
     std::vector<Entry> entries_;
+    /// What overlays had set when they went out of sight, for when their tool is selected again.
+    struct Kept {
+        Ref<Operator> owner; // keeps the input
+        Input* main;
+        MxID overlay; // class id
+        ScriptVal state;
+    };
+    std::vector<Kept> kept_;
     Ref<Listener> listener_;
     std::unique_ptr<Services> services_;
     PreviewInfo view_;
