@@ -3,8 +3,22 @@
 #include "system/shapes/ShapeOps_p.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Marlox {
+
+namespace {
+
+/// Whether lengths can be computed: their squares are numbers.
+bool IsWithinReach(const PolyLine& shape)
+{
+    constexpr double furthest = 1e100;
+    const std::span<const double> all = shape.Components();
+    return std::all_of(all.begin(), all.end(),
+                       [](double value) { return std::abs(value) <= furthest; });
+}
+
+} // namespace
 
 bool AreAlike(std::span<const Ref<PolyLine>> keys)
 {
@@ -12,7 +26,8 @@ bool AreAlike(std::span<const Ref<PolyLine>> keys)
         return false;
     return std::all_of(keys.begin(), keys.end(), [&](const Ref<PolyLine>& key) {
         return key && key->GetDataType() == keys[0]->GetDataType() &&
-               key->GetCount() == keys[0]->GetCount() && key->IsClosed() == keys[0]->IsClosed();
+               key->GetCount() == keys[0]->GetCount() && key->IsClosed() == keys[0]->IsClosed() &&
+               IsWithinReach(*key);
     });
 }
 

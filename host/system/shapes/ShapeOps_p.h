@@ -6,7 +6,8 @@
 
 namespace Marlox {
 
-/// Of one kind, with as many points, all closed or all open, and with a mask for them.
+/// Of one kind, with as many points, all closed or all open, and nowhere so far away that
+/// lengths overflow.
 bool AreAlike(std::span<const Ref<PolyLine>> keys);
 bool IsBezier(const PolyLine& shape);
 /// The kind, scaled.

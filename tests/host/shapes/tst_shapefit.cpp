@@ -351,6 +351,9 @@ void ShapeFitTest::convertingKeepsTheCurve()
             }
         }
     }
+    const ShapeList far = Keys(Kind::Bezier, 4, true);
+    far[1]->GetPoint(2)->x = 1e200; // where lengths overflow
+    QVERIFY(ToBSpline(far, {1.0, {1.0, 1.0}}).empty());
 }
 
 void ShapeFitTest::animationIsSmoothedAndEased()
