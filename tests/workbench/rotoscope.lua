@@ -164,7 +164,9 @@ for _, frame in ipairs(keyed) do
 end
 
 -- A soft edge: the outer polygon has the same keys; one of its points is pulled further out.
-view:press_button("Double Poly")
+answer(function(menu) menu:run("Make Outer Polyline") end)
+view:click(5, 5, {button = "right"})
+waitrender()
 equal(undo.text(), "Add double polygon", "entry")
 equal(#points(outer, keyed[1]), #outline, "points of the outer polygon")
 equal(#outer:keys(), #keyed, "keys of the outer polygon")
