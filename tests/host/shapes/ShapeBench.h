@@ -106,7 +106,8 @@ protected:
     }
     static ShapePlace placeOf(const Input& point, double time = 0.0)
     {
-        const auto components = point.GetValue(time)->Components();
+        const Ref<Parameter> value = point.GetValue(time); // whose components these are
+        const auto components = value->Components();
         return {components[0], components[1]};
     }
 
