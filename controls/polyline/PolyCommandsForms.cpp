@@ -1,5 +1,6 @@
 // Regular forms, other kinds of curves.
 
+#include "controls/polyline/PointTransform.h"
 #include "controls/polyline/PolyCommands.h"
 #include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
@@ -153,16 +154,9 @@ constexpr Form spiral{"Create Spiral", "Create spiral", "Dialogs.CreateSpiral.La
 void Unplace(PolyLine& shape, const ShapePlacement& placement)
 {
     for (int i = 0; i < shape.GetCount(); ++i) {
-        PolyPoint& point = *shape.GetPoint(i);
-        const ShapePlace at = placement.In(point.Place());
-        const ShapePlace in = placement.InVector({point.inX, point.inY});
-        const ShapePlace out = placement.InVector({point.outX, point.outY});
-        point.x = at.x;
-        point.y = at.y;
-        point.inX = in.x;
-        point.inY = in.y;
-        point.outX = out.x;
-        point.outY = out.y;
+        TransformPoint(
+            *shape.GetPoint(i), [&](ShapePlace at) { return placement.In(at); },
+            [&](ShapePlace by) { return placement.InVector(by); });
     }
 }
 

@@ -1,5 +1,6 @@
 #include "controls/polyline/PolyEditor.h"
 
+#include "controls/polyline/PointTransform.h"
 #include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/shapes/ShapeLinks.h"
@@ -509,8 +510,6 @@ bool PolyEditor::Write(int polygon, Input::State next)
     return control_.WriteShape(polygon, std::move(next));
 }
 
-// Undo --------------------------------------------------------------------------------------------
-
 bool HasHandles(const PolyLine& shape)
 {
     static const MxID bezier(CLSID_DataType_Polyline);
@@ -522,19 +521,15 @@ Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement
     const Ref<PolyLine> placed = shape.CopyShape();
     std::vector<PolyPoint> points(shape.Points().begin(), shape.Points().end());
     for (PolyPoint& point : points) {
-        const ShapePlace at = placement.Out(point.Place());
-        const ShapePlace in = placement.OutVector({point.inX, point.inY});
-        const ShapePlace out = placement.OutVector({point.outX, point.outY});
-        point.x = at.x;
-        point.y = at.y;
-        point.inX = in.x;
-        point.inY = in.y;
-        point.outX = out.x;
-        point.outY = out.y;
+        TransformPoint(
+            point, [&](ShapePlace at) { return placement.Out(at); },
+            [&](ShapePlace by) { return placement.OutVector(by); });
     }
     placed->SetPoints(std::move(points));
     return placed;
 }
+
+// Undo --------------------------------------------------------------------------------------------
 
 PolyNest::PolyNest(PolyLineControl& control, const char* text)
     : control_(Ref<PolyLineControl>::Share(&control)), document_(control.GetDoc())

@@ -2,6 +2,7 @@
 // and sides scale them about the opposite one (Ctrl: about the middle; Shift: alike in both
 // directions), the knob above it turns them (Shift: in steps), its inside moves them.
 
+#include "controls/polyline/PointTransform.h"
 #include "controls/polyline/PolyDraw.h"
 #include "controls/polyline/PolyGesture.h"
 #include "controls/polyline/PolyLineControl.h"
@@ -137,15 +138,9 @@ struct Affine {
 
     void Apply(PolyPoint& point) const
     {
-        const ShapePlace at = Place(point.Place());
-        const ShapePlace in = Vector({point.inX, point.inY});
-        const ShapePlace out = Vector({point.outX, point.outY});
-        point.x = at.x;
-        point.y = at.y;
-        point.inX = in.x;
-        point.inY = in.y;
-        point.outX = out.x;
-        point.outY = out.y;
+        TransformPoint(
+            point, [this](ShapePlace at) { return Place(at); },
+            [this](ShapePlace by) { return Vector(by); });
     }
 };
 
