@@ -44,6 +44,9 @@ PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
     timeDisplay_->addItems({tr("Frames"), tr("Hours, minutes, seconds, frames")});
     timeDisplay_->setCurrentIndex(preferences.Get(TimeCodeEdit::PreferenceName).toBool() ? 1 : 0);
     proxy_->setObjectName("proxy");
+    proxy_->setToolTip(
+        tr("While a value is dragged the picture is rendered as finely as keeps up with "
+           "the hand, but not more coarsely than this."));
     for (const int divisor : {1, 2, 4, 8})
         proxy_->addItem(divisor == 1 ? tr("Full resolution") : tr("1/%1").arg(divisor), divisor);
     proxy_->setCurrentIndex(
@@ -60,7 +63,7 @@ PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->addRow(tr("Frames a second"), frameRate_);
     form->addRow(tr("Show times as"), timeDisplay_);
-    form->addRow(tr("Resolution while dragging"), proxy_);
+    form->addRow(tr("Lowest resolution while dragging"), proxy_);
     form->addRow(QString(), autosave_);
     form->addRow(tr("Renew the copy every"), autosaveInterval_);
     autosaveInterval_->setEnabled(autosave_->isChecked());
@@ -90,7 +93,8 @@ void PreferencesDlg::OnOK()
 
 QString RecoveryFolder()
 {
-    const QString own = qEnvironmentVariable("MARLOX_CONFIG"); // preferences kept apart: so are copies
+    const QString own =
+        qEnvironmentVariable("MARLOX_CONFIG"); // preferences kept apart: so are copies
     if (!own.isEmpty())
         return own + "/recovery";
     return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/recovery";

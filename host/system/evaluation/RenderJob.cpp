@@ -194,6 +194,7 @@ RenderResult RenderJob::Run(RenderCache* cache)
         return result;
     Images images(steps_.size());
     const std::vector<bool> needed = Plan(cache, images);
+    result.rendered = planned_ > 0;
     std::vector<std::size_t> lastUse(steps_.size(), steps_.size() - 1);
     for (std::size_t i = 0; i < steps_.size(); ++i) {
         for (const Feed& feed : steps_[i].feeds) {

@@ -16,8 +16,9 @@ struct RenderResult {
     Ref<Image> image; // null on failure and when there is no tool to render
     QString error;    // empty on success; names the tool and what it could not do
     double time = 0.0;
-    bool proxy = false; // rendered at reduced resolution
-    u64 serial = 0;     // counts the requests
+    bool proxy = false;    // rendered at reduced resolution
+    bool rendered = false; // false: all of it was kept from earlier renders
+    u64 serial = 0;        // counts the requests
     bool cancelled = false;
 };
 

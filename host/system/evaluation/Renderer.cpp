@@ -1,6 +1,7 @@
 #include "system/evaluation/Renderer.h"
 
 #include "system/document/MarloxDoc.h"
+#include "system/evaluation/ProxyChoice.h"
 #include "system/evaluation/RenderCache.h"
 
 #include <algorithm>
@@ -75,16 +76,21 @@ public:
     }
 
     Operator* viewed_ = nullptr;
-    int divisor_ = 4;
+    ProxyChoice proxy_;
     RenderResult last_;
     RenderCache cache_;
 
 private:
+    /// What a job's time tells something of.
+    struct Size {
+        int divisor = 1;
+        bool inGesture = false;
+    };
     void ListenToDocument();
     void Submit();
     void CancelRunning();
     void TellProgress();
-    void Deliver(const RenderResult& result);
+    void Deliver(const RenderResult& result, const Size& size, double seconds);
     void RenderLoop();
 
     Renderer& renderer_;
@@ -102,6 +108,7 @@ private:
     RenderJob* running_ = nullptr; // owned by the thread
     QElapsedTimer runningFor_;
     u64 waitingSerial_ = 0;
+    Size waitingSize_;
     int undelivered_ = 0; // results under way to the user-interface thread
     bool stop_ = false;
     std::thread thread_; // started with the first job
@@ -118,7 +125,9 @@ void Renderer::Private::ListenToDocument()
     connect(&document_, &MarloxDoc::CurrentTimeChanged, &renderer_, request);
     connect(&document_, &MarloxDoc::FrameRangeChanged, &renderer_, request); // and the rate
     connect(&document_, &MarloxDoc::AutoProxyChanged, &renderer_, [this](bool on) {
-        if (!on)
+        if (on)
+            proxy_.Begin();
+        else
             Request(); // what is shown is a proxy perhaps
     });
     connect(&document_, &MarloxDoc::SyncRenderRequested, &renderer_, [this] { RequestFull(); });
@@ -142,11 +151,12 @@ void Renderer::Private::ListenToDocument()
 void Renderer::Private::Submit()
 {
     const bool sync = std::exchange(fullOnce_, false);
-    const bool proxy = document_.IsAutoProxy() && !sync;
-    const double scale = proxy ? 1.0 / divisor_ : 1.0;
-    auto job = RenderJob::Take(document_, document_.CurrentTime(), scale, viewed_);
+    const bool inGesture = document_.IsAutoProxy();
+    const int divisor = inGesture && !sync ? proxy_.Divisor() : 1;
+    auto job = RenderJob::Take(document_, document_.CurrentTime(), 1.0 / divisor, viewed_);
     std::lock_guard lock(mutex_);
     waiting_ = std::move(job);
+    waitingSize_ = {divisor, inGesture};
     waitingSerial_ = ++serial_;
     if (running_) {
         const qint64 left = graceMs - runningFor_.elapsed();
@@ -183,12 +193,15 @@ void Renderer::Private::TellProgress()
     emit renderer_.Progress(toolName, fraction);
 }
 
-void Renderer::Private::Deliver(const RenderResult& result)
+void Renderer::Private::Deliver(const RenderResult& result, const Size& size, double seconds)
 {
     {
         std::lock_guard lock(mutex_);
         --undelivered_;
     }
+    // Kept results and renders that were cut off early do not tell how long one takes.
+    if (result.rendered && (!result.cancelled || seconds * 1000.0 >= graceMs))
+        proxy_.Took(size.divisor, seconds, size.inGesture);
     if (result.cancelled || result.serial <= gone_)
         return;
     last_ = result;
@@ -206,6 +219,7 @@ void Renderer::Private::RenderLoop()
             return;
         const std::unique_ptr<RenderJob> job = std::move(waiting_);
         const u64 serial = waitingSerial_;
+        const Size size = waitingSize_;
         running_ = job.get();
         runningFor_.start();
         QMetaObject::invokeMethod(
@@ -218,8 +232,10 @@ void Renderer::Private::RenderLoop()
         lock.lock();
         running_ = nullptr;
         ++undelivered_;
+        const double seconds = double(runningFor_.nsecsElapsed()) * 1e-9;
         QMetaObject::invokeMethod(
-            &renderer_, [this, result] { Deliver(result); }, Qt::QueuedConnection);
+            &renderer_, [this, result, size, seconds] { Deliver(result, size, seconds); },
+            Qt::QueuedConnection);
     }
 }
 
@@ -266,7 +282,12 @@ const RenderResult& Renderer::LastResult() const
 
 void Renderer::SetProxyDivisor(int divisor)
 {
-    d_->divisor_ = std::max(1, divisor);
+    d_->proxy_.SetCoarsest(divisor);
+}
+
+void Renderer::SetProxyGoal(double seconds)
+{
+    d_->proxy_.SetGoal(seconds);
 }
 
 bool Renderer::WaitUntilIdle(int timeout)

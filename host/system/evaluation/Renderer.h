@@ -14,7 +14,8 @@ class Operator;
 /// Renders a document off the user-interface thread. The newest request wins: a newer one replaces
 /// the waiting one and cancels the running one, which is given a fifth of a second from its start
 /// to finish all the same, so that a drag shows pictures while it goes on. While a tool has
-/// automatic proxy on, renders are at reduced resolution; after MarloxDoc::SyncRender at full. The
+/// automatic proxy on, renders are at the finest resolution that keeps up with the hand (see
+/// ProxyChoice); after MarloxDoc::SyncRender at full. The
 /// interface never waits. Results of single tools are kept, within a limit, for renders that share
 /// them.
 ///
@@ -34,8 +35,11 @@ public:
     void Cancel();
     bool IsBusy() const;
     const RenderResult& LastResult() const;
-    /// Resolution divisor while automatic proxy is on (default 4).
+    /// The coarsest resolution while automatic proxy is on, as a divisor (default 4).
     void SetProxyDivisor(int divisor);
+    /// How long a render may take while automatic proxy is on before a coarser resolution is
+    /// taken, seconds (default 1/30); 0: always the coarsest.
+    void SetProxyGoal(double seconds);
     /// Waits, running the event loop, until nothing is left to render; false after `timeout` ms.
     /// For scripts and tests; the interface never calls it.
     bool WaitUntilIdle(int timeout);

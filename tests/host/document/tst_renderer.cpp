@@ -267,6 +267,7 @@ private slots:
     void dragsShowPictures()
     {
         QVERIFY(idle());
+        renderer().SetProxyGoal(0.0);
         document_->SetAutoProxy(gain_, true);
         work().during = [](RenderContext& context) {
             for (int i = 0; i < 30 && !context.IsCancelled(); ++i)
@@ -287,6 +288,7 @@ private slots:
     void proxyNestsByTool()
     {
         QVERIFY(idle());
+        renderer().SetProxyGoal(0.0);
         QSignalSpy changed(document_.get(), &MarloxDoc::AutoProxyChanged);
         document_->SetAutoProxy(gain_, true);
         document_->SetAutoProxy(gain_, true);
@@ -311,6 +313,35 @@ private slots:
         document_->RemoveTool(*gain_); // takes its proxy with it
         QVERIFY(!document_->IsAutoProxy());
         QCOMPARE(changed.count(), 2);
+    }
+
+    void proxyIsAsFineAsKeepsUp()
+    {
+        QVERIFY(idle());
+        int perFullRender = 0; // ms
+        work().during = [&](RenderContext& context) {
+            const double share = context.scale * context.scale;
+            std::this_thread::sleep_for(std::chrono::milliseconds(int(perFullRender * share)));
+        };
+        const auto widthsOfDrag = [&](int moves) {
+            std::vector<int> widths;
+            document_->SetAutoProxy(gain_, true);
+            for (int move = 1; move <= moves; ++move) {
+                set(gain_, "Gain", renderer().LastResult().serial % 1000 + 2.0);
+                if (!idle())
+                    return std::vector<int>{};
+                widths.push_back(renderer().LastResult().image->Width());
+            }
+            document_->SetAutoProxy(gain_, false);
+            return idle() ? widths : std::vector<int>{};
+        };
+        renderer().SetProxyGoal(0.2);
+        QCOMPARE(widthsOfDrag(3), std::vector<int>({64, 64, 64}));
+        perFullRender = 400; // slower than before: twice too long, then a quarter of it each
+        QCOMPARE(widthsOfDrag(4), std::vector<int>({64, 64, 32, 32}));
+        QCOMPARE(widthsOfDrag(1), std::vector<int>({32})); // known by now
+        perFullRender = 0;                                 // quick again: the first render tells
+        QCOMPARE(widthsOfDrag(3), std::vector<int>({32, 64, 64}));
     }
 
     void rendersCanBeCancelled()
