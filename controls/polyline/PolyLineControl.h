@@ -80,7 +80,6 @@ public:
     void ChangeModeUndoably(PolyDrawMode mode, const char* text);
     /// Whether the shape can be edited at all: not with the tool locked or the input driven.
     bool CanEdit() const { return IsShapeFree(InnerPolygon) || IsShapeFree(OuterPolygon); }
-    PreviewInfo* View() const { return view_; }
     ShapePlacement Placement() const { return PlacementAt(CurrentTime()); }
     ShapePlacement PlacementAt(double time) const;
     void TakeViewFocus(); // "Set Focus"

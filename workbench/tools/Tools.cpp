@@ -2,6 +2,7 @@
 
 #include "system/base/Registry.h"
 #include "system/shapes/PathModifier.h"
+#include "system/viewer/ToolGroup.h"
 #include "workbench/tools/Blur.h"
 #include "workbench/tools/BrightnessContrast.h"
 #include "workbench/tools/ColorGradient.h"
@@ -25,20 +26,30 @@ Object* create(const Registry* record, const ScriptVal&, const TagList&)
 /// The record of one tool class, with what it points to.
 template <class Tool>
 struct ToolClass {
-    ToolClass(const char* classID, const char* name, const char* category)
-        : info{1, classID, "", category, nullptr},
-          tags{{REG_RegInit, &Object::RegInit},  {REG_RegCleanup, &Object::RegCleanup},
-               {REG_Kind, u32(ClassKind::Tool)}, {REG_ScriptInfo, static_cast<const void*>(&info)},
-               {REG_Create, &create<Tool>},      {REG_DisplayName, name},
-               {REG_Category, category},         {}},
+    /// With the class id of the overlay that it is edited with, or null.
+    ToolClass(const char* classID, const char* name, const char* category,
+              const char* overlay = nullptr)
+        : info{1, classID, "", category, nullptr}, tags{{REG_RegInit, &Object::RegInit},
+                                                        {REG_RegCleanup, &Object::RegCleanup},
+                                                        {REG_Kind, u32(ClassKind::Tool)},
+                                                        {REG_ScriptInfo,
+                                                         static_cast<const void*>(&info)},
+                                                        {REG_Create, &create<Tool>},
+                                                        {REG_DisplayName, name},
+                                                        {REG_Category, category},
+                                                        overlay ? TagPair{REG_Overlay, overlay}
+                                                                : TagPair{},
+                                                        {}},
           record(classID, tags)
     {
     }
 
     ScriptInfo info;
-    TagPair tags[8];
+    TagPair tags[9];
     Registry record;
 };
+
+constexpr char polyLineOverlay[] = "PolylineControl";
 
 /// Measures lengths and angles as the picture on view has them.
 class FittedPath final : public PathModifier, public PictureFitted {
@@ -61,9 +72,11 @@ void RegisterTools()
     static const ToolClass<Crop> crop("Crop", "Crop", "Transform");
     static const ToolClass<CropRegion> cropRegion("CropRegion", "Crop Region", "Transform");
     static const ToolClass<Transform> transform("Transform", "Transform", "Transform");
-    static const ToolClass<PolygonMask> polygon("PolygonMask", "Polygon Mask", "Mask");
-    static const ToolClass<BSplineMask> spline("BSplineMask", "B-Spline Mask", "Mask");
-    static const ToolClass<FittedPath> path(CLSID_Tool_Path, "Path", "Modifier");
+    static const ToolClass<PolygonMask> polygon("PolygonMask", "Polygon Mask", "Mask",
+                                                polyLineOverlay);
+    static const ToolClass<BSplineMask> spline("BSplineMask", "B-Spline Mask", "Mask",
+                                               polyLineOverlay);
+    static const ToolClass<FittedPath> path(CLSID_Tool_Path, "Path", "Modifier", polyLineOverlay);
     static const ToolClass<TrackerModifier> tracker(CLSID_Tool_Tracker, "Tracker", "Modifier");
 }
 

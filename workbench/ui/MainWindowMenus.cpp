@@ -107,10 +107,8 @@ void buildTool(Builder& b)
     b.Start("&Tool", "toolmenu");
     QMenu* add = b.menu->addMenu(b.Tr("&Add"));
     add->setObjectName("addtool");
-    QObject::connect(add, &QMenu::aboutToShow, &window, [add, &session, &window] {
-        add->clear();
-        ToolPanel::FillAddMenu(*add, session, &window);
-    });
+    QObject::connect(add, &QMenu::aboutToShow, &window,
+                     [add, &session, &window] { ToolPanel::FillAddMenu(*add, session, &window); });
     const auto onTool = [&session](std::function<void(Operator&)> run) {
         return [&session, run] {
             if (Operator* tool = session.SelectedTool())

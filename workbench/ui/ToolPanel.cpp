@@ -1,10 +1,14 @@
 #include "workbench/ui/ToolPanel.h"
 
 #include "system/base/Registry.h"
+#include "system/viewer/ToolGroup.h"
 #include "workbench/ui/Icons.h"
 #include "workbench/ui/Messages.h"
 #include "workbench/ui/Session.h"
 #include "workbench/ui/ToolModel.h"
+
+#include <map>
+#include <string>
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -38,10 +42,8 @@ ToolPanel::ToolPanel(Session& session, QWidget* parent)
     setObjectName("tools");
     setMinimumWidth(132);
     BuildList();
-    connect(addMenu_, &QMenu::aboutToShow, this, [this] {
-        addMenu_->clear();
-        FillAddMenu(*addMenu_, session_, this);
-    });
+    connect(addMenu_, &QMenu::aboutToShow, this,
+            [this] { FillAddMenu(*addMenu_, session_, this); });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -114,20 +116,37 @@ QLayout* ToolPanel::BuildButtons()
     return buttons;
 }
 
+/// Tools whose overlay has a label of its own stand together under it, behind the others.
 void ToolPanel::FillAddMenu(QMenu& menu, Session& session, QWidget* messageParent)
 {
+    menu.clear();
+    qDeleteAll(menu.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly));
+    std::map<std::string, QMenu*> groups; // by their labels
     for (const Registry* record : ClassRegistry::Global().Records()) {
         if (record->Kind() != ClassKind::Tool)
             continue;
         const TagPair* shown = record->Find(REG_DisplayName);
+        const TagPair* overlay = record->Find(REG_Overlay);
+        const char* label = overlay ? ToolGroup::LabelOf(MxID(overlay->value.text)) : nullptr;
         const MxID type = record->ClassID();
-        menu.addAction(shown ? QString::fromUtf8(shown->value.text) : type.ToString(),
-                       messageParent, [&session, type, messageParent] {
-                           QString error;
-                           if (!session.AddTool(type, &error))
-                               ShowError(messageParent, error);
-                       });
+        QMenu* listed = &menu;
+        if (label) {
+            QMenu*& group = groups[label];
+            if (!group)
+                group = new QMenu(QString::fromUtf8(label), &menu);
+            listed = group;
+        }
+        listed->addAction(shown ? QString::fromUtf8(shown->value.text) : type.ToString(),
+                          messageParent, [&session, type, messageParent] {
+                              QString error;
+                              if (!session.AddTool(type, &error))
+                                  ShowError(messageParent, error);
+                          });
     }
+    if (!groups.empty())
+        menu.addSeparator();
+    for (const auto& [label, group] : groups)
+        menu.addMenu(group);
 }
 
 void ToolPanel::ShowSelection()

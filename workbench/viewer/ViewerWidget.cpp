@@ -55,6 +55,7 @@ ViewerWidget::ViewerWidget(MarloxDoc& document, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setMinimumSize(64, 64);
+    overlays_.View().widget = this;
     setUpdateBehavior(PartialUpdate); // each frame covers all of the view: it needs no clearing
     connect(&overlays_, &OverlayStage::Changed, this, QOverload<>::of(&QWidget::update));
     connect(&overlays_, &OverlayStage::CursorChanged, this, &ViewerWidget::ShowCursor);

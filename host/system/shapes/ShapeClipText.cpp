@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include <QMimeData>
 
@@ -36,19 +37,30 @@ bool isFinite(const Ref<Parameter>& value)
                        [](double n) { return std::isfinite(n); });
 }
 
-/// Values that pasting can rely on: all of the kind, and each shape with as many points.
-bool fits(const ShapeClip& clip, bool isShape)
+bool allKeys(const ShapeClip& clip, const std::function<bool(const Ref<Parameter>&)>& test)
 {
-    const auto good = [&](const Ref<Parameter>& value) {
+    const auto& keys = clip.animation.Keys();
+    return std::all_of(keys.begin(), keys.end(),
+                       [&test](const auto& key) { return test(key.second.value); });
+}
+
+/// Values that pasting can rely on: all of the kind.
+bool isGood(const ShapeClip& clip, bool isShape)
+{
+    const auto good = [isShape](const Ref<Parameter>& value) {
         const bool shape = dynamic_cast<const PolyLine*>(value.Get()) != nullptr;
         const bool point = dynamic_cast<const Point*>(value.Get()) != nullptr;
-        return (isShape ? shape : point) && isFinite(value) &&
-               value->Components().size() == clip.value->Components().size();
+        return (isShape ? shape : point) && isFinite(value);
     };
-    const auto& keys = clip.animation.Keys();
-    return clip.value && good(clip.value) &&
-           std::all_of(keys.begin(), keys.end(),
-                       [&](const auto& key) { return good(key.second.value); });
+    return clip.value && good(clip.value) && allKeys(clip, good);
+}
+
+/// Whether each shape has as many points.
+bool isEven(const ShapeClip& clip)
+{
+    const std::size_t count = clip.value->Components().size();
+    return allKeys(
+        clip, [count](const Ref<Parameter>& value) { return value->Components().size() == count; });
 }
 
 } // namespace
@@ -94,8 +106,12 @@ std::optional<ShapeClip> ClipFromText(const std::string& text, QString& error)
     const ScriptVal& keys = table.Get("Keys");
     const bool read =
         clip.value && (keys.IsNil() || ReadKeys(clip.value->GetDataType(), keys, clip.animation));
-    if (!read || !fits(clip, kind->isShape)) {
+    if (!read || !isGood(clip, kind->isShape)) {
         error = MarloxDoc::tr("the copied shape is damaged");
+        return {};
+    }
+    if (!isEven(clip)) {
+        error = RefusesCount;
         return {};
     }
     return clip;

@@ -1,3 +1,4 @@
+#include "system/viewer/LineBands.h"
 #include "system/viewer/MarkStamps.h"
 
 #include <algorithm>
@@ -56,7 +57,8 @@ bool ClipAxis(double from, double to, double low, double high, double& begin, do
 
 GLOverlayPainter::GLOverlayPainter(const PreviewInfo& view, double unit)
     : unit_(std::max(1.0, std::round(unit))), width_(view.viewWidth), height_(view.viewHeight),
-      stamps_(std::make_unique<MarkStamps>(unit_, casingColor))
+      stamps_(std::make_unique<MarkStamps>(unit_, casingColor)),
+      bands_(std::make_unique<LineBands>(unit_, casingColor, width_, height_))
 {
     SetView(view);
 }
@@ -93,6 +95,9 @@ void GLOverlayPainter::Emit(Shape shape, std::span<const OverlayPoint> points)
     }
     if (shape == Shape::Fill)
         return AddFill(points);
+    const State& state = Current();
+    if (!state.framed)
+        return bands_->Add(points, shape == Shape::Loop, {state.color, state.casing, state.dashed});
     for (std::size_t i = 1; i < points.size(); ++i)
         AddLine(Placed(points[i - 1]), Placed(points[i]));
     if (shape == Shape::Loop)
@@ -193,8 +198,9 @@ void GLOverlayPainter::AddCasing(OverlayPoint from, OverlayPoint to, Vertices& c
     const double length = std::hypot(dx, dy);
     const double longer = Current().dashed || !(length > 0.0) ? 0.0 : unit_ / length;
     MxColor color = casingColor;
-    if (Current().color.alpha != 255) { // what shows through is not to be darkened either
-        color.alpha = std::uint8_t(color.alpha * Current().color.alpha / 255);
+    const double darkness = Current().casing * Current().color.Alpha();
+    if (darkness != 1.0) { // what shows through is not to be darkened either
+        color.alpha = u8(color.alpha * darkness);
         hasThinCasings_ = true;
     }
     casing.push_back({float(from.x - dx * longer), float(from.y - dy * longer), color});
@@ -242,9 +248,12 @@ void GLOverlayPainter::Flush()
     };
     drawLines(3.0 * unit_, crispCasing_, smoothCasing_, dashedCasing_,
               std::exchange(hasThinCasings_, false));
+    bands_->DrawCasings();
     stamps_->Draw();
     DrawVertices(GL_TRIANGLES, fills_, true);
     drawLines(unit_, crisp_, smooth_, dashed_, true);
+    bands_->DrawLines();
+    bands_->Clear();
     glPopClientAttrib();
     glPopAttrib();
     for (Vertices* each :

@@ -10,6 +10,7 @@
 
 namespace Marlox {
 
+class LineBands;
 class MarkStamps;
 
 /// A position in view pixels or, within a mark's frame, in pixels of the mark; y upwards.
@@ -38,6 +39,8 @@ public:
     void SetColor(const MxColor& color);
     /// Dashes of four pixels and as wide gaps (factor 1, pattern 0xF0F0).
     void SetDashed(bool dashed) { state_.dashed = dashed; }
+    /// How dark the casings of lines are, 0 to 1: less for what stands back. Those of marks stay.
+    void SetCasing(double darkness) { state_.casing = darkness; }
 
     void Line(OverlayPoint from, OverlayPoint to);
     void Lines(std::span<const OverlayPoint> pairs) { Draw(Shape::Lines, pairs); }
@@ -60,6 +63,7 @@ public:
         std::optional<OverlayColor> role; // that the colour was set by
         double brightness = 1.0;
         bool dashed = false;
+        double casing = 1.0;
         bool framed = false;
         OverlayPoint origin; // of the frame, view pixels
         double scale = 1.0;  // view pixels for each pixel of the mark
@@ -108,8 +112,9 @@ private:
 
 /// Draws with OpenGL 1.x into the current context, whose projection must be the view's pixels, y
 /// upwards. What overlays draw is gathered and drawn at once by Flush, or when the painter goes:
-/// casings, then small shapes of marks with theirs, then all other shapes. Positions that are no
-/// numbers are left out; what lies far outside the view is cut off.
+/// casings, then small shapes of marks with theirs, then all other shapes. A line through many
+/// places covers no pixel twice but where it crosses itself. Positions that are no numbers are left
+/// out; what lies far outside the view is cut off.
 class MARLOXSYSTEM_EXPORT GLOverlayPainter final : public OverlayPainter {
 public:
     /// `unit` is the width of a line in view pixels.
@@ -146,10 +151,11 @@ private:
     Vertices smoothCasing_;
     Vertices dashed_;
     Vertices dashedCasing_;
-    bool hasThinCasings_ = false;  // of lines that are not opaque
+    bool hasThinCasings_ = false;  // not all as dark as each other
     Vertices fills_;               // triangles
     std::vector<MxPoint> origins_; // of the marks that are being added
     std::unique_ptr<MarkStamps> stamps_;
+    std::unique_ptr<LineBands> bands_; // lines through more than two places
 };
 
 /// Writes down what is drawn, one line for each shape with its state:

@@ -14,7 +14,7 @@ public:
     OverlayStateStep(PreviewControl& overlay, const ScriptVal& before, const ScriptVal& after)
         : input_(overlay.Inputs().front()), owner_(Ref<Operator>::Share(&input_->Owner())),
           overlay_(overlay.GetRegistry() ? overlay.GetRegistry()->ClassID() : MxID()),
-          before_(before.Clone()), after_(after.Clone())
+          view_(overlay.View()), before_(before.Clone()), after_(after.Clone())
     {
     }
     void Undo() override { Restore(before_); }
@@ -30,14 +30,16 @@ private:
         }
         for (Object* const control : controls) {
             auto* const overlay = dynamic_cast<PreviewControl*>(control);
-            if (overlay && overlay->GetRegistry() && overlay->GetRegistry()->ClassID() == overlay_)
+            if (overlay && overlay->View() == view_ && overlay->GetRegistry() &&
+                overlay->GetRegistry()->ClassID() == overlay_)
                 overlay->RestoreState(state);
         }
     }
 
     Input* input_;
-    Ref<Operator> owner_; // keeps the input
-    MxID overlay_;        // class id
+    Ref<Operator> owner_;     // keeps the input
+    MxID overlay_;            // class id
+    const PreviewInfo* view_; // only compared: it may be gone
     ScriptVal before_;
     ScriptVal after_;
 };

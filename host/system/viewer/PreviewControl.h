@@ -119,6 +119,8 @@ public:
     /// Binds the overlay to a tool, which it keeps alive, before its inputs are added.
     void SetOperator(Operator* owner);
     double CurrentTime() const;
+    /// That it is shown in; not owned. Null: none.
+    PreviewInfo* View() const { return view_; }
     const std::vector<Input*>& Inputs() const { return inputs_; }
     Input* FindInputByIndex(unsigned int index) const;
     bool IsActive() const { return active_; }

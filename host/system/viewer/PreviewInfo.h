@@ -5,6 +5,8 @@
 
 #include <array>
 
+class QWidget;
+
 namespace Marlox {
 
 class Input;
@@ -91,6 +93,8 @@ public:
 
     ViewServices* services = nullptr;  // null: a view without a window
     OverlayPainter* painter = nullptr; // while overlays are drawn
+    /// The view's own, whose window the windows of overlays stay above and go with; null: none.
+    QWidget* widget = nullptr;
     OverlayColors colors{MxColor(228, 228, 228),      MxColor(255, 255, 255),
                          MxColor(160, 160, 160),      MxColor(160, 160, 160, 160),
                          MxColor(150, 150, 150, 200), MxColor(228, 228, 228)};

@@ -37,6 +37,8 @@ void ToolbarButton::Write(TagList& tags) const
     tags.SetCopy(TBS_Text, text.toStdString());
     tags.SetCopy(TBS_Tip, tip.toStdString());
     tags.SetCopy(TBS_Icon, icon.toStdString());
+    tags.SetCopy(TBS_Group, group.toStdString());
+    tags.SetCopy(TBS_Reason, reason.toStdString());
     tags.Set(TB_Enabled, enabled);
     tags.Set(TB_Checkable, checkable);
     tags.Set(TB_Checked, checked);
@@ -52,6 +54,8 @@ ToolbarButton ToolbarButton::Read(const TagList& tags)
     button.text = text(TBS_Text);
     button.tip = text(TBS_Tip);
     button.icon = text(TBS_Icon);
+    button.group = text(TBS_Group);
+    button.reason = text(TBS_Reason);
     button.enabled = tags.GetBool(TB_Enabled, true);
     button.checkable = tags.GetBool(TB_Checkable);
     button.checked = tags.GetBool(TB_Checked);

@@ -35,6 +35,8 @@ inline constexpr u32 TB_Checkable = 0x10048105;
 inline constexpr u32 TB_Checked = 0x10048106; // shown pressed, with the icon's second state
 inline constexpr u32 TB_PopDown = 0x10048107; // opens a menu
 inline constexpr u32 TB_Clicks = 0x10048108;  // a pop-down that also is clicked beside its arrow
+inline constexpr u32 TBS_Group = 0x30048109;  // name of its ToolGroup; lines stand between groups
+inline constexpr u32 TBS_Reason = 0x3004810a; // why it is not enabled
 
 /// One button as its overlay describes it.
 struct MARLOXSYSTEM_EXPORT ToolbarButton {
@@ -42,6 +44,8 @@ struct MARLOXSYSTEM_EXPORT ToolbarButton {
     QString text;
     QString tip;
     QString icon;
+    QString group;
+    QString reason;
     bool enabled = true;
     bool checkable = false;
     bool checked = false;
