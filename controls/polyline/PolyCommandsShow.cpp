@@ -2,6 +2,7 @@
 
 #include "controls/polyline/OnionSkinningDlg.h"
 #include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyDraw.h"
 #include "controls/polyline/PolyKeyListDlg.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/controls/HostDialogs.h"
@@ -12,24 +13,32 @@ namespace Marlox {
 
 namespace {
 
-std::optional<u32> AskColor(const QString& title, u32 preset)
+/// What lines and points are drawn in where no colour was chosen for them.
+MxColor UsualColor(const PolyLineControl& control)
+{
+    return control.View() ? control.View()->Color(OverlayColor::Normal)
+                          : PreviewInfo().Color(OverlayColor::Normal);
+}
+
+/// Begins with the colour that shows now.
+std::optional<u32> AskColor(const char* title, u32 chosenBefore, const MxColor& usual)
 {
     HostDialogs::ColorRequest request;
-    request.title = title;
-    request.preset =
-        preset ? MxColor(int(preset >> 16 & 0xff), int(preset >> 8 & 0xff), int(preset & 0xff))
-               : MxColor(228, 228, 228);
-    const std::optional<MxColor> chosen = HostDialogs::Get().ChooseColor(request);
-    if (!chosen)
+    request.title = QString::fromLatin1(title);
+    const MxColor before(int(chosenBefore >> 16 & 0xff), int(chosenBefore >> 8 & 0xff),
+                         int(chosenBefore & 0xff));
+    request.preset = chosenBefore ? before : MxColor(usual.red, usual.green, usual.blue);
+    const std::optional<MxColor> color = HostDialogs::Get().ChooseColor(request);
+    if (!color)
         return {};
-    return chosenColor | u32(chosen->red) << 16 | u32(chosen->green) << 8 | u32(chosen->blue);
+    return chosenColor | u32(color->red) << 16 | u32(color->green) << 8 | u32(color->blue);
 }
 
 template <u32 PolySettings::*member>
-void ChooseColor(PolyLineControl& control, const char* title)
+void ChooseColor(PolyLineControl& control, const char* title, const MxColor& usual)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen = AskColor(QString::fromLatin1(title), control.Settings().*member))
+    if (const auto chosen = AskColor(title, control.Settings().*member, usual))
         control.ChangeSettings().*member = *chosen;
 }
 
@@ -50,25 +59,26 @@ void ToggleShapeBox(PolyLineControl& control)
 
 void ChooseSplineColor(PolyLineControl& control)
 {
-    ChooseColor<&PolySettings::splineColor>(control, "Custom Spline Color");
+    ChooseColor<&PolySettings::splineColor>(control, "Custom Spline Color", UsualColor(control));
 }
 
 void ChooseKeyPointColor(PolyLineControl& control)
 {
-    ChooseColor<&PolySettings::keyPointColor>(control, "Custom Key Point Color");
+    ChooseColor<&PolySettings::keyPointColor>(control, "Custom Key Point Color",
+                                              UsualColor(control));
 }
 
 void ChooseHandleColor(PolyLineControl& control)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
     if (const auto chosen =
-            AskColor(QStringLiteral("Custom Handle Color"), control.Settings().handleColor))
+            AskColor("Custom Handle Color", control.Settings().handleColor, UsualColor(control)))
         control.SetAttr(PLC_HandleColor, *chosen);
 }
 
 void ChoosePrevSkinColor(PolyLineControl& control)
 {
-    ChooseColor<&PolySettings::prevSkinColor>(control, "Set prev skin color");
+    ChooseColor<&PolySettings::prevSkinColor>(control, "Set prev skin color", PrevSkinColor());
 }
 
 void ShowKeyList(PolyLineControl& control)

@@ -35,8 +35,12 @@ constexpr ImportKind motionPath{
     ShapeFileFormat::Any, motionText};
 constexpr ImportKind boujou{"Import Boujou Path", "Polyline Files (*.txt)|*.txt||",
                             ShapeFileFormat::PathText, motionText};
-constexpr ImportKind ownShape{"Import Shape",
-                              "Polyline Files (*.dfsh)|*.dfsh|Polyline Files (*.dfmo)|*.dfmo||",
+constexpr ImportKind anyShape{"Import Shape",
+                              "Shape Files (*.dfsh;*.dfmo;*.ssf;*.sfx;*.fxs;*.nk;*.nuke)|"
+                              "*.dfsh;*.dfmo;*.ssf;*.sfx;*.fxs;*.nk;*.nuke|"
+                              "Polyline Files (*.dfsh)|*.dfsh|Polyline Files (*.dfmo)|*.dfmo|"
+                              "SSF Shapes (*.ssf)|*.ssf|FXS Shapes (*.fxs;*.sfx)|*.fxs;*.sfx|"
+                              "Nuke Scripts (*.nk;*.nuke)|*.nk;*.nuke||",
                               ShapeFileFormat::Any, "Import shape"};
 constexpr ImportKind ssf{"Import SSF Shapes", "Polyline Files (*.ssf)|*.ssf||",
                          ShapeFileFormat::Ssf, "Import ssf shape"};
@@ -50,7 +54,7 @@ void Warn(const QString& text)
     HostDialogs::Get().Message(HostDialogs::Kind::Warning, text);
 }
 
-ImportContext ContextOf(const PolyLineControl& control, double startFrame)
+ImportContext ContextOf(const PolyLineControl& control)
 {
     ImportContext context;
     if (const PreviewInfo* view = control.View(); view && view->pixelWidth > 0) {
@@ -58,9 +62,11 @@ ImportContext ContextOf(const PolyLineControl& control, double startFrame)
         context.height = view->pixelHeight;
         context.pixelAspect = view->pixelAspect;
     }
-    if (const MarloxDoc* document = control.GetDoc())
+    if (const MarloxDoc* document = control.GetDoc()) {
         context.frameRate = document->FrameRate();
-    context.startFrame = startFrame;
+        context.startFrame = document->FirstFrame();
+    }
+    context.stillFrame = control.CurrentTime(); // as if the shape were drawn now
     return context;
 }
 
@@ -180,7 +186,7 @@ bool Holds(const ImportedShapes& file, Wanted wanted)
 /// Lets the user choose a file and reads the whole of it; nothing: cancelled, or the user has been
 /// told why not.
 std::optional<ImportedShapes> ReadChosen(const PolyLineControl& control, const ImportKind& kind,
-                                         Wanted wanted, double startFrame)
+                                         Wanted wanted)
 {
     HostDialogs::FileRequest request;
     request.title = QLatin1String(kind.title);
@@ -189,7 +195,7 @@ std::optional<ImportedShapes> ReadChosen(const PolyLineControl& control, const I
     const QString path = HostDialogs::Get().OpenFile(request);
     if (path.isEmpty())
         return {};
-    ImportContext context = ContextOf(control, startFrame);
+    ImportContext context = ContextOf(control);
     OpenQuestions questions(context, request.title);
     ImportedShapes file;
     for (;;) {
@@ -207,12 +213,6 @@ std::optional<ImportedShapes> ReadChosen(const PolyLineControl& control, const I
                                    NotesOf(file).join(u'\n'));
         return {};
     }
-}
-
-double FirstFrame(const PolyLineControl& control)
-{
-    const MarloxDoc* document = control.GetDoc();
-    return document ? document->FirstFrame() : 0.0;
 }
 
 /// What follows an import that was made.
@@ -242,10 +242,10 @@ std::optional<ImportShapeChoice> ChooseShapes(const ImportedShapes& file)
     return dialog.Choice();
 }
 
-void ImportShapes(PolyLineControl& control, const ImportKind& kind, double startFrame)
+void ImportShapes(PolyLineControl& control, const ImportKind& kind)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    std::optional<ImportedShapes> file = ReadChosen(control, kind, Wanted::Shapes, startFrame);
+    std::optional<ImportedShapes> file = ReadChosen(control, kind, Wanted::Shapes);
     if (!file)
         return;
     if (file->shapes.empty()) {
@@ -292,8 +292,7 @@ const ImportedPath* ChoosePath(const ImportedShapes& file, const QString& title)
 void ImportMotion(PolyLineControl& control, const ImportKind& kind)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    const std::optional<ImportedShapes> file =
-        ReadChosen(control, kind, Wanted::Paths, FirstFrame(control));
+    const std::optional<ImportedShapes> file = ReadChosen(control, kind, Wanted::Paths);
     if (!file)
         return;
     if (file->paths.empty()) {
@@ -327,23 +326,22 @@ void ImportBoujou(PolyLineControl& control)
 
 void ImportShape(PolyLineControl& control)
 {
-    // The file tells no time: it is as if the shape were drawn now.
-    ImportShapes(control, ownShape, control.CurrentTime());
+    ImportShapes(control, anyShape);
 }
 
 void ImportSsf(PolyLineControl& control)
 {
-    ImportShapes(control, ssf, FirstFrame(control));
+    ImportShapes(control, ssf);
 }
 
 void ImportFxs(PolyLineControl& control)
 {
-    ImportShapes(control, fxs, FirstFrame(control));
+    ImportShapes(control, fxs);
 }
 
 void ImportNuke(PolyLineControl& control)
 {
-    ImportShapes(control, nuke, FirstFrame(control));
+    ImportShapes(control, nuke);
 }
 
 } // namespace Marlox

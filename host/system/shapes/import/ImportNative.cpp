@@ -212,11 +212,11 @@ void ReadNativeShape(ImportJob& job)
         job.Assume(0, "it does not tell whether the shape is closed: taken as closed");
     shape.line = outlines[0].line;
     shape.closed = !outlines[0].IsOpen();
-    shape.keys = OnlyKey(std::move(outlines[0].points), job.Context().startFrame);
+    shape.keys = OnlyKey(std::move(outlines[0].points), job.Context().stillFrame);
     if (!outlines[1].points.empty() && outlines[1].points.size() != shape.keys[0].points.size())
         job.LeaveAside(outlines[1].line, "the edge shape has another number of points");
     else if (!outlines[1].points.empty())
-        shape.outerKeys = OnlyKey(std::move(outlines[1].points), job.Context().startFrame);
+        shape.outerKeys = OnlyKey(std::move(outlines[1].points), job.Context().stillFrame);
     constexpr bool cornersAreTold = true;
     job.Take(std::move(shape), cornersAreTold);
 }

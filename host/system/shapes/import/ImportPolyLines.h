@@ -32,8 +32,9 @@ struct ImportContext {
     bool isSizeSure = false; // somebody told it for this file: no note about it
     double frameRate = 24.0; // frames a second, for files that count in seconds
     /// The frame at which a file of this system begins that counts from its own beginning, and any
-    /// that tells no time.
+    /// other that tells no time.
     double startFrame = 0.0;
+    double stillFrame = 0.0; // of this system's shape files, which hold no time
     double frameOffset = 0.0; // added to all times
     PlainUnit plainUnit = PlainUnit::ByRange;
 };
