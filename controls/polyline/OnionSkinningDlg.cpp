@@ -1,8 +1,8 @@
 #include "controls/polyline/OnionSkinningDlg.h"
 
+#include "controls/polyline/PolyNumbers.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/CustomCheckBox.h"
-#include "system/widgets/TimeCodeEdit.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -20,14 +20,6 @@ const ResData layoutResource("Dialogs.OnionSkin.Layout");
 
 constexpr double smallestStep = 0.01; // frames
 constexpr double largestStep = 100000.0;
-
-/// What is typed into a plain number field as an expression is no number.
-bool holdsNumber(TimeCodeEdit& edit)
-{
-    if (edit.IsExpressionText())
-        edit.MarkUnreadable(OnionSkinningDlg::tr("A number is wanted here."));
-    return !edit.IsUnreadable();
-}
 
 } // namespace
 
@@ -136,13 +128,13 @@ void OnionSkinningDlg::ShowStepUse()
 
 void OnionSkinningDlg::OnChangeEditSkinCount()
 {
-    if (holdsNumber(*count_))
+    if (HoldsNumber(*count_))
         settings_.count = unsigned(count_->GetValue());
 }
 
 void OnionSkinningDlg::OnChangeEditSkinStep()
 {
-    if (holdsNumber(*step_))
+    if (HoldsNumber(*step_))
         settings_.step = float(step_->GetValue());
 }
 
@@ -180,8 +172,8 @@ void OnionSkinningDlg::OnClickSetCurrentTime()
 void OnionSkinningDlg::accept()
 {
     for (TimeCodeEdit* edit : {count_, step_}) {
-        if (edit->isEnabled() && (!edit->Commit() || !holdsNumber(*edit)))
-            return edit->setFocus();
+        if (edit->isEnabled() && !TakesNumber(*edit))
+            return;
     }
     QDialog::accept();
 }

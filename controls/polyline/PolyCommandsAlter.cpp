@@ -20,10 +20,11 @@ using Scope = PolyEditor::Scope;
 
 constexpr double percent = 100.0;
 
-PolyValueField SliderField(const char* name, const char* label, const char* help, double value,
-                           double minimum, double end)
+PolyValueField SliderField(const char* name, const char* label, const char* unit, const char* help,
+                           double value, double minimum, double end)
 {
-    PolyValueField field{name, QString::fromLatin1(label), QString::fromLatin1(help)};
+    PolyValueField field{name, QString::fromLatin1(label), QString::fromLatin1(unit),
+                         QString::fromLatin1(help)};
     field.kind = PolyValueField::Slider;
     field.value = value;
     field.minimum = minimum;
@@ -195,16 +196,16 @@ void ReducePoints(PolyLineControl& control)
         if (all.empty())
             return;
         PolyValueField field = SliderField(
-            "Error", "Error:", "How far the curve may come to lie from where it was, in pixels.",
-            usual, least, most);
+            "Error", "Error:", "pixels",
+            "How far the curve may come to lie from where it was, in pixels of the image.", usual,
+            least, most);
         field.maximum = 10000.0;
         field.step = 0.1;
-        PolyValuesDlg dialog(QStringLiteral("Reduce Points"), "Dialogs.ReducePoints.Layout",
-                             {field}, [&](const Values& now) {
-                                 const auto made = Reduced(all, now[0], pixels);
-                                 preview.Show(all, made);
-                                 return PointsLeft(all, made);
-                             });
+        PolyValuesDlg dialog(QStringLiteral("Reduce Points"), {field}, [&](const Values& now) {
+            const auto made = Reduced(all, now[0], pixels);
+            preview.Show(all, made);
+            return PointsLeft(all, made);
+        });
         if (dialog.exec() != QDialog::Accepted)
             return;
         error = dialog.GetValues()[0];
@@ -246,9 +247,9 @@ void SmoothPointsDialog(PolyLineControl& control)
             return QString();
         };
         PolyValuesDlg dialog(
-            QStringLiteral("Smooth Points"), "Dialogs.SmoothPoints.Layout",
-            {SliderField("Strength", "Strength:",
-                         "How far points go towards the middle of their neighbours, in percent.",
+            QStringLiteral("Smooth Points"),
+            {SliderField("Strength", "Strength:", "%",
+                         "How far points go towards the middle of their neighbours.",
                          defaultSmoothing * percent, 0.0, percent)},
             show);
         if (dialog.exec() != QDialog::Accepted)
@@ -291,12 +292,10 @@ void EaseInOut(PolyLineControl& control)
             return KeysMade(before, all);
         };
         PolyValuesDlg dialog(
-            QStringLiteral("Ease In / Out"), "Dialogs.EasePoints.Layout",
-            {SliderField("In",
-                         "Ease in:", "How slowly the points leave their first key, in percent.",
+            QStringLiteral("Ease In / Out"),
+            {SliderField("In", "Ease In:", "%", "How slowly the points leave their first key.",
                          usual, 0.0, percent),
-             SliderField("Out",
-                         "Ease out:", "How slowly the points reach their last key, in percent.",
+             SliderField("Out", "Ease Out:", "%", "How slowly the points reach their last key.",
                          usual, 0.0, percent)},
             show);
         if (dialog.exec() != QDialog::Accepted)

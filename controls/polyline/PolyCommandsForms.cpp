@@ -22,6 +22,7 @@ using Field = PolyValueField;
 
 constexpr double farthest = 1e6; // pixels
 constexpr double smallest = 0.01;
+constexpr char pixels[] = "pixels";     // of the image
 constexpr double conversionError = 0.5; // pixels
 
 /// What a form is made in: the image as the view shows it.
@@ -37,15 +38,16 @@ struct Frame {
 struct Form {
     const char* title;
     const char* undo;
-    const char* layout;
     std::vector<Field> (*fields)(const Frame& frame);
     void (*make)(PolyLine& shape, const Frame& frame, const Values& values);
 };
 
-Field NumberField(const char* name, const QString& label, const QString& help, double value,
-                  double minimum, double maximum)
+/// An empty label: beside the field before.
+Field NumberField(const char* name, const char* label, const char* unit, const char* help,
+                  double value, double minimum, double maximum)
 {
-    Field field{name, label, help};
+    Field field{name, QString::fromLatin1(label), QString::fromLatin1(unit),
+                QString::fromLatin1(help)};
     field.value = value;
     field.minimum = minimum;
     field.maximum = maximum;
@@ -55,22 +57,23 @@ Field NumberField(const char* name, const QString& label, const QString& help, d
 std::vector<Field> CenterFields(const Frame& frame)
 {
     const ShapePlace middle = frame.Middle();
-    return {NumberField("X", QStringLiteral("Center:"),
-                        QStringLiteral("Center X, in pixels from the image's left edge."), middle.x,
+    return {NumberField("X", "Center X, Y:", pixels, "From the image's left edge.", middle.x,
                         -farthest, farthest),
-            NumberField("Y", {}, QStringLiteral("Center Y, in pixels from the image's lower edge."),
-                        middle.y, -farthest, farthest)};
+            NumberField("Y", "", pixels, "From the image's lower edge.", middle.y, -farthest,
+                        farthest)};
 }
 
-Field AngleField(const QString& label)
+Field AngleField(const char* label, const char* help)
 {
-    return NumberField("Angle", label, QStringLiteral("Degrees, counter-clockwise."), 0.0, -36000.0,
-                       36000.0);
+    constexpr double mostTurned = 36000.0;
+    return NumberField("Angle", label, "degrees", help, 0.0, -mostTurned, mostTurned);
 }
 
 Field DirectionField()
 {
-    Field field{"Clockwise", QStringLiteral("Clockwise"),
+    Field field{"Clockwise",
+                QStringLiteral("Clockwise"),
+                {},
                 QStringLiteral("The order of the points; counter-clockwise without it.")};
     field.kind = Field::Check;
     return field;
@@ -79,12 +82,11 @@ Field DirectionField()
 std::vector<Field> SizedFields(const Frame& frame, double width, double height)
 {
     std::vector<Field> fields = CenterFields(frame);
-    fields.push_back(NumberField("Width", QStringLiteral("Size:"),
-                                 QStringLiteral("Width, in pixels of the image."), width, smallest,
-                                 farthest));
-    fields.push_back(NumberField("Height", {}, QStringLiteral("Height, in pixels of the image."),
-                                 height, smallest, farthest));
-    fields.push_back(AngleField(QStringLiteral("Angle:")));
+    fields.push_back(NumberField("Width", "Width, Height:", pixels, "Before it is turned.", width,
+                                 smallest, farthest));
+    fields.push_back(
+        NumberField("Height", "", pixels, "Before it is turned.", height, smallest, farthest));
+    fields.push_back(AngleField("Angle:", "How far it is turned, counter-clockwise."));
     fields.push_back(DirectionField());
     return fields;
 }
@@ -105,20 +107,17 @@ std::vector<Field> SpiralFields(const Frame& frame)
     constexpr double mostTurns = 1000.0;
     constexpr int mostPoints = 360; // of a turn
     std::vector<Field> fields = CenterFields(frame);
-    fields.push_back(NumberField("From", QStringLiteral("Radii:"),
-                                 QStringLiteral("Where it begins, in pixels from the center."), 0.0,
-                                 0.0, farthest));
-    fields.push_back(NumberField("To", {},
-                                 QStringLiteral("Where it ends, in pixels from the center."),
+    fields.push_back(NumberField("From", "Start, End Radius:", pixels,
+                                 "How far from the center it begins.", 0.0, 0.0, farthest));
+    fields.push_back(NumberField("To", "", pixels, "How far from the center it ends.",
                                  frame.tall * frame.pixels.x / 4.0, 0.0, farthest));
-    fields.push_back(NumberField("Turns", QStringLiteral("Turns:"),
-                                 QStringLiteral("How often it goes round."), 3.0, smallest,
-                                 mostTurns));
-    fields.push_back(NumberField("Points", QStringLiteral("Points per turn:"),
-                                 QStringLiteral("How many points one turn has."), 8.0, 3.0,
-                                 mostPoints));
+    fields.push_back(
+        NumberField("Turns", "Turns:", "", "How often it goes round.", 3.0, smallest, mostTurns));
+    fields.push_back(
+        NumberField("Points", "Points per Turn:", "", "From 3 to 360.", 8.0, 3.0, mostPoints));
     fields.back().whole = true;
-    fields.push_back(AngleField(QStringLiteral("Begin at:")));
+    fields.push_back(
+        AngleField("Start Angle:", "Where it begins, counter-clockwise from the right."));
     fields.push_back(DirectionField());
     return fields;
 }
@@ -143,12 +142,9 @@ void MakeSpiral(PolyLine& shape, const Frame& frame, const Values& v)
                      int(v[5]), frame.tall, v[7] != 0.0);
 }
 
-constexpr Form ellipse{"Create Ellipse", "Create ellipse", "Dialogs.CreateShape.Layout",
-                       EllipseFields, MakeEllipse};
-constexpr Form rectangle{"Create Rectangle", "Create rectangle", "Dialogs.CreateShape.Layout",
-                         RectangleFields, MakeRectangle};
-constexpr Form spiral{"Create Spiral", "Create spiral", "Dialogs.CreateSpiral.Layout", SpiralFields,
-                      MakeSpiral};
+constexpr Form ellipse{"Create Ellipse", "Create ellipse", EllipseFields, MakeEllipse};
+constexpr Form rectangle{"Create Rectangle", "Create rectangle", RectangleFields, MakeRectangle};
+constexpr Form spiral{"Create Spiral", "Create spiral", SpiralFields, MakeSpiral};
 
 /// From the image's coordinates to those that the tool's placement takes there.
 void Unplace(PolyLine& shape, const ShapePlacement& placement)
@@ -204,7 +200,7 @@ void Create(PolyLineControl& control, const Form& form)
         PolyPreview preview(control);
         const int polygon = editor.ActivePolygon();
         const Ref<PolyLine> before = editor.Active()->CopyShape();
-        PolyValuesDlg dialog(QString::fromLatin1(form.title), form.layout, form.fields(frame),
+        PolyValuesDlg dialog(QString::fromLatin1(form.title), form.fields(frame),
                              [&](const Values& now) {
                                  const Ref<PolyLine> made = Made(*before, form, frame, now);
                                  preview.Show(polygon, made);

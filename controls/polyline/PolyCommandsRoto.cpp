@@ -11,10 +11,11 @@ namespace Marlox {
 namespace {
 
 /// Asks until the number fits or the user cancels. Nothing: cancelled, or the number it is already.
-std::optional<int> AskWhole(const char* title, int current, int most)
+std::optional<int> AskWhole(const char* title, const char* label, int current, int most)
 {
     HostDialogs::TextRequest request;
     request.title = QString::fromLatin1(title);
+    request.label = QString::fromLatin1(label).arg(most);
     request.preset = QString::number(current);
     for (;;) {
         const std::optional<QString> text = HostDialogs::Get().AskText(request);
@@ -67,7 +68,8 @@ void AskRotoDistance(PolyLineControl& control)
 {
     constexpr int furthest = 16;
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen = AskWhole("Distance", control.Settings().roto.distance, furthest))
+    if (const auto chosen = AskWhole("Distance", "Distance of the track points in pixels, 1 to %1:",
+                                     control.Settings().roto.distance, furthest))
         control.ChangeRoto("Set distance", [&](RotoAssistSettings& roto) {
             roto.distance = *chosen;
             if (!roto.trackPoints.empty())
@@ -81,7 +83,9 @@ void AskRotoFrameSkip(PolyLineControl& control)
 {
     constexpr int most = 10;
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen = AskWhole("Track Frame Skip", control.Settings().roto.frameSkip, most))
+    if (const auto chosen =
+            AskWhole("Track Frame Skip", "Frames from one tracked frame to the next, 1 to %1:",
+                     control.Settings().roto.frameSkip, most))
         control.ChangeRoto("Track Frame Skip",
                            [&](RotoAssistSettings& roto) { roto.frameSkip = *chosen; });
 }

@@ -1,10 +1,10 @@
 #include "controls/polyline/PolyValuesDlg.h"
 
-#include "system/resources/Resources.h"
+#include "controls/polyline/PolyNumbers.h"
 #include "system/widgets/CustomCheckBox.h"
-#include "system/widgets/TimeCodeEdit.h"
 #include "widgets/CustomSlider.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <QApplication>
@@ -15,26 +15,53 @@ namespace Marlox {
 
 namespace {
 
-const ResData layoutResources[] = {
-    ResData("Dialogs.CreateShape.Layout"),  ResData("Dialogs.CreateSpiral.Layout"),
-    ResData("Dialogs.EasePoints.Layout"),   ResData("Dialogs.ReducePoints.Layout"),
-    ResData("Dialogs.SmoothPoints.Layout"),
-};
-
 constexpr int decimals = 3;
+constexpr int rhythm = 8; // pixels, as all below
+constexpr int rowHeight = 24;
+constexpr int editWidth = 88;
+constexpr int besideSlider = 72; // width of an edit there
+constexpr int leastSlider = 184;
 
-/// What is typed into a plain number field as an expression is no number.
-bool holdsNumber(TimeCodeEdit& edit)
+/// A node of a layout, with its attributes.
+ScriptVal Node(const char* type, const std::vector<ScriptVal::Field>& attributes)
 {
-    if (edit.IsExpressionText())
-        edit.MarkUnreadable(PolyValuesDlg::tr("A number is wanted here."));
-    return !edit.IsUnreadable();
+    ScriptVal node;
+    node.Append(type);
+    for (const auto& [name, value] : attributes)
+        node.Set(name, value);
+    return node;
+}
+
+/// The place of a widget, which may be missing, with a width of its own.
+ScriptVal Place(const QWidget* widget, int width)
+{
+    ScriptVal place =
+        Node(widget ? "Item" : "Spacer", {{"Weight", 0}, {"MinWidth", width}, {"MaxWidth", width}});
+    if (widget)
+        place.Set("Name", widget->objectName().toStdString());
+    return place;
+}
+
+/// What takes the room that is left.
+ScriptVal Flexible(const QWidget* widget, int least)
+{
+    ScriptVal place = Node(widget ? "Item" : "Spacer", {{"MinWidth", least}});
+    if (widget)
+        place.Set("Name", widget->objectName().toStdString());
+    return place;
+}
+
+/// Width of a column of labels; 0: there is none.
+int Wider(int width, const QLabel* label)
+{
+    const int own = label ? label->sizeHint().width() : 0;
+    return std::max(width, (own + rhythm - 1) / rhythm * rhythm);
 }
 
 } // namespace
 
-PolyValuesDlg::PolyValuesDlg(const QString& title, const char* layout,
-                             const std::vector<PolyValueField>& fields, Preview preview)
+PolyValuesDlg::PolyValuesDlg(const QString& title, const std::vector<PolyValueField>& fields,
+                             Preview preview)
     : MxDialog(QApplication::activeWindow()), preview_(std::move(preview))
 {
     setObjectName("PolyValuesDlg");
@@ -46,54 +73,63 @@ PolyValuesDlg::PolyValuesDlg(const QString& title, const char* layout,
     note_->setObjectName("m_Note");
     note_->setTextFormat(Qt::PlainText);
     MakeOKCancel("m_OKCancel");
-    LoadLayout(layout);
+    UseLayout(Layout());
     soon_.setSingleShot(true);
     soon_.setInterval(0);
     connect(&soon_, &QTimer::timeout, this, &PolyValuesDlg::ShowPreview);
     ShowPreview();
-    if (!parts_.empty() && parts_.front().edit)
+    if (!parts_.empty() && parts_.front().edit) {
         parts_.front().edit->setFocus();
+        parts_.front().edit->selectAll();
+    }
 }
 
 PolyValuesDlg::Part PolyValuesDlg::MakeNumber(const PolyValueField& field)
 {
     const QString name = QString::fromLatin1(field.name);
-    QLabel* label = nullptr;
-    if (!field.label.isEmpty()) {
-        label = new QLabel(field.label, this);
-        label->setObjectName("m_Label" + name);
-    }
-    auto* edit = new TimeCodeEdit(this);
+    Part part;
+    const auto text = [&](const char* prefix, const QString& shown) {
+        auto* label = new QLabel(shown, this);
+        label->setObjectName(prefix + name);
+        label->setTextFormat(Qt::PlainText);
+        return label;
+    };
+    if (!field.label.isEmpty())
+        part.label = text("m_Label", field.label);
+    auto* edit = part.edit = new TimeCodeEdit(this);
     if (field.kind == PolyValueField::Slider)
-        JoinSlider(*edit, field);
+        part.slider = JoinSlider(*edit, field);
+    if (!field.unit.isEmpty())
+        part.unit = text("m_Unit", field.unit);
     edit->setObjectName("m_Edit" + name);
-    edit->setAccessibleName(label ? QString(field.label).remove(u':') : field.help);
+    edit->setAccessibleName(part.label ? QString(field.label).remove(u':') : field.help);
     edit->setToolTip(field.help);
     edit->SetInteger(field.whole);
     edit->SetRange(field.minimum, field.maximum);
     edit->SetStep(field.step);
     edit->SetShownDecimals(decimals);
     edit->SetValue(field.value);
-    if (label)
-        label->setBuddy(edit);
+    if (part.label)
+        part.label->setBuddy(edit);
     connect(edit, &TimeCodeEdit::editingFinished, this, [this, edit] {
-        if (holdsNumber(*edit))
+        if (HoldsNumber(*edit))
             soon_.start();
     });
-    return {edit, nullptr};
+    return part;
 }
 
 PolyValuesDlg::Part PolyValuesDlg::MakeCheck(const PolyValueField& field)
 {
-    auto* check = new CustomCheckBox(field.label, this);
-    check->setObjectName("m_Check" + QString::fromLatin1(field.name));
-    check->setToolTip(field.help);
-    check->setChecked(field.value != 0.0);
-    connect(check, &CustomCheckBox::CheckChanged, this, [this] { soon_.start(); });
-    return {nullptr, check};
+    Part part;
+    part.check = new CustomCheckBox(field.label, this);
+    part.check->setObjectName("m_Check" + QString::fromLatin1(field.name));
+    part.check->setToolTip(field.help);
+    part.check->setChecked(field.value != 0.0);
+    connect(part.check, &CustomCheckBox::CheckChanged, this, [this] { soon_.start(); });
+    return part;
 }
 
-void PolyValuesDlg::JoinSlider(TimeCodeEdit& edit, const PolyValueField& field)
+CustomSlider* PolyValuesDlg::JoinSlider(TimeCodeEdit& edit, const PolyValueField& field)
 {
     auto* slider = new CustomSlider(this);
     slider->setObjectName("m_Slider" + QString::fromLatin1(field.name));
@@ -111,6 +147,47 @@ void PolyValuesDlg::JoinSlider(TimeCodeEdit& edit, const PolyValueField& field)
     });
     connect(&edit, &TimeCodeEdit::editingFinished, slider,
             [slider, &edit] { slider->ShowValue(edit.GetValue()); });
+    return slider;
+}
+
+ScriptVal PolyValuesDlg::Layout() const
+{
+    int labelWidth = 0;
+    int unitWidth = 0;
+    bool hasPairs = false;
+    for (const Part& part : parts_) {
+        labelWidth = Wider(labelWidth, part.label);
+        unitWidth = Wider(unitWidth, part.unit);
+        hasPairs = hasPairs || (part.edit && !part.label);
+    }
+    ScriptVal rows = Node("VGroup", {{"Margin", 2 * rhythm}, {"Spacing", rhythm}});
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+        const Part& first = parts_[i];
+        if (first.check) {
+            rows.Append(Node("Item", {{"Name", first.check->objectName().toStdString()},
+                                      {"Weight", 0},
+                                      {"MinHeight", rowHeight}}));
+            continue;
+        }
+        const bool isPair = i + 1 < parts_.size() && parts_[i + 1].edit && !parts_[i + 1].label;
+        const Part& last = parts_[isPair ? ++i : i];
+        ScriptVal row =
+            Node("HGroup", {{"Weight", 0}, {"Spacing", rhythm}, {"MinHeight", rowHeight}});
+        row.Append(Place(first.label, labelWidth));
+        row.Append(first.slider ? Flexible(first.slider, leastSlider)
+                                : Flexible(first.edit, editWidth));
+        if (first.slider)
+            row.Append(Place(first.edit, besideSlider));
+        else if (hasPairs)
+            row.Append(Flexible(isPair ? last.edit : nullptr, editWidth));
+        if (unitWidth > 0)
+            row.Append(Place(last.unit ? last.unit : first.unit, unitWidth));
+        rows.Append(row);
+    }
+    rows.Append(Node("Item", {{"Name", "m_Note"}, {"Weight", 0}, {"MinHeight", 2 * rhythm}}));
+    rows.Append(Node("Spacer", {{"MinHeight", rhythm}}));
+    rows.Append(Node("Item", {{"Name", "m_OKCancel"}, {"Weight", 0}}));
+    return rows;
 }
 
 PolyValuesDlg::Values PolyValuesDlg::GetValues() const
@@ -130,8 +207,8 @@ void PolyValuesDlg::ShowPreview()
 void PolyValuesDlg::accept()
 {
     for (const Part& part : parts_) {
-        if (part.edit && (!part.edit->Commit() || !holdsNumber(*part.edit)))
-            return part.edit->setFocus();
+        if (part.edit && !TakesNumber(*part.edit))
+            return;
     }
     QDialog::accept();
 }

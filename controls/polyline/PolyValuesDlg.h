@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/base/ScriptVal.h"
 #include "system/controls/MxDialog.h"
 
 #include <functional>
@@ -19,10 +20,12 @@ class TimeCodeEdit;
 /// One value that a PolyValuesDlg asks for.
 struct PolyValueField {
     enum Kind { Number, Slider, Check };
-    /// Of its widgets in the layout, behind "m_Label", "m_Edit", "m_Slider" and "m_Check".
+    /// Of its widgets, behind "m_Label", "m_Edit", "m_Slider", "m_Check" and "m_Unit".
     const char* name;
-    QString label; // with its colon; of a check box the text; empty: none
-    QString help;  // tooltip
+    QString
+        label;    // with its colon; of a check box the text; empty: it stands beside the one before
+    QString unit; // behind it, or behind those that share its row
+    QString help; // tooltip
     double value = 0.0;
     double minimum = 0.0;
     double maximum = 1.0;
@@ -32,9 +35,9 @@ struct PolyValueField {
     double sliderEnd = 1.0; // of a slider, which begins at the minimum
 };
 
-/// Asks for some values, and shows meanwhile what becomes of them. Numbers take arithmetic. What
-/// was set is asked for when exec says Accepted; the dialog changes nothing itself. Stands over the
-/// active window.
+/// Asks for some values, a row for each label, and shows meanwhile what becomes of them. Numbers
+/// take arithmetic. What was set is asked for when exec says Accepted; the dialog changes nothing
+/// itself. Stands over the active window.
 class PolyValuesDlg final : public MxDialog {
     Q_OBJECT
 public:
@@ -42,8 +45,7 @@ public:
     /// Shows what the values make; returns what is to be told of it.
     using Preview = std::function<QString(const Values& values)>;
 
-    PolyValuesDlg(const QString& title, const char* layout,
-                  const std::vector<PolyValueField>& fields, Preview preview);
+    PolyValuesDlg(const QString& title, const std::vector<PolyValueField>& fields, Preview preview);
 
     Values GetValues() const;
 
@@ -53,12 +55,16 @@ public slots:
 
 private:
     struct Part {
+        QLabel* label = nullptr;
+        CustomSlider* slider = nullptr;
         TimeCodeEdit* edit = nullptr;
+        QLabel* unit = nullptr;
         CustomCheckBox* check = nullptr;
     };
     Part MakeNumber(const PolyValueField& field);
     Part MakeCheck(const PolyValueField& field);
-    void JoinSlider(TimeCodeEdit& edit, const PolyValueField& field);
+    CustomSlider* JoinSlider(TimeCodeEdit& edit, const PolyValueField& field);
+    ScriptVal Layout() const;
     void ShowPreview();
 
     std::vector<Part> parts_;

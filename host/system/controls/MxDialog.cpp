@@ -18,16 +18,15 @@ namespace {
 constexpr int margin = 16; // pixels, without a layout
 constexpr int spacing = 8;
 
-LayoutObj* build(const char* resourceName, QWidget& host)
+LayoutObj* build(const ScriptVal& description, QWidget& host)
 {
     ScriptServices* services = ScriptServices::Installed();
-    const ScriptVal description = ResData::LayoutOf(resourceName);
     if (!services || !description.IsTable())
         return nullptr;
     QString error;
     LayoutObj* root = services->BuildLayout(description, &host, nullptr, nullptr, &error);
     if (!root)
-        qWarning("Layout \"%s\": %s", resourceName, qPrintable(error));
+        qWarning("Layout of %s: %s", qPrintable(host.objectName()), qPrintable(error));
     return root;
 }
 
@@ -42,8 +41,13 @@ MxDialog::~MxDialog() = default;
 
 void MxDialog::LoadLayout(const char* resourceName)
 {
+    UseLayout(ResData::LayoutOf(resourceName));
+}
+
+void MxDialog::UseLayout(const ScriptVal& description)
+{
     const auto widgets = findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-    layout_ = build(resourceName, *this);
+    layout_ = build(description, *this);
     if (!layout_) {
         auto* column = new QVBoxLayout(this);
         column->setContentsMargins(margin, margin, margin, margin);

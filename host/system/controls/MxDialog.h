@@ -9,6 +9,7 @@ class QDialogButtonBox;
 namespace Marlox {
 
 class LayoutObj;
+class ScriptVal;
 
 /// A dialog whose widgets stand in a layout of the look pack. It makes its widgets as children,
 /// names them (objectName) and loads the layout, where each takes the place of its name; the
@@ -26,6 +27,8 @@ public:
 protected:
     /// Once, when all widgets are there; widgets without a place are hidden.
     void LoadLayout(const char* resourceName);
+    /// The same with a layout that the dialog describes itself, as a layout file would.
+    void UseLayout(const ScriptVal& description);
     /// A box with OK and Cancel, joined to accept and reject; OK is the default button.
     QDialogButtonBox* MakeOKCancel(const char* name);
 

@@ -184,16 +184,6 @@ inline const Layout layouts[] = {
     {"Controls.Spacer.Layout", {}},
     {"Controls.TextEdit.Layout", {"textedit", "expression"}},
     {"Controls.TrackerPattern.Layout", {"pattern"}},
-    {"Dialogs.CreateShape.Layout",
-     {"m_LabelX", "m_EditX", "m_EditY", "m_LabelWidth", "m_EditWidth", "m_EditHeight",
-      "m_LabelAngle", "m_EditAngle", "m_CheckClockwise", "m_Note", "m_OKCancel"}},
-    {"Dialogs.CreateSpiral.Layout",
-     {"m_LabelX", "m_EditX", "m_EditY", "m_LabelFrom", "m_EditFrom", "m_EditTo", "m_LabelTurns",
-      "m_EditTurns", "m_LabelPoints", "m_EditPoints", "m_LabelAngle", "m_EditAngle",
-      "m_CheckClockwise", "m_Note", "m_OKCancel"}},
-    {"Dialogs.EasePoints.Layout",
-     {"m_LabelIn", "m_SliderIn", "m_EditIn", "m_LabelOut", "m_SliderOut", "m_EditOut", "m_Note",
-      "m_OKCancel"}},
     {"Dialogs.ImportShape.Layout",
      {"m_ImportIndexLabel", "m_ImportIndexCombo", "m_ImportAllCheck", "m_OKCancel"}},
     {"Dialogs.OnionSkin.Layout",
@@ -206,10 +196,6 @@ inline const Layout layouts[] = {
      {"m_LabelNumber", "m_EditNumber", "m_PreviousButton", "m_NextButton", "m_LabelPlace",
       "m_EditX", "m_EditY", "m_LabelIn", "m_EditInX", "m_EditInY", "m_LabelOut", "m_EditOutX",
       "m_EditOutY", "m_LabelTension", "m_EditTension", "m_StateLabel"}},
-    {"Dialogs.ReducePoints.Layout",
-     {"m_LabelError", "m_SliderError", "m_EditError", "m_Note", "m_OKCancel"}},
-    {"Dialogs.SmoothPoints.Layout",
-     {"m_LabelStrength", "m_SliderStrength", "m_EditStrength", "m_Note", "m_OKCancel"}},
 };
 
 constexpr const char* dataBlocks[] = {
