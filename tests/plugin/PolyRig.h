@@ -2,6 +2,7 @@
 
 #include "plugin/OverlayRig.h"
 #include "system/controls/HostDialogs.h"
+#include "system/controls/Menu.h"
 #include "system/shapes/ShapeKeys.h"
 
 #include <deque>
@@ -13,6 +14,8 @@ namespace Marlox {
 // The polyline overlay's tags, as its reference has them.
 inline constexpr u32 PLC_DrawMode = 0x10058000;
 inline constexpr u32 PLC_Animated = 0x1005800c;
+
+enum { Done, ClickAppend, DrawAppend, InsertAndModify, ModifyOnly }; // of PLC_DrawMode
 
 /// A tool with an inner and an outer polygon and a centre, on the stage of OverlayRig.
 struct PolyRig : OverlayRig {
@@ -80,6 +83,34 @@ struct PolyRig : OverlayRig {
         return texts;
     }
 };
+
+inline const Menu::Entry* FindEntry(const std::vector<Menu::Entry>& entries, const QString& text)
+{
+    for (const Menu::Entry& entry : entries) {
+        if (entry.text.section('\t', 0, 0) == text && entry.children.empty())
+            return &entry;
+        if (const Menu::Entry* found = FindEntry(entry.children, text))
+            return found;
+    }
+    return nullptr;
+}
+
+/// Whether there is such an entry of the context menu, and it was enabled and did something.
+inline bool RunEntry(const PolyRig& rig, const QString& text)
+{
+    Menu menu;
+    TagList tags;
+    rig.Poly().AddToMenu(&menu, tags);
+    const Menu::Entry* entry = FindEntry(menu.Entries(), text);
+    return entry && entry->enabled && rig.Poly().HandleMenu(entry->id, nullptr, tags);
+}
+
+/// What the view tells of the place.
+inline QString TipOf(const PolyRig& rig, const MxPoint& at)
+{
+    rig.stage->Move(at, 0);
+    return rig.stage->Tip();
+}
 
 /// Answers what controls ask, from a queue, and writes down what they say.
 struct AnsweringDialogs : HostDialogs {

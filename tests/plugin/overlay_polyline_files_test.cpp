@@ -2,9 +2,8 @@
 #include "host/controls/Probe.h"
 #include "host/shapes/import/ShapeFixtures.h"
 #include "plugin/PolyRig.h"
+#include "plugin/PolyTools.h"
 #include "script/ScriptSystem.h"
-#include "system/base/Registry.h"
-#include "system/shapes/PathModifier.h"
 
 #include <map>
 
@@ -20,16 +19,7 @@ using namespace Marlox;
 namespace {
 
 constexpr u32 centerTag = 0x80058000;
-enum { ClickAppend = 1, InsertAndModify = 3 };
-
-Object* MakePath(const Registry* record, const ScriptVal&, const TagList&)
-{
-    return new PathModifier(record);
-}
-
-const TagPair pathTags[] = {
-    {REG_Kind, int(ClassKind::Tool)}, {REG_Create, CreateFunction(MakePath)}, {}};
-const Registry pathRecord(CLSID_Tool_Path, pathTags);
+const Registry pathRecord(CLSID_Tool_Path, ToolTags<PathModifier>());
 
 /// With a centre that the shape goes by, and a folder for files.
 struct FilesRig : PolyRig {
