@@ -140,6 +140,14 @@ private slots:
         row("syntax", "\n\nprint((", 1, "script.lua:3: ");
         row("exit", "os.exit(7)", 7, "");
         row("dialog", "answer(function() end)", 1, "did not come");
+        // A question within a dialog that was answered: whether to overwrite the file.
+        const char overwrite[] =
+            "answer(function(d) d:fill('file', script_folder .. '/test.marlox') d:accept() end)\n"
+            "document.new() document.add('Blur') action('saveas') print('gone on')";
+        row("question", overwrite, 1,
+            "nobody answered the dialog \"Save As\" (test.marlox already");
+        row("left open", "answer(function() end) document.new() action('saveas')", 1,
+            "the answer left the dialog \"Save As\"");
     }
     void scriptsEndTheProgram()
     {
@@ -151,6 +159,7 @@ private slots:
         QTEST(outcome.status, "status");
         QFETCH(QString, reason);
         QVERIFY2(outcome.errors.contains(reason), qPrintable(outcome.errors));
+        QVERIFY2(!outcome.output.contains("gone on"), qPrintable(outcome.output));
     }
 
     void controlsAreListed()

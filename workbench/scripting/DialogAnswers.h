@@ -4,16 +4,22 @@
 
 #include <deque>
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
 
+class QDialog;
 class QWidget;
 
 namespace Marlox {
 
+/// What a dialog says: a message with its details, else all of its labels.
+QString DialogText(const QDialog& dialog);
+
 /// Answers modal dialogs and popup menus while a script runs. A script that opens one waits in it,
-/// so the answers are given beforehand; one that nobody answers is cancelled and reported.
+/// so the answers are given beforehand; one that nobody answers, or that is still up some time
+/// after its answer, is cancelled and reported.
 class DialogAnswers : public QObject {
     Q_OBJECT
 public:
@@ -36,9 +42,14 @@ public:
     void Look();
 
 private:
+    QString Deal(QWidget& dialog);
+    void CancelLeftOpen();
+    void Fail(const QString& problem);
+
     QTimer timer_;
     std::deque<ScriptFunction> answers_;
     QPointer<QWidget> seen_; // the dialog dealt with last
+    QElapsedTimer sinceDealt_;
     QPointer<QWidget> current_;
     QString problem_;
 };

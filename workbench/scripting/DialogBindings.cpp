@@ -14,7 +14,6 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
@@ -36,16 +35,6 @@ bool isField(const QWidget& widget)
             qobject_cast<const QAbstractSpinBox*>(&widget) ||
             (qobject_cast<const QAbstractButton*>(&widget) &&
              static_cast<const QAbstractButton&>(widget).isCheckable()));
-}
-
-QString textOf(const QDialog& dialog)
-{
-    if (const auto* box = qobject_cast<const QMessageBox*>(&dialog))
-        return (box->text() + ' ' + box->informativeText()).trimmed();
-    QStringList texts;
-    for (const QLabel* label : dialog.findChildren<QLabel*>())
-        texts.append(label->text());
-    return texts.join('\n');
 }
 
 /// Sets a field as a user would: what listens to edits hears of it.
@@ -182,7 +171,7 @@ void addMenuClass(ScriptContext& context)
 void addDialogClass(ScriptContext& context)
 {
     ScriptClass& dialog = context.engine.AddClass<QDialog>("Dialog", "Widget");
-    dialog.Method("text", [](ScriptCall& call) { call.Return(textOf(call.Self<QDialog>())); });
+    dialog.Method("text", [](ScriptCall& call) { call.Return(DialogText(call.Self<QDialog>())); });
     dialog.Method("title",
                   [](ScriptCall& call) { call.Return(call.Self<QDialog>().windowTitle()); });
     dialog.Method("fields", [](ScriptCall& call) {
