@@ -1,11 +1,9 @@
-// The table of actions. Where they show is in PolyMenus.cpp.
+// The table of actions. When they can be used is in PolyRules.h, where they show in PolyMenus.cpp.
 
 #include "controls/polyline/PolyActions.h"
 
 #include "controls/polyline/PolyCommands.h"
-#include "controls/polyline/PolyLineControl.h"
-#include "system/shapes/BSplinePolyLine.h"
-#include "system/shapes/PathModifier.h"
+#include "controls/polyline/PolyRules.h"
 
 #include <algorithm>
 #include <vector>
@@ -15,98 +13,8 @@ namespace Marlox {
 namespace {
 
 using C = PolyLineControl;
-
-// When actions can be used.
-
-bool Edits(const C& c)
-{
-    return c.CanEdit() && c.Editor().Active();
-}
-bool HasPoints(const C& c)
-{
-    const int active = c.Editor().ActivePolygon();
-    return Edits(c) && c.Editor().IsShown(active) && c.Editor().HasPoints(active);
-}
-bool HasSelection(const C& c)
-{
-    return Edits(c) && c.Editor().IsAnySelected();
-}
-/// Modes in which points change: Done takes none of these keys.
-bool HasSelectionInMode(const C& c)
-{
-    return HasSelection(c) && c.Mode() != PolyDrawMode::Done;
-}
-bool CanEditPoint(const C& c)
-{
-    return HasSelectionInMode(c) || (c.IsPointEditorOpen() && c.Mode() != PolyDrawMode::Done);
-}
-bool CanClose(const C& c)
-{
-    return Edits(c) && (c.Editor().Active()->IsClosed() || c.Editor().Active()->GetCount() >= 2);
-}
-bool HasOuterInput(const C& c)
-{
-    return Edits(c) && c.ShapeInput(OuterPolygon) && c.IsShapeFree(OuterPolygon);
-}
-bool HasOuter(const C& c)
-{
-    return HasOuterInput(c) && c.Editor().HasPoints(OuterPolygon);
-}
-bool CanEnableInner(const C& c)
-{
-    const PolyLine* inner = c.Editor().Shape(InnerPolygon);
-    return HasOuter(c) || (Edits(c) && inner && !inner->IsEnabled());
-}
-bool CanMakeOuter(const C& c)
-{
-    return HasOuterInput(c) && !c.Editor().HasPoints(OuterPolygon) &&
-           c.Editor().HasPoints(InnerPolygon);
-}
-bool IsMatched(const C& c)
-{
-    return HasOuter(c) && c.Editor().IsMatched();
-}
-template <const char* dataType>
-bool IsKind(const C& c)
-{
-    return HasPoints(c) && c.Editor().Active()->GetDataType() == MxID(dataType);
-}
-template <std::size_t keys>
-bool IsKeyed(const C& c)
-{
-    const Input* input = c.ShapeInput(c.Editor().ActivePolygon());
-    return HasPoints(c) && input && input->GetAnimation().Keys().size() >= keys;
-}
-bool CanPublish(const C& c)
-{
-    return HasSelection(c) && c.Settings().canPublishPoints;
-}
-bool CanFollow(const C& c)
-{
-    return HasSelection(c) && c.Settings().followExternMatchPoint;
-}
-bool HasPublishedSelection(const C& c)
-{
-    const PolyLine* shape = c.Editor().Active();
-    return HasSelection(c) && shape->GetSelectedPublishedPoint(c.Editor().ActiveSelection()) >= 0;
-}
-bool IsPathInput(const C& c)
-{
-    return Edits(c) && (c.BoundInput(PLCID_Center) ||
-                        dynamic_cast<PathModifier*>(&c.ShapeInput(InnerPolygon)->Owner()));
-}
-bool IsListed(const C& c)
-{
-    return c.Settings().animated && c.ShapeInput(c.Editor().ActivePolygon());
-}
-bool HasPickedColor(const C& c)
-{
-    return c.Settings().prevSkinColor != 0;
-}
-bool Never(const C&)
-{
-    return false;
-}
+using A = PolyAction;
+namespace R = PolyRules;
 
 // What is on.
 
@@ -130,6 +38,16 @@ bool Is(const C& c)
 {
     return c.Settings().*member;
 }
+/// What says nothing without an outer polygon, and without points.
+template <bool PolySettings::*member>
+bool IsOfOuter(const C& c)
+{
+    return c.Settings().*member && R::IsOuterDrawn(c);
+}
+bool HasShapeBox(const C& c)
+{
+    return c.Settings().shapeBox && R::IsDrawn(c);
+}
 template <bool RotoAssistSettings::*member>
 bool IsRoto(const C& c)
 {
@@ -138,7 +56,8 @@ bool IsRoto(const C& c)
 template <int polygon>
 bool IsEnabled(const C& c)
 {
-    return c.Editor().Shape(polygon) && c.Editor().Shape(polygon)->IsEnabled();
+    const bool is = polygon == InnerPolygon || R::IsOuterDrawn(c);
+    return is && c.Editor().Shape(polygon) && c.Editor().Shape(polygon)->IsEnabled();
 }
 bool IsClosed(const C& c)
 {
@@ -206,213 +125,212 @@ void TurnClickSetsTime(C& c)
 /// Turns roto assist on and off, as its button does, whose own event shows the state.
 constexpr u32 rotoToggleEvent = 0x20068;
 
-constexpr char NeedsEdgeFollowing[] =
-    "Following edges by itself is not part of this version of the controls.";
-
-using A = PolyAction;
-
 constexpr PolyActionRow rows[] = {
     // Draw modes.
-    {A::ClickAppend, "Click Append\tShift+C", SetMode<PolyDrawMode::ClickAppend>, nullptr,
+    {A::ClickAppend, "Click Append\tShift+C", SetMode<PolyDrawMode::ClickAppend>, R::unlocked,
      InMode<PolyDrawMode::ClickAppend>, "Click", "Click Append (Shift+C)", "DrawClick", 0x2000e},
-    {A::DrawAppend, "Draw Append\tShift+D", SetMode<PolyDrawMode::DrawAppend>, nullptr,
+    {A::DrawAppend, "Draw Append\tShift+D", SetMode<PolyDrawMode::DrawAppend>, R::unlocked,
      InMode<PolyDrawMode::DrawAppend>, "Draw", "Draw Append (Shift+D)", "DrawFreehand", 0x2000f},
     {A::InsertAndModify, "Insert and Modify\tShift+I", SetMode<PolyDrawMode::InsertAndModify>,
-     nullptr, InMode<PolyDrawMode::InsertAndModify>, "Insert", "Insert and Modify (Shift+I)",
+     R::unlocked, InMode<PolyDrawMode::InsertAndModify>, "Insert", "Insert and Modify (Shift+I)",
      "DrawInsertandModify", 0x20010},
-    {A::ModifyOnly, "Modify Only\tShift+M", SetMode<PolyDrawMode::ModifyOnly>, nullptr,
+    {A::ModifyOnly, "Modify Only\tShift+M", SetMode<PolyDrawMode::ModifyOnly>, R::unlocked,
      InMode<PolyDrawMode::ModifyOnly>, "Modify", "Modify Only (Shift+M)", "DrawModifyOnly",
      0x20011},
-    {A::Done, "Done\tShift+N", SetMode<PolyDrawMode::Done>, nullptr, InMode<PolyDrawMode::Done>,
+    {A::Done, "Done\tShift+N", SetMode<PolyDrawMode::Done>, R::unlocked, InMode<PolyDrawMode::Done>,
      "Done", "Done (Shift+N)", "DrawDone", 0x20012},
     {A::SetFocus, "Set Focus", [](C& c) { c.TakeViewFocus(); }},
-    {A::Closed, "Closed\tShift+O", TogglePolygonClosed, CanClose, IsClosed, "Closed",
+    {A::Closed, "Closed\tShift+O", TogglePolygonClosed, R::canClose, IsClosed, "Closed",
      "Close the polyline (Shift+O)", "Closed", 0x20014},
 
     // Clipboard.
-    {A::Copy, "Copy\tCtrl+C", CopyWholeShape, nullptr},
-    {A::Paste, "Paste\tCtrl+V", PasteWholeShape, Edits},
-    {A::CopyPathPoints, "Copy Path Points\tCtrl+C", CopyPoints, nullptr},
-    {A::CopyPathValue, "Copy Path Value", CopyValue, nullptr},
-    {A::CutPathPoints, "Cut Path Points\tCtrl+X", CutPoints, HasSelectionInMode},
-    {A::PastePathPoints, "Paste Path Points\tCtrl+V", PastePoints, Edits},
-    {A::PasteWithOffset, "Paste With Offset", PastePointsWithOffset, Edits},
+    {A::Copy, "Copy\tCtrl+C", CopyWholeShape},
+    {A::Paste, "Paste\tCtrl+V", PasteWholeShape, R::edits},
+    {A::CopyPathPoints, "Copy Path Points\tCtrl+C", CopyPoints, R::drawn},
+    {A::CopyPathValue, "Copy Path Value", CopyValue, R::copiesValue},
+    {A::CutPathPoints, "Cut Path Points\tCtrl+X", CutPoints, R::changesSelection},
+    {A::PastePathPoints, "Paste Path Points\tCtrl+V", PastePoints, R::edits},
+    {A::PasteWithOffset, "Paste With Offset", PastePointsWithOffset, R::edits},
 
     // Points.
-    {A::DeletePoints, "Delete Points\tDel", [](C& c) { DeleteSelectedPoints(c); }, HasSelection,
+    {A::DeletePoints, "Delete Points\tDel", [](C& c) { DeleteSelectedPoints(c); }, R::hasSelection,
      nullptr, "Delete", "Delete Points (Del)", "Delete", 0x2001d},
-    {A::LockPoints, "Lock Points", ToggleLocked, HasPoints, AllSelected<PPF_Locked>, "Lock",
+    {A::LockPoints, "Lock Points", ToggleLocked, R::hasPoints, AllSelected<PPF_Locked>, "Lock",
      "Lock Points", "Lock", 0x20015},
-    {A::LockPointPairs, "Lock Point Pairs", ToggleLockedPairs, IsMatched, AllSelected<PPF_Locked>},
-    {A::EditPoint, "Edit Point\tE", ToggleEditPoint, CanEditPoint},
-    {A::Linear, "Linear\tShift+L", LinearSelected, HasPoints, nullptr, "Linear",
+    {A::LockPointPairs, "Lock Point Pairs", ToggleLockedPairs, R::matched, AllSelected<PPF_Locked>},
+    {A::EditPoint, "Edit Point\tE", ToggleEditPoint, R::editsPoint},
+    {A::Linear, "Linear\tShift+L", LinearSelected, R::hasPoints, nullptr, "Linear",
      "Linear  (Shift+L)", "Linear", 0x20017},
-    {A::Smooth, "Smooth\tShift+S", SmoothSelected, HasPoints, nullptr, "Smooth", "Smooth (Shift+S)",
-     "Smooth", 0x20016},
-    {A::SmoothPointsDefault, "Default", SmoothPointsDefault, HasPoints},
-    {A::SmoothPointsDialog, "Dialog…", SmoothPointsDialog, HasPoints},
-    {A::SmoothAnimation, "Smooth Animation", SmoothAnimation, IsKeyed<3>},
-    {A::EaseInOut, "Ease In / Out…", EaseInOut, IsKeyed<2>},
-    {A::FlipPoints, nullptr, FlipPoints, HasPoints},
-    {A::TagPoints, nullptr, TagSelected, HasSelectionInMode},
-    {A::CutPoints, nullptr, CutPoints, HasSelectionInMode},
+    {A::Smooth, "Smooth\tShift+S", SmoothSelected, R::hasPoints, nullptr, "Smooth",
+     "Smooth (Shift+S)", "Smooth", 0x20016},
+    {A::SmoothPointsDefault, "Default", SmoothPointsDefault, R::hasPoints},
+    {A::SmoothPointsDialog, "Dialog…", SmoothPointsDialog, R::hasPoints},
+    {A::SmoothAnimation, "Smooth Animation", SmoothAnimation, R::isKeyed<3>},
+    {A::EaseInOut, "Ease In / Out…", EaseInOut, R::isKeyed<2>},
+    {A::FlipPoints, nullptr, FlipPoints, R::hasPoints},
+    {A::TagPoints, nullptr, TagSelected, R::changesSelection},
+    {A::CutPoints, nullptr, CutPoints, R::changesSelection},
 
     // Shapes.
-    {A::CreateEllipse, "Ellipse…", CreateEllipse, Edits},
-    {A::CreateRectangle, "Rectangle…", CreateRectangle, Edits},
-    {A::CreateSpiral, "Spiral…", CreateSpiral, Edits},
-    {A::RemoveOuter, "Remove Outer Polyline", RemoveOuter, HasOuter},
-    {A::ResetOuter, "Reset Outer Point Positions", ResetOuter, IsMatched},
-    {A::MakeOuter, "Make Outer Polyline", MakeOuter, CanMakeOuter, HasOuter, "Double Poly",
+    {A::CreateEllipse, "Ellipse…", CreateEllipse, R::edits},
+    {A::CreateRectangle, "Rectangle…", CreateRectangle, R::edits},
+    {A::CreateSpiral, "Spiral…", CreateSpiral, R::edits},
+    {A::RemoveOuter, "Remove Outer Polyline", RemoveOuter, R::hasOuter},
+    {A::ResetOuter, "Reset Outer Point Positions", ResetOuter, R::matched},
+    {A::MakeOuter, "Make Outer Polyline", MakeOuter, R::makesOuter, R::IsOuterDrawn, "Double Poly",
      "Make Double Poly", "MakeDoublePolyline", 0x20021},
-    {A::EnableOuter, "Enable Outer Polyline", ToggleOuterEnabled, HasOuter,
+    {A::EnableOuter, "Enable Outer Polyline", ToggleOuterEnabled, R::hasOuter,
      IsEnabled<OuterPolygon>},
-    {A::FollowInner, "Follow Inner Polyline", Turn<&PolySettings::followInner>, HasOuter,
-     Is<&PolySettings::followInner>, "Follow Inner", "Follow Inner Poly", nullptr, 0x20022},
-    {A::EnableInner, "Enable Polyline", ToggleInnerEnabled, CanEnableInner,
-     IsEnabled<InnerPolygon>},
+    {A::FollowInner, "Follow Inner Polyline", Turn<&PolySettings::followInner>, R::hasOuter,
+     IsOfOuter<&PolySettings::followInner>, "Follow Inner", "Follow Inner Poly", nullptr, 0x20022},
+    {A::EnableInner, "Enable Polyline", ToggleInnerEnabled, R::turnsInner, IsEnabled<InnerPolygon>},
     {A::CardinalToBezier, "Cardinal to Bezier", ConvertToBezier,
-     IsKind<CLSID_DataType_CardinalSplinePolyline>},
+     R::isKind<CLSID_DataType_CardinalSplinePolyline>},
     {A::BSplineToBezier, "B-Spline to Bezier", ConvertToBezier,
-     IsKind<CLSID_DataType_BSplinePolyline>},
-    {A::BezierToBSpline, "Bezier to B-Spline", ConvertToBSpline, IsKind<CLSID_DataType_Polyline>},
-    {A::ConvertToXYPath, "Convert to XYPath", ConvertPathToXY, IsPathInput},
-    {A::ShapeBox, "Shape Box\tShift+B", ToggleShapeBox, HasPoints, Is<&PolySettings::shapeBox>,
-     "Shape", "Shape Box (Shift+B)", "ShapeBox", 0x2001c},
-    {A::ShapeBoxBoth, "Shape Box Both Polylines", Turn<&PolySettings::shapeBoxBoth>, HasOuter,
-     Is<&PolySettings::shapeBoxBoth>},
-    {A::Subdivide, "Subdivide…", SubdivideShape, HasPoints},
-    {A::ReducePoints, "Reduce Points…", ReducePoints, HasPoints, nullptr, "Reduce", "Reduce Points",
-     "ReducePoints", 0x2001e},
-    {A::AveragePoints, "Average", AveragePoints, HasSelection},
+     R::isKind<CLSID_DataType_BSplinePolyline>},
+    {A::BezierToBSpline, "Bezier to B-Spline", ConvertToBSpline,
+     R::isKind<CLSID_DataType_Polyline>},
+    {A::ConvertToXYPath, "Convert to XYPath", ConvertPathToXY, R::hasPath},
+    {A::ShapeBox, "Shape Box\tShift+B", ToggleShapeBox, R::hasPoints, HasShapeBox, "Shape",
+     "Shape Box (Shift+B)", "ShapeBox", 0x2001c},
+    {A::ShapeBoxBoth, "Shape Box Both Polylines", Turn<&PolySettings::shapeBoxBoth>, R::hasOuter,
+     IsOfOuter<&PolySettings::shapeBoxBoth>},
+    {A::Subdivide, "Subdivide…", SubdivideShape, R::hasPoints},
+    {A::ReducePoints, "Reduce Points…", ReducePoints, R::hasPoints, nullptr, "Reduce",
+     "Reduce Points", "ReducePoints", 0x2001e},
+    {A::AveragePoints, "Average", AveragePoints, R::hasSelection},
 
     // Look.
-    {A::StyleSolid, "Solid", SetStyle<PolyDrawStyle::Solid>, nullptr,
+    {A::StyleSolid, "Solid", SetStyle<PolyDrawStyle::Solid>, R::unlocked,
      InStyle<PolyDrawStyle::Solid>},
-    {A::StyleDash, "Dash", SetStyle<PolyDrawStyle::Dash>, nullptr, InStyle<PolyDrawStyle::Dash>},
-    {A::StyleNull, "Null", SetStyle<PolyDrawStyle::Null>, nullptr, InStyle<PolyDrawStyle::Null>},
-    {A::SplineColor, "Custom Spline Color…", ChooseSplineColor},
-    {A::KeyPointColor, "Custom Key Point Color…", ChooseKeyPointColor},
-    {A::HandleColor, "Custom Handle Color…", ChooseHandleColor},
+    {A::StyleDash, "Dash", SetStyle<PolyDrawStyle::Dash>, R::unlocked,
+     InStyle<PolyDrawStyle::Dash>},
+    {A::StyleNull, "Null", SetStyle<PolyDrawStyle::Null>, R::unlocked,
+     InStyle<PolyDrawStyle::Null>},
+    {A::SplineColor, "Custom Spline Color…", ChooseSplineColor, R::unlocked},
+    {A::KeyPointColor, "Custom Key Point Color…", ChooseKeyPointColor, R::unlocked},
+    {A::HandleColor, "Custom Handle Color…", ChooseHandleColor, R::unlocked},
 
     // Publishing.
-    {A::PublishPoints, "Publish Points\tShift+P", PublishSelected, CanPublish, nullptr, nullptr,
+    {A::PublishPoints, "Publish Points\tShift+P", PublishSelected, R::publishes, nullptr, nullptr,
      nullptr, nullptr, 0, "Publish Points (Shift+P)"},
-    {A::UnpublishPoints, nullptr, UnpublishSelected, HasPublishedSelection, nullptr, nullptr,
-     nullptr, nullptr, 0, "Unpublish Points (Shift+P)"},
-    {A::PublishToPath, "Publish To Path", PublishSelectedToPath, CanPublish, nullptr, nullptr,
+    {A::UnpublishPoints, nullptr, UnpublishSelected, R::unpublishes, nullptr, nullptr, nullptr,
+     nullptr, 0, "Unpublish Points (Shift+P)"},
+    {A::PublishToPath, "Publish To Path", PublishSelectedToPath, R::publishes, nullptr, nullptr,
      nullptr, nullptr, 0, "Publish to Path", "Publish points and animate with a Path"},
-    {A::PublishToXYPath, "Publish To XYPath", PublishSelectedToXYPath, CanPublish, nullptr, nullptr,
-     nullptr, nullptr, 0, "Publish to XYPath", "Publish points and animate with a XYPath"},
-    {A::PublishToTracker, "Publish To Tracker", PublishSelectedToTracker, CanPublish, nullptr,
+    {A::PublishToXYPath, "Publish To XYPath", PublishSelectedToXYPath, R::publishes, nullptr,
+     nullptr, nullptr, nullptr, 0, "Publish to XYPath", "Publish points and animate with a XYPath"},
+    {A::PublishToTracker, "Publish To Tracker", PublishSelectedToTracker, R::publishes, nullptr,
      nullptr, nullptr, nullptr, 0, "Publish to Tracker", "Publish points and attach to a Tracker"},
-    {A::FollowPublished, "Follow Published Points\tShift+F", FollowPublishedPoints, CanFollow,
+    {A::FollowPublished, "Follow Published Points\tShift+F", FollowPublishedPoints, R::follows,
      nullptr, "Follow Points", "Make points follow nearby published points (Shift+F)",
      "FollowPublished", 0x20020},
-    {A::PublishMenu, nullptr, nullptr, Edits, nullptr, "Publish", "Publish Menu", "PublishPoints",
-     0x2001f},
+    {A::PublishMenu, nullptr, nullptr, R::edits, nullptr, "Publish", "Publish Menu",
+     "PublishPoints", 0x2001f},
 
     // What shows.
-    {A::PointNumbers, "Point Numbers\tShift+T", Turn<&PolySettings::showNumbers>, nullptr,
+    {A::PointNumbers, "Point Numbers\tShift+T", Turn<&PolySettings::showNumbers>, R::always,
      Is<&PolySettings::showNumbers>},
-    {A::CurrentTimeOnly, "Current Time Only", TurnAttr<PLC_CurrentTimeOnly>, nullptr,
+    {A::CurrentTimeOnly, "Current Time Only", TurnAttr<PLC_CurrentTimeOnly>, R::always,
      Is<&PolySettings::currentTimeOnly>, "Current", "Current Time Only", "CurrentTimeOnly",
      0x20013},
-    {A::SelectAll, "Select All\tShift+A", SelectAllPoints, HasPoints, nullptr, "Select All",
+    {A::SelectAll, "Select All\tShift+A", SelectAllPoints, R::canSelect, nullptr, "Select All",
      "Select All points (Shift+A)", "SelectAll", 0x20018},
-    {A::LockSelection, "Lock Point Selection", Turn<&PolySettings::lockSelection>, nullptr,
+    {A::LockSelection, "Lock Point Selection", Turn<&PolySettings::lockSelection>, R::always,
      Is<&PolySettings::lockSelection>},
+    {A::SelectMatching, "Select matching point from the %s polyline", SelectMatchingPoint,
+     R::selectsMatch, nullptr, nullptr, nullptr, nullptr, 0, nullptr, nullptr, R::IsDouble},
     {A::PublishingEnabled, "Publishing Path Points Enabled", TurnAttr<PLC_CanPublishPoints>,
-     nullptr, Is<&PolySettings::canPublishPoints>},
-    {A::ShowKeyPoints, "Key Points\tShift+K", TurnAttr<PLC_ShowKeyPoints>, nullptr,
+     R::unlocked, Is<&PolySettings::canPublishPoints>},
+    {A::ShowKeyPoints, "Key Points\tShift+K", TurnAttr<PLC_ShowKeyPoints>, R::always,
      Is<&PolySettings::showKeyPoints>, "Keys", "Show Key Points (Shift+K)", "ShowKeys", 0x20019},
-    {A::ShowHull, "Convex Hull Polygon\tShift+H", Turn<&PolySettings::showHull>, nullptr,
+    {A::ShowHull, "Convex Hull Polygon\tShift+H", Turn<&PolySettings::showHull>, R::always,
      Is<&PolySettings::showHull>},
-    {A::ShowHandles, "Handles\tShift+H", TurnAttr<PLC_ShowHandles>, nullptr,
+    {A::ShowHandles, "Handles\tShift+H", TurnAttr<PLC_ShowHandles>, R::always,
      Is<&PolySettings::showHandles>, "Handles", "Show All Handles (Shift+H)", "ShowHandles",
      0x2001a},
-    {A::ShowPolygon, "Polygon\tShift+P", TurnAttr<PLC_ShowPolyLine>, nullptr,
+    {A::ShowPolygon, "Polygon\tShift+P", TurnAttr<PLC_ShowPolyLine>, R::always,
      Is<&PolySettings::showPolyLine>, "Polygon", "Show Polygon curve", nullptr, 0x2001b},
-    {A::ShowTaggedIDs, "Show Tagged Point IDs", TurnAttr<PLC_ShowTaggedPointIDs>, nullptr,
+    {A::ShowTaggedIDs, "Show Tagged Point IDs", TurnAttr<PLC_ShowTaggedPointIDs>, R::always,
      Is<&PolySettings::showTaggedPointIDs>},
-    {A::ShowKeyList, "Show Poly Keys Dialog\tK", ShowKeyList, IsListed},
+    {A::ShowKeyList, "Show Poly Keys Dialog\tK", ShowKeyList, R::listed},
 
     // Onion skins.
-    {A::OnionSkin, "Onion skin\tCtrl+Alt+O", Turn<&PolySettings::onionSkin>, nullptr,
+    {A::OnionSkin, "Onion skin\tCtrl+Alt+O", Turn<&PolySettings::onionSkin>, R::always,
      Is<&PolySettings::onionSkin>, "Onion Skin", "Onion Skin (Ctrl+Alt+O)", "OnionSkin", 0x20024},
-    {A::OnionSettings, "Onion skin settings…", EditOnionSettings, nullptr, nullptr, nullptr,
+    {A::OnionSettings, "Onion skin settings…", EditOnionSettings, R::always, nullptr, nullptr,
      nullptr, nullptr, 0, "Onion skin settings…", "Onion skin settings"},
-    {A::OnionClickSetsTime, "Onion skin click to Set Current Time", TurnClickSetsTime, nullptr,
+    {A::OnionClickSetsTime, "Onion skin click to Set Current Time", TurnClickSetsTime, R::always,
      ClickSetsTime, nullptr, nullptr, nullptr, 0, "Click on shape to set current time"},
-    {A::OnionResetAnchor, "Reset onion skin anchor", ResetOnionAnchor, nullptr, nullptr, nullptr,
+    {A::OnionResetAnchor, "Reset onion skin anchor", ResetOnionAnchor, R::always, nullptr, nullptr,
      nullptr, nullptr, 0, "Reset anchor to current time"},
     {A::SetPrevSkinColor, "Set prev skin color", ChoosePrevSkinColor},
     {A::ResetPrevSkinColor, "Reset prev skin color",
-     [](C& c) { c.ChangeSettings().prevSkinColor = 0; }, HasPickedColor},
+     [](C& c) { c.ChangeSettings().prevSkinColor = 0; }, R::picked},
 
     // Roto assist.
-    {A::RotoEnable, "Enable\tCtrl+R", ToggleRotoAssist, Edits, IsRoto<&RotoAssistSettings::enabled>,
-     "Roto Assist", "Roto Assist (Ctrl+R)", "RotoAssist", 0x20067},
-    {A::RotoTrackPoints, "Track Points", ToggleRotoFollow, Never,
-     IsRoto<&RotoAssistSettings::follow>, nullptr, nullptr, nullptr, 0x20069, nullptr, nullptr,
-     NeedsEdgeFollowing},
-    {A::RotoEdges, nullptr, ToggleRotoEdges, Never, IsRoto<&RotoAssistSettings::edges>, nullptr,
-     nullptr, nullptr, 0x2006a, "Auto-roto Edges", nullptr, NeedsEdgeFollowing},
+    {A::RotoEnable, "Enable\tCtrl+R", ToggleRotoAssist, R::edits,
+     IsRoto<&RotoAssistSettings::enabled>, "Roto Assist", "Roto Assist (Ctrl+R)", "RotoAssist",
+     0x20067},
+    {A::RotoTrackPoints, "Track Points", ToggleRotoFollow, R::never,
+     IsRoto<&RotoAssistSettings::follow>, nullptr, nullptr, nullptr, 0x20069},
+    {A::RotoEdges, nullptr, ToggleRotoEdges, R::never, IsRoto<&RotoAssistSettings::edges>, nullptr,
+     nullptr, nullptr, 0x2006a, "Auto-roto Edges"},
     {A::RotoMultiplePoints, "Roto Assist Multiple Points",
-     TurnRoto<&RotoAssistSettings::multiplePoints>, nullptr,
+     TurnRoto<&RotoAssistSettings::multiplePoints>, R::edits,
      IsRoto<&RotoAssistSettings::multiplePoints>, nullptr, nullptr, nullptr, 0x2006b},
-    {A::RotoDistance, "Distance %d…", AskRotoDistance, Edits, nullptr, nullptr, nullptr, nullptr,
+    {A::RotoDistance, "Distance %d…", AskRotoDistance, R::edits, nullptr, nullptr, nullptr, nullptr,
      0x2006c},
-    {A::RotoFrameSkip, "Frame Skip", AskRotoFrameSkip, Edits, nullptr, nullptr, nullptr, nullptr,
+    {A::RotoFrameSkip, "Frame Skip", AskRotoFrameSkip, R::edits, nullptr, nullptr, nullptr, nullptr,
      0x2006d, "Track Frame Skip %d…"},
-    {A::RotoCreateTrackPoints, "Create Track Points", CreateTrackPoints, HasPoints, nullptr,
+    {A::RotoCreateTrackPoints, "Create Track Points", CreateTrackPoints, R::hasPoints, nullptr,
      nullptr, nullptr, nullptr, 0x2006e},
-    {A::RotoReset, "Reset", ResetRotoAssist, Edits, nullptr, nullptr, nullptr, nullptr, 0x2006f},
-    {A::RotoShowArea, "Show Tracker Area", TurnRoto<&RotoAssistSettings::showArea>, nullptr,
+    {A::RotoReset, "Reset", ResetRotoAssist, R::edits, nullptr, nullptr, nullptr, nullptr, 0x2006f},
+    {A::RotoShowArea, "Show Tracker Area", TurnRoto<&RotoAssistSettings::showArea>, R::always,
      IsRoto<&RotoAssistSettings::showArea>, nullptr, nullptr, nullptr, 0x20070},
     {A::RotoPatternEdit, "Track Pattern Edit Mode", TurnRoto<&RotoAssistSettings::patternEdit>,
-     nullptr, IsRoto<&RotoAssistSettings::patternEdit>, nullptr, nullptr, nullptr, 0x20071},
-    {A::RotoResetPattern, "Reset Track Pattern to PolyLine Points", ResetTrackPattern, HasPoints,
+     R::edits, IsRoto<&RotoAssistSettings::patternEdit>, nullptr, nullptr, nullptr, 0x20071},
+    {A::RotoResetPattern, "Reset Track Pattern to PolyLine Points", ResetTrackPattern, R::hasPoints,
      nullptr, nullptr, nullptr, nullptr, 0, "Reset Track Pattern To PolyLine Points"},
 
     // Several at once.
-    {A::EditMultiple, "Edit Multiple Polylines", Turn<&PolySettings::editBoth>, nullptr,
+    {A::EditMultiple, "Edit Multiple Polylines", Turn<&PolySettings::editBoth>, R::always,
      Is<&PolySettings::editBoth>},
-    {A::FramesNone, "None", SetFrames<MultiFrame::None>, nullptr, InFrames<MultiFrame::None>,
+    {A::FramesNone, "None", SetFrames<MultiFrame::None>, R::always, InFrames<MultiFrame::None>,
      nullptr, nullptr, nullptr, 0, "None", "No multiframe Editing"},
-    {A::FramesPrev, "Prev", SetFrames<MultiFrame::Prev>, nullptr, InFrames<MultiFrame::Prev>,
+    {A::FramesPrev, "Prev", SetFrames<MultiFrame::Prev>, R::always, InFrames<MultiFrame::Prev>,
      nullptr, nullptr, nullptr, 0, "Prev", "Editing multiframes prev"},
-    {A::FramesNext, "Next", SetFrames<MultiFrame::Next>, nullptr, InFrames<MultiFrame::Next>,
+    {A::FramesNext, "Next", SetFrames<MultiFrame::Next>, R::always, InFrames<MultiFrame::Next>,
      nullptr, nullptr, nullptr, 0, "Next", "Editing multiframes next"},
-    {A::FramesAll, "All", SetFrames<MultiFrame::All>, nullptr, InFrames<MultiFrame::All>, nullptr,
+    {A::FramesAll, "All", SetFrames<MultiFrame::All>, R::always, InFrames<MultiFrame::All>, nullptr,
      nullptr, nullptr, 0, "All", "Editing multiframes all"},
-    {A::MultiframeMenu, nullptr, nullptr, nullptr,
+    {A::MultiframeMenu, nullptr, nullptr, R::always,
      [](const C& c) { return c.Settings().multiFrame != MultiFrame::None; }, "Multiframe",
      "Multiframe Menu", "MultiTimeEdit", 0x20023},
-    {A::StopRendering, "Stop Rendering\tShift+R", TurnAttr<PLC_StopRendering>, nullptr,
+    {A::StopRendering, "Stop Rendering\tShift+R", TurnAttr<PLC_StopRendering>, R::unlocked,
      Is<&PolySettings::stopRendering>},
-    {A::RecordTime, "Time", TurnAttr<PLC_RecordTime>, nullptr, Is<&PolySettings::recordTime>},
-    {A::RecordPressure, "Pressure", TurnAttr<PLC_RecordPressure>, nullptr,
+    {A::RecordTime, "Time", TurnAttr<PLC_RecordTime>, R::unlocked, Is<&PolySettings::recordTime>},
+    {A::RecordPressure, "Pressure", TurnAttr<PLC_RecordPressure>, R::unlocked,
      Is<&PolySettings::recordPressure>},
-    {A::RecordHeight, "Height", TurnAttr<PLC_RecordHeight>, nullptr,
+    {A::RecordHeight, "Height", TurnAttr<PLC_RecordHeight>, R::unlocked,
      Is<&PolySettings::recordHeight>},
-    {A::RecordAngleXY, "Angle XY", TurnAttr<PLC_RecordAngleXY>, nullptr,
+    {A::RecordAngleXY, "Angle XY", TurnAttr<PLC_RecordAngleXY>, R::unlocked,
      Is<&PolySettings::recordAngleXY>},
-    {A::RecordAngleZ, "Angle Z", TurnAttr<PLC_RecordAngleZ>, nullptr,
+    {A::RecordAngleZ, "Angle Z", TurnAttr<PLC_RecordAngleZ>, R::unlocked,
      Is<&PolySettings::recordAngleZ>},
-    {A::RecordRotation, "Rotation", TurnAttr<PLC_RecordRotation>, nullptr,
+    {A::RecordRotation, "Rotation", TurnAttr<PLC_RecordRotation>, R::unlocked,
      Is<&PolySettings::recordRotation>},
 
     // Files.
-    {A::Export, "Export…", ExportFile, nullptr},
-    {A::ExportDxf, nullptr, ExportDxf, HasPoints, nullptr, nullptr, nullptr, nullptr, 0x20080},
-    {A::ImportLightWave, "Import LightWave MOT…", ImportLightWave, Edits},
-    {A::ImportMotionPath, "Import Motion Path…", ImportMotionPath, Edits},
-    {A::ImportShape, "Import Shape…", ImportShape, Edits},
-    {A::ImportSsf, "Import SSF Shapes…", ImportSsf, Edits},
-    {A::ImportFxs, "Import FXS (Silhouette) Shapes…", ImportFxs, Edits},
-    {A::ImportNuke, "Import Nuke Shapes…", ImportNuke, Edits},
-    {A::ImportBoujou, "Import Boujou Path…", ImportBoujou, Edits},
+    {A::Export, "Export…", ExportFile},
+    {A::ExportDxf, nullptr, ExportDxf, R::hasPoints, nullptr, nullptr, nullptr, nullptr, 0x20080},
+    {A::ImportLightWave, "Import LightWave MOT…", ImportLightWave, R::edits},
+    {A::ImportMotionPath, "Import Motion Path…", ImportMotionPath, R::edits},
+    {A::ImportShape, "Import Shape…", ImportShape, R::edits},
+    {A::ImportSsf, "Import SSF Shapes…", ImportSsf, R::edits},
+    {A::ImportFxs, "Import FXS (Silhouette) Shapes…", ImportFxs, R::edits},
+    {A::ImportNuke, "Import Nuke Shapes…", ImportNuke, R::edits},
+    {A::ImportBoujou, "Import Boujou Path…", ImportBoujou, R::edits},
 };
 
 } // namespace
@@ -436,10 +354,19 @@ const PolyActionRow* FindActionOfEvent(u32 event)
     return found == std::end(rows) ? nullptr : &*found;
 }
 
-bool IsActionEnabled(const PolyLineControl& control, PolyAction action)
+const char* WhyNot(const PolyLineControl& control, PolyAction action)
 {
     const PolyActionRow* row = FindAction(action);
-    return row && (!row->enabled || row->enabled(control));
+    if (!row)
+        return "There is no such action.";
+    const auto broken = std::find_if(row->enabled.begin(), row->enabled.end(),
+                                     [&](const PolyRule& rule) { return !rule.holds(control); });
+    return broken == row->enabled.end() ? nullptr : broken->otherwise;
+}
+
+bool IsActionEnabled(const PolyLineControl& control, PolyAction action)
+{
+    return !WhyNot(control, action);
 }
 
 bool RunAction(PolyLineControl& control, PolyAction action)

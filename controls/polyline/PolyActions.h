@@ -2,12 +2,14 @@
 
 #include "system/base/Types.h"
 
+#include <span>
 #include <vector>
 
 namespace Marlox {
 
 class Menu;
 class PolyLineControl;
+struct PolyRule;
 struct ToolbarButton;
 
 /// Everything that the menu, the toolbar and the keys of the polyline overlay can do. The numbers
@@ -71,6 +73,7 @@ enum class PolyAction : u32 {
     CurrentTimeOnly,
     SelectAll,
     LockSelection,
+    SelectMatching,
     PublishingEnabled,
     ShowKeyPoints,
     ShowHull,
@@ -124,6 +127,12 @@ enum class PolyAction : u32 {
     MultiframeMenu,
 };
 
+// The groups of the toolbar, as the overlay's class declares them (ToolGroup).
+inline constexpr char PolyTools[] = "Poly_Tool";
+inline constexpr char PolyToolsMultiFrames[] = "Poly_Tool_MultiFrames";
+inline constexpr char PolyToolsOnionSkinning[] = "Poly_Tool_OnionSkinning";
+inline constexpr char PolyToolsRotoAssist[] = "Poly_Tool_RotoAssist";
+
 /// A row of the one table of actions: how it is shown, when it can be used, what it does.
 struct PolyActionRow {
     using Test = bool (*)(const PolyLineControl& control);
@@ -131,16 +140,16 @@ struct PolyActionRow {
     PolyAction action;
     const char* menu; // text of the context menu, its shortcut behind a tab; null: none
     Run run;
-    Test enabled = nullptr;       // null: always
-    Test checked = nullptr;       // null: it is no state
-    const char* button = nullptr; // text, tip and icon of the toolbar; null: none
+    std::span<const PolyRule> enabled = {}; // rules that must hold; none: always
+    Test checked = nullptr;                 // null: it is no state
+    const char* button = nullptr;           // text, tip and icon of the toolbar; null: none
     const char* tip = nullptr;
     const char* icon = nullptr; // null: none
     u32 event = 0;              // of the viewer; 0: none
     const char* popDown =
         nullptr; // text and tip within a pop-down of the toolbar; null: as the menu
     const char* popDownTip = nullptr;
-    const char* refusal = nullptr; // why it is never enabled
+    Test listed = nullptr; // whether menus have it now; null: always
 };
 
 const PolyActionRow* FindAction(PolyAction action); // null: there is none
@@ -148,6 +157,8 @@ const PolyActionRow* FindActionOfEvent(u32 event);
 /// The events of the toolbar's buttons, in their order.
 const std::vector<u32>& ToolbarEvents();
 
+/// Why it can't be used, for the user; null: it can.
+const char* WhyNot(const PolyLineControl& control, PolyAction action);
 bool IsActionEnabled(const PolyLineControl& control, PolyAction action);
 /// Does it, if it is enabled.
 bool RunAction(PolyLineControl& control, PolyAction action);

@@ -16,6 +16,7 @@ class PolyView;
 // Shape and points (PolyCommandsPoints.cpp).
 void TogglePolygonClosed(PolyLineControl& control);
 void SelectAllPoints(PolyLineControl& control);
+void SelectMatchingPoint(PolyLineControl& control); // of the other polygon, which gets active
 void DeleteSelectedPoints(PolyLineControl& control, const char* text = "Delete Points");
 void SmoothSelected(PolyLineControl& control);
 void LinearSelected(PolyLineControl& control);

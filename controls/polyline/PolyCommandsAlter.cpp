@@ -175,6 +175,8 @@ void SubdivideShape(PolyLineControl& control)
     if (!parts)
         return;
     const std::vector<PolygonKeys> all = TakeKeys(control, TakePoints::Selected);
+    if (all.empty()) // the tool, or what it had, went while the dialog was open
+        return;
     const std::vector<ShapeList> made = divided(all, *parts);
     if (IsAnyMade(made))
         WriteKeys(control, "Subdivide", all, made);

@@ -11,8 +11,6 @@
 #include "system/shapes/PathAnimation.h"
 #include "system/shapes/ShapePublish.h"
 
-#include <QApplication>
-
 namespace Marlox {
 
 namespace {
@@ -310,7 +308,7 @@ void ToggleEditPoint(PolyLineControl& control)
         return;
     }
     if (!editor)
-        editor = new PolyPointDlg(control, QApplication::activeWindow());
+        editor = new PolyPointDlg(control, control.Window());
     editor->show();
     editor->Follow();
     editor->raise();

@@ -2,6 +2,7 @@
 #include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/shapes/ShapePublish.h"
+#include "system/viewer/OverlayState.h"
 
 #include <algorithm>
 
@@ -64,6 +65,20 @@ void TogglePolygonClosed(PolyLineControl& control)
 void SelectAllPoints(PolyLineControl& control)
 {
     control.Editor().SelectAll();
+}
+
+void SelectMatchingPoint(PolyLineControl& control)
+{
+    PolyEditor& editor = control.Editor();
+    const int other = OtherPolygon(editor.ActivePolygon());
+    const int index = editor.ActiveSelection().Last();
+    const ScriptVal before = control.SavedSelection();
+    editor.SetActivePolygon(other);
+    editor.SelectOnly(other, index);
+    PushOverlayState(control,
+                     QStringLiteral("Select matching point from the %1 polyline")
+                         .arg(QLatin1String(NameOfPolygon(other))),
+                     before, control.SavedSelection());
 }
 
 void DeleteSelectedPoints(PolyLineControl& control, const char* text)

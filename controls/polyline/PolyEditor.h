@@ -29,6 +29,12 @@ constexpr int OtherPolygon(int polygon)
     return 1 - polygon;
 }
 
+/// As tips and menus name it.
+constexpr const char* NameOfPolygon(int polygon)
+{
+    return polygon == OuterPolygon ? "Outer" : "Inner";
+}
+
 /// What lies under the cursor.
 struct PolyHit {
     enum Kind { Nothing, Point, InHandle, OutHandle, Curve };
@@ -137,6 +143,11 @@ private:
         Ref<PolyLine> shape;
         SelMask mask;
     };
+    // What is hit, of each kind.
+    PolyHit PointAt(const PolyView& view) const;
+    PolyHit HandleAt(const PolyView& view) const;
+    PolyHit CurveAt(const PolyView& view) const;
+    std::array<int, PolygonCount> PickOrder() const { return {active_, OtherPolygon(active_)}; }
     std::optional<Input::State> TakeState(int polygon) const;
     void Adopt(int polygon, const Ref<PolyLine>& shape);
     void Remember(int polygon);

@@ -1,5 +1,6 @@
 #include "controls/polyline/PolyLineControl.h"
 
+#include "controls/polyline/PolyActions.h"
 #include "controls/polyline/PolyDraw.h"
 #include "controls/polyline/PolyKeyListDlg.h"
 #include "controls/polyline/PolyPointDlg.h"
@@ -9,6 +10,7 @@
 #include "system/document/Preferences.h"
 #include "system/shapes/ShapeLinks.h"
 #include "system/viewer/OverlayState.h"
+#include "system/viewer/ToolGroup.h"
 
 #include <algorithm>
 #include <cmath>
@@ -131,7 +133,7 @@ void PolyLineControl::SetAttr(u32 tag, int64 value)
     const auto alive = Ref<PolyLineControl>::Share(this);
     const TagList change{{tag, value}};
     SetAttrsTagList(change);
-    if (!Inputs().empty())
+    if (!Inputs().empty() && !Inputs().front()->Owner().IsLocked())
         Inputs().front()->SetAttrsTagList(change);
 }
 
@@ -203,230 +205,6 @@ void PolyLineControl::TakeViewFocus()
         view_->services->TakeFocus(*this);
 }
 
-// Inputs ------------------------------------------------------------------------------------------
-
-Input* PolyLineControl::ShapeInput(int polygon) const
-{
-    Input* const own = FindInputByIndex(unsigned(polygon));
-    return own || polygon == InnerPolygon ? own : BoundInput(PLCID_InPolyLine2);
-}
-
-Input* PolyLineControl::BoundInput(u32 idTag) const
-{
-    return bound_[idTag - PLCID_Center]->Get();
-}
-
-bool PolyLineControl::IsShapeFree(int polygon) const
-{
-    const Input* input = ShapeInput(polygon);
-    return input && !input->Owner().IsLocked() && IsFree(input) && input->IsChangeable();
-}
-
-ShapePlacement PolyLineControl::PlacementAt(double time) const
-{
-    ShapePlacement placement;
-    if (const Input* center = BoundInput(PLCID_Center)) {
-        const Ref<Parameter> value = center->GetValue(time);
-        if (const auto* point = dynamic_cast<const Point*>(value.Get()))
-            placement.center = {point->X(), point->Y()};
-    }
-    const auto number = [&](u32 idTag, double otherwise) {
-        const Input* input = BoundInput(idTag);
-        const double value = input ? input->GetNumber(time, otherwise) : otherwise;
-        return std::isfinite(value) ? value : otherwise;
-    };
-    placement.center.x = number(PLCID_CenterX, placement.center.x);
-    placement.center.y = number(PLCID_CenterY, placement.center.y);
-    placement.angle = number(PLCID_Angle, 0.0);
-    placement.size = number(PLCID_Size, 1.0);
-    return placement;
-}
-
-bool PolyLineControl::AddInput(Input* input, TagList* tags)
-{
-    const bool added = PreviewControl::AddInput(input, tags);
-    ReadShapes();
-    return added;
-}
-
-bool PolyLineControl::RemoveInput(Input* input, TagList* tags)
-{
-    bool mine = false;
-    for (std::unique_ptr<Bound>& bound : bound_)
-        mine = bound->Forget(input) || mine;
-    const bool removed = PreviewControl::RemoveInput(input, tags);
-    if (keyList_ && keyList_->GetInput() == input)
-        keyList_->SetInput(nullptr);
-    ReadShapes();
-    return removed || mine;
-}
-
-void PolyLineControl::ReadShapes()
-{
-    bool another = false;
-    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-        const Input* input = ShapeInput(polygon);
-        another = editor_.Notify(polygon,
-                                 input ? ResolvedShape(*input, CurrentTime()) : Ref<PolyLine>()) ||
-                  another;
-    }
-    if (!hasMode_ && editor_.Shape(InnerPolygon)) {
-        hasMode_ = true; // a new shape is to be drawn, one that is there to be changed
-        const PolyDrawMode mode =
-            editor_.HasPoints(InnerPolygon) ? ModeAfterClose() : PolyDrawMode::ClickAppend;
-        settings_.drawMode = u8((settings_.drawMode & 0xf0) | u8(mode));
-        pending_ = mode == PolyDrawMode::ClickAppend ? &clicked_ : nullptr;
-        PressModeEvent();
-    }
-    if (another)
-        UpdateDisplay(nullptr, nullptr);
-}
-
-void PolyLineControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
-{
-    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-        if (!input || input != ShapeInput(polygon))
-            continue;
-        if (!editor_.Notify(polygon, ResolvedShape(*input, CurrentTime())))
-            return;
-    }
-    PreviewControl::NotifyChanged(input, value, tags);
-}
-
-void PolyLineControl::UpdateDisplay(Input* input, TagList* tags)
-{
-    PreviewControl::UpdateDisplay(input, tags);
-    if (pointEditor_)
-        pointEditor_->Follow();
-}
-
-bool PolyLineControl::IsPointEditorOpen() const
-{
-    return pointEditor_ && pointEditor_->isVisible();
-}
-
-bool PolyLineControl::WriteShape(int polygon, Input::State next)
-{
-    Input* const input = ShapeInput(polygon);
-    if (!IsShapeFree(polygon))
-        return false;
-    const auto alive = Ref<PolyLineControl>::Share(this); // what follows may remove the overlay
-    const bool inGesture = gesture_ != nullptr;
-    if (!input->ChangeTo(std::move(next)))
-        return false;
-    changed_ = inGesture;
-    const Ref<Parameter> written = input->GetPlainValue(CurrentTime());
-    TagList what{{PV_Value, written.Get()},
-                 {PVD_Time, CurrentTime()},
-                 {IA_OverlayIndex, polygon},
-                 {PV_Final, !inGesture}};
-    Notify(MxID("ValueWritten"), what);
-    return true;
-}
-
-void PolyLineControl::SelectionChanged()
-{
-    UpdateDisplay(nullptr, nullptr);
-}
-
-/// The list of keys is that of the polygon that is edited.
-void PolyLineControl::ActivePolygonChanged()
-{
-    if (keyList_)
-        keyList_->SetInput(ShapeInput(editor_.ActivePolygon()));
-}
-
-void PolyLineControl::SetInactive(TagList* tags)
-{
-    if (const auto gesture = std::move(gesture_))
-        gesture->Cancel();
-    SetHoveredTime(TimeNone);
-    PreviewControl::SetInactive(tags);
-}
-
-PolyKeyListDlg* PolyLineControl::KeyList()
-{
-    if (!keyList_ && settings_.animated)
-        keyList_ = new PolyKeyListDlg;
-    if (keyList_)
-        keyList_->SetInput(ShapeInput(editor_.ActivePolygon()));
-    return keyList_;
-}
-
-double PolyLineControl::TrackerSize() const
-{
-    const Input* input = BoundInput(PLCID_TrackerSize);
-    return input ? input->GetNumber(CurrentTime(), settings_.roto.trackerSize)
-                 : settings_.roto.trackerSize;
-}
-
-double PolyLineControl::TrackerSearchSize() const
-{
-    const Input* input = BoundInput(PLCID_TrackerSearchSize);
-    return input ? input->GetNumber(CurrentTime(), settings_.roto.searchSize)
-                 : settings_.roto.searchSize;
-}
-
-void PolyLineControl::SetTrackerSize(bool area, double size)
-{
-    Input* const input = BoundInput(area ? PLCID_TrackerSearchSize : PLCID_TrackerSize);
-    if (input && IsFree(input) && input->IsChangeable())
-        input->SetValue(Number(size), CurrentTime());
-    else if (!input)
-        (area ? settings_.roto.searchSize : settings_.roto.trackerSize) = size;
-    changed_ = gesture_ != nullptr;
-}
-
-// State -------------------------------------------------------------------------------------------
-
-bool PolyLineControl::SaveState(ScriptVal& state) const
-{
-    state = ScriptVal::MakeTable();
-    settings_.Save(state);
-    state.Set("DrawMode", int(Mode()));
-    state.Set("ActivePolygon", editor_.ActivePolygon());
-    ScriptVal selections = ScriptVal::MakeTable();
-    for (const SelMask& mask : editor_.Selections()) {
-        ScriptVal items = ScriptVal::MakeTable();
-        for (const int index : mask.Items())
-            items.Append(index);
-        items.Set("Last", mask.Last());
-        selections.Append(items);
-    }
-    state.Set("Selections", selections);
-    return true;
-}
-
-bool PolyLineControl::RestoreState(const ScriptVal& state)
-{
-    if (!state.IsTable())
-        return false;
-    settings_.Restore(state);
-    const double mode = state.Get("DrawMode").ToNumber(-1.0);
-    if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly) && int(mode) != int(Mode()))
-        SetAttr(PLC_DrawMode, int64(mode));
-    if (const ScriptVal& active = state.Get("ActivePolygon"); active.IsNumber())
-        editor_.SetActivePolygon(active.ToNumber() == 1.0 ? OuterPolygon : InnerPolygon);
-    PolyEditor::Masks masks = editor_.Selections();
-    for (std::size_t i = 0; i < masks.size(); ++i) {
-        const ScriptVal& items = state.Get("Selections").At(i + 1);
-        if (!items.IsTable())
-            continue;
-        masks[i].Reset();
-        for (const ScriptVal& item : items.Elements())
-            masks[i].DoSet(int(std::clamp(item.ToNumber(-1.0), -1.0, 1e9)), SelMask::Select);
-        masks[i].SetLast(int(std::clamp(items.Get("Last").ToNumber(-1.0), -1.0, 1e9)));
-    }
-    editor_.SetSelections(masks);
-    UpdateDisplay(nullptr, nullptr);
-    return true;
-}
-
-void PolyLineControl::CleanupState(ScriptVal& state) const
-{
-    state = ScriptVal();
-}
-
 // Registration ------------------------------------------------------------------------------------
 
 namespace {
@@ -493,6 +271,10 @@ struct PolyLineFacts : OverlayFacts {
         {},
     };
     struct Resources {
+        ToolGroup groups[4]{{PolyTools, "PolylineControl", "Add Poly Tool"},
+                            {PolyToolsMultiFrames, "PolylineControl"},
+                            {PolyToolsOnionSkinning, "PolylineControl"},
+                            {PolyToolsRotoAssist, "PolylineControl"}};
         ResDIB closed[2]{{"Icons.Polyline.Closed.1", 0}, {"Icons.Polyline.Closed.2", 0}};
         ResDIB currentTimeOnly[2]{{"Icons.Polyline.CurrentTimeOnly.1", 0},
                                   {"Icons.Polyline.CurrentTimeOnly.2", 0}};

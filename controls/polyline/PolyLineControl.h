@@ -6,6 +6,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 #include <Qt>
 
@@ -20,12 +21,25 @@ class PolyPointDlg;
 /// scenes and scripts know.
 ///
 /// Its inputs hold polylines: IA_OverlayIndex 0 the main shape, which is the inner polygon of a
-/// double one, 1 the outer polygon, which may also be the input that PLCID_InPolyLine2 names.
-/// Positions are normalised image coordinates, turned, scaled and moved as the inputs PLCID_Center,
-/// PLCID_Angle and PLCID_Size tell. A point is hit when both its distances from the cursor, in
-/// pixels of the image, are smaller than the view's pick radius divided by its zoom.
+/// double one, 1 the outer polygon, which may also be the input that PLCID_InPolyLine2 names. A
+/// point is hit when both its distances from the cursor, in pixels of the image, are smaller than
+/// the view's pick radius divided by its zoom.
 ///
-/// Every edit is one undo entry with a fixed text. A locked tool takes none, silently.
+/// Further inputs are bound to it by a PLCID_ tag (id), a PLCP_ tag (pointer) or, of eight, a PLCD_
+/// tag (place in the tool):
+///   Center, Angle, Size    how the shape is moved, turned (degrees) and scaled for display and
+///                          edits; Center is also the point that a path moves
+///   CenterX, CenterY       numbers in place of Center's two
+///   TrackerSize, TrackerSearchSize
+///                          sides of patterns and search areas, image widths, read and written
+///   InPolyLine2            the outer polygon
+///   Displacement           how far along the shape its point is: motion files go by it
+///   CurrentTimePoint, AngleX, AngleY, AngleZ, CenterZ
+///                          without effect: where hosts show such a point, and a placement in
+///                          space, which a flat view has not
+///
+/// Positions are normalised image coordinates. Every edit is one undo entry with a fixed text. A
+/// locked tool takes none, silently, and nothing that is stored with it; its actions tell why.
 class PolyLineControl final : public PreviewControl {
 public:
     PolyLineControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
@@ -69,7 +83,8 @@ public:
     PolySettings& ChangeSettings();
     /// An undo entry of its own.
     void ChangeRoto(const char* text, const std::function<void(RotoAssistSettings& roto)>& change);
-    /// Sets an attribute through the overlay's and the input's tags.
+    /// Sets an attribute through the overlay's and the input's tags. With the tool locked the
+    /// input's stay: what shows changes in this view alone.
     void SetAttr(u32 tag, int64 value);
     PolyDrawMode Mode() const { return settings_.Mode(); }
     /// The other mode, if it is another: the toolbar and the input's attribute follow.
@@ -85,14 +100,18 @@ public:
     void TakeViewFocus(); // "Set Focus"
     const std::vector<PolyPoint>* PendingPoints() const { return pending_; }
     std::vector<PolyPoint>& ClickedPoints() { return clicked_; }
+    ScriptVal SavedSelection() const; // and which polygon is active, as a part of SaveState
     void SelectionChanged();
     void ActivePolygonChanged();
+    QWidget* Window() const;   // the view's, for dialogs that stay above it; null: none
     PolyKeyListDlg* KeyList(); // made when first needed; null without PLC_Animated
     QPointer<PolyPointDlg>& PointEditor() { return pointEditor_; }
     bool IsPointEditorOpen() const;
     Input* BoundInput(u32 idTag) const; // by a PLCID_ tag; null: none
     double HoveredTime() const { return hoveredTime_; }
     void SetHoveredTime(double time);
+    /// Where the next click appends a point, the shape's coordinates; empty: nowhere.
+    const std::optional<ShapePlace>& NextPlace() const { return nextPlace_; }
     double PressTime() const { return pressTime_; } // Platform::GetUpTime, seconds
 
     // Of patterns and search areas of track points, image widths: the bound inputs', or settings.
@@ -120,6 +139,7 @@ private:
     void PressModeEvent() const;
     void ReadShapes();
     bool HitTest(PreviewInfo& view, const TagList* tags);
+    void SetNextPlace(const std::optional<ShapePlace>& place);
     PolyPointer PointerOf(const PolyView& view, const TagList* tags) const;
     bool WantsKey(int key, u32 modifiers) const;
     bool HandleKey(int key, u32 modifiers);
@@ -132,6 +152,7 @@ private:
     double pressTime_ = 0.0;
     double penTime_ = 0.0; // of the press, as the view counts
     double hoveredTime_ = TimeNone;
+    std::optional<ShapePlace> nextPlace_;
     std::vector<PolyPoint> clicked_;            // in this run of Click Append
     std::vector<PolyPoint>* pending_ = nullptr; // the points of the mode under way
     bool hasFocused_ = false;                   // took the view's focus for drawing

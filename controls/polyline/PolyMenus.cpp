@@ -1,15 +1,12 @@
-// Where the actions show: the context menu, the toolbar with its pop-downs, the keys.
+// Where the actions show: the context menu, the toolbar with its pop-downs.
 
 #include "controls/polyline/PolyActions.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "system/controls/Menu.h"
-#include "system/viewer/OverlayCommands.h"
 #include "system/viewer/ToolbarEvents.h"
 
 #include <algorithm>
 #include <span>
-
-#include <Qt>
 
 namespace Marlox {
 
@@ -113,6 +110,7 @@ constexpr Node contextMenu[] = {
     A::CurrentTimeOnly,
     A::SelectAll,
     A::LockSelection,
+    A::SelectMatching,
     A::PublishingEnabled,
     Line,
     "Show",
@@ -197,74 +195,37 @@ constexpr Node rotoEntries[] = {A::RotoTrackPoints, A::RotoEdges,     A::RotoMul
                                 A::RotoReset,       A::RotoShowArea,  A::RotoPatternEdit,
                                 A::RotoResetPattern};
 
-std::span<const Node> EntriesOf(const PolyLineControl& control, A button)
+/// What a button of the toolbar opens, and the group that it leads.
+struct PopDown {
+    A button;
+    const char* group;
+    std::span<const Node> entries;
+    A instead = A::None; // with this one to be used, the other entries
+    std::span<const Node> others = {};
+};
+
+constexpr PopDown popDowns[] = {
+    {A::PublishMenu, PolyTools, publishEntries, A::UnpublishPoints, unpublishEntries},
+    {A::MultiframeMenu, PolyToolsMultiFrames, multiframeEntries},
+    {A::OnionSkin, PolyToolsOnionSkinning, onionEntries},
+    {A::RotoEnable, PolyToolsRotoAssist, rotoEntries},
+};
+
+const PopDown* PopDownOf(A button)
 {
-    switch (button) {
-    case A::PublishMenu:
-        return IsActionEnabled(control, A::UnpublishPoints) ? std::span(unpublishEntries)
-                                                            : std::span(publishEntries);
-    case A::MultiframeMenu:
-        return multiframeEntries;
-    case A::OnionSkin:
-        return onionEntries;
-    case A::RotoEnable:
-        return rotoEntries;
-    default:
-        return {};
-    }
+    const auto found =
+        std::find_if(std::begin(popDowns), std::end(popDowns),
+                     [button](const PopDown& each) { return each.button == button; });
+    return found == std::end(popDowns) ? nullptr : &*found;
 }
 
-// Keys. A letter counts with Shift, as the menu tells it, and alone; a row with neither is for the
-// letter alone.
-
-struct KeyRow {
-    int key;
-    u32 modifiers;
-    A action;
-};
-
-constexpr u32 Plain = 0;
-
-constexpr KeyRow keys[] = {
-    {Qt::Key_A, KeyShift, A::SelectAll},
-    {Qt::Key_B, KeyShift, A::ShapeBox},
-    {Qt::Key_C, KeyShift, A::ClickAppend},
-    {Qt::Key_D, KeyShift, A::DrawAppend},
-    {Qt::Key_E, KeyShift, A::EditPoint},
-    {Qt::Key_F, KeyShift, A::FollowPublished},
-    {Qt::Key_H, KeyShift, A::ShowHandles},
-    {Qt::Key_I, KeyShift, A::InsertAndModify},
-    {Qt::Key_K, KeyShift, A::ShowKeyPoints},
-    {Qt::Key_L, KeyShift, A::Linear},
-    {Qt::Key_M, KeyShift, A::ModifyOnly},
-    {Qt::Key_N, KeyShift, A::Done},
-    {Qt::Key_O, KeyShift, A::Closed},
-    {Qt::Key_R, KeyShift, A::StopRendering},
-    {Qt::Key_S, KeyShift, A::Smooth},
-    {Qt::Key_T, KeyShift, A::TagPoints},
-    {Qt::Key_X, KeyShift, A::CutPoints},
-    {Qt::Key_Z, KeyShift, A::FlipPoints},
-    {Qt::Key_K, Plain, A::ShowKeyList},
-    {Qt::Key_C, KeyControl, A::CopyPathPoints},
-    {Qt::Key_X, KeyControl, A::CutPathPoints},
-    {Qt::Key_V, KeyControl, A::PastePathPoints},
-    {Qt::Key_R, KeyControl, A::RotoEnable},
-    {Qt::Key_O, KeyControl | KeyAlt, A::OnionSkin},
-    {Qt::Key_D, KeyControl | KeyShift, A::ExportDxf},
-    {Qt::Key_Delete, Plain, A::DeletePoints},
-    {Qt::Key_Backspace, Plain, A::DeletePoints},
-};
-
-/// Letters that do something else in a view when they come alone.
-constexpr int viewKeys[] = {Qt::Key_F};
-
-A KeyAction(int key, u32 modifiers)
+std::span<const Node> EntriesOf(const PolyLineControl& control, A button)
 {
-    for (const KeyRow& row : keys) {
-        if (row.key == key && row.modifiers == modifiers)
-            return row.action;
-    }
-    return A::None;
+    const PopDown* popDown = PopDownOf(button);
+    if (!popDown)
+        return {};
+    const bool other = popDown->instead != A::None && IsActionEnabled(control, popDown->instead);
+    return other ? popDown->others : popDown->entries;
 }
 
 QString TextOf(const PolyLineControl& control, const PolyActionRow& row, const char* text)
@@ -274,24 +235,29 @@ QString TextOf(const PolyLineControl& control, const PolyActionRow& row, const c
     if (row.action == A::OnionClickSetsTime && text == row.popDown &&
         control.Settings().onion.clickSetsTime)
         return QStringLiteral("Enabled setting current time");
-    return QString::fromUtf8(text).replace(QLatin1String("%d"), QString::number(number));
+    return QString::fromUtf8(text)
+        .replace(QLatin1String("%d"), QString::number(number))
+        .replace(QLatin1String("%s"),
+                 QLatin1String(NameOfPolygon(OtherPolygon(control.Editor().ActivePolygon()))));
 }
 
 void AddEntry(const PolyLineControl& control, Menu& menu, const Node& node, bool popDown)
 {
     const PolyActionRow& row = *FindAction(node.action);
+    if (row.listed && !row.listed(control))
+        return;
     const char* text = popDown && row.popDown ? row.popDown : row.menu;
-    const bool enabled = IsActionEnabled(control, node.action);
+    const char* reason = WhyNot(control, node.action);
     const QString shown = TextOf(control, row, text);
     const bool checked = row.checked && row.checked(control);
     if (node.kind == Node::Radio)
-        menu.AddRadio(u32(node.action), shown, checked, enabled);
+        menu.AddRadio(u32(node.action), shown, checked, !reason);
     else if (row.checked)
-        menu.AddCheck(u32(node.action), shown, checked, enabled);
+        menu.AddCheck(u32(node.action), shown, checked, !reason);
     else
-        menu.Add(u32(node.action), shown, enabled);
-    if (row.refusal)
-        menu.SetTip(QString::fromUtf8(row.refusal));
+        menu.Add(u32(node.action), shown, !reason);
+    if (reason)
+        menu.SetTip(QString::fromUtf8(reason));
     else if (popDown && row.popDownTip)
         menu.SetTip(QString::fromUtf8(row.popDownTip));
 }
@@ -354,37 +320,15 @@ bool DescribeButton(const PolyLineControl& control, u32 event, ToolbarButton& bu
     button.tip = QString::fromUtf8(row->tip);
     button.icon =
         row->icon ? QLatin1String("Icons.Polyline.") + QLatin1String(row->icon) : QString();
-    button.enabled = IsActionEnabled(control, row->action);
+    const PopDown* popDown = PopDownOf(row->action);
+    button.group = QString::fromLatin1(popDown ? popDown->group : PolyTools);
+    button.reason = QString::fromUtf8(WhyNot(control, row->action));
+    button.enabled = button.reason.isEmpty();
     button.checkable = row->checked != nullptr;
     button.checked = row->checked && row->checked(control);
-    button.popDown = !EntriesOf(control, row->action).empty();
+    button.popDown = popDown != nullptr;
     button.clicks = button.popDown && row->run;
     return true;
-}
-
-PolyAction ActionOfKey(const PolyLineControl& control, int key, u32 modifiers)
-{
-    if (key == Qt::Key_P && (modifiers == KeyShift || modifiers == Plain)) {
-        // Publishes what is selected; without a selection it shows or hides the curve.
-        if (control.Mode() == PolyDrawMode::Done)
-            return A::None;
-        if (!control.Editor().IsAnySelected())
-            return A::ShowPolygon;
-        return IsActionEnabled(control, A::UnpublishPoints) ? A::UnpublishPoints : A::PublishPoints;
-    }
-    if (key == Qt::Key_C && modifiers == KeyControl && !control.Editor().IsAnySelected())
-        return A::Copy;
-    const bool isMode = key == Qt::Key_C || key == Qt::Key_D || key == Qt::Key_I ||
-                        key == Qt::Key_M || key == Qt::Key_N;
-    if (isMode && (modifiers == KeyShift || modifiers == Plain) &&
-        (!control.CanEdit() || control.Editor().IsFull()))
-        return A::None;
-    const A found = KeyAction(key, modifiers);
-    const bool isViews =
-        std::find(std::begin(viewKeys), std::end(viewKeys), key) != std::end(viewKeys);
-    if (found == A::None && modifiers == Plain && !isViews)
-        return KeyAction(key, KeyShift);
-    return found;
 }
 
 } // namespace Marlox

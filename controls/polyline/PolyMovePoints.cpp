@@ -139,8 +139,10 @@ std::unique_ptr<PolyGesture> MakeMovePoints(PolyLineControl& control, const Poly
     else
         SelectSegment(editor, pointer, hit);
     const bool several = editor.ActiveSelection().SetCount() > 1;
-    auto gesture =
-        std::make_unique<MovePoints>(control, pointer, several ? "Move Points" : "Move Point");
+    const char* const text = control.Settings().multiFrame != MultiFrame::None ? "Move points"
+                             : several                                         ? "Move Points"
+                                                                               : "Move Point";
+    auto gesture = std::make_unique<MovePoints>(control, pointer, text);
     const bool plain = !(pointer.modifiers & (KeyShift | KeyControl));
     if (onPoint && wasSelected && several && plain) {
         gesture->SetOnClick([&control, hit] {
