@@ -93,6 +93,8 @@ ScriptVal toolbarTable(const OverlayStage& stage)
         row.Set("text", button.text.toStdString());
         row.Set("tip", button.tip.toStdString());
         row.Set("icon", button.icon.toStdString());
+        row.Set("group", button.group.toStdString());
+        row.Set("reason", button.reason.toStdString());
         row.Set("event", int(button.event));
         row.Set("enabled", button.enabled);
         row.Set("checked", button.checked);

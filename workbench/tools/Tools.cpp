@@ -29,24 +29,24 @@ struct ToolClass {
     /// With the class id of the overlay that it is edited with, or null.
     ToolClass(const char* classID, const char* name, const char* category,
               const char* overlay = nullptr)
-        : info{1, classID, "", category, nullptr}, tags{{REG_RegInit, &Object::RegInit},
-                                                        {REG_RegCleanup, &Object::RegCleanup},
-                                                        {REG_Kind, u32(ClassKind::Tool)},
-                                                        {REG_ScriptInfo,
-                                                         static_cast<const void*>(&info)},
-                                                        {REG_Create, &create<Tool>},
-                                                        {REG_DisplayName, name},
-                                                        {REG_Category, category},
-                                                        overlay ? TagPair{REG_Overlay, overlay}
-                                                                : TagPair{},
-                                                        {}},
+        : info{1, classID, "", category, nullptr},
+          tags{{REG_RegInit, &Object::RegInit},  {REG_RegCleanup, &Object::RegCleanup},
+               {REG_Kind, u32(ClassKind::Tool)}, {REG_ScriptInfo, static_cast<const void*>(&info)},
+               {REG_Create, &create<Tool>},      {REG_DisplayName, name},
+               {REG_Category, category},         OverlayPair(overlay)},
           record(classID, tags)
     {
     }
 
     ScriptInfo info;
-    TagPair tags[9];
+    TagPair tags[9]; // ended by an empty one
     Registry record;
+
+private:
+    static TagPair OverlayPair(const char* overlay)
+    {
+        return overlay ? TagPair{REG_Overlay, overlay} : TagPair{};
+    }
 };
 
 constexpr char polyLineOverlay[] = "PolylineControl";

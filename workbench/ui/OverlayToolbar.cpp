@@ -39,7 +39,7 @@ QIcon iconOf(const QString& name)
 /// Whether both can be one button in different states.
 bool isSameButton(const ToolbarButton& a, const ToolbarButton& b)
 {
-    return a.event == b.event && a.icon == b.icon && a.text == b.text &&
+    return a.event == b.event && a.icon == b.icon && a.text == b.text && a.group == b.group &&
            a.checkable == b.checkable && a.popDown == b.popDown && a.clicks == b.clicks;
 }
 
@@ -75,17 +75,37 @@ void OverlayToolbar::Refresh()
     buttons_ = std::move(now);
     if (!same)
         Rebuild();
-    const QList<QAction*> shown = actions();
     for (std::size_t i = 0; i < buttons_.size(); ++i)
-        ShowState(*shown[int(i)], buttons_[i]);
+        ShowState(*shown_[i], buttons_[i]);
     setVisible(!buttons_.empty());
+    ShowTipsOfMore();
 }
 
 void OverlayToolbar::Rebuild()
 {
+    shown_.clear();
     qDeleteAll(actions()); // with their pop-downs
-    for (const ToolbarButton& button : buttons_)
+    const QString* group = nullptr;
+    for (const ToolbarButton& button : buttons_) {
+        if (group && *group != button.group)
+            addSeparator();
+        group = &button.group;
         AddButton(button);
+    }
+}
+
+void OverlayToolbar::resizeEvent(QResizeEvent* event)
+{
+    QToolBar::resizeEvent(event);
+    ShowTipsOfMore();
+}
+
+/// Qt makes the menu of what does not fit when it is first needed.
+void OverlayToolbar::ShowTipsOfMore()
+{
+    const auto* more = findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"));
+    if (more && more->menu())
+        more->menu()->setToolTipsVisible(true);
 }
 
 void OverlayToolbar::AddButton(const ToolbarButton& button)
@@ -94,12 +114,13 @@ void OverlayToolbar::AddButton(const ToolbarButton& button)
     action->setCheckable(button.checkable);
     const u32 event = button.event;
     if (button.popDown)
-        action->setMenu(MakePopDown(event));
+        action->setMenu(MakePopDown(*action, button));
     if (!button.popDown || button.clicks)
         connect(action, &QAction::triggered, this, [this, event] { stage_.ClickButton(event); });
     if (button.popDown)
         connect(action, &QObject::destroyed, action->menu(), &QObject::deleteLater);
     addAction(action);
+    shown_.push_back(action);
     auto* shown = static_cast<QToolButton*>(widgetForAction(action));
     shown->setObjectName("overlaytoolbar." + button.text);
     shown->setAccessibleName(button.text);
@@ -108,26 +129,37 @@ void OverlayToolbar::AddButton(const ToolbarButton& button)
                                           : QToolButton::InstantPopup);
 }
 
-/// Its entries are asked for each time it opens.
-QMenu* OverlayToolbar::MakePopDown(u32 event)
+/// Its entries are asked for each time it opens. Of a button that does not fit, it is a submenu,
+/// which can't be clicked: there the button is its first entry.
+QMenu* OverlayToolbar::MakePopDown(QAction& action, const ToolbarButton& button)
 {
     auto* menu = new QMenu(this);
-    connect(menu, &QMenu::aboutToShow, this, [this, menu, event] {
+    const u32 event = button.event;
+    connect(menu, &QMenu::aboutToShow, this, [this, menu, event, &action, clicks = button.clicks] {
         menu->clear();
         qDeleteAll(menu->findChildren<QActionGroup*>(QString(), Qt::FindDirectChildrenOnly));
         qDeleteAll(menu->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly));
+        if (clicks && !widgetForAction(&action)->isVisible()) {
+            QAction* itself = menu->addAction(action.text(), &action, &QAction::trigger);
+            itself->setCheckable(action.isCheckable());
+            itself->setChecked(action.isChecked());
+            itself->setToolTip(action.toolTip());
+            menu->addSeparator();
+        }
         Menu entries;
         if (stage_.FillMenu(entries, event))
             entries.Fill(*menu);
     });
-    connect(menu, &QMenu::triggered, this,
-            [this](QAction* chosen) { stage_.RunMenu(chosen->data().toUInt()); });
+    connect(menu, &QMenu::triggered, this, [this](QAction* chosen) {
+        if (chosen->data().isValid()) // not the button itself
+            stage_.RunMenu(chosen->data().toUInt());
+    });
     return menu;
 }
 
 void OverlayToolbar::ShowState(QAction& action, const ToolbarButton& button) const
 {
-    action.setToolTip(button.tip);
+    action.setToolTip(button.reason.isEmpty() ? button.tip : button.tip + '\n' + button.reason);
     action.setEnabled(button.enabled);
     action.setChecked(button.checked); // a click has turned it over already
 }
