@@ -2,17 +2,22 @@
 // A press on the first point closes the shape.
 
 #include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyDraw.h"
 #include "controls/polyline/PolyGesture.h"
 #include "controls/polyline/PolyLineControl.h"
+#include "system/shapes/ShapeDrawing.h"
 #include "system/viewer/OverlayCommands.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Marlox {
 
 namespace {
 
-constexpr double leastPull = 3.0; // view pixels; a nearer release was a click
+constexpr double leastPull = 3.0;    // view pixels; a nearer release was a click
+constexpr double nextOpacity = 0.75; // of what a click would append
+constexpr int bent = 3;              // segments that a new end of a spline may change
 
 class ClickAppend final : public PolyGesture {
 public:
@@ -88,15 +93,50 @@ private:
     bool pulled_ = false;
 };
 
+bool IsFirstPoint(const PolyHit& hit, const PolyEditor& editor)
+{
+    return hit.IsPoint() && hit.polygon == editor.ActivePolygon() && hit.index == 0 &&
+           !editor.Active()->IsClosed() && editor.Active()->GetCount() > 1;
+}
+
+/// What the shape would get by a point at a place: the segments that are new or change, the others
+/// as gaps.
+Ref<PolyLine> Appended(const PolyLine& shape, ShapePlace at)
+{
+    const bool isBezier = HasHandles(shape);
+    const int from = std::max(shape.GetCount() - (isBezier ? 1 : 2 * bent), 0);
+    const auto tail = shape.Points().subspan(std::size_t(from));
+    std::vector<PolyPoint> points(tail.begin(), tail.end());
+    for (std::size_t i = 0; i < points.size(); ++i)
+        points[i].Set(PPF_Gap, points.size() - i > bent);
+    PolyPoint& next = points.emplace_back();
+    next.x = at.x;
+    next.y = at.y;
+    next.Set(PPF_Linear, isBezier);
+    const Ref<PolyLine> made = PolyLine::Create(shape.GetDataType());
+    made->SetPoints(std::move(points));
+    return made;
+}
+
+/// The same by closing it.
+Ref<PolyLine> Closed(const PolyLine& shape)
+{
+    const Ref<PolyLine> made = shape.CopyShape();
+    const int count = made->GetCount();
+    const int reach = HasHandles(shape) ? 0 : bent - 1;
+    for (int i = 0; i < count; ++i)
+        made->GetPoint(i)->Set(PPF_Gap, i >= reach && i < count - 1 - reach);
+    made->Close();
+    return made;
+}
+
 } // namespace
 
 std::unique_ptr<PolyGesture> MakeClickAppend(PolyLineControl& control, const PolyPointer& pointer)
 {
     PolyEditor& editor = control.Editor();
     const PolyHit hit = editor.HitAt(pointer.view);
-    const PolyLine* shape = editor.Active();
-    const bool onFirst = hit.IsPoint() && hit.polygon == editor.ActivePolygon() && hit.index == 0;
-    if (onFirst && !shape->IsClosed() && shape->GetCount() > 1) {
+    if (IsFirstPoint(hit, editor)) {
         TogglePolygonClosed(control);
         return std::make_unique<PolyNoGesture>(control);
     }
@@ -105,6 +145,30 @@ std::unique_ptr<PolyGesture> MakeClickAppend(PolyLineControl& control, const Pol
     if (editor.IsFull())
         return std::make_unique<PolyNoGesture>(control);
     return std::make_unique<ClickAppend>(control, pointer);
+}
+
+void DrawNextSegment(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
+{
+    const PolyEditor& editor = control.Editor();
+    const PolyLine* shape = editor.Active();
+    const bool isOpen =
+        editor.IsShown(editor.ActivePolygon()) && !shape->IsClosed() && shape->GetCount() > 0;
+    if (!control.NextPlace() || !isOpen || view.Info().drawMode == DrawDragging)
+        return;
+    const bool closes = IsFirstPoint(editor.Hovered(), editor);
+    if (!closes && (editor.Hovered().IsPoint() || editor.IsFull()))
+        return;
+    const Ref<PolyLine> next = closes ? Closed(*shape) : Appended(*shape, *control.NextPlace());
+    ViewStrips strips;
+    const ShapePlacement& placement = view.Placement();
+    MakeThinCurve(placement.IsIdentity() ? *next : *PlacedShape(*next, placement),
+                  CurveView::Of(view.Info()), strips);
+    MxColor color = view.Info().Color(OverlayColor::Normal);
+    color.alpha = u8(std::lround(255.0 * nextOpacity));
+    painter.SetColor(color);
+    painter.SetDashed(true);
+    strips.Draw(painter);
+    painter.SetDashed(false);
 }
 
 } // namespace Marlox

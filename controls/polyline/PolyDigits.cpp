@@ -1,49 +1,64 @@
 #include "controls/polyline/PolyDigits.h"
 
+#include <span>
 #include <string>
 
 namespace Marlox {
 
 namespace {
 
-constexpr double advance = 6.0; // from digit to digit, pixels
+constexpr double width = 4.0; // of a digit, pixels
+constexpr double height = 7.0;
+constexpr double advance = 6.0; // from digit to digit
+constexpr double rim = 1.5;     // of a plate around the digits
+constexpr double plateOpacity = 0.65;
 
-/// The seven strokes of a digit.
-constexpr OverlayPoint strokes[7][2] = {
-    {{0, 6}, {4, 6}}, // top
-    {{4, 6}, {4, 3}}, // right, upper
-    {{4, 3}, {4, 0}}, // right, lower
-    {{0, 0}, {4, 0}}, // bottom
-    {{0, 3}, {0, 0}}, // left, lower
-    {{0, 6}, {0, 3}}, // left, upper
-    {{0, 3}, {4, 3}}, // middle
-};
+using Points = std::span<const OverlayPoint>;
 
-/// Which strokes a digit has, the top one in the lowest bit.
-constexpr u32 strokesOf[10] = {0x3f, 0x06, 0x5b, 0x4f, 0x66, 0x6d, 0x7d, 0x07, 0x7f, 0x6f};
+// The strokes of the digits: each a line through its points.
+constexpr OverlayPoint zero[] = {{0, 1}, {0, 6}, {1, 7}, {3, 7}, {4, 6},
+                                 {4, 1}, {3, 0}, {1, 0}, {0, 1}};
+constexpr OverlayPoint one[] = {{1, 6}, {2, 7}, {2, 0}, {1, 0}, {3, 0}};
+constexpr OverlayPoint two[] = {{0, 6}, {1, 7}, {3, 7}, {4, 6}, {4, 4}, {0, 0}, {4, 0}};
+constexpr OverlayPoint three[] = {{0, 6}, {1, 7}, {3, 7}, {4, 6}, {4, 5}, {3, 4}, {2, 4},
+                                  {3, 4}, {4, 3}, {4, 1}, {3, 0}, {1, 0}, {0, 1}};
+constexpr OverlayPoint four[] = {{3, 0}, {3, 7}, {0, 3}, {0, 2}, {4, 2}};
+constexpr OverlayPoint five[] = {{4, 7}, {0, 7}, {0, 4}, {3, 4}, {4, 3},
+                                 {4, 1}, {3, 0}, {1, 0}, {0, 1}};
+constexpr OverlayPoint six[] = {{4, 6}, {3, 7}, {1, 7}, {0, 6}, {0, 1}, {1, 0},
+                                {3, 0}, {4, 1}, {4, 3}, {3, 4}, {0, 4}};
+constexpr OverlayPoint seven[] = {{0, 7}, {4, 7}, {4, 6}, {2, 2}, {2, 0}};
+constexpr OverlayPoint eight[] = {{1, 4}, {0, 5}, {0, 6}, {1, 7}, {3, 7}, {4, 6}, {4, 5}, {3, 4},
+                                  {1, 4}, {0, 3}, {0, 1}, {1, 0}, {3, 0}, {4, 1}, {4, 3}, {3, 4}};
+constexpr OverlayPoint nine[] = {{0, 1}, {1, 0}, {3, 0}, {4, 1}, {4, 6}, {3, 7},
+                                 {1, 7}, {0, 6}, {0, 4}, {1, 3}, {4, 3}};
+constexpr Points strokes[10] = {zero, one, two, three, four, five, six, seven, eight, nine};
 
 } // namespace
 
 void PolyDigits::Add(OverlayPoint at, u32 number, double scale)
 {
-    for (const char digit : std::to_string(number)) {
+    const std::string digits = std::to_string(number);
+    plates_[digits.size()].push_back(at);
+    for (const char digit : digits) {
         places_[std::size_t(digit - '0')].push_back(at);
         at.x += advance * scale;
     }
 }
 
-void PolyDigits::Draw(OverlayPainter& painter, double scale) const
+void PolyDigits::Draw(OverlayPainter& painter, const MxColor& color, double scale) const
 {
-    for (std::size_t digit = 0; digit < places_.size(); ++digit) {
-        if (places_[digit].empty())
-            continue;
-        std::vector<OverlayPoint> lines;
-        for (u32 stroke = 0; stroke < 7; ++stroke) {
-            if (strokesOf[digit] >> stroke & 1u)
-                lines.insert(lines.end(), std::begin(strokes[stroke]), std::end(strokes[stroke]));
-        }
-        painter.Marks(OverlayPainter::Shape::Lines, lines, places_[digit], scale);
+    using Shape = OverlayPainter::Shape;
+    painter.SetColor(MxColor::FromDoubles(0.0, 0.0, 0.0, plateOpacity));
+    for (std::size_t count = 1; count < plates_.size(); ++count) {
+        const double right = advance * double(count - 1) + width + rim;
+        const OverlayPoint plate[] = {
+            {-rim, -rim}, {right, -rim}, {right, height + rim}, {-rim, height + rim}};
+        painter.Marks(Shape::Fill, plate, plates_[count], scale);
     }
+    painter.SetColor(color);
+    for (std::size_t digit = 0; digit < places_.size(); ++digit)
+        painter.Marks(Shape::Strip, strokes[digit], places_[digit], scale);
 }
 
 } // namespace Marlox

@@ -13,24 +13,57 @@ namespace Marlox {
 
 namespace {
 
-constexpr double restOpacity =
-    0.75; // of the active polygon's points, so that selected ones stand out
 constexpr double hullOpacity = 0.6;
-constexpr double otherOpacity = 0.5;   // of the polygon that is not active
+constexpr double handleOpacity = 0.8; // of the lines to handles
+constexpr double otherOpacity = 0.55; // of the polygon that is not active
+constexpr double otherCasing = 0.6;
+constexpr double linkOpacity = 0.5;
+constexpr int mostLinks = 24;          // between the polygons, before they are a tangle
 constexpr double leastHandle = 4.0;    // mark pixels; a shorter one lies below its point
 constexpr double leastStep = 3.0;      // mark pixels between marks that can be told apart
 constexpr double numberDistance = 7.0; // of a number's corner from its point, mark pixels
+constexpr double hoverScale = 1.5;     // of what the pointer is on
 
 // Shapes of marks, in pixels of the mark.
 constexpr std::array<OverlayPoint, 4> smallSquare{{{-2, -2}, {2, -2}, {2, 2}, {-2, 2}}};
 constexpr std::array<OverlayPoint, 4> largeSquare{{{-3, -3}, {3, -3}, {3, 3}, {-3, 3}}};
-constexpr std::array<OverlayPoint, 4> frame{{{-6, -6}, {6, -6}, {6, 6}, {-6, 6}}};
-constexpr std::array<OverlayPoint, 4> diamond{{{-2, 0}, {0, -2}, {2, 0}, {0, 2}}};
-constexpr std::array<OverlayPoint, 4> cross{{{-5, -5}, {5, 5}, {-5, 5}, {5, -5}}};
-constexpr std::array<OverlayPoint, 4> plus{{{-4, 0}, {4, 0}, {0, -4}, {0, 4}}};
-constexpr std::array<OverlayPoint, 8> ring{
-    {{6, 2}, {2, 6}, {-2, 6}, {-6, 2}, {-6, -2}, {-2, -6}, {2, -6}, {6, -2}}};
-constexpr std::array<OverlayPoint, 3> triangle{{{-7, -5}, {7, -5}, {0, 8}}};
+constexpr std::array<OverlayPoint, 16> brackets{{{-7, -4},
+                                                 {-7, -7},
+                                                 {-7, -7},
+                                                 {-4, -7},
+                                                 {7, -4},
+                                                 {7, -7},
+                                                 {7, -7},
+                                                 {4, -7},
+                                                 {-7, 4},
+                                                 {-7, 7},
+                                                 {-7, 7},
+                                                 {-4, 7},
+                                                 {7, 4},
+                                                 {7, 7},
+                                                 {7, 7},
+                                                 {4, 7}}};
+constexpr std::array<OverlayPoint, 4> diamond{{{-4, 0}, {0, -4}, {4, 0}, {0, 4}}};
+constexpr std::array<OverlayPoint, 8> disc{
+    {{2.5, 1}, {1, 2.5}, {-1, 2.5}, {-2.5, 1}, {-2.5, -1}, {-1, -2.5}, {1, -2.5}, {2.5, -1}}};
+constexpr std::array<OverlayPoint, 4> cross{{{-6, -6}, {6, 6}, {-6, 6}, {6, -6}}};
+constexpr std::array<OverlayPoint, 4> plus{{{-5, 0}, {5, 0}, {0, -5}, {0, 5}}};
+constexpr std::array<OverlayPoint, 12> ring{{{7, 0},
+                                             {6.06, 3.5},
+                                             {3.5, 6.06},
+                                             {0, 7},
+                                             {-3.5, 6.06},
+                                             {-6.06, 3.5},
+                                             {-7, 0},
+                                             {-6.06, -3.5},
+                                             {-3.5, -6.06},
+                                             {0, -7},
+                                             {3.5, -6.06},
+                                             {6.06, -3.5}}};
+constexpr std::array<OverlayPoint, 3> triangle{{{-8, -5}, {8, -5}, {0, 9}}};
+constexpr std::array<OverlayPoint, 8> pivot{
+    {{-7, 0}, {-2, 0}, {2, 0}, {7, 0}, {0, -7}, {0, -2}, {0, 2}, {0, 7}}};
+constexpr std::array<OverlayPoint, 3> arrow{{{7, 0}, {-5, 5}, {-5, -5}}};
 
 using Points = std::span<const OverlayPoint>;
 
@@ -74,26 +107,38 @@ public:
         : control_(control), settings_(control.Settings()), editor_(control.Editor()),
           painter_(painter), view_(view), polygon_(polygon), shape_(*editor_.Shape(polygon)),
           isActive_(polygon == editor_.ActivePolygon() || !editor_.IsDouble()),
-          opacity_(isActive_ ? 1.0 : otherOpacity),
-          isSpline_(shape_.GetDataType() == MxID(CLSID_DataType_BSplinePolyline))
+          edits_(control.Mode() != PolyDrawMode::Done), opacity_(isActive_ ? 1.0 : otherOpacity)
     {
     }
 
-    void Draw()
+    /// Below all marks.
+    void DrawLines()
     {
         const ReadLock lock(shape_);
-        const bool edits = control_.Mode() != PolyDrawMode::Done;
-        if (settings_.showHull || (isSpline_ && edits))
+        const bool isSpline = shape_.GetDataType() == MxID(CLSID_DataType_BSplinePolyline);
+        painter_.SetCasing(isActive_ ? 1.0 : otherCasing);
+        if (settings_.showHull || (isSpline && edits_))
             DrawHull();
         if (settings_.showPolyLine && settings_.drawStyle != PolyDrawStyle::Null)
             DrawCurve();
-        if (edits)
-            DrawHandles();
-        DrawPoints(edits);
-        DrawNumbers();
+        if (edits_)
+            DrawHandleLines();
+        painter_.SetCasing(1.0);
+    }
+    void DrawMarks()
+    {
+        const ReadLock lock(shape_);
+        if (isActive_) // those of the other one would only lie on these
+            DrawNumbers();
+        if (edits_)
+            DrawKnobs();
+        DrawPoints();
+        if (edits_)
+            DrawSingles();
     }
 
 private:
+    using Shape = OverlayPainter::Shape;
     OverlayPoint At(ShapePlace place) const { return view_.ToView(place); }
     double Scale() const { return view_.Info().controlScale; }
 
@@ -119,13 +164,12 @@ private:
         painter_.SetDashed(false);
     }
 
-    void DrawHandles()
+    /// The ends of the handles that show.
+    template <class Use>
+    void ForHandles(const Use& use) const
     {
         if (!HasHandles(shape_))
             return;
-        std::vector<OverlayPoint> lines;
-        std::vector<OverlayPoint> ends;
-        std::vector<OverlayPoint> brokenEnds;
         for (int i = 0; i < shape_.GetCount(); ++i) {
             if (!editor_.ShowsHandles(polygon_, i))
                 continue;
@@ -133,27 +177,38 @@ private:
             const OverlayPoint at = At(point.Place());
             for (const ShapePlace place : {point.In(), point.Out()}) {
                 const OverlayPoint end = At(place);
-                if (std::abs(end.x - at.x) < leastHandle * Scale() &&
-                    std::abs(end.y - at.y) < leastHandle * Scale())
-                    continue; // below the point's mark
-                lines.push_back(at);
-                lines.push_back(end);
-                (point.Has(PPF_Broken) ? brokenEnds : ends).push_back(end);
+                const double least = leastHandle * Scale();
+                if (std::abs(end.x - at.x) >= least || std::abs(end.y - at.y) >= least)
+                    use(point, at, end); // else below the point's mark
             }
-        }
-        SetColor(painter_, view_.Info(), settings_.handleColor, opacity_ * restOpacity);
-        painter_.Lines(lines);
-        painter_.Marks(OverlayPainter::Shape::Fill, diamond, ends, Scale());
-        painter_.Marks(OverlayPainter::Shape::Loop, diamond, brokenEnds, Scale());
-        const PolyHit& hovered = editor_.Hovered();
-        if (hovered.IsHandle() && hovered.polygon == polygon_) {
-            painter_.SetColor(OverlayColor::Highlight);
-            const OverlayPoint at[] = {At(hovered.place)};
-            painter_.Marks(OverlayPainter::Shape::Fill, diamond, at, Scale() * 1.5);
         }
     }
 
-    void DrawPoints(bool edits)
+    void DrawHandleLines()
+    {
+        std::vector<OverlayPoint> lines;
+        ForHandles([&](const PolyPoint&, OverlayPoint at, OverlayPoint end) {
+            lines.push_back(at);
+            lines.push_back(end);
+        });
+        SetColor(painter_, view_.Info(), settings_.handleColor, opacity_ * handleOpacity);
+        painter_.Lines(lines);
+    }
+
+    /// Round ones where both ends lie in one line, diamonds where each is free.
+    void DrawKnobs()
+    {
+        std::vector<OverlayPoint> ends;
+        std::vector<OverlayPoint> brokenEnds;
+        ForHandles([&](const PolyPoint& point, OverlayPoint, OverlayPoint end) {
+            (point.Has(PPF_Broken) ? brokenEnds : ends).push_back(end);
+        });
+        SetColor(painter_, view_.Info(), settings_.handleColor, opacity_);
+        painter_.Marks(Shape::Fill, disc, ends, Scale());
+        painter_.Marks(Shape::Fill, diamond, brokenEnds, Scale());
+    }
+
+    void DrawPoints()
     {
         const double step = leastStep * Scale();
         SparseMarks plain(step);
@@ -164,13 +219,13 @@ private:
         const SelMask& mask = editor_.Selection(polygon_);
         for (int i = 0; i < shape_.GetCount(); ++i) {
             const PolyPoint& point = shape_.Points()[std::size_t(i)];
-            const bool isSelected = edits && mask.GetSetItem(i);
+            const bool isSelected = edits_ && mask.GetSetItem(i);
             const OverlayPoint at = At(point.Place());
             if (isSelected)
                 selected.Add(at);
-            else if (settings_.showKeyPoints && edits)
+            else if (settings_.showKeyPoints && edits_)
                 plain.Add(at);
-            if (point.Has(PPF_Locked) && edits)
+            if (point.Has(PPF_Locked) && edits_)
                 locked.push_back(at);
         }
         for (const PointLink& link : shape_.Links()) {
@@ -178,42 +233,48 @@ private:
                 (link.kind == PointLink::Kind::Published ? published : following)
                     .push_back(At(point->Place()));
         }
-        using Shape = OverlayPainter::Shape;
-        SetColor(painter_, view_.Info(), settings_.keyPointColor, opacity_ * restOpacity);
-        painter_.Marks(Shape::Loop, smallSquare, plain.places, Scale());
-        painter_.Marks(Shape::Lines, cross, locked, Scale());
+        SetColor(painter_, view_.Info(), settings_.keyPointColor, opacity_);
         painter_.Marks(Shape::Loop, ring, published, Scale());
         painter_.Marks(Shape::Loop, triangle, following, Scale());
+        painter_.Marks(Shape::Lines, cross, locked, Scale()); // its arms stand out from the point
+        painter_.Marks(Shape::Loop, smallSquare, plain.places, Scale());
         painter_.SetColor(OverlayColor::Highlight, isActive_ ? 1.0 : otherOpacity);
         painter_.Marks(Shape::Fill, largeSquare, selected.places, Scale());
-        DrawSingles(edits);
     }
 
-    /// The point selected last, the one that closes the shape, what the pointer is on.
-    void DrawSingles(bool edits)
+    void DrawMark(Shape form, Points points, ShapePlace at, double scale = 1.0)
     {
-        using Shape = OverlayPainter::Shape;
-        const auto mark = [this](Shape form, std::span<const OverlayPoint> points, ShapePlace at,
-                                 double scale) {
-            const OverlayPoint places[] = {At(at)};
-            painter_.Marks(form, points, places, Scale() * scale);
-        };
-        if (!edits)
-            return;
+        const OverlayPoint places[] = {At(at)};
+        painter_.Marks(form, points, places, Scale() * scale);
+    }
+
+    /// The point selected last is held by brackets; what the pointer is on grows, and what closes
+    /// the shape has a ring.
+    void DrawSingles()
+    {
         const SelMask& mask = editor_.Selection(polygon_);
+        painter_.SetColor(OverlayColor::Highlight);
         if (const PolyPoint* last = mask.SetCount() > 1 ? shape_.GetPoint(mask.Last()) : nullptr)
-            mark(Shape::Loop, frame, last->Place(), 1.0);
+            DrawMark(Shape::Lines, brackets, last->Place());
         const PolyHit& hovered = editor_.Hovered();
         if (!hovered.Any() || hovered.polygon != polygon_)
             return;
-        painter_.SetColor(OverlayColor::Highlight);
-        const bool closes = control_.Mode() == PolyDrawMode::ClickAppend && hovered.index == 0 &&
-                            !shape_.IsClosed() && shape_.GetCount() > 1;
-        if (hovered.IsPoint())
-            mark(Shape::Loop, closes ? Points(ring) : Points(largeSquare), hovered.place,
-                 closes ? 1.0 : 1.4);
-        else if (hovered.kind == PolyHit::Curve && control_.Mode() == PolyDrawMode::InsertAndModify)
-            mark(Shape::Lines, plus, hovered.place, 1.0);
+        const PolyPoint* point = shape_.GetPoint(hovered.index);
+        if (hovered.kind == PolyHit::Curve) {
+            if (control_.Mode() == PolyDrawMode::InsertAndModify)
+                DrawMark(Shape::Lines, plus, hovered.place);
+        } else if (hovered.IsHandle() && point) {
+            DrawMark(Shape::Fill, point->Has(PPF_Broken) ? Points(diamond) : Points(disc),
+                     hovered.place, hoverScale);
+        } else if (hovered.IsPoint()) {
+            const bool closes = control_.Mode() == PolyDrawMode::ClickAppend &&
+                                hovered.index == 0 && !shape_.IsClosed() && shape_.GetCount() > 1;
+            if (closes)
+                DrawMark(Shape::Loop, ring, hovered.place, hoverScale);
+            if (!mask.GetSetItem(hovered.index))
+                painter_.SetColor(MxColor(255, 255, 255));
+            DrawMark(Shape::Fill, largeSquare, hovered.place, hoverScale);
+        }
     }
 
     void DrawNumbers()
@@ -231,8 +292,7 @@ private:
             else if (settings_.showNumbers)
                 digits.Add(corner, u32(i), Scale());
         }
-        SetColor(painter_, view_.Info(), 0, opacity_);
-        digits.Draw(painter_, Scale());
+        digits.Draw(painter_, view_.Info().Color(OverlayColor::Normal), Scale());
     }
 
     const PolyLineControl& control_;
@@ -243,23 +303,93 @@ private:
     int polygon_;
     const PolyLine& shape_;
     bool isActive_;
+    bool edits_;
     double opacity_;
-    bool isSpline_;
 };
+
+/// From the points that are worked on to those of the other polygon that belong to them.
+void DrawLinks(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
+{
+    const PolyEditor& editor = control.Editor();
+    if (!editor.IsDouble() || !editor.IsMatched() || control.Mode() == PolyDrawMode::Done)
+        return;
+    SelMask mask = editor.ActiveSelection();
+    if (const PolyHit& hit = editor.Hovered(); hit.IsPoint())
+        mask.DoSet(hit.index, SelMask::Select);
+    if (mask.SetCount() > mostLinks)
+        return;
+    std::vector<OverlayPoint> lines;
+    for (const int index : mask.Items()) {
+        for (const int polygon : {InnerPolygon, OuterPolygon})
+            lines.push_back(view.ToView(editor.Shape(polygon)->GetPoint(index)->Place()));
+    }
+    SetColor(painter, view.Info(), 0, linkOpacity);
+    painter.SetCasing(otherCasing);
+    painter.Lines(lines);
+    painter.SetCasing(1.0);
+}
+
+/// What the shape is turned and scaled about, where inputs do so.
+void DrawPivot(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
+{
+    const bool turns = control.BoundInput(PLCID_Center) &&
+                       (control.BoundInput(PLCID_Angle) || control.BoundInput(PLCID_Size));
+    if (!turns || !control.Editor().HasPoints(InnerPolygon) || control.Mode() == PolyDrawMode::Done)
+        return;
+    const OverlayPoint at[] = {view.ToView({0.5, 0.5})};
+    painter.SetColor(OverlayColor::Normal);
+    painter.Marks(OverlayPainter::Shape::Lines, pivot, at, view.Info().controlScale);
+}
+
+/// On a path the place that is reached at the current time: an arrowhead that points ahead.
+void DrawReached(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
+{
+    const PolyLine* shape = control.Editor().Shape(InnerPolygon);
+    const Input* input = control.BoundInput(PLCID_CurrentTimePoint);
+    if (!input)
+        input = control.BoundInput(PLCID_Displacement);
+    ShapePlace place;
+    ShapePlace ahead;
+    if (!input || !shape ||
+        !shape->GetPointOnPath(input->GetNumber(control.CurrentTime()), view.HeightsPerWidth(),
+                               place, &ahead))
+        return;
+    const OverlayPoint at[] = {view.ToView(place)};
+    const OverlayPoint further = view.ToView(place + ahead);
+    const double angle = std::atan2(further.y - at[0].y, further.x - at[0].x);
+    std::array<OverlayPoint, 3> turned = arrow;
+    for (OverlayPoint& point : turned)
+        point = {point.x * std::cos(angle) - point.y * std::sin(angle),
+                 point.x * std::sin(angle) + point.y * std::cos(angle)};
+    painter.SetColor(OverlayColor::PathKey);
+    painter.Marks(OverlayPainter::Shape::Fill, turned, at, view.Info().controlScale);
+}
 
 } // namespace
 
 void DrawPolyLines(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
 {
     const OverlayPainter::Saved saved(painter);
-    DrawSkins(control, painter, view);
     const PolyEditor& editor = control.Editor();
+    std::vector<PolygonDrawing> polygons; // the active one last, above the other
     for (const int polygon : {OtherPolygon(editor.ActivePolygon()), editor.ActivePolygon()}) {
         if (editor.IsShown(polygon))
-            PolygonDrawing(control, painter, view, polygon).Draw();
+            polygons.emplace_back(control, painter, view, polygon);
     }
-    DrawShapeBox(control, painter, view);
+    DrawSkins(control, painter, view);
+    painter.Flush();
+    for (PolygonDrawing& polygon : polygons)
+        polygon.DrawLines();
+    DrawLinks(control, painter, view);
+    DrawNextSegment(control, painter, view);
+    DrawShapeBoxFrame(control, painter, view);
     DrawTrackPoints(control, painter, view);
+    painter.Flush();
+    DrawPivot(control, painter, view);
+    DrawReached(control, painter, view);
+    DrawShapeBoxKnobs(control, painter, view);
+    for (PolygonDrawing& polygon : polygons)
+        polygon.DrawMarks();
 }
 
 } // namespace Marlox

@@ -161,6 +161,8 @@ bool PolyLineControl::HitTest(PreviewInfo& view, const TagList* tags)
     if (editor_.SetHovered(hit))
         UpdateDisplay(nullptr, nullptr);
     SetHoveredTime(skin);
+    const bool appends = may && Mode() == PolyDrawMode::ClickAppend && CanEdit();
+    SetNextPlace(appends ? std::optional(shapes.Cursor()) : std::nullopt);
     if (!may)
         return false;
     switch (Mode()) {
@@ -186,6 +188,12 @@ bool PolyLineControl::HitTest(PreviewInfo& view, const TagList* tags)
 void PolyLineControl::SetHoveredTime(double time)
 {
     if (std::exchange(hoveredTime_, time) != time)
+        UpdateDisplay(nullptr, nullptr);
+}
+
+void PolyLineControl::SetNextPlace(const std::optional<ShapePlace>& place)
+{
+    if (std::exchange(nextPlace_, place) != place)
         UpdateDisplay(nullptr, nullptr);
 }
 

@@ -1,5 +1,5 @@
-// The shape box: a frame about the selected points, or about all without a selection. Its corners
-// and sides scale them about the opposite one (Ctrl: about the middle; Shift: alike in both
+// The shape box: a frame a little outside the selected points, or all without a selection. Its
+// corners and sides scale them about the opposite one (Ctrl: about the middle; Shift: alike in both
 // directions), the knob above it turns them (Shift: in steps), its inside moves them.
 
 #include "controls/polyline/PointTransform.h"
@@ -18,11 +18,19 @@ namespace Marlox {
 
 namespace {
 
+constexpr double margin = 10.0;       // from the points to the frame, mark pixels
 constexpr double knobDistance = 22.0; // of the knob from the top side, mark pixels
 constexpr double turnStep = 15.0;     // degrees, with Shift
+constexpr MxColor boxColor{214, 214, 214};
 constexpr std::array<OverlayPoint, 4> gripMark{{{-3, -3}, {3, -3}, {3, 3}, {-3, 3}}};
-constexpr std::array<OverlayPoint, 8> knobMark{
-    {{4, 1}, {1, 4}, {-1, 4}, {-4, 1}, {-4, -1}, {-1, -4}, {1, -4}, {4, -1}}};
+constexpr std::array<OverlayPoint, 8> knobMark{{{3.5, 1.5},
+                                                {1.5, 3.5},
+                                                {-1.5, 3.5},
+                                                {-3.5, 1.5},
+                                                {-3.5, -1.5},
+                                                {-1.5, -3.5},
+                                                {1.5, -3.5},
+                                                {3.5, -1.5}}};
 
 /// What of the box is held: a side or corner by its direction, the knob, or the inside.
 struct Grip {
@@ -90,38 +98,71 @@ std::optional<Box> BoxOf(const PolyLineControl& control)
     return Box{bounds.low, bounds.high};
 }
 
-OverlayPoint KnobOf(const Box& box, const PolyView& view)
-{
-    const OverlayPoint top = view.ToView(box.At(0, 1));
-    const OverlayPoint middle = view.ToView(box.Middle());
-    const double length = std::hypot(top.x - middle.x, top.y - middle.y);
-    const double off = knobDistance * view.Info().controlScale;
-    if (!(length > 0.0))
-        return {top.x, top.y + off};
-    return {top.x + (top.x - middle.x) / length * off, top.y + (top.y - middle.y) / length * off};
-}
+/// Where the frame shows in a view: around the box with a margin, which no drag counts.
+class Frame {
+public:
+    Frame(const Box& box, const PolyView& view)
+        : view_(view), middle_(view.ToView(box.Middle())), right_(Towards(box, {1.0, 0.0})),
+          up_(Towards(box, {0.0, 1.0})), scale_(view.Info().controlScale)
+    {
+        const OverlayPoint corner = view.ToView(box.high);
+        const OverlayPoint half{corner.x - middle_.x, corner.y - middle_.y};
+        halfWidth_ = std::abs(half.x * right_.x + half.y * right_.y) + margin * scale_;
+        halfHeight_ = std::abs(half.x * up_.x + half.y * up_.y) + margin * scale_;
+    }
+
+    OverlayPoint At(int x, int y) const { return Place(x * halfWidth_, y * halfHeight_); }
+    OverlayPoint Knob() const { return Place(0.0, halfHeight_ + knobDistance * scale_); }
+    Grip GripAt(OverlayPoint at) const
+    {
+        const double radius = view_.Info().pickRadius;
+        const auto isNear = [&](OverlayPoint other) {
+            return std::abs(at.x - other.x) < radius && std::abs(at.y - other.y) < radius;
+        };
+        if (isNear(Knob()))
+            return {Grip::Knob};
+        for (const int corners : {2, 1}) { // corners before sides
+            for (int x = -1; x <= 1; ++x) {
+                for (int y = -1; y <= 1; ++y) {
+                    if (std::abs(x) + std::abs(y) == corners && isNear(At(x, y)))
+                        return {Grip::Side, x, y};
+                }
+            }
+        }
+        const OverlayPoint by{at.x - middle_.x, at.y - middle_.y};
+        const bool inside = std::abs(by.x * right_.x + by.y * right_.y) < halfWidth_ &&
+                            std::abs(by.x * up_.x + by.y * up_.y) < halfHeight_;
+        return {inside ? Grip::Inside : Grip::Nothing};
+    }
+
+private:
+    /// A direction of the shape, of length 1 in the view.
+    OverlayPoint Towards(const Box& box, ShapePlace by) const
+    {
+        const OverlayPoint to = view_.ToView(box.Middle() + by);
+        const OverlayPoint way{to.x - middle_.x, to.y - middle_.y};
+        const double length = std::hypot(way.x, way.y);
+        return length > 0.0 ? OverlayPoint{way.x / length, way.y / length}
+                            : OverlayPoint{by.x, by.y};
+    }
+    OverlayPoint Place(double right, double up) const
+    {
+        return {middle_.x + right_.x * right + up_.x * up,
+                middle_.y + right_.y * right + up_.y * up};
+    }
+
+    const PolyView& view_;
+    OverlayPoint middle_;
+    OverlayPoint right_;
+    OverlayPoint up_;
+    double scale_;
+    double halfWidth_ = 0.0; // with the margin
+    double halfHeight_ = 0.0;
+};
 
 Grip GripAt(const Box& box, const PolyView& view)
 {
-    const OverlayPoint cursor = view.ToView(view.Cursor());
-    const double radius = view.Info().pickRadius;
-    const auto isNear = [&](OverlayPoint at) {
-        return std::abs(at.x - cursor.x) < radius && std::abs(at.y - cursor.y) < radius;
-    };
-    if (isNear(KnobOf(box, view)))
-        return {Grip::Knob};
-    for (const int corners : {2, 1}) { // corners before sides
-        for (int x = -1; x <= 1; ++x) {
-            for (int y = -1; y <= 1; ++y) {
-                if (std::abs(x) + std::abs(y) == corners && isNear(view.ToView(box.At(x, y))))
-                    return {Grip::Side, x, y};
-            }
-        }
-    }
-    const ShapePlace at = view.Cursor();
-    const bool inside =
-        at.x > box.low.x && at.x < box.high.x && at.y > box.low.y && at.y < box.high.y;
-    return {inside ? Grip::Inside : Grip::Nothing};
+    return Frame(box, view).GripAt(view.ToView(view.Cursor()));
 }
 
 /// A change of places and of distances, in the shape's coordinates.
@@ -160,7 +201,9 @@ public:
             return;
         moved_ = true;
         const bool all = masks_[std::size_t(Editor().ActivePolygon())].IsAllSet();
+        const bool both = masks_[InnerPolygon].IsAnySet() && masks_[OuterPolygon].IsAnySet();
         Begin(grip_.kind == Grip::Inside ? "Dragging Shaping Box"
+              : both                     ? "Shape points"
               : all                      ? "Shape PolyLine"
                                          : "Shape Points");
         const Affine change = ChangeFor(pointer);
@@ -262,29 +305,37 @@ bool IsOnShapeBox(const PolyLineControl& control, const PolyView& view)
     return box && GripAt(*box, view).kind != Grip::Nothing;
 }
 
-void DrawShapeBox(const PolyLineControl& control, OverlayPainter& painter, const PolyView& view)
+void DrawShapeBoxFrame(const PolyLineControl& control, OverlayPainter& painter,
+                       const PolyView& view)
 {
     const std::optional<Box> box = BoxOf(control);
     if (!box)
         return;
-    const auto at = [&](int x, int y) { return view.ToView(box->At(x, y)); };
-    painter.SetColor(OverlayColor::Path);
-    painter.SetDashed(true);
-    painter.Loop({at(-1, -1), at(1, -1), at(1, 1), at(-1, 1)});
-    painter.SetDashed(false);
-    const OverlayPoint knob = KnobOf(*box, view);
-    painter.Line(at(0, 1), knob);
+    const Frame frame(*box, view);
+    painter.SetColor(boxColor);
+    painter.Loop({frame.At(-1, -1), frame.At(1, -1), frame.At(1, 1), frame.At(-1, 1)});
+    painter.Line(frame.At(0, 1), frame.Knob());
+}
+
+void DrawShapeBoxKnobs(const PolyLineControl& control, OverlayPainter& painter,
+                       const PolyView& view)
+{
+    const std::optional<Box> box = BoxOf(control);
+    if (!box)
+        return;
+    const Frame frame(*box, view);
     std::vector<OverlayPoint> grips;
     for (int x = -1; x <= 1; ++x) {
         for (int y = -1; y <= 1; ++y) {
             if (x != 0 || y != 0)
-                grips.push_back(at(x, y));
+                grips.push_back(frame.At(x, y));
         }
     }
     const double scale = view.Info().controlScale;
-    painter.Marks(OverlayPainter::Shape::Loop, gripMark, grips, scale);
-    const OverlayPoint knobs[] = {knob};
-    painter.Marks(OverlayPainter::Shape::Loop, knobMark, knobs, scale);
+    const OverlayPoint knobs[] = {frame.Knob()};
+    painter.SetColor(boxColor);
+    painter.Marks(OverlayPainter::Shape::Fill, gripMark, grips, scale);
+    painter.Marks(OverlayPainter::Shape::Fill, knobMark, knobs, scale);
 }
 
 } // namespace Marlox

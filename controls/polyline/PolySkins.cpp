@@ -16,8 +16,9 @@ namespace Marlox {
 
 namespace {
 
-constexpr int nearestAlpha = 190; // of the skin next to the current time
-constexpr int furthestAlpha = 70;
+constexpr int nearestAlpha = 150; // of the skin next to the current time
+constexpr int furthestAlpha = 60;
+constexpr double skinCasing = 0.4;
 constexpr std::array<OverlayPoint, 4> dot{{{-1, -1}, {1, -1}, {1, 1}, {-1, 1}}};
 
 OnionSkinTimes TimesOf(const PolyLineControl& control)
@@ -96,8 +97,10 @@ void DrawSkins(const PolyLineControl& control, OverlayPainter& painter, const Po
     const MxColor before =
         chosen ? MxColor(int(chosen >> 16 & 0xff), int(chosen >> 8 & 0xff), int(chosen & 0xff))
                : PrevSkinColor();
+    painter.SetCasing(skinCasing);
     DrawSide(control, painter, view, times.before, before);
     DrawSide(control, painter, view, times.after, NextSkinColor());
+    painter.SetCasing(1.0);
     if (control.HoveredTime() > TimeNone) {
         painter.SetColor(OverlayColor::Highlight);
         DrawSkin(control, painter, view, control.HoveredTime());
