@@ -13,19 +13,13 @@ bool HasShape(const C& c)
 
 bool IsUnlocked(const C& c)
 {
-    bool any = false;
-    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-        const Input* input = c.ShapeInput(polygon);
-        if (input && !input->Owner().IsLocked())
-            return true;
-        any = any || input;
-    }
-    return !any;
+    const Input* input = c.ShapeInput(c.Editor().ActivePolygon());
+    return !input || !input->Owner().IsLocked();
 }
 
 bool IsFree(const C& c)
 {
-    return c.CanEdit();
+    return c.IsShapeFree(c.Editor().ActivePolygon());
 }
 
 bool IsShown(const C& c)

@@ -160,6 +160,14 @@ private slots:
             QVERIFY2(!ClipFromText(text.toStdString(), error), qPrintable(text));
             QVERIFY2(!error.isEmpty(), qPrintable(text));
         }
+        ShapeClip uneven = *CopyShape(shape());
+        Ref<PolyLine> fewer = ShapeOf(shape(), 0)->CopyShape();
+        fewer->RemovePoints(mask(3, {1}));
+        uneven.animation.SetKey(0.0, uneven.value, Interpolation::Linear);
+        uneven.animation.SetKey(10.0, fewer, Interpolation::Linear);
+        QString error;
+        QVERIFY(!ClipFromText(ClipToText(uneven), error));
+        QCOMPARE(error, QString("Different destination points count"));
         QMimeData none;
         QVERIFY(!HasClip(none));
     }
