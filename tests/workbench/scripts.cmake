@@ -15,6 +15,14 @@ marlox_script_test(workbench-buttons ${scripts}/buttons.lua
     ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${CMAKE_BINARY_DIR}/samples/dusk.marlox
     $<TARGET_FILE:test-plugin-Buttons> ${pictures})
 
+# The toolbar of shapes, on a usual and on a dense screen.
+foreach(scale 1 2)
+    set(name workbench-shapetools-${scale}x)
+    marlox_script_test(${name} ${scripts}/shapetools.lua
+        ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${pictures})
+    marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
+endforeach()
+
 # Broken files of all kinds, in a look with some broken files of its own.
 set(look ${pictures}/look)
 file(COPY ${PROJECT_SOURCE_DIR}/host/look/ DESTINATION ${look})

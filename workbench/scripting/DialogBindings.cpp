@@ -118,6 +118,14 @@ void accept(QDialog& dialog)
     button->click();
 }
 
+/// A submenu as it is once the pointer has opened it: some are filled only then.
+QMenu& openedMenu(const QAction& action)
+{
+    if (!action.menu()->isVisible())
+        emit action.menu()->aboutToShow();
+    return *action.menu();
+}
+
 ScriptVal entriesOf(const QMenu& menu)
 {
     ScriptVal list = ScriptVal::MakeTable();
@@ -128,8 +136,10 @@ ScriptVal entriesOf(const QMenu& menu)
         row.Set("text", MenuEntryText(action->text()).toStdString());
         row.Set("enabled", action->isEnabled());
         row.Set("checked", action->isChecked());
+        if (menu.toolTipsVisible() && action->toolTip() != MenuEntryText(action->text()))
+            row.Set("tip", action->toolTip().toStdString());
         if (action->menu())
-            row.Set("children", entriesOf(*action->menu()));
+            row.Set("children", entriesOf(openedMenu(*action)));
         list.Append(row);
     }
     return list;
@@ -142,7 +152,7 @@ QAction* findAction(const QMenu& menu, const QString& path)
         if (!action->menu() && text == path)
             return action;
         if (action->menu() && path.startsWith(text + '/')) {
-            if (QAction* found = findAction(*action->menu(), path.mid(text.size() + 1)))
+            if (QAction* found = findAction(openedMenu(*action), path.mid(text.size() + 1)))
                 return found;
         }
     }
