@@ -30,8 +30,11 @@ OnionSkinningDlg::OnionSkinningDlg(const OnionSkinSettings& settings, double fra
     setObjectName("OnionSkinningDlg");
     setWindowTitle(tr("Onion Skin"));
     // In the order in which the keyboard goes through them.
-    count_ = AddEdit("m_LabelSkinCount", "m_EditSkinCount", tr("Skin Count:"), framesPerSecond);
-    step_ = AddEdit("m_LabelSkinStep", "m_EditSkinStep", tr("Skin Step:"), framesPerSecond);
+    count_ = AddEdit("m_LabelSkinCount", "m_EditSkinCount", tr("Skin Count:"),
+                     tr("How many skins on each side, 0 to %1.").arg(OnionSkinSettings::maxCount));
+    step_ = AddEdit("m_LabelSkinStep", "m_EditSkinStep", tr("Skin Step:"),
+                    tr("Frames from one skin to the next."));
+    step_->SetTimeMode(true, framesPerSecond);
     keySkin_ = AddCheck("m_CheckKeySkin", tr("Key Skin"),
                         tr("The skins are the shape's keys, whatever the step."),
                         &OnionSkinningDlg::OnClickKeySkin);
@@ -55,14 +58,14 @@ OnionSkinningDlg::OnionSkinningDlg(const OnionSkinSettings& settings, double fra
 }
 
 TimeCodeEdit* OnionSkinningDlg::AddEdit(const char* label, const char* edit, const QString& text,
-                                        double framesPerSecond)
+                                        const QString& help)
 {
     auto* name = new QLabel(text, this);
     name->setObjectName(label);
     auto* field = new TimeCodeEdit(this);
     field->setObjectName(edit);
     field->setAccessibleName(QString(text).remove(u':'));
-    field->SetTimeMode(true, framesPerSecond);
+    field->setToolTip(help);
     name->setBuddy(field);
     return field;
 }

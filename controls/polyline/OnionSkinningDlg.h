@@ -16,7 +16,7 @@ class TimeCodeEdit;
 class OnionSkinningDlg final : public MxDialog {
     Q_OBJECT
 public:
-    /// `framesPerSecond` is for numbers shown as time codes.
+    /// `framesPerSecond` is for a step shown as a time code.
     OnionSkinningDlg(const OnionSkinSettings& settings, double framesPerSecond,
                      QWidget* parent = nullptr);
 
@@ -36,7 +36,7 @@ public slots:
 
 private:
     TimeCodeEdit* AddEdit(const char* label, const char* edit, const QString& text,
-                          double framesPerSecond);
+                          const QString& help);
     CustomCheckBox* AddCheck(const char* name, const QString& text, const QString& help,
                              void (OnionSkinningDlg::*slot)());
     void AddRange();

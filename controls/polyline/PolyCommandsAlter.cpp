@@ -238,6 +238,7 @@ void SmoothPointsDialog(PolyLineControl& control)
             masks[std::size_t(polygon)] = editor.CommandMask(polygon);
         }
         const auto show = [&](const Values& now) {
+            int count = 0;
             for (int polygon = 0; polygon < PolygonCount; ++polygon) {
                 const SelMask& mask = masks[std::size_t(polygon)];
                 if (!mask.IsAnySet())
@@ -245,8 +246,10 @@ void SmoothPointsDialog(PolyLineControl& control)
                 const Ref<PolyLine> shape = before[std::size_t(polygon)]->CopyShape();
                 SmoothPoints(*shape, mask, now[0] / percent, tall);
                 preview.Show(polygon, shape);
+                count += mask.SetCount();
             }
-            return QString();
+            return count == 1 ? QStringLiteral("1 point is smoothed")
+                              : QStringLiteral("%1 points are smoothed").arg(count);
         };
         PolyValuesDlg dialog(
             QStringLiteral("Smooth Points"),

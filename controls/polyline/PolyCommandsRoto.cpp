@@ -68,8 +68,8 @@ void AskRotoDistance(PolyLineControl& control)
 {
     constexpr int furthest = 16;
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen = AskWhole("Distance", "Distance of the track points in pixels, 1 to %1:",
-                                     control.Settings().roto.distance, furthest))
+    if (const auto chosen = AskWhole(
+            "Distance", "Distance in pixels, 1 to %1:", control.Settings().roto.distance, furthest))
         control.ChangeRoto("Set distance", [&](RotoAssistSettings& roto) {
             roto.distance = *chosen;
             if (!roto.trackPoints.empty())
@@ -83,9 +83,8 @@ void AskRotoFrameSkip(PolyLineControl& control)
 {
     constexpr int most = 10;
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen =
-            AskWhole("Track Frame Skip", "Frames from one tracked frame to the next, 1 to %1:",
-                     control.Settings().roto.frameSkip, most))
+    if (const auto chosen = AskWhole("Track Frame Skip", "Step in frames, 1 to %1:",
+                                     control.Settings().roto.frameSkip, most))
         control.ChangeRoto("Track Frame Skip",
                            [&](RotoAssistSettings& roto) { roto.frameSkip = *chosen; });
 }

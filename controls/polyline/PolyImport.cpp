@@ -133,10 +133,10 @@ private:
         constexpr double largest = 100'000.0;
         const bool isTaken = file.imageWidth > 0.0 && file.imageHeight > 0.0;
         const auto width =
-            Number(QStringLiteral("The file counts in pixels. Width of its image (pixels):"),
+            Number(QStringLiteral("The file counts in pixels. Width of its image in pixels:"),
                    isTaken ? std::round(file.imageWidth) : 1920.0, 1.0, largest);
         const auto height =
-            width ? Number(QStringLiteral("Height of its image (pixels):"),
+            width ? Number(QStringLiteral("Height of its image in pixels:"),
                            isTaken ? std::round(file.imageHeight) : 1080.0, 1.0, largest)
                   : std::nullopt;
         if (!height)
@@ -150,8 +150,8 @@ private:
     bool AskFrame(const ImportedShapes&)
     {
         constexpr double furthest = 1'000'000.0;
-        const auto number = Number(QStringLiteral("Frames of the file may count from another one "
-                                                  "than here. Number to add to them:"),
+        const auto number = Number(QStringLiteral("The file may count its frames from another one "
+                                                  "than here. Frames to add:"),
                                    0.0, -furthest, furthest);
         context_.frameOffset = number.value_or(0.0);
         return number.has_value();

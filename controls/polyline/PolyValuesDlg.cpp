@@ -173,15 +173,22 @@ ScriptVal PolyValuesDlg::Layout() const
         const Part& last = parts_[isPair ? ++i : i];
         ScriptVal row =
             Node("HGroup", {{"Weight", 0}, {"Spacing", rhythm}, {"MinHeight", rowHeight}});
+        const QLabel* const unit = last.unit ? last.unit : first.unit;
         row.Append(Place(first.label, labelWidth));
         row.Append(first.slider ? Flexible(first.slider, leastSlider)
                                 : Flexible(first.edit, editWidth));
-        if (first.slider)
+        if (first.slider) {
             row.Append(Place(first.edit, besideSlider));
-        else if (hasPairs)
-            row.Append(Flexible(isPair ? last.edit : nullptr, editWidth));
+        } else if (isPair) {
+            row.Append(Flexible(last.edit, editWidth));
+        } else if (hasPairs) { // as wide as a second edit, so that the first ones are alike
+            ScriptVal rest = Node("HGroup", {{"MinWidth", editWidth}});
+            rest.Append(Place(unit, unitWidth));
+            rest.Append(Flexible(nullptr, 0));
+            row.Append(rest);
+        }
         if (unitWidth > 0)
-            row.Append(Place(last.unit ? last.unit : first.unit, unitWidth));
+            row.Append(Place(hasPairs && !isPair ? nullptr : unit, unitWidth));
         rows.Append(row);
     }
     rows.Append(Node("Item", {{"Name", "m_Note"}, {"Weight", 0}, {"MinHeight", 2 * rhythm}}));

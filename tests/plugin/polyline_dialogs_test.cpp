@@ -215,8 +215,9 @@ void PolylineDialogsTest::OnionSkinSetUp()
             QCOMPARE(part<CustomCheckBox>(one, checks[at]).isChecked(), at == i);
     }
     Preferences::Global().Set(TimeCodeEdit::PreferenceName, true);
-    OnionSkinningDlg timed({50, 1.0f, 3}, 25.0);
-    QCOMPARE(part<TimeCodeEdit>(timed, "m_EditSkinCount").text(), QString("00:00:02:00"));
+    OnionSkinningDlg timed({50, 50.0f, 3}, 25.0);
+    QCOMPARE(part<TimeCodeEdit>(timed, "m_EditSkinCount").text(), QString("50"));
+    QCOMPARE(part<TimeCodeEdit>(timed, "m_EditSkinStep").text(), QString("00:00:02:00"));
     Preferences::Global().Remove(TimeCodeEdit::PreferenceName);
 }
 

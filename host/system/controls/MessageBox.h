@@ -7,7 +7,7 @@
 namespace Marlox {
 
 /// A message with what it is about in bright letters and the rest below, wide enough for a path or
-/// a sentence on one line. Its title is the application's name, its texts are plain.
+/// a sentence on one line. Of many lines the first ones show, and all when asked for. Its title is the application's name, its texts are plain.
 class MARLOXSYSTEM_EXPORT MessageBox : public QMessageBox {
     Q_OBJECT
 public:

@@ -5,6 +5,8 @@
 #include "system/resources/Resources.h"
 #include "system/widgets/TimeCodeEdit.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QColorDialog>
 #include <QDialogButtonBox>
@@ -38,8 +40,12 @@ public:
     {
         setObjectName(name);
         setWindowTitle(title.isEmpty() ? QCoreApplication::applicationName() : title);
+        constexpr int margin = 16;
+        constexpr int narrowest = 320;
+        constexpr int widest = 480;
         label_->setTextFormat(Qt::PlainText);
-        label_->setWordWrap(true);
+        const int width = label_->sizeHint().width() + 2 * margin;
+        label_->setWordWrap(width > widest);
         label_->setBuddy(&field);
         field.setAccessibleName(label);
         problem_->setTextFormat(Qt::PlainText);
@@ -52,14 +58,16 @@ public:
         connect(buttons_, &QDialogButtonBox::accepted, this, &FieldDialog::accept);
         connect(buttons_, &QDialogButtonBox::rejected, this, &FieldDialog::reject);
         auto* layout = new QVBoxLayout(this);
-        layout->setContentsMargins(16, 16, 16, 16);
+        layout->setContentsMargins(margin, margin, margin, margin);
         layout->setSpacing(8);
         layout->addWidget(label_);
         layout->addWidget(&field);
         layout->addWidget(problem_);
         layout->addSpacing(8);
         layout->addWidget(buttons_);
-        setMinimumWidth(320);
+        setMinimumWidth(std::clamp(width, narrowest, widest));
+        label_->setVisible(!label.isEmpty());
+        resize(minimumWidth(), layout->totalHeightForWidth(minimumWidth()));
         field.setFocus();
     }
 
