@@ -10,18 +10,29 @@ namespace Marlox {
 
 namespace {
 
-constexpr std::size_t numbersOfPoint = 7; // that animation interpolates
-constexpr std::size_t leastFields = 4;    // id, flags, x, y
+/// The numbers of a point that animation interpolates, in the order in which documents have them.
+constexpr double PolyPoint::*numbers[] = {&PolyPoint::x,      &PolyPoint::y,    &PolyPoint::inX,
+                                          &PolyPoint::inY,    &PolyPoint::outX, &PolyPoint::outY,
+                                          &PolyPoint::tension};
+constexpr float PenSample::*penNumbers[] = {&PenSample::time,   &PenSample::pressure,
+                                            &PenSample::height, &PenSample::angleXY,
+                                            &PenSample::angleZ, &PenSample::rotation};
+constexpr std::size_t numbersOfPoint = std::size(numbers);
+constexpr std::size_t leastFields = 4; // id, flags, x, y
 
-/// What a document has of a point, in this order; zeros at the end are left out.
-constexpr std::size_t fieldsOfPoint = 15;
+/// What a document has of a point: id, flags, and the numbers above; zeros at the end are left out.
+constexpr std::size_t fieldsOfPoint = 2 + numbersOfPoint + std::size(penNumbers);
 using PointFields = std::array<double, fieldsOfPoint>;
 
 PointFields FieldsOf(const PolyPoint& p)
 {
-    return {double(p.id),   double(p.flags), p.x,           p.y,          p.inX,
-            p.inY,          p.outX,          p.outY,        p.tension,    p.pen.time,
-            p.pen.pressure, p.pen.height,    p.pen.angleXY, p.pen.angleZ, p.pen.rotation};
+    PointFields fields{double(p.id), double(p.flags)};
+    std::size_t at = 2;
+    for (const auto number : numbers)
+        fields[at++] = p.*number;
+    for (const auto number : penNumbers)
+        fields[at++] = double(p.pen.*number);
+    return fields;
 }
 
 bool IsWhole(double number)
@@ -45,15 +56,11 @@ bool ReadPoint(const ScriptVal& value, PolyPoint& p)
         return false;
     p.id = u32(fields[0]);
     p.flags = u32(fields[1]);
-    p.x = fields[2];
-    p.y = fields[3];
-    p.inX = fields[4];
-    p.inY = fields[5];
-    p.outX = fields[6];
-    p.outY = fields[7];
-    p.tension = fields[8];
-    p.pen = {float(fields[9]),  float(fields[10]), float(fields[11]),
-             float(fields[12]), float(fields[13]), float(fields[14])};
+    std::size_t at = 2;
+    for (const auto number : numbers)
+        p.*number = fields[at++];
+    for (const auto number : penNumbers)
+        p.pen.*number = float(fields[at++]);
     return true;
 }
 
@@ -174,11 +181,12 @@ std::span<const double> PolyLine::Components() const
 {
     const std::lock_guard lock(cacheMutex_);
     if (!components_) {
-        components_ = std::make_unique<std::vector<double>>();
-        components_->reserve(points_.size() * numbersOfPoint);
-        for (const PolyPoint& p : points_)
-            components_->insert(components_->end(),
-                                {p.x, p.y, p.inX, p.inY, p.outX, p.outY, p.tension});
+        components_ = std::make_unique<std::vector<double>>(points_.size() * numbersOfPoint);
+        double* to = components_->data();
+        for (const PolyPoint& p : points_) {
+            for (const auto number : numbers)
+                *to++ = p.*number;
+        }
     }
     return *components_;
 }
@@ -188,16 +196,10 @@ Ref<Parameter> PolyLine::WithComponents(std::span<const double> components) cons
     const Ref<PolyLine> made = CopyShape();
     std::vector<PolyPoint>& points = made->OwnPoints();
     const std::size_t count = std::min(points.size(), components.size() / numbersOfPoint);
+    const double* from = components.data();
     for (std::size_t i = 0; i < count; ++i) {
-        const double* const from = &components[i * numbersOfPoint];
-        PolyPoint& p = points[i];
-        p.x = from[0];
-        p.y = from[1];
-        p.inX = from[2];
-        p.inY = from[3];
-        p.outX = from[4];
-        p.outY = from[5];
-        p.tension = from[6];
+        for (const auto number : numbers)
+            points[i].*number = *from++;
     }
     return made;
 }

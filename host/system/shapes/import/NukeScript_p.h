@@ -91,6 +91,8 @@ using NukeChain = std::vector<const NukeTransform*>; // from the root on
 
 /// An attribute of a shape that is read, or is of no use here.
 bool IsKnownNukeAttribute(std::string_view name);
+/// Takes them over; what can't be had is noted.
+void SetNukeAttributes(ImportJob& job, const NukeShape& shape, bool isVisible, ImportedShape& out);
 
 /// Into a shape of ours; what can't be had is noted. Throws where the shape is not understood.
 void TakeNukeShape(ImportJob& job, const ImageFrame& image, const NukeShape& shape,

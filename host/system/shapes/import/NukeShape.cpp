@@ -73,67 +73,6 @@ bool HasFeather(const NukeShape& shape)
     return false;
 }
 
-std::optional<double> FirstValue(const NukeShape& shape, const char* name)
-{
-    const auto found = shape.attributes.find(name);
-    if (found == shape.attributes.end())
-        return std::nullopt;
-    const AnimatedNumber& number = found->second;
-    return number.Keys().empty() ? number.At(0.0) : number.Keys().front().value;
-}
-
-/// What is set beside the curve and has no like here.
-void NoteAttributes(ImportJob& job, const NukeShape& shape, const std::string& name)
-{
-    for (const char* feather : {"fx", "fy"}) {
-        const auto found = shape.attributes.find(feather);
-        if (found != shape.attributes.end() && !found->second.Is(0.0)) {
-            job.LeaveAside(shape.line, Quoted(name) + ": its even feather is not taken");
-            break;
-        }
-    }
-    for (const auto& [attribute, number] : shape.attributes) {
-        if (!IsKnownNukeAttribute(attribute))
-            job.LeaveAside(0, "the attribute " + Quoted(attribute) + " is not understood");
-    }
-    if (FirstValue(shape, "ltt").value_or(0.0) != 0.0)
-        job.LeaveAside(shape.line, Quoted(name) + ": its lifetime is not taken");
-    for (const char* attribute : {"vis", "inv", "bm"}) {
-        const auto found = shape.attributes.find(attribute);
-        if (found != shape.attributes.end() && found->second.IsAnimated())
-            job.LeaveAside(shape.line, Quoted(name) + ": of its attribute \"" + attribute +
-                                           "\" the first key is taken alone");
-    }
-}
-
-void SetAttributes(ImportJob& job, const NukeShape& shape, bool isVisible, ImportedShape& out)
-{
-    struct Blend {
-        int number;
-        const char* name;
-    };
-    constexpr Blend blends[] = {{0, "add"}, {4, "max"}, {12, "subtract"}, {13, "difference"}};
-    out.visible = isVisible && FirstValue(shape, "vis").value_or(1.0) != 0.0;
-    out.locked = (shape.flags & NF_Locked) != 0;
-    out.inverted = FirstValue(shape, "inv").value_or(0.0) != 0.0;
-    if (const std::optional<double> number = FirstValue(shape, "bm")) {
-        for (const Blend& blend : blends) {
-            if (blend.number == *number)
-                out.combine = blend.name;
-        }
-        if (out.combine.empty())
-            job.LeaveAside(shape.line, Quoted(out.name) + ": how it blends is not understood");
-    }
-    const auto opacity = shape.attributes.find("opc");
-    if (opacity != shape.attributes.end()) {
-        for (const AnimatedNumber::Key& key : opacity->second.Keys())
-            out.opacity.push_back({key.time, key.value, key.interpolation});
-        if (opacity->second.Keys().empty())
-            out.opacity.push_back({0.0, opacity->second.At(0.0)});
-    }
-    NoteAttributes(job, shape, out.name);
-}
-
 constexpr double sameInterpolation = 2e-5; // of the image's width
 constexpr double samplesOf[] = {0.21, 0.5, 0.79};
 constexpr double mostBakedPoints = 1e6;
@@ -374,13 +313,6 @@ ImportedShape NukeConverter::Convert()
 
 } // namespace
 
-bool IsKnownNukeAttribute(std::string_view name)
-{
-    constexpr std::string_view known[] = {"opc", "inv", "vis", "bm",  "fx", "fy",
-                                          "ltn", "ltm", "ltt", "spx", "spy"};
-    return std::find(std::begin(known), std::end(known), name) != std::end(known);
-}
-
 PlaneMap NukeTransform::At(double time) const
 {
     const auto pair = [&](const AnimatedNumber(&numbers)[2]) {
@@ -419,7 +351,7 @@ void TakeNukeShape(ImportJob& job, const ImageFrame& image, const NukeShape& sha
                    const NukeChain& layers, bool isVisible)
 {
     ImportedShape out = NukeConverter(job, image, shape, layers).Convert();
-    SetAttributes(job, shape, isVisible, out);
+    SetNukeAttributes(job, shape, isVisible, out);
     job.Take(std::move(out));
 }
 
