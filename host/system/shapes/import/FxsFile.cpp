@@ -35,6 +35,31 @@ bool IsTrue(const QString& text)
     return text.compare(QStringLiteral("true"), Qt::CaseInsensitive) == 0;
 }
 
+/// The last thing that is wrong within an element, kept until the reader stands behind that. What
+/// is wrong with the file as a whole is thrown at once.
+class Problem {
+public:
+    template <class Read>
+    void Of(Read read)
+    {
+        try {
+            read();
+        } catch (const ImportFailure& failure) {
+            if (failure.isFatal)
+                throw;
+            kept_ = failure;
+        }
+    }
+    void ThrowIfAny() const
+    {
+        if (kept_)
+            throw *kept_;
+    }
+
+private:
+    std::optional<ImportFailure> kept_;
+};
+
 /// Numbers in brackets: "(1,2)", "(1,2),(3,4)", "1". Brackets and commas only part them.
 std::vector<double> NumbersOf(const std::string& text, int line)
 {
@@ -190,7 +215,7 @@ void FxsReader::ReadProperty(FxsObject& object, int depth)
 /// Values and keys up to the end of the property, also behind one that is bad.
 void FxsReader::ReadValues(FxsProperty& property)
 {
-    std::optional<ImportFailure> problem;
+    Problem problem;
     while (NextChild()) {
         const bool isKey = xml_.name() == QLatin1String("Key");
         if (!isKey && xml_.name() != QLatin1String("Value")) {
@@ -207,22 +232,11 @@ void FxsReader::ReadValues(FxsProperty& property)
             key.interpolation = Interpolation::Step;
         else if (!interpolation.isEmpty() && interpolation != QLatin1String("linear"))
             key.interpolation = Interpolation::Smooth;
-        try {
-            key.frame = isKey ? Number(frame, key.line) : 0.0;
-        } catch (const ImportFailure& failure) {
-            problem = failure;
-        }
+        problem.Of([&] { key.frame = isKey ? Number(frame, key.line) : 0.0; });
         property.isAnimated = property.isAnimated || isKey;
-        try {
-            ReadKey(property, std::move(key));
-        } catch (const ImportFailure& failure) {
-            if (failure.isFatal)
-                throw;
-            problem = failure;
-        }
+        problem.Of([&] { ReadKey(property, std::move(key)); });
     }
-    if (problem)
-        throw *problem;
+    problem.ThrowIfAny();
     std::stable_sort(property.keys.begin(), property.keys.end(),
                      [](const FxsKey& a, const FxsKey& b) { return a.frame < b.frame; });
 }
@@ -230,27 +244,20 @@ void FxsReader::ReadValues(FxsProperty& property)
 /// Text, or a path, up to the end of the element.
 void FxsReader::ReadKey(FxsProperty& property, FxsKey key)
 {
-    std::optional<ImportFailure> problem;
+    Problem problem;
     QString text;
     while (!xml_.atEnd() && xml_.readNext() != QXmlStreamReader::EndElement) {
         if (xml_.isCharacters()) {
             text += xml_.text();
         } else if (xml_.isStartElement() && xml_.name() == QLatin1String("Path")) {
-            try {
-                ReadPath(key);
-            } catch (const ImportFailure& failure) {
-                if (failure.isFatal)
-                    throw;
-                problem = failure;
-            }
+            problem.Of([&] { ReadPath(key); });
         } else if (xml_.isStartElement()) {
             Skip();
         }
     }
     if (xml_.hasError())
         throw ImportFailure{Line(), xml_.errorString().toStdString(), true};
-    if (problem)
-        throw *problem;
+    problem.ThrowIfAny();
     key.text = text.trimmed().toStdString();
     const bool isNumbers =
         !key.text.empty() && !std::isalpha(static_cast<unsigned char>(key.text[0]));
@@ -263,22 +270,15 @@ void FxsReader::ReadPath(FxsKey& key)
 {
     key.isClosed = !Attribute("closed").isEmpty() ? IsTrue(Attribute("closed")) : true;
     key.pathType = Attribute("type").toStdString();
-    std::optional<ImportFailure> problem;
+    Problem problem;
     while (NextChild()) {
         if (xml_.name() != QLatin1String("Point")) {
             Skip();
             continue;
         }
-        try {
-            ReadPoint(key);
-        } catch (const ImportFailure& failure) {
-            if (failure.isFatal)
-                throw;
-            problem = failure;
-        }
+        problem.Of([&] { ReadPoint(key); });
     }
-    if (problem)
-        throw *problem;
+    problem.ThrowIfAny();
 }
 
 void FxsReader::ReadPoint(FxsKey& key)
