@@ -5,6 +5,7 @@
 #include "system/controls/Menu.h"
 #include "system/shapes/ShapeKeys.h"
 
+#include <cmath>
 #include <deque>
 
 #include <QStringList>
@@ -72,8 +73,8 @@ struct PolyRig : OverlayRig {
     std::string Place(int index, const char* id = "Polyline") const
     {
         const PolyPoint& point = *Shape(id)->GetPoint(index);
-        const MxPoint at = At(point.x, point.y);
-        return std::to_string(at.x) + ' ' + std::to_string(at.y);
+        return std::to_string(std::lround(100.0 + 400.0 * point.x)) + ' ' +
+               std::to_string(std::lround(50.0 + 200.0 * point.y));
     }
     QStringList UndoTexts() const
     {

@@ -2,6 +2,7 @@
 
 #include "system/viewer/OverlayPainter.h"
 
+#include <cmath>
 #include <functional>
 #include <limits>
 
@@ -32,13 +33,16 @@ private slots:
     void allKindsAreDrawn();
     void marksReachIntoTheView();
     void manyMarksLookLikeOneByOne();
+    void linesCoverNoPixelTwice();
+    void linesAlongAxesAreCrisp();
+    void dashesStayAsTheViewMoves();
     void nonsenseIsLeftOut();
     void stateStaysAsItWas();
 
 private:
     using Paint = std::function<void(OverlayPainter& painter)>;
-    /// With y downwards, transparent where nothing is drawn.
-    QImage Drawn(const Paint& paint, double unit = 1.0);
+    /// With y downwards, transparent where nothing is drawn, or else on white.
+    QImage Drawn(const Paint& paint, double unit = 1.0, bool onWhite = false);
     static void DrawSquare(OverlayPainter& painter, OverlayPoint at, double scale = 1.0)
     {
         const OverlayPainter::Mark mark(painter, at, scale);
@@ -71,9 +75,10 @@ void OverlayPainterTest::initTestCase()
     glMatrixMode(GL_MODELVIEW);
 }
 
-QImage OverlayPainterTest::Drawn(const Paint& paint, double unit)
+QImage OverlayPainterTest::Drawn(const Paint& paint, double unit, bool onWhite)
 {
-    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    const float ground = onWhite ? 1.0f : 0.0f;
+    glClearColor(ground, ground, ground, ground);
     glClear(GL_COLOR_BUFFER_BIT);
     PreviewInfo view;
     view.viewWidth = view.viewHeight = side;
@@ -81,7 +86,11 @@ QImage OverlayPainterTest::Drawn(const Paint& paint, double unit)
     painter.SetColor(gold);
     paint(painter);
     painter.Flush();
-    return target_->toImage().convertToFormat(QImage::Format_ARGB32);
+    const QImage image = target_->toImage();
+    if (onWhite) // where the alpha tells nothing
+        return QImage(image.constBits(), side, side, image.bytesPerLine(), QImage::Format_RGB32)
+            .copy();
+    return image.convertToFormat(QImage::Format_ARGB32);
 }
 
 void OverlayPainterTest::marksAreCrispWhereverTheyAre_data()
@@ -206,6 +215,79 @@ void OverlayPainterTest::manyMarksLookLikeOneByOne()
                      "rgba(255 255 255 255) lines at (2.5, 90) x 2: (-4, 0) (0, -3)\n"));
 }
 
+/// Where segments meet, at corners and all along curves, the picture shows through as elsewhere.
+void OverlayPainterTest::linesCoverNoPixelTwice()
+{
+    std::vector<OverlayPoint> circle;
+    for (int i = 0; i < 60; ++i)
+        circle.push_back({100 + 80 * std::cos(i * M_PI / 30), 100 + 80 * std::sin(i * M_PI / 30)});
+    std::vector<OverlayPoint> dense;
+    for (int i = 0; i < 120; ++i)
+        dense.push_back({60.0 + 0.7 * i, 100 + 12 * std::sin(i * 0.1)});
+    const std::vector<OverlayPoint> corners{{20, 20}, {90, 150}, {160, 20}};
+    for (const double unit : {1.0, 2.0}) {
+        for (const auto& [points, form] : {std::pair(circle, OverlayPainter::Shape::Loop),
+                                           std::pair(dense, OverlayPainter::Shape::Strip),
+                                           std::pair(corners, OverlayPainter::Shape::Loop)}) {
+            const QImage image = Drawn(
+                [&points = points, form = form](OverlayPainter& painter) {
+                    painter.SetColor(MxColor(255, 200, 100, 128));
+                    if (form == OverlayPainter::Shape::Loop)
+                        painter.Loop(points);
+                    else
+                        painter.Strip(points);
+                },
+                unit, true);
+            int cased = 0;
+            for (int y = 0; y < side; ++y) {
+                for (int x = 0; x < side; ++x) {
+                    // Half as dark as the casing of an opaque line.
+                    const int red = image.pixelColor(x, y).red();
+                    QVERIFY2(red >= 166, qPrintable(QString::number(red)));
+                    cased += red <= 170;
+                }
+            }
+            QVERIFY2(cased > 50, qPrintable(QString::number(cased)));
+        }
+    }
+}
+
+void OverlayPainterTest::linesAlongAxesAreCrisp()
+{
+    const QImage image = Drawn(
+        [](OverlayPainter& painter) {
+            painter.Loop({{20.3, 40.8}, {80.9, 40.8}, {80.9, 90.2}, {20.3, 90.2}});
+            painter.SetDashed(true);
+            painter.Strip({{20.5, 120.8}, {60.3, 120.8}, {60.3, 160}});
+        },
+        1.0, true);
+    for (const int x : {20, 50, 80}) {
+        QCOMPARE(At(image, x, 40), line);
+        QCOMPARE(At(image, x, 39), QColor(79, 79, 79));
+        QCOMPARE(At(image, x, 38), QColor(255, 255, 255));
+    }
+    QCOMPARE(At(image, 19, 39), QColor(79, 79, 79)); // round the corner
+    for (int i = 0; i < 40; ++i)
+        QCOMPARE(At(image, 20 + i, 120) == line, i % 8 < 4);
+}
+
+void OverlayPainterTest::dashesStayAsTheViewMoves()
+{
+    const auto dashes = [this](double from) {
+        return Drawn([from](OverlayPainter& painter) {
+            painter.SetDashed(true);
+            painter.Strip({{from, 50}, {150.5, 50}, {150.5, 5e6}});
+        });
+    };
+    const QImage near = dashes(-79.5);
+    QVERIFY(near == dashes(-79.5 - 8 * 5000)); // cut off far outside
+    QVERIFY(near != dashes(-79.5 - 8 * 5000 - 4));
+    int dots = 0;
+    for (int y = 60; y < side; ++y)
+        dots += At(near, 150, y) == line;
+    QVERIFY(dots >= 60 && dots <= 80); // half of it
+}
+
 void OverlayPainterTest::nonsenseIsLeftOut()
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -217,6 +299,10 @@ void OverlayPainterTest::nonsenseIsLeftOut()
             DrawSquare(painter, {50, 60}, wild);
             const OverlayPainter::Mark mark(painter, {100, 100}, 1.0);
             painter.Fill({{wild, wild}, {wild, wild}, {wild, wild}});
+        }
+        for (const double wild : {nan, huge, 1e300}) {
+            painter.Strip({{wild, wild}, {-wild, wild}, {wild, 1e5}});
+            painter.Loop({{nan, 50}, {50, wild}, {wild, nan}});
         }
     });
     QImage nothing(image.size(), image.format());

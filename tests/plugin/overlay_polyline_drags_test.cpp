@@ -222,15 +222,24 @@ void OverlayPolylineDragsTest::ShapeBoxScalesAndTurns()
     rig.SetMode(ModifyOnly);
     rig.Key(Qt::Key_B);
     QCOMPARE(rig.UndoTexts(), QStringList("Show Shape Box"));
-    rig.Drag({{400, 150}, {500, 150}}); // the right side
+    rig.Drag({{410, 150}, {510, 150}}); // the right side, which is 10 pixels beside the points
     QCOMPARE(rig.Place(2), std::string("500 200"));
     QCOMPARE(rig.Place(0), std::string("200 100"));
     QCOMPARE(rig.UndoText(), QString("Shape PolyLine"));
     rig.Drag({{300, 160}, {310, 150}}); // its inside
     QCOMPARE(rig.Place(0), std::string("210 90"));
     QCOMPARE(rig.UndoText(), QString("Dragging Shaping Box"));
-    rig.Drag({{210, 90}, {200, 90}}); // a corner, but the point there wins
+    rig.Drag({{210, 90}, {200, 90}}); // inside, but the point there wins
     QCOMPARE(rig.UndoText(), QString("Move Point"));
+    rig.Click({550, 280}); // all of them again
+    rig.SetSquare();
+    rig.Drag({{190, 210}, {90, 260}}, KeyControl); // the top left corner, about the middle
+    QCOMPARE(rig.Place(3), std::string("100 250"));
+    QCOMPARE(rig.Place(1), std::string("500 50"));
+    rig.SetSquare();
+    rig.Drag({{300, 232}, {382, 150}}); // the knob, a quarter clockwise
+    QCOMPARE(rig.Place(0), std::string("250 250"));
+    QCOMPARE(rig.Place(1), std::string("250 50"));
 }
 
 void OverlayPolylineDragsTest::CancelledAndLostDrags()

@@ -22,10 +22,11 @@ double Dot(OverlayPoint a, OverlayPoint b)
     return a.x * b.x + a.y * b.y;
 }
 
-/// How much of a pixel in this distance a line of this width covers.
-double CoverageAt(double distance, double width)
+/// How much of a pixel in this distance a line of this width covers. What is within `step` of all
+/// or nothing is that: where pixels lie between samples so far apart, either will do.
+double CoverageAt(double distance, double width, double step)
 {
-    return std::clamp(width / 2.0 + 0.5 - distance, 0.0, 1.0);
+    return std::clamp((width / 2.0 + 0.5 - distance - step) / (1.0 - 2.0 * step), 0.0, 1.0);
 }
 
 /// The part of a segment from 0 to 1 within [low, high] of one axis; false: nothing.
@@ -167,7 +168,10 @@ void LineBands::AddNear(std::span<const OverlayPoint> points, bool closed, doubl
         const OverlayPoint out = hasNext ? direction(i, after) : in;
         const bool isCorner = closed || (i > 0 && i < segments);
         if (isCorner && Dot(in, out) >= sharpest) {
-            AddPair(run, at, Mitre(in, out, std::min(before, after)), along);
+            const OverlayPoint mitre = Mitre(in, out, std::min(before, after));
+            AddPair(run, at, mitre, along, Dot(mitre, in));
+            if (style.dashed) // dashes stand across their own segment
+                AddPair(run, at, mitre, along, Dot(mitre, out));
         } else {
             if (i > 0)
                 AddEnd(run, at, in, 0.5 * unit_, along);
@@ -197,17 +201,22 @@ void LineBands::AddEnd(Run& run, OverlayPoint at, OverlayPoint direction, double
                        double along)
 {
     AddPair(run, {at.x + direction.x * further, at.y + direction.y * further},
-            {-direction.y * HalfWidth(), direction.x * HalfWidth()}, along + further);
+            {-direction.y * HalfWidth(), direction.x * HalfWidth()}, along + further, 0.0);
 }
 
-/// Both edges of the band at a place.
-void LineBands::AddPair(Run& run, OverlayPoint at, OverlayPoint toLeft, double along)
+/// Both edges of the band at a place; `skew` is how much further along the left one is.
+void LineBands::AddPair(Run& run, OverlayPoint at, OverlayPoint toLeft, double along, double skew)
 {
-    const auto t = float(along / (dashPeriod * unit_));
-    const Vertex left{
-        float(at.x + toLeft.x), float(at.y + toLeft.y), 0.0f, t, run.color, run.casing};
-    const Vertex right{
-        float(at.x - toLeft.x), float(at.y - toLeft.y), 1.0f, t, run.color, run.casing};
+    const auto vertex = [&](double side) {
+        const double t = (along + skew * side) / (dashPeriod * unit_);
+        return Vertex{float(at.x + toLeft.x * side),
+                      float(at.y + toLeft.y * side),
+                      float((1.0 - side) / 2.0),
+                      float(t),
+                      run.color,
+                      run.casing};
+    };
+    const Vertex left = vertex(1.0);
     std::vector<Vertex>& to = run.vertices;
     if (run.isNew && !to.empty()) { // over triangles that have no area
         to.push_back(to.back());
@@ -215,7 +224,7 @@ void LineBands::AddPair(Run& run, OverlayPoint at, OverlayPoint toLeft, double a
     }
     run.isNew = false;
     to.push_back(left);
-    to.push_back(right);
+    to.push_back(vertex(-1.0));
 }
 
 // Drawing -----------------------------------------------------------------------------------------
@@ -234,14 +243,17 @@ void LineBands::LoadProfile(bool dashed, bool isCasing) const
     const double dash = (isCasing ? 6.0 : 4.0) * unit_;
     const double period = dashPeriod * unit_;
     const double middle = (4.0 * unit_ - int(unit_) % 2) / 2.0; // of the dash: on whole pixels
+    const double stepAcross = 2.0 * HalfWidth() / profileAcross;
+    const double stepAlong = period / profileAlong;
     std::vector<u8> samples;
     for (int row = 0; row < rows; ++row) {
         double away = std::abs((row + 0.5) / rows * period - middle);
         away = std::min(away, period - away);
-        const double along = dashed ? CoverageAt(away, dash) : 1.0;
+        const double along = dashed ? CoverageAt(away, dash, stepAlong) : 1.0;
         for (int i = 0; i < profileAcross; ++i) {
             const double distance = std::abs(2.0 * (i + 0.5) / profileAcross - 1.0) * HalfWidth();
-            samples.push_back(u8(std::lround(255.0 * along * CoverageAt(distance, width))));
+            samples.push_back(
+                u8(std::lround(255.0 * along * CoverageAt(distance, width, stepAcross))));
         }
     }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);

@@ -51,7 +51,7 @@ private:
     void AddCut(std::span<const OverlayPoint> points, const Style& style);
     OverlayPoint Mitre(OverlayPoint in, OverlayPoint out, double shorter) const;
     void AddEnd(Run& run, OverlayPoint at, OverlayPoint direction, double further, double along);
-    void AddPair(Run& run, OverlayPoint at, OverlayPoint toLeft, double along);
+    void AddPair(Run& run, OverlayPoint at, OverlayPoint toLeft, double along, double skew);
     void Draw(bool isCasing) const;
     void LoadProfile(bool dashed, bool isCasing) const;
 
