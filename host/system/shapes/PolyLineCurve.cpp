@@ -119,8 +119,7 @@ bool PolyLine::GetPointOnPath(double fraction, double heightsPerWidth, ShapePlac
     const auto length = [heightsPerWidth](ShapePlace by) {
         return std::hypot(by.x, by.y * heightsPerWidth);
     };
-    std::vector<double> parameters;
-    const std::vector<ShapePlace> places = GetSamplePoints(1e-5, &parameters);
+    const std::vector<ShapePlace> places = GetSamplePoints(1e-5);
     std::vector<double> reached(places.size());
     for (std::size_t i = 1; i < places.size(); ++i)
         reached[i] = reached[i - 1] + length(places[i] - places[i - 1]);
@@ -132,9 +131,10 @@ bool PolyLine::GetPointOnPath(double fraction, double heightsPerWidth, ShapePlac
     const std::size_t i = std::min(std::size_t(found - reached.begin()), reached.size() - 1);
     const double step = reached[i] - reached[i - 1];
     const double part = step > 0.0 ? (wanted - reached[i - 1]) / step : 0.0;
-    at = ValueAt(std::lerp(parameters[i - 1], parameters[i], part));
+    // Along the line between the samples: equal steps of the parameter are not equal ways.
+    const ShapePlace along = places[i] - places[i - 1];
+    at = {places[i - 1].x + along.x * part, places[i - 1].y + along.y * part};
     if (direction) {
-        const ShapePlace along = places[i] - places[i - 1];
         const double size = length(along);
         *direction = {along.x / size, along.y / size};
     }
