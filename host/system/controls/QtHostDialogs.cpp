@@ -164,6 +164,7 @@ void QtHostDialogs::Message(Kind kind, const QString& text, const QString& detai
 {
     MessageBox box(QApplication::activeWindow(), "message", iconOf(kind), text, details);
     box.setStandardButtons(QMessageBox::Ok);
+    box.setDefaultButton(QMessageBox::Ok);
     box.exec();
 }
 

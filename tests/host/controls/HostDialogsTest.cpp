@@ -70,6 +70,7 @@ private slots:
     void Names();
     void AnotherServiceAnswers();
     void Questions();
+    void LongDetailsAreFolded();
     void TextsAndNumbers();
     void FilesAreSavedWithTheirExtension();
     void FoldersAreKept();
@@ -146,6 +147,27 @@ void HostDialogsTest::Questions()
     QVERIFY(ask(QMessageBox::No, true) == HostDialogs::Answer::No);
     QVERIFY(ask(QMessageBox::NoButton, true) == HostDialogs::Answer::Cancel);
     QVERIFY(ask(QMessageBox::NoButton, false) == HostDialogs::Answer::No);
+}
+
+void HostDialogsTest::LongDetailsAreFolded()
+{
+    const auto tell = [](const QString& details) {
+        QString shown;
+        QString all;
+        answerNext<QMessageBox>([&](QMessageBox& box) {
+            shown = box.informativeText();
+            all = box.detailedText();
+            box.reject(); // as Escape does
+        });
+        HostDialogs::Get().Message(HostDialogs::Kind::Information, "Read.", details);
+        return QStringList({shown, all});
+    };
+    QCOMPARE(tell("one\ntwo"), QStringList({"one\ntwo", ""}));
+    const QString many = QString("a line\n").repeated(99) + "the last";
+    const QStringList told = tell(many);
+    QVERIFY(told[0].count('\n') < 20);
+    QVERIFY(told[0].endsWith("…"));
+    QCOMPARE(told[1], many);
 }
 
 void HostDialogsTest::TextsAndNumbers()
