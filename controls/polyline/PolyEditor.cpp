@@ -286,19 +286,4 @@ Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement
     return placed;
 }
 
-// Undo --------------------------------------------------------------------------------------------
-
-PolyNest::PolyNest(PolyLineControl& control, const char* text)
-    : control_(Ref<PolyLineControl>::Share(&control)), document_(control.GetDoc())
-{
-    if (document_)
-        nest_ = document_->StartUndoNest(text);
-}
-
-PolyNest::~PolyNest()
-{
-    if (document_)
-        document_->EndUndoNest(nest_);
-}
-
 } // namespace Marlox

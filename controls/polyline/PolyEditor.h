@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/polyline/PolyHit.h"
 #include "controls/polyline/PolySettings.h"
 #include "controls/polyline/PolyView.h"
 #include "system/shapes/PolyLine.h"
@@ -14,41 +15,9 @@
 #include <memory>
 #include <optional>
 
-#include <QPointer>
-
 namespace Marlox {
 
 class PolyLineControl;
-
-/// The polygons of a shape: the main one, which is the inner one of a double polygon, and the outer
-/// one.
-enum Polygon : int { InnerPolygon = 0, OuterPolygon = 1, PolygonCount = 2 };
-
-constexpr int OtherPolygon(int polygon)
-{
-    return 1 - polygon;
-}
-
-/// As tips and menus name it.
-constexpr const char* NameOfPolygon(int polygon)
-{
-    return polygon == OuterPolygon ? "Outer" : "Inner";
-}
-
-/// What lies under the cursor.
-struct PolyHit {
-    enum Kind { Nothing, Point, InHandle, OutHandle, Curve };
-    Kind kind = Nothing;
-    int polygon = InnerPolygon;
-    int index = -1;   // of the point; of the segment
-    double t = 0.0;   // how far along the segment
-    ShapePlace place; // on the curve, the shape's coordinates
-
-    bool Any() const { return kind != Nothing; }
-    bool IsPoint() const { return kind == Point; }
-    bool IsHandle() const { return kind == InHandle || kind == OutHandle; }
-    friend bool operator==(const PolyHit&, const PolyHit&) = default;
-};
 
 /// What a polyline overlay edits: the shapes of its inputs as they are at the current time, which
 /// polygon is the active one, which points are selected, and the ways to change them. Every change
@@ -172,19 +141,5 @@ private:
 bool HasHandles(const PolyLine& shape);
 /// A shape whose coordinates are those of the image.
 Ref<PolyLine> PlacedShape(const PolyLine& shape, const ShapePlacement& placement);
-
-/// One undo entry of the control for the length of a scope, unless a gesture has one open.
-class PolyNest {
-public:
-    PolyNest(PolyLineControl& control, const char* text);
-    ~PolyNest();
-    PolyNest(const PolyNest&) = delete;
-    PolyNest& operator=(const PolyNest&) = delete;
-
-private:
-    Ref<PolyLineControl> control_; // an edit may remove the overlay
-    QPointer<MarloxDoc> document_;
-    int nest_ = 0;
-};
 
 } // namespace Marlox

@@ -2,6 +2,7 @@
 
 #include "controls/polyline/PolyEditor.h"
 #include "controls/polyline/PolyGesture.h"
+#include "controls/polyline/PolyNest.h"
 #include "framework/SecondInput.h"
 
 #include <array>

@@ -44,6 +44,18 @@ equal(widget("overlaytoolbar.Follow Inner"):property("toolTip"),
 assert(not widget("overlaytoolbar.Follow Inner"):property("checked"), "unlit without an outer polygon")
 equal(widget("overlaytoolbar.Smooth"):property("toolTip"), "Smooth (Shift+S)", "a tip alone")
 
+-- A line stands between groups.
+window():size(2560, 700)
+wait(0.2)
+local function gap(left, right)
+    local from, to = widget("overlaytoolbar." .. left):geometry(), widget("overlaytoolbar." .. right):geometry()
+    return to.x - from.x - from.width
+end
+local side = gap("Smooth", "Linear")
+for _, pair in ipairs({{"Follow Inner", "Multiframe"}, {"Multiframe", "Onion Skin"}, {"Onion Skin", "Roto Assist"}}) do
+    assert(gap(pair[1], pair[2]) > side + 4, "a line in front of " .. pair[2])
+end
+
 -- All is in reach, however narrow: what does not fit goes behind an arrow.
 local more = toolbar:find("qt_toolbar_ext_button")
 for _, width in ipairs({900, 1440, 2560}) do
