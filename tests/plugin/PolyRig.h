@@ -141,7 +141,11 @@ struct AnsweringDialogs : HostDialogs {
         const auto path = Take();
         return path ? WithDefaultExtension(*path, request.defaultExtension) : QString();
     }
-    std::optional<MxColor> ChooseColor(const ColorRequest&) override { return {}; }
+    std::optional<MxColor> ChooseColor(const ColorRequest& request) override
+    {
+        said << request.title + '=' + request.preset.ToQColor().name();
+        return color;
+    }
 
     std::optional<QString> Take()
     {
@@ -155,6 +159,7 @@ struct AnsweringDialogs : HostDialogs {
     HostDialogs* before;
     std::deque<QString> texts; // to be answered; with none left, cancelled
     Answer answer = Answer::No;
+    std::optional<MxColor> color{}; // none: cancelled
     QStringList said;
 };
 

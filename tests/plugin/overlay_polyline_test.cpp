@@ -43,6 +43,7 @@ private slots:
     void LockedToolsTakeNothing();
     void TipsNamePolygons();
     void RotoSettingsAreAsked();
+    void ColorsBeginWithWhatShows();
     void StateComesBack();
     void PlacedByItsTool();
     void WhatIsSetOutlivesTheSelection();
@@ -228,6 +229,26 @@ void OverlayPolylineTest::RotoSettingsAreAsked()
     }
     rig.document->Undo().Undo();
     QVERIFY(RunEntry(rig, "Distance 12…")); // undo brought it back
+}
+
+void OverlayPolylineTest::ColorsBeginWithWhatShows()
+{
+    PolyRig rig;
+    rig.SetSquare();
+    AnsweringDialogs dialogs;
+    rig.View().colors[std::size_t(OverlayColor::Normal)] = MxColor(16, 32, 48);
+    for (const char* entry :
+         {"Custom Spline Color…", "Custom Key Point Color…", "Custom Handle Color…"}) {
+        const QString title = QString::fromUtf8(entry).remove(u'…');
+        dialogs.said.clear();
+        dialogs.color = MxColor(0, 0, 0); // also a colour
+        QVERIFY(RunEntry(rig, QString::fromUtf8(entry)));
+        dialogs.color.reset();
+        QVERIFY(RunEntry(rig, QString::fromUtf8(entry)));
+        QCOMPARE(dialogs.said, QStringList({title + "=#102030", title + "=#000000"}));
+    }
+    QVERIFY(RunEntry(rig, "Set prev skin color"));
+    QVERIFY(dialogs.said.last() != "Set prev skin color=#102030"); // has a tint of its own
 }
 
 void OverlayPolylineTest::StateComesBack()
