@@ -16,3 +16,5 @@ foreach(source ${overlay_tests})
     marlox_test(${name} SOURCES ${source} LIBS overlay_rig marloxscript)
     add_dependencies(${name} marloxcontrols)
 endforeach()
+target_sources(overlay_polyline_soak_test PRIVATE ${CMAKE_CURRENT_LIST_DIR}/PolySoakHand.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/PolySoakHand.h)
