@@ -33,6 +33,7 @@ private slots:
     void allKindsAreDrawn();
     void marksReachIntoTheView();
     void manyMarksLookLikeOneByOne();
+    void crowdedMarksLookLikeOneByOne();
     void linesCoverNoPixelTwice();
     void linesAlongAxesAreCrisp();
     void dashesStayAsTheViewMoves();
@@ -213,6 +214,47 @@ void OverlayPainterTest::manyMarksLookLikeOneByOne()
     QCOMPARE(QString::fromStdString(recorder.Text()),
              QString("rgba(255 255 255 255) lines at (0, 50) x 2: (-4, 0) (0, -3)\n"
                      "rgba(255 255 255 255) lines at (2.5, 90) x 2: (-4, 0) (0, -3)\n"));
+}
+
+/// Put into one picture first; across the view's edges too.
+void OverlayPainterTest::crowdedMarksLookLikeOneByOne()
+{
+    constexpr OverlayPoint square[] = {{-3, -3}, {3, -3}, {3, 3}, {-3, 3}};
+    std::vector<OverlayPoint> places;
+    for (int i = 0; i < 600; ++i)
+        places.push_back({-6.0 + i * 0.36, 100 + 90 * std::sin(i * 0.02)});
+    const auto drawn = [&](bool alone) {
+        return Drawn(
+            [&](OverlayPainter& painter) {
+                painter.SetColor(MxColor(255, 200, 100, 200));
+                for (std::size_t i = 0; alone && i < places.size(); ++i) {
+                    const MxPoint at{int(std::floor(places[i].x)), int(std::floor(places[i].y))};
+                    const OverlayPoint before = places[i > 0 ? i - 1 : places.size() - 1];
+                    if (at == MxPoint{int(std::floor(before.x)), int(std::floor(before.y))})
+                        continue; // left out right on its like
+                    painter.Marks(OverlayPainter::Shape::Loop, square,
+                                  std::span(places).subspan(i, 1), 1.0);
+                    painter.Flush();
+                }
+                if (!alone)
+                    painter.Marks(OverlayPainter::Shape::Loop, square, places, 1.0);
+            },
+            1.0, true);
+    };
+    const QImage crowd = drawn(false);
+    const QImage single = drawn(true);
+    int marked = 0;
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const QColor a = crowd.pixelColor(x, y);
+            const QColor b = single.pixelColor(x, y);
+            marked += a != QColor(Qt::white);
+            // Each of many layers may be rounded by one.
+            QVERIFY2(std::abs(a.red() - b.red()) < 8 && std::abs(a.blue() - b.blue()) < 8,
+                     qPrintable(QString("%1 %2").arg(a.name(), b.name())));
+        }
+    }
+    QVERIFY(marked > 4000);
 }
 
 /// Where segments meet, at corners and all along curves, the picture shows through as elsewhere.

@@ -78,16 +78,6 @@ MxColor Over(const MxColor& above, double coverage, const MxColor& below, double
                                 mix(above.Blue(), below.Blue()), a + b);
 }
 
-/// Into the texture that is bound; its pixels are drawn as they are.
-void LoadTexture(const std::vector<MxColor>& pixels, MxPoint size)
-{
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, size.x, size.y, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                 pixels.data());
-}
-
 /// The side of the largest point sprite. They, and textures of any size, came with OpenGL 2.
 int LargestSprite()
 {
@@ -251,6 +241,10 @@ void MarkStamps::Draw()
     std::vector<Copy> beyond; // of a run of sprites, those whose middles are outside the view
     for (std::size_t i = 0; i < copies_.size();) {
         Run run = NextRun(i, true);
+        if (run.size() >= fewest && DrawSheet(run)) {
+            i += run.size();
+            continue;
+        }
         const bool areSprites = run.size() >= fewest;
         if (areSprites)
             DrawSprites(run, beyond);

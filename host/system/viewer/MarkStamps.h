@@ -10,7 +10,8 @@ namespace Marlox {
 /// Small shapes of marks, with their casings, drawn from pictures of them: many marks show the same
 /// few shapes, and a copy costs a fraction of the lines it replaces. Made anew for each picture of
 /// the view; positions are view pixels. Many copies of one shape in a row are point sprites, where
-/// OpenGL has them, and a copy right on its like is left out.
+/// OpenGL has them, and where these lie close together they are put into one picture first. A copy
+/// right on its like is left out.
 class MarkStamps {
 public:
     struct Shape {
@@ -59,6 +60,10 @@ private:
     static int SideOf(const Kind& kind);
     void DrawQuads(Run run, MxPoint row) const;
     void DrawSprites(Run run, std::vector<Copy>& beyond);
+    bool DrawSheet(Run run);
+    void FillSheet(Run run, MxPoint low, MxPoint size);
+    void DrawTiles(MxPoint low, MxPoint size) const;
+    static void LoadTexture(const std::vector<MxColor>& pixels, MxPoint size);
     MxColor ColorAt(const Kind& kind, int x, int y) const;
     MxPoint LoadPictures() const;
 
@@ -67,6 +72,8 @@ private:
     std::vector<Kind> kinds_;
     std::vector<Copy> copies_;
     MxPoint view_;                     // its size, while copies are drawn
+    std::vector<MxColor> sheet_;       // many copies in one picture
+    std::vector<u8> tiles_;            // its parts: whether there are any
     int largestSprite_ = 0;            // 0: there are none
     std::vector<OverlayPoint> points_; // of the shape that is being added, in pixels
     int columns_ = 0;                  // of the row, used so far
