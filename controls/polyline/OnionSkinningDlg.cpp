@@ -131,45 +131,55 @@ void OnionSkinningDlg::ShowStepUse()
 
 void OnionSkinningDlg::OnChangeEditSkinCount()
 {
-    if (HoldsNumber(*count_))
-        settings_.count = unsigned(count_->GetValue());
+    if (!HoldsNumber(*count_))
+        return;
+    settings_.count = unsigned(count_->GetValue());
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnChangeEditSkinStep()
 {
-    if (HoldsNumber(*step_))
-        settings_.step = float(step_->GetValue());
+    if (!HoldsNumber(*step_))
+        return;
+    settings_.step = float(step_->GetValue());
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnRadioButton(int id)
 {
     settings_.SetRange(OnionSkinSettings::Range(id));
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnClickKeySkin()
 {
     settings_.Set(OnionSkinSettings::KeySkin, keySkin_->isChecked());
     ShowStepUse();
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnClickOnionAnchor()
 {
     settings_.anchor = anchor_->isChecked();
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnClickPointPlot()
 {
     settings_.Set(OnionSkinSettings::PointPlot, pointPlot_->isChecked());
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnClickShowHull()
 {
     settings_.Set(OnionSkinSettings::ShowHull, showHull_->isChecked());
+    emit Changed();
 }
 
 void OnionSkinningDlg::OnClickSetCurrentTime()
 {
     settings_.clickSetsTime = setTime_->isChecked();
+    emit Changed();
 }
 
 void OnionSkinningDlg::accept()

@@ -11,8 +11,9 @@ namespace Marlox {
 class CustomCheckBox;
 class TimeCodeEdit;
 
-/// Asks for the settings of onion skins. What was set is asked for when exec says Accepted; the
-/// dialog changes nothing itself. Without a parent it stands over the active window.
+/// Asks for the settings of onion skins. What was set is asked for when exec says Accepted, or to
+/// show it meanwhile; the dialog changes nothing itself. Without a parent it stands over the active
+/// window.
 class OnionSkinningDlg final : public MxDialog {
     Q_OBJECT
 public:
@@ -21,6 +22,9 @@ public:
                      QWidget* parent = nullptr);
 
     const OnionSkinSettings& Settings() const { return settings_; }
+
+signals:
+    void Changed();
 
 public slots:
     void OnChangeEditSkinCount();

@@ -20,25 +20,34 @@ MxColor UsualColor(const PolyLineControl& control)
                           : PreviewInfo().Color(OverlayColor::Normal);
 }
 
-/// Begins with the colour that shows now.
-std::optional<u32> AskColor(const char* title, u32 chosenBefore, const MxColor& usual)
+u32 Chosen(const MxColor& color)
 {
+    return chosenColor | u32(color.red) << 16 | u32(color.green) << 8 | u32(color.blue);
+}
+
+/// Begins with the colour that shows now; what is looked at meanwhile is taken back.
+template <u32 PolySettings::*member>
+std::optional<u32> AskColor(PolyLineControl& control, const char* title, const MxColor& usual)
+{
+    const u32 before = control.Settings().*member;
     HostDialogs::ColorRequest request;
     request.title = QString::fromLatin1(title);
-    const MxColor before(int(chosenBefore >> 16 & 0xff), int(chosenBefore >> 8 & 0xff),
-                         int(chosenBefore & 0xff));
-    request.preset = chosenBefore ? before : MxColor(usual.red, usual.green, usual.blue);
+    request.preset =
+        before ? MxColor(int(before >> 16 & 0xff), int(before >> 8 & 0xff), int(before & 0xff))
+               : MxColor(usual.red, usual.green, usual.blue);
+    request.preview = [&](const MxColor& color) {
+        control.ChangeSettings().*member = Chosen(color);
+    };
     const std::optional<MxColor> color = HostDialogs::Get().ChooseColor(request);
-    if (!color)
-        return {};
-    return chosenColor | u32(color->red) << 16 | u32(color->green) << 8 | u32(color->blue);
+    control.ChangeSettings().*member = before;
+    return color ? std::optional(Chosen(*color)) : std::nullopt;
 }
 
 template <u32 PolySettings::*member>
 void ChooseColor(PolyLineControl& control, const char* title, const MxColor& usual)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen = AskColor(title, control.Settings().*member, usual))
+    if (const auto chosen = AskColor<member>(control, title, usual))
         control.ChangeSettings().*member = *chosen;
 }
 
@@ -71,8 +80,8 @@ void ChooseKeyPointColor(PolyLineControl& control)
 void ChooseHandleColor(PolyLineControl& control)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
-    if (const auto chosen =
-            AskColor("Custom Handle Color", control.Settings().handleColor, UsualColor(control)))
+    if (const auto chosen = AskColor<&PolySettings::handleColor>(control, "Custom Handle Color",
+                                                                 UsualColor(control)))
         control.SetAttr(PLC_HandleColor, *chosen);
 }
 
@@ -95,12 +104,14 @@ void EditOnionSettings(PolyLineControl& control)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
     const MarloxDoc* document = control.GetDoc();
-    OnionSkinningDlg dialog(control.Settings().onion, document ? document->FrameRate() : 24.0);
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    PolySettings& settings = control.ChangeSettings();
-    settings.onion = dialog.Settings();
-    settings.onion.ToPreferences();
+    const OnionSkinSettings before = control.Settings().onion;
+    OnionSkinningDlg dialog(before, document ? document->FrameRate() : 24.0);
+    QObject::connect(&dialog, &OnionSkinningDlg::Changed, &dialog,
+                     [&] { control.ChangeSettings().onion = dialog.Settings(); });
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    control.ChangeSettings().onion = accepted ? dialog.Settings() : before;
+    if (accepted)
+        dialog.Settings().ToPreferences();
 }
 
 void ResetOnionAnchor(PolyLineControl& control)

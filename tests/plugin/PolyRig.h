@@ -144,6 +144,8 @@ struct AnsweringDialogs : HostDialogs {
     std::optional<MxColor> ChooseColor(const ColorRequest& request) override
     {
         said << request.title + '=' + request.preset.ToQColor().name();
+        if (request.preview)
+            request.preview({255, 0, 0}); // looked at
         return color;
     }
 

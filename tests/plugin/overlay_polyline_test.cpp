@@ -6,7 +6,11 @@
 
 #include <cstring>
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
 #include <QFile>
+#include <QTimer>
 #include <QtTest>
 
 using namespace Marlox;
@@ -44,6 +48,7 @@ private slots:
     void TipsNamePolygons();
     void RotoSettingsAreAsked();
     void ColorsBeginWithWhatShows();
+    void OnionSettingsShowMeanwhile();
     void StateComesBack();
     void PlacedByItsTool();
     void WhatIsSetOutlivesTheSelection();
@@ -241,14 +246,44 @@ void OverlayPolylineTest::ColorsBeginWithWhatShows()
          {"Custom Spline Color…", "Custom Key Point Color…", "Custom Handle Color…"}) {
         const QString title = QString::fromUtf8(entry).remove(u'…');
         dialogs.said.clear();
-        dialogs.color = MxColor(0, 0, 0); // also a colour
+        QVERIFY(RunEntry(rig, QString::fromUtf8(entry))); // cancelled
+        dialogs.color = MxColor(0, 0, 0);                 // also a colour
         QVERIFY(RunEntry(rig, QString::fromUtf8(entry)));
         dialogs.color.reset();
         QVERIFY(RunEntry(rig, QString::fromUtf8(entry)));
-        QCOMPARE(dialogs.said, QStringList({title + "=#102030", title + "=#000000"}));
+        QCOMPARE(dialogs.said,
+                 QStringList({title + "=#102030", title + "=#102030", title + "=#000000"}));
     }
     QVERIFY(RunEntry(rig, "Set prev skin color"));
     QVERIFY(dialogs.said.last() != "Set prev skin color=#102030"); // has a tint of its own
+}
+
+void OverlayPolylineTest::OnionSettingsShowMeanwhile()
+{
+    PolyRig rig("Polyline", true);
+    rig.SetSquare();
+    for (const double time : {0.0, 20.0})
+        rig.InputOf("Polyline").AddKey(time);
+    rig.document->SetCurrentTime(10.0);
+    QVERIFY(RunEntry(rig, "Onion skin"));
+    const std::string before = rig.Drawn();
+    const auto run = [&rig](bool accept) {
+        std::string meanwhile;
+        QTimer::singleShot(0, [&] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            dialog->findChild<QAbstractButton*>("m_RadioSkinPrev")->click();
+            meanwhile = rig.Drawn();
+            accept ? dialog->accept() : dialog->reject();
+        });
+        RunEntry(rig, "Onion skin settings…");
+        return meanwhile;
+    };
+    const std::string fewer = run(false);
+    QVERIFY(fewer.size() < before.size());
+    QCOMPARE(rig.Drawn(), before);
+    run(true);
+    QCOMPARE(rig.Drawn(), fewer);
 }
 
 void OverlayPolylineTest::StateComesBack()
