@@ -354,15 +354,16 @@ void DrawReached(const PolyLineControl& control, OverlayPainter& painter, const 
         !shape->GetPointOnPath(input->GetNumber(control.CurrentTime()), view.HeightsPerWidth(),
                                place, &ahead))
         return;
-    const OverlayPoint at[] = {view.ToView(place)};
+    const OverlayPoint at = view.ToView(place);
     const OverlayPoint further = view.ToView(place + ahead);
-    const double angle = std::atan2(further.y - at[0].y, further.x - at[0].x);
+    const double angle = std::atan2(further.y - at.y, further.x - at.x);
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
     std::array<OverlayPoint, 3> turned = arrow;
     for (OverlayPoint& point : turned)
-        point = {point.x * std::cos(angle) - point.y * std::sin(angle),
-                 point.x * std::sin(angle) + point.y * std::cos(angle)};
+        point = {point.x * cosine - point.y * sine, point.x * sine + point.y * cosine};
     painter.SetColor(OverlayColor::PathKey);
-    painter.Marks(OverlayPainter::Shape::Fill, turned, at, view.Info().controlScale);
+    painter.Marks(OverlayPainter::Shape::Fill, turned, {&at, 1}, view.Info().controlScale);
 }
 
 } // namespace

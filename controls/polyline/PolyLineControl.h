@@ -34,10 +34,10 @@ class PolyPointDlg;
 ///   TrackerSize, TrackerSearchSize
 ///                          sides of patterns and search areas, image widths, read and written
 ///   InPolyLine2            the outer polygon
-///   Displacement           how far along the shape its point is: motion files go by it
-///   CurrentTimePoint, AngleX, AngleY, AngleZ, CenterZ
-///                          without effect: where hosts show such a point, and a placement in
-///                          space, which a flat view has not
+///   Displacement           how far along the shape its point is: marked there, and motion files
+///                          go by it; CurrentTimePoint, another such number, is marked instead
+///   AngleX, AngleY, AngleZ, CenterZ
+///                          without effect: a placement in space, which a flat view has not
 ///
 /// Positions are normalised image coordinates. Every edit is one undo entry with a fixed text. A
 /// locked tool takes none, silently, and nothing that is stored with it; its actions tell why.
