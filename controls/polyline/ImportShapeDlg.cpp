@@ -18,7 +18,7 @@ const ResData layoutResource("Dialogs.ImportShape.Layout");
 
 ImportShapeDlg::ImportShapeDlg(int shapeCount, const QStringList& names, QWidget* parent)
     : MxDialog(parent ? parent : QApplication::activeWindow()), shape_(new QComboBox(this)),
-      all_(new CustomCheckBox(this))
+      name_(new QLabel(this)), all_(new CustomCheckBox(this))
 {
     setObjectName("ImportShapeDlg");
     setWindowTitle(tr("Import Shapes"));
@@ -27,6 +27,9 @@ ImportShapeDlg::ImportShapeDlg(int shapeCount, const QStringList& names, QWidget
     label->setBuddy(shape_);
     shape_->setObjectName("m_ImportIndexCombo");
     shape_->setAccessibleName(label->text().remove(u':'));
+    name_->setObjectName("m_ImportNameLabel");
+    name_->setTextFormat(Qt::PlainText);
+    name_->setVisible(!names.isEmpty());
     all_->setObjectName("m_ImportAllCheck");
     all_->setText(tr("Import all shapes"));
     all_->setToolTip(tr("The other shapes become masks of their own."));
@@ -56,7 +59,12 @@ void ImportShapeDlg::OnSelChangeShapeIndex(int index)
 {
     const bool none = index < 0 || index == shape_->count() - 1;
     choice_.shape = none ? std::nullopt : std::optional(index);
-    shape_->setToolTip(shape_->itemData(index, Qt::ToolTipRole).toString());
+    const QString name = shape_->itemData(index, Qt::ToolTipRole).toString();
+    shape_->setToolTip(name);
+    constexpr int room = 288; // pixels
+    name_->setText(name.isEmpty() ? QString()
+                                  : name_->fontMetrics().elidedText(tr("Name: %1").arg(name),
+                                                                    Qt::ElideRight, room));
 }
 
 void ImportShapeDlg::OnCheckImportAllShape()

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 class QComboBox;
+class QLabel;
 
 namespace Marlox {
 
@@ -25,7 +26,7 @@ struct ImportShapeChoice {
 class ImportShapeDlg final : public MxDialog {
     Q_OBJECT
 public:
-    /// `names` of the shapes, as far as they have some, are shown beside their numbers in the list.
+    /// `names` of the shapes, as far as they have some, are shown with their numbers.
     explicit ImportShapeDlg(int shapeCount, const QStringList& names = {},
                             QWidget* parent = nullptr);
 
@@ -40,6 +41,7 @@ private:
 
     ImportShapeChoice choice_;
     QComboBox* shape_;
+    QLabel* name_; // of the shape chosen
     CustomCheckBox* all_;
 };
 

@@ -268,7 +268,7 @@ void PolylineDialogsTest::ImportChoices()
     QCOMPARE(entries, QStringList({"0", "1", "2", "none"}));
     QVERIFY((dialog.Choice() == ImportShapeChoice{0, false}));
     combo.setCurrentIndex(1);
-    QCOMPARE(combo.toolTip(), QString("Head"));
+    QCOMPARE(part<QLabel>(dialog, "m_ImportNameLabel").text(), QString("Name: Head"));
     check(dialog, "m_ImportAllCheck", true);
     QVERIFY((dialog.Choice() == ImportShapeChoice{1, true}));
     combo.setCurrentIndex(3);

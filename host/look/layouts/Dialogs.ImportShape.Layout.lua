@@ -5,6 +5,7 @@
             {"Item", Name = "m_ImportIndexLabel"},
             {"Item", Name = "m_ImportIndexCombo", Weight = 0, MinWidth = 96},
         },
+        {"Item", Name = "m_ImportNameLabel", Weight = 0, MinHeight = 16},
         {"Item", Name = "m_ImportAllCheck", Weight = 0, MinHeight = 24},
         {"Spacer", MinHeight = 8},
         {"Item", Name = "m_OKCancel", Weight = 0},
