@@ -16,7 +16,7 @@ namespace Marlox {
 namespace {
 
 constexpr double leastPull = 3.0;    // view pixels; a nearer release was a click
-constexpr double nextOpacity = 0.75; // of what a click would append
+constexpr double nextOpacity = 0.85; // of what a click would append
 constexpr int bent = 3;              // segments that a new end of a spline may change
 
 class ClickAppend final : public PolyGesture {

@@ -46,7 +46,7 @@ constexpr std::array<OverlayPoint, 16> brackets{{{-7, -4},
 constexpr std::array<OverlayPoint, 4> diamond{{{-4, 0}, {0, -4}, {4, 0}, {0, 4}}};
 constexpr std::array<OverlayPoint, 8> disc{
     {{2.5, 1}, {1, 2.5}, {-1, 2.5}, {-2.5, 1}, {-2.5, -1}, {-1, -2.5}, {1, -2.5}, {2.5, -1}}};
-constexpr std::array<OverlayPoint, 4> cross{{{-6, -6}, {6, 6}, {-6, 6}, {6, -6}}};
+constexpr std::array<OverlayPoint, 4> cross{{{-5, -5}, {5, 5}, {-5, 5}, {5, -5}}};
 constexpr std::array<OverlayPoint, 4> plus{{{-5, 0}, {5, 0}, {0, -5}, {0, 5}}};
 constexpr std::array<OverlayPoint, 12> ring{{{7, 0},
                                              {6.06, 3.5},
@@ -236,10 +236,13 @@ private:
         SetColor(painter_, view_.Info(), settings_.keyPointColor, opacity_);
         painter_.Marks(Shape::Loop, ring, published, Scale());
         painter_.Marks(Shape::Loop, triangle, following, Scale());
-        painter_.Marks(Shape::Lines, cross, locked, Scale()); // its arms stand out from the point
         painter_.Marks(Shape::Loop, smallSquare, plain.places, Scale());
         painter_.SetColor(OverlayColor::Highlight, isActive_ ? 1.0 : otherOpacity);
         painter_.Marks(Shape::Fill, largeSquare, selected.places, Scale());
+        MxColor white(255, 255, 255); // which stands out from what it crosses out
+        white.alpha = u8(std::lround(255.0 * opacity_));
+        painter_.SetColor(white);
+        painter_.Marks(Shape::Lines, cross, locked, Scale());
     }
 
     void DrawMark(Shape form, Points points, ShapePlace at, double scale = 1.0)

@@ -67,7 +67,7 @@ void OverlayPolylineDrawTest::SplinesAreForeseen()
         const std::string text = drawn.substr(line, drawn.find('\n', line) - line);
         return text.substr(text.size() > 120 ? text.size() - 120 : 0);
     };
-    const std::string foreseen = strip(" 191) dashed strip");
+    const std::string foreseen = strip(" 217) dashed strip");
     QVERIFY(foreseen.ends_with("(500, 60)"));
     rig.Click({500, 60});
     rig.stage->Leave();
