@@ -28,7 +28,7 @@ public:
         PolyEditor& editor = Editor();
         const int active = editor.ActivePolygon();
         const bool both = editor.IsMatched();
-        Begin("Add Point");
+        Begin(Control().HoldBack() ? "Add Points" : "Add Point");
         PolyPoint point;
         point.x = at_.x;
         point.y = at_.y;

@@ -181,6 +181,7 @@ void Replace(PolyLineControl& control, const Form& form, const Frame& frame, con
     });
     if (Operator* const tool = control.GetOperator(nullptr))
         RemoveUnusedPublishedInputs(*tool);
+    control.ChangeModeUndoably(PolyLineControl::ModeAfterClose(), form.undo);
 }
 
 void Create(PolyLineControl& control, const Form& form)
@@ -211,7 +212,6 @@ void Create(PolyLineControl& control, const Form& form)
     if (!control.IsShapeFree(editor.ActivePolygon()) || !editor.Active())
         return;
     Replace(control, form, frame, values);
-    control.SetMode(PolyLineControl::ModeAfterClose());
 }
 
 // Conversions -------------------------------------------------------------------------------------

@@ -219,7 +219,7 @@ private:
         const SelMask& mask = editor_.Selection(polygon_);
         for (int i = 0; i < shape_.GetCount(); ++i) {
             const PolyPoint& point = shape_.Points()[std::size_t(i)];
-            const bool isSelected = edits_ && mask.GetSetItem(i);
+            const bool isSelected = mask.GetSetItem(i); // keys change them in Done too
             const OverlayPoint at = At(point.Place());
             if (isSelected)
                 selected.Add(at);

@@ -120,6 +120,8 @@ void PolyEditor::Adopt(int polygon, const Ref<PolyLine>& shape)
     else
         mask.Create(shape->GetCount());
     hovered_ = {};
+    if (polygon == active_ && before && shape)
+        control_.CarryTrackPoints(*before, *shape);
     if (!IsShown(active_))
         active_ = IsShown(OtherPolygon(active_)) ? OtherPolygon(active_) : int(InnerPolygon);
 }
@@ -191,7 +193,13 @@ void PolyEditor::Preview(int polygon, const Ref<PolyLine>& shape)
 
 void PolyEditor::SetSelections(const Masks& masks)
 {
-    if (control_.Settings().lockSelection || masks_ == masks)
+    if (!control_.Settings().lockSelection)
+        RestoreSelections(masks);
+}
+
+void PolyEditor::RestoreSelections(const Masks& masks)
+{
+    if (masks_ == masks)
         return;
     for (std::size_t i = 0; i < masks.size(); ++i) {
         const PolyLine* shape = Shape(int(i));

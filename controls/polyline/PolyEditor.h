@@ -61,7 +61,8 @@ public:
     const SelMask& Selection(int polygon) const { return masks_[std::size_t(polygon)]; }
     const SelMask& ActiveSelection() const { return Selection(active_); }
     const Masks& Selections() const { return masks_; }
-    void SetSelections(const Masks& masks);
+    void SetSelections(const Masks& masks); // refused while the selection is locked
+    void RestoreSelections(const Masks& masks);
     void Select(int polygon, int index, SelMask::Mode mode);
     void SelectOnly(int polygon, int index);
     void SelectAll();
@@ -97,6 +98,10 @@ public:
     bool ChangeSelected(const std::function<void(PolyLine& shape, const SelMask& mask)>& change,
                         const States& from = {});
     bool Write(int polygon, Input::State next);
+    /// From now on what is written is shown only: until WriteHeld, which writes it, or ForgetHeld.
+    void HoldBack() { holdsBack_ = true; }
+    void WriteHeld();
+    void ForgetHeld();
     /// Shows a shape that is not written yet; null: what the input holds.
     void Preview(int polygon, const Ref<PolyLine>& shape);
 
@@ -112,6 +117,11 @@ private:
         Ref<PolyLine> shape;
         SelMask mask;
     };
+    /// Written when the gesture is over.
+    struct Held {
+        Input::State state;
+        std::vector<double> times; // at which points may have moved
+    };
     // What is hit, of each kind.
     PolyHit PointAt(const PolyView& view) const;
     PolyHit HandleAt(const PolyView& view) const;
@@ -121,6 +131,7 @@ private:
     void Adopt(int polygon, const Ref<PolyLine>& shape);
     void Remember(int polygon);
     std::vector<double> OtherFrames(const Input::State& state) const;
+    bool WriteAt(int polygon, Input::State next, const std::vector<double>& times);
 
     PolyLineControl& control_;
     std::array<Ref<PolyLine>, PolygonCount> shapes_;
@@ -133,6 +144,8 @@ private:
     mutable std::array<std::unique_ptr<ShapeIndex>, PolygonCount> indices_;
     mutable std::array<PlacedCurve, PolygonCount> curves_;
     mutable std::array<std::map<double, Ref<PolyLine>>, PolygonCount> skins_; // by their time
+    bool holdsBack_ = false;
+    std::array<std::optional<Held>, PolygonCount> held_;
     int active_ = InnerPolygon;
     PolyHit hovered_;
 };

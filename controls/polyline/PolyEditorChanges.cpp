@@ -62,6 +62,8 @@ std::optional<Input::State> PolyEditor::TakeState(int polygon) const
     const PolyLine* shape = Shape(polygon);
     if (!input)
         return {};
+    if (const auto& held = held_[std::size_t(polygon)])
+        return held->state;
     ShapeKeys keys(*input);
     const double now = control_.CurrentTime();
     if (IsAnimated(polygon))
@@ -122,12 +124,7 @@ bool PolyEditor::Change(int polygon, Scope scope, const ShapeChange& change,
             apply(keys.At(time));
         SpreadFlags(keys, before, FlagsOf(keys.At(now)));
     }
-    const bool written = isSound && Write(polygon, keys.State());
-    if (written && Shape(polygon) && !Shape(polygon)->Links().empty() && InputOf(polygon)) {
-        for (const double time : times)
-            UpdatePublishedPointInputs(*InputOf(polygon), time);
-    }
-    return written;
+    return isSound && WriteAt(polygon, keys.State(), times);
 }
 
 bool PolyEditor::ChangeSelected(
@@ -153,9 +150,52 @@ bool PolyEditor::ChangeMasked(
 
 bool PolyEditor::Write(int polygon, Input::State next)
 {
-    Preview(polygon, {});
+    return WriteAt(polygon, std::move(next), {});
+}
+
+/// With the inputs that published points feed at these times.
+bool PolyEditor::WriteAt(int polygon, Input::State next, const std::vector<double>& times)
+{
     UniteFlags(next);
-    return control_.WriteShape(polygon, std::move(next));
+    if (holdsBack_) {
+        const Ref<Parameter> value =
+            next.animation.IsEmpty() ? next.value : next.animation.Evaluate(control_.CurrentTime());
+        held_[std::size_t(polygon)] = {std::move(next), times};
+        const Masks selected = masks_;
+        Preview(polygon, Ref<PolyLine>::Share(dynamic_cast<PolyLine*>(value.Get())));
+        RestoreSelections(selected); // of new points too
+        return true;
+    }
+    Preview(polygon, {});
+    if (!control_.WriteShape(polygon, std::move(next)))
+        return false;
+    if (Shape(polygon) && !Shape(polygon)->Links().empty() && InputOf(polygon)) {
+        for (const double time : times)
+            UpdatePublishedPointInputs(*InputOf(polygon), time);
+    }
+    return true;
+}
+
+void PolyEditor::WriteHeld()
+{
+    const Masks selected = masks_; // also of points that are written only now
+    bool any = false;
+    holdsBack_ = false;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        if (auto held = std::exchange(held_[std::size_t(polygon)], {}))
+            any = WriteAt(polygon, std::move(held->state), held->times) || any;
+    }
+    if (any)
+        RestoreSelections(selected);
+}
+
+void PolyEditor::ForgetHeld()
+{
+    holdsBack_ = false;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        if (std::exchange(held_[std::size_t(polygon)], {}))
+            Preview(polygon, {});
+    }
 }
 
 } // namespace Marlox

@@ -25,6 +25,7 @@ public:
         if (selects && !Editor().Selection(hit.polygon).GetSetItem(hit.index))
             Editor().SelectOnly(hit.polygon, hit.index);
         states_ = Editor().TakeStates();
+        control.HoldBack();
     }
 
     void Move(const PolyPointer& pointer) final

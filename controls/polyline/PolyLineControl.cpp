@@ -81,10 +81,10 @@ bool PolyLineControl::SetAttrsTagList(Input* input, const TagList& tags)
     settings_.Read(tags);
     hasMode_ = hasMode_ || tags.Find(PLC_DrawMode);
     ReadBoundInputs(tags);
-    if (settings_.Mode() != before.Mode()) {
+    if (tags.Find(PLC_DrawMode))
         PressModeEvent();
+    if (settings_.Mode() != before.Mode())
         clicked_.clear();
-    }
     pending_ = Mode() == PolyDrawMode::ClickAppend ? &clicked_ : nullptr;
     const bool accepted = PreviewControl::SetAttrsTagList(input, tags);
     if (settings_ != before)
@@ -132,9 +132,13 @@ void PolyLineControl::SetAttr(u32 tag, int64 value)
 {
     const auto alive = Ref<PolyLineControl>::Share(this);
     const TagList change{{tag, value}};
-    SetAttrsTagList(change);
-    if (!Inputs().empty() && !Inputs().front()->Owner().IsLocked())
-        Inputs().front()->SetAttrsTagList(change);
+    Input* const input = Inputs().empty() ? nullptr : Inputs().front();
+    if (input && !input->Owner().IsLocked()) {
+        FollowInputAttr(tag);
+        input->SetAttrsTagList(change); // it comes back to the overlays of all views
+    } else {
+        SetAttrsTagList(input, change);
+    }
 }
 
 PolySettings& PolyLineControl::ChangeSettings()
@@ -149,15 +153,23 @@ void PolyLineControl::ChangeRoto(const char* text,
     if (!CanEdit())
         return;
     const PolyNest nest(*this, text);
-    const bool was = settings_.roto.enabled;
-    ScriptVal before = ScriptVal::MakeTable();
-    before.Set("RotoAssist", settings_.SavedRoto());
+    const RotoAssistSettings before = settings_.roto;
     change(ChangeSettings().roto);
-    ScriptVal after = ScriptVal::MakeTable();
-    after.Set("RotoAssist", settings_.SavedRoto());
-    PushOverlayState(*this, QString::fromLatin1(text), before, after);
-    if (was != settings_.roto.enabled && !settings_.roto.keepsTool)
+    KeepRotoChange(text, before);
+    if (before.enabled != settings_.roto.enabled && !settings_.roto.keepsTool)
         GetOperator(nullptr)->DisableTool(settings_.roto.enabled);
+}
+
+void PolyLineControl::KeepRotoChange(const char* text, const RotoAssistSettings& before)
+{
+    if (settings_.roto == before)
+        return;
+    const auto saved = [](const RotoAssistSettings& roto) {
+        ScriptVal state = ScriptVal::MakeTable();
+        state.Set("RotoAssist", roto.Saved());
+        return state;
+    };
+    PushOverlayState(*this, QString::fromLatin1(text), saved(before), saved(settings_.roto));
 }
 
 void PolyLineControl::SetMode(PolyDrawMode mode)

@@ -84,6 +84,8 @@ public:
     PolySettings& ChangeSettings();
     /// An undo entry of its own.
     void ChangeRoto(const char* text, const std::function<void(RotoAssistSettings& roto)>& change);
+    /// Makes what has changed in the settings since `before` a step of the open undo entry.
+    void KeepRotoChange(const char* text, const RotoAssistSettings& before);
     /// Sets an attribute through the overlay's and the input's tags. With the tool locked the
     /// input's stay: what shows changes in this view alone.
     void SetAttr(u32 tag, int64 value);
@@ -124,10 +126,15 @@ public:
     Input* ShapeInput(int polygon) const;
     bool IsShapeFree(int polygon) const;
     bool WriteShape(int polygon, Input::State next);
+    /// The active shape has other points now: its track points go with them.
+    void CarryTrackPoints(const PolyLine& from, const PolyLine& to);
     /// Whether the gesture under way has changed something already.
     bool IsPastFirstChange() const { return gesture_ && changed_; }
     // For gestures.
     void BeginGesture(const char* text);
+    /// With PLC_StopRendering what the gesture changes is shown only and written by its release;
+    /// whether it is so.
+    bool HoldBack();
 
 private:
     friend class SecondInput<PolyLineControl>;

@@ -111,7 +111,7 @@ bool PolyLineControl::WantsKey(int key, u32 modifiers) const
 {
     const Direction arrow = DirectionOf(key);
     if (arrow.x != 0 || arrow.y != 0)
-        return Mode() != PolyDrawMode::Done && editor_.IsAnySelected() && !(modifiers & KeyAlt);
+        return editor_.IsAnySelected() && !(modifiers & KeyAlt);
     if (key == Qt::Key_PageDown || key == Qt::Key_PageUp)
         return modifiers == 0 && editor_.IsAnySelected();
     if (key == switchKey)

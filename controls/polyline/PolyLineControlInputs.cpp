@@ -6,6 +6,7 @@
 #include "system/shapes/ShapeLinks.h"
 
 #include <cmath>
+#include <unordered_map>
 
 #include <QWidget>
 
@@ -130,6 +131,24 @@ bool PolyLineControl::WriteShape(int polygon, Input::State next)
     return true;
 }
 
+void PolyLineControl::CarryTrackPoints(const PolyLine& from, const PolyLine& to)
+{
+    RotoAssistSettings& roto = settings_.roto;
+    const auto sameId = [](const PolyPoint& a, const PolyPoint& b) { return a.id == b.id; };
+    const bool has = !roto.trackPoints.empty() && int(roto.trackPoints.size()) == from.GetCount();
+    if (!has || std::equal(from.Points().begin(), from.Points().end(), to.Points().begin(),
+                           to.Points().end(), sameId))
+        return;
+    std::unordered_map<u32, ShapePlace> places; // by the ids of the points
+    for (std::size_t i = 0; i < roto.trackPoints.size(); ++i)
+        places.emplace(from.Points()[i].id, roto.trackPoints[i]);
+    roto.trackPoints.clear();
+    for (const PolyPoint& point : to.Points()) {
+        const auto known = places.find(point.id);
+        roto.trackPoints.push_back(known == places.end() ? point.Place() : known->second);
+    }
+}
+
 void PolyLineControl::SelectionChanged()
 {
     UpdateDisplay(nullptr, nullptr);
@@ -144,8 +163,10 @@ void PolyLineControl::ActivePolygonChanged()
 
 void PolyLineControl::SetInactive(TagList* tags)
 {
-    if (const auto gesture = std::move(gesture_))
+    if (const auto gesture = std::move(gesture_)) {
         gesture->Cancel();
+        editor_.ForgetHeld();
+    }
     SetHoveredTime(TimeNone);
     PreviewControl::SetInactive(tags);
 }

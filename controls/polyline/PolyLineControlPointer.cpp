@@ -32,7 +32,6 @@ std::unique_ptr<PolyGesture> StartGesture(PolyLineControl& control, const PolyPo
 {
     PolyEditor& editor = control.Editor();
     const PolyHit hit = editor.HitAt(pointer.view);
-    const bool isEmpty = !editor.HasPoints(editor.ActivePolygon());
     switch (control.Mode()) {
     case PolyDrawMode::Done:
         return nullptr;
@@ -44,8 +43,11 @@ std::unique_ptr<PolyGesture> StartGesture(PolyLineControl& control, const PolyPo
     case PolyDrawMode::ModifyOnly:
         break;
     }
-    if (isEmpty) // there is nothing to modify: it is drawn anew
+    if (!editor.HasPoints(editor.ActivePolygon()) &&
+        control.Mode() == PolyDrawMode::InsertAndModify) {
+        control.SetMode(PolyDrawMode::ClickAppend); // nothing to insert into: it is drawn anew
         return MakeClickAppend(control, pointer);
+    }
     if (auto track = MakeTrackPointDrag(control, pointer))
         return track;
     const bool alternate = pointer.modifiers & KeyAlt;
@@ -114,6 +116,13 @@ void PolyLineControl::BeginGesture(const char* text)
     StartUndo(text);
 }
 
+bool PolyLineControl::HoldBack()
+{
+    if (settings_.stopRendering)
+        editor_.HoldBack();
+    return settings_.stopRendering;
+}
+
 void PolyLineControl::ControlMove(PreviewInfo* view, const MxPoint& at, TagList* tags)
 {
     PreviewControl::ControlMove(view, at, tags);
@@ -136,7 +145,9 @@ void PolyLineControl::ControlUp(PreviewInfo* view, const MxPoint& at, TagList* t
     } else if (view && gesture_) {
         const PolyView shapes(*view, Placement());
         gesture_->Finish(PointerOf(shapes, tags));
+        editor_.WriteHeld();
     }
+    editor_.ForgetHeld();
     gesture_.reset();
     changed_ = false;
     PreviewControl::ControlUp(view, at, tags);
@@ -145,8 +156,10 @@ void PolyLineControl::ControlUp(PreviewInfo* view, const MxPoint& at, TagList* t
 
 void PolyLineControl::EndUndo(bool keep)
 {
-    if (const auto gesture = keep ? nullptr : std::move(gesture_))
+    if (const auto gesture = keep ? nullptr : std::move(gesture_)) {
         gesture->Cancel();
+        editor_.ForgetHeld();
+    }
     PreviewControl::EndUndo(keep);
 }
 
@@ -157,7 +170,7 @@ bool PolyLineControl::HitTest(PreviewInfo& view, const TagList* tags)
     const bool may = MayBeHit(view, tags) && editor_.Shape(InnerPolygon);
     const PolyView shapes(view, Placement());
     const PolyHit hit = may ? editor_.HitAt(shapes) : PolyHit();
-    const double skin = may && !hit.Any() ? SkinTimeAt(*this, shapes) : TimeNone;
+    const double skin = may && !hit.Any() && CanEdit() ? SkinTimeAt(*this, shapes) : TimeNone;
     if (editor_.SetHovered(hit))
         UpdateDisplay(nullptr, nullptr);
     SetHoveredTime(skin);
@@ -225,7 +238,8 @@ bool PolyLineControl::ControlGetTip(PreviewInfo* view, char* tip, TagList*)
             }
         }
     }
-    if (const Operator* tool = GetOperator(nullptr); tool && tool->IsLocked())
+    const Operator* tool = GetOperator(nullptr);
+    if (tool && tool->IsLocked() && hoveredTime_ <= TimeNone)
         text += QStringLiteral("\n%1 is locked.").arg(tool->GetName());
     const QByteArray bytes = text.toUtf8();
     constexpr int room = 255;

@@ -11,6 +11,7 @@ bool PolyLineControl::SaveState(ScriptVal& state) const
     state = ScriptVal::MakeTable();
     settings_.Save(state);
     state.Set("DrawMode", int(Mode()));
+    state.Set("HasFocused", hasFocused_);
     const ScriptVal selection = SavedSelection();
     for (const char* name : {"ActivePolygon", "Selections"})
         state.Set(name, selection.Get(name));
@@ -38,6 +39,7 @@ bool PolyLineControl::RestoreState(const ScriptVal& state)
     if (!state.IsTable())
         return false;
     settings_.Restore(state);
+    hasFocused_ = state.Get("HasFocused").ToBool(hasFocused_);
     const double mode = state.Get("DrawMode").ToNumber(-1.0);
     if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly) && int(mode) != int(Mode()))
         SetAttr(PLC_DrawMode, int64(mode));
@@ -53,7 +55,7 @@ bool PolyLineControl::RestoreState(const ScriptVal& state)
             masks[i].DoSet(int(std::clamp(item.ToNumber(-1.0), -1.0, 1e9)), SelMask::Select);
         masks[i].SetLast(int(std::clamp(items.Get("Last").ToNumber(-1.0), -1.0, 1e9)));
     }
-    editor_.SetSelections(masks);
+    editor_.RestoreSelections(masks);
     UpdateDisplay(nullptr, nullptr);
     return true;
 }

@@ -34,63 +34,26 @@ public:
         if (!moved_ && by == ShapePlace())
             return;
         moved_ = true;
-        if (Control().Settings().stopRendering) {
-            ShowMoved(by);
-            return;
-        }
         Begin(text_);
-        Write(by);
+        Editor().ChangeMasked(
+            masks_, [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); },
+            states_);
     }
 
-    void Finish(const PolyPointer& pointer) override
+    void Finish(const PolyPointer&) override
     {
-        if (moved_ && Control().Settings().stopRendering) {
-            Begin("Drag Points");
-            Write(rule_.Movement(pointer));
-        } else if (!moved_ && onClick_) {
+        if (!moved_ && onClick_)
             onClick_();
-        }
-        ShowAsWritten();
     }
-
-    void Cancel() override { ShowAsWritten(); }
 
     /// What a press without a move does, on its release.
     void SetOnClick(std::function<void()> onClick) { onClick_ = std::move(onClick); }
 
 private:
-    void Write(ShapePlace by)
-    {
-        Editor().ChangeMasked(
-            masks_, [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); },
-            states_);
-    }
-    void ShowMoved(ShapePlace by)
-    {
-        for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-            const SelMask& mask = masks_[std::size_t(polygon)];
-            const Input* input = Editor().InputOf(polygon);
-            if (!input || !mask.IsAnySet())
-                continue;
-            Ref<PolyLine>& start = shown_[std::size_t(polygon)];
-            if (!start)
-                start = Editor().Shape(polygon)->CopyShape();
-            const Ref<PolyLine> shape = start->CopyShape();
-            shape->MovePoints(mask, by);
-            Editor().Preview(polygon, shape);
-        }
-    }
-    void ShowAsWritten()
-    {
-        for (int polygon = 0; polygon < PolygonCount; ++polygon)
-            Editor().Preview(polygon, {});
-    }
-
     const char* text_;
     PolyMoveRule rule_;
     PolyEditor::States states_;
     PolyEditor::Masks masks_;
-    std::array<Ref<PolyLine>, PolygonCount> shown_; // as at the press, while nothing is written
     bool moved_ = false;
     std::function<void()> onClick_;
 };
@@ -139,9 +102,10 @@ std::unique_ptr<PolyGesture> MakeMovePoints(PolyLineControl& control, const Poly
     else
         SelectSegment(editor, pointer, hit);
     const bool several = editor.ActiveSelection().SetCount() > 1;
-    const char* const text = control.Settings().multiFrame != MultiFrame::None ? "Move points"
-                             : several                                         ? "Move Points"
-                                                                               : "Move Point";
+    const char* const text = control.HoldBack()                                  ? "Drag Points"
+                             : control.Settings().multiFrame != MultiFrame::None ? "Move points"
+                             : several                                           ? "Move Points"
+                                                                                 : "Move Point";
     auto gesture = std::make_unique<MovePoints>(control, pointer, text);
     const bool plain = !(pointer.modifiers & (KeyShift | KeyControl));
     if (onPoint && wasSelected && several && plain) {
@@ -159,7 +123,8 @@ std::unique_ptr<PolyGesture> MakeInsertPoint(PolyLineControl& control, const Pol
     PolyEditor& editor = control.Editor();
     if (editor.IsFull())
         return std::make_unique<PolyNoGesture>(control);
-    control.BeginGesture("Add Point");
+    const char* const text = control.HoldBack() ? "Add Points" : "Add Point";
+    control.BeginGesture(text);
     const bool both = editor.IsMatched(); // whether the other one shows or not
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         if (polygon == hit.polygon || both)
@@ -178,7 +143,7 @@ std::unique_ptr<PolyGesture> MakeInsertPoint(PolyLineControl& control, const Pol
         if (goesAlong)
             mask.DoSet(hit.index + 1, SelMask::Select);
     }
-    return std::make_unique<MovePoints>(control, pointer, "Add Point", masks);
+    return std::make_unique<MovePoints>(control, pointer, text, masks);
 }
 
 } // namespace Marlox

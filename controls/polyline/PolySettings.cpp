@@ -1,6 +1,7 @@
 #include "controls/polyline/PolySettings.h"
 
 #include "system/base/TagList.h"
+#include "system/shapes/PolyLine.h"
 
 #include <algorithm>
 #include <string>
@@ -59,6 +60,8 @@ constexpr SavedRotoFlag savedRotoFlags[] = {
     {"MultiplePoints", &RotoAssistSettings::multiplePoints},
     {"ShowArea", &RotoAssistSettings::showArea},
     {"PatternEdit", &RotoAssistSettings::patternEdit},
+    {"Tracking", &RotoAssistSettings::tracking},
+    {"Recomputes", &RotoAssistSettings::recomputes},
 };
 
 u32 ColorOf(const TagList& tags, u32 tag, u32 otherwise)
@@ -130,25 +133,7 @@ void PolySettings::Save(ScriptVal& to) const
     skins.Set("Anchor", onion.anchor);
     skins.Set("ClickSetsTime", onion.clickSetsTime);
     to.Set("Skins", skins);
-    to.Set("RotoAssist", SavedRoto());
-}
-
-ScriptVal PolySettings::SavedRoto() const
-{
-    ScriptVal assist = ScriptVal::MakeTable();
-    for (const SavedRotoFlag& flag : savedRotoFlags)
-        assist.Set(flag.name, roto.*flag.member);
-    assist.Set("Distance", roto.distance);
-    assist.Set("FrameSkip", roto.frameSkip);
-    assist.Set("TrackerSize", roto.trackerSize);
-    assist.Set("SearchSize", roto.searchSize);
-    ScriptVal points = ScriptVal::MakeTable();
-    for (const ShapePlace& place : roto.trackPoints) {
-        points.Append(place.x);
-        points.Append(place.y);
-    }
-    assist.Set("TrackPoints", points);
-    return assist;
+    to.Set("RotoAssist", roto.Saved());
 }
 
 void PolySettings::Restore(const ScriptVal& from)
@@ -170,17 +155,51 @@ void PolySettings::Restore(const ScriptVal& from)
     onion.flags = std::uint16_t(WholeOf(skins.Get("Flags"), 0, 0xffff, onion.flags));
     onion.anchor = skins.Get("Anchor").ToBool(onion.anchor);
     onion.clickSetsTime = skins.Get("ClickSetsTime").ToBool(onion.clickSetsTime);
-    const ScriptVal& assist = from.Get("RotoAssist");
+    roto.Restore(from.Get("RotoAssist"));
+}
+
+ScriptVal RotoAssistSettings::Saved() const
+{
+    ScriptVal saved = ScriptVal::MakeTable();
     for (const SavedRotoFlag& flag : savedRotoFlags)
-        roto.*flag.member = assist.Get(flag.name).ToBool(roto.*flag.member);
-    roto.distance = WholeOf(assist.Get("Distance"), 1, 16, roto.distance);
-    roto.frameSkip = WholeOf(assist.Get("FrameSkip"), 1, 10, roto.frameSkip);
-    roto.trackerSize = SizeOf(assist.Get("TrackerSize"), roto.trackerSize);
-    roto.searchSize = SizeOf(assist.Get("SearchSize"), roto.searchSize);
-    if (const ScriptVal& points = assist.Get("TrackPoints"); points.IsTable()) {
-        roto.trackPoints.clear();
-        for (std::size_t i = 1; i < points.Length(); i += 2)
-            roto.trackPoints.push_back({points.At(i).ToNumber(), points.At(i + 1).ToNumber()});
+        saved.Set(flag.name, this->*flag.member);
+    saved.Set("Distance", distance);
+    saved.Set("FrameSkip", frameSkip);
+    saved.Set("HeldPoint", heldPoint);
+    saved.Set("TrackerSize", trackerSize);
+    saved.Set("SearchSize", searchSize);
+    ScriptVal followed = ScriptVal::MakeTable();
+    for (const int index : points.Items())
+        followed.Append(index);
+    followed.Set("Count", points.Count());
+    saved.Set("Points", followed);
+    ScriptVal places = ScriptVal::MakeTable();
+    for (const ShapePlace& place : trackPoints) {
+        places.Append(place.x);
+        places.Append(place.y);
+    }
+    saved.Set("TrackPoints", places);
+    return saved;
+}
+
+void RotoAssistSettings::Restore(const ScriptVal& from)
+{
+    for (const SavedRotoFlag& flag : savedRotoFlags)
+        this->*flag.member = from.Get(flag.name).ToBool(this->*flag.member);
+    distance = WholeOf(from.Get("Distance"), 1, 16, distance);
+    frameSkip = WholeOf(from.Get("FrameSkip"), 1, 10, frameSkip);
+    heldPoint = WholeOf(from.Get("HeldPoint"), -1, PolyLine::maxPoints - 1, heldPoint);
+    trackerSize = SizeOf(from.Get("TrackerSize"), trackerSize);
+    searchSize = SizeOf(from.Get("SearchSize"), searchSize);
+    if (const ScriptVal& followed = from.Get("Points"); followed.IsTable()) {
+        points.Create(WholeOf(followed.Get("Count"), 0, PolyLine::maxPoints, 0));
+        for (const ScriptVal& index : followed.Elements())
+            points.DoSet(WholeOf(index, 0, PolyLine::maxPoints, -1), SelMask::Select);
+    }
+    if (const ScriptVal& places = from.Get("TrackPoints"); places.IsTable()) {
+        trackPoints.clear();
+        for (std::size_t i = 1; i < places.Length(); i += 2)
+            trackPoints.push_back({places.At(i).ToNumber(), places.At(i + 1).ToNumber()});
     }
 }
 

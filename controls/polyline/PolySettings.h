@@ -35,6 +35,10 @@ struct RotoAssistSettings {
     double trackerSize = 0.03;           // image widths, where no input tells them
     double searchSize = 0.06;
 
+    /// What Restore takes, for the state of an overlay.
+    ScriptVal Saved() const;
+    void Restore(const ScriptVal& from);
+
     friend bool operator==(const RotoAssistSettings&, const RotoAssistSettings&) = default;
 };
 
@@ -92,7 +96,6 @@ struct PolySettings {
     /// What is no attribute.
     void Save(ScriptVal& to) const;
     void Restore(const ScriptVal& from);
-    ScriptVal SavedRoto() const; // as a part of what Save writes
 
     friend bool operator==(const PolySettings&, const PolySettings&) = default;
 };

@@ -193,6 +193,7 @@ public:
     {
         for (int polygon = 0; polygon < PolygonCount; ++polygon)
             masks_[std::size_t(polygon)] = MaskOf(control, polygon);
+        control.HoldBack();
     }
 
     void Move(const PolyPointer& pointer) override

@@ -8,7 +8,6 @@
 #include "controls/polyline/PolyLineControl.h"
 #include "controls/polyline/PolyMoveRule.h"
 #include "system/document/MarloxDoc.h"
-#include "system/viewer/OverlayState.h"
 
 #include <algorithm>
 #include <array>
@@ -60,8 +59,7 @@ TrackGrip GripAt(const PolyLineControl& control, const PolyView& view)
 class TrackDrag final : public PolyGesture {
 public:
     TrackDrag(PolyLineControl& control, const PolyPointer& pointer, TrackGrip grip)
-        : PolyGesture(control), grip_(grip), rule_(pointer), start_(control.Settings().roto),
-          before_(control.Settings().SavedRoto())
+        : PolyGesture(control), grip_(grip), rule_(pointer), start_(control.Settings().roto)
     {
     }
 
@@ -71,27 +69,24 @@ public:
         if (!moved_ && by == ShapePlace())
             return;
         moved_ = true;
+        Begin(Text());
         if (grip_.kind == TrackGrip::Place)
             MovePlaces(by);
         else
             ChangeSize(pointer.view);
     }
 
-    void Finish(const PolyPointer&) override
-    {
-        if (!moved_ || grip_.kind != TrackGrip::Place)
-            return;
-        Begin("Move Track Points");
-        ScriptVal before = ScriptVal::MakeTable();
-        before.Set("RotoAssist", before_);
-        ScriptVal after = ScriptVal::MakeTable();
-        after.Set("RotoAssist", Control().Settings().SavedRoto());
-        PushOverlayState(Control(), QStringLiteral("Move Track Points"), before, after);
-    }
+    void Finish(const PolyPointer&) override { Control().KeepRotoChange(Text(), start_); }
 
     void Cancel() override { Control().ChangeSettings().roto = start_; }
 
 private:
+    const char* Text() const
+    {
+        return grip_.kind == TrackGrip::Place     ? "Move Track Points"
+               : grip_.kind == TrackGrip::Pattern ? "Shaping Track Points"
+                                                  : "Change Tracker Search Size";
+    }
     /// The grabbed one, with those of the selected points if it belongs to one.
     void MovePlaces(ShapePlace by)
     {
@@ -109,15 +104,12 @@ private:
         const OverlayPoint cursor = view.ToView(view.Cursor());
         const double half = std::max(std::abs(cursor.x - at.x), std::abs(cursor.y - at.y));
         const double size = std::max(2.0 * half / view.Info().imageWidth, leastSize);
-        const bool area = grip_.kind == TrackGrip::Area;
-        Begin(area ? "Change Tracker Search Size" : "Shaping Track Points");
-        Control().SetTrackerSize(area, size);
+        Control().SetTrackerSize(grip_.kind == TrackGrip::Area, size);
     }
 
     TrackGrip grip_;
     PolyMoveRule rule_;
     RotoAssistSettings start_;
-    ScriptVal before_;
     bool moved_ = false;
 };
 

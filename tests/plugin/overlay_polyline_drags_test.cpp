@@ -22,6 +22,7 @@ private slots:
     void ShapeBoxScalesAndTurns();
     void CancelledAndLostDrags();
     void UndoBringsTheSelectionBack();
+    void StopRenderingWritesAtTheEnd_data();
     void StopRenderingWritesAtTheEnd();
 };
 
@@ -273,19 +274,58 @@ void OverlayPolylineDragsTest::UndoBringsTheSelectionBack()
              std::string("200 90, 400 90, 400 200"));
 }
 
+void OverlayPolylineDragsTest::StopRenderingWritesAtTheEnd_data()
+{
+    QTest::addColumn<QByteArray>("kind");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QPoint>("from");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* kind, int mode, QPoint from, u32 modifiers, const char* text) {
+        QTest::addRow("%s, %s", text, kind)
+            << QByteArray(kind) << mode << from << int(modifiers) << QString(text);
+    };
+    row("Polyline", ModifyOnly, {200, 100}, 0, "Drag Points");
+    row("BSplinePolyline", ModifyOnly, {200, 100}, KeyAlt, "Tensioning");
+    row("Polyline", ModifyOnly, {200, 100}, KeyAlt, "Move Point"); // its handles
+    row("Polyline", ModifyOnly, {300, 180}, 0, "Dragging Shaping Box");
+    row("Polyline", InsertAndModify, {300, 100}, 0, "Add Points");
+    row("Polyline", ClickAppend, {300, 150}, 0, "Add Points");
+}
+
 void OverlayPolylineDragsTest::StopRenderingWritesAtTheEnd()
 {
-    PolyRig rig;
+    QFETCH(QByteArray, kind);
+    QFETCH(int, mode);
+    QFETCH(QPoint, from);
+    QFETCH(int, modifiers);
+    QFETCH(QString, text);
+    PolyRig rig(kind.constData());
     rig.SetSquare();
-    rig.SetMode(ModifyOnly);
+    rig.SetMode(mode);
     rig.Key(Qt::Key_R);
-    rig.stage->Press({200, 100}, 0);
-    rig.stage->Move({220, 120}, 0);
-    QCOMPARE(rig.Place(0), std::string("200 100"));
-    QVERIFY(rig.Drawn().find("(220, 120)") != std::string::npos); // shown there already
-    rig.stage->Release({220, 120}, 0);
-    QCOMPARE(rig.Place(0), std::string("220 120"));
-    QCOMPARE(rig.UndoTexts(), QStringList("Drag Points"));
+    if (text.contains("Box"))
+        rig.Key(Qt::Key_B);
+    rig.document->Undo().Clear();
+    const auto drag = [&](const std::function<void()>& before) {
+        rig.stage->Press({from.x(), from.y()}, u32(modifiers));
+        rig.stage->Move({from.x() + 20, from.y() + 30}, u32(modifiers));
+        before();
+    };
+    const Input::State start = rig.InputOf("Polyline").GetState();
+    const std::string still = rig.Drawn();
+    drag([&] {
+        QVERIFY(rig.InputOf("Polyline").GetState() == start);
+        QVERIFY(rig.Drawn() != still); // shown already
+        rig.stage->CancelDrag();
+    });
+    QVERIFY(rig.InputOf("Polyline").GetState() == start);
+    QCOMPARE(rig.UndoTexts(), QStringList());
+    drag([&] { rig.stage->Release({from.x() + 20, from.y() + 30}, u32(modifiers)); });
+    QVERIFY(rig.InputOf("Polyline").GetState() != start);
+    QCOMPARE(rig.UndoTexts(), QStringList(text));
+    if (text == "Add Points") // the new point is the selected one
+        QVERIFY(RunEntry(rig, "Delete Points") && rig.Count() == 4);
 }
 
 QTEST_MAIN(OverlayPolylineDragsTest)

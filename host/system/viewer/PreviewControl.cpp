@@ -93,6 +93,8 @@ bool PreviewControl::SetAttrsTagList(const TagList& tags)
         all.Merge(laterChanges_);
         accepted = SetAttrsTagList(input, all) && accepted;
     }
+    if (inputs_.empty())
+        SetAttrsTagList(nullptr, tags);
     UpdateDisplay(nullptr, nullptr);
     return accepted;
 }

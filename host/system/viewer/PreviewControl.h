@@ -151,6 +151,8 @@ protected:
     /// Whether SetInputs can write it: neither read-only nor driven by an expression or a
     /// connection. Null: no.
     bool IsFree(const Input* input) const;
+    /// What the overlay was told by itself of an attribute outranks the input's no more.
+    void FollowInputAttr(u32 tag) { laterChanges_.Remove(tag); }
     bool IsFollowing() const { return following_; }          // PC_Follow
     bool HidesWhileDragging() const { return hidesInDrag_; } // PC_HideWhileDragging
 
