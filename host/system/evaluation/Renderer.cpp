@@ -21,6 +21,7 @@ namespace {
 constexpr int graceMs = 200;        // a running render may still finish within
 constexpr int progressFromMs = 500; // shorter renders tell nothing
 constexpr int progressEveryMs = 100;
+constexpr int restMs = 250; // a hand that holds still so long looks at the picture
 
 } // namespace
 
@@ -30,10 +31,12 @@ public:
     {
         request_.setSingleShot(true);
         cancel_.setSingleShot(true);
+        rest_.setSingleShot(true);
         progress_.setInterval(progressEveryMs);
         connect(&request_, &QTimer::timeout, &renderer, [this] { Submit(); });
         connect(&cancel_, &QTimer::timeout, &renderer, [this] { CancelRunning(); });
         connect(&progress_, &QTimer::timeout, &renderer, [this] { TellProgress(); });
+        connect(&rest_, &QTimer::timeout, &renderer, [this] { RequestFull(); });
         ListenToDocument();
     }
 
@@ -51,7 +54,11 @@ public:
             thread_.join();
     }
 
-    void Request() { request_.start(0); }
+    void Request()
+    {
+        rest_.stop();
+        request_.start(0);
+    }
 
     void RequestFull()
     {
@@ -62,6 +69,7 @@ public:
     void CancelAll()
     {
         request_.stop();
+        rest_.stop();
         fullOnce_ = false;
         std::lock_guard lock(mutex_);
         waiting_.reset();
@@ -85,6 +93,7 @@ private:
     struct Size {
         int divisor = 1;
         bool inGesture = false;
+        bool atRest = false; // of a gesture, for a hand that holds still
     };
     void ListenToDocument();
     void Submit();
@@ -98,6 +107,7 @@ private:
     QTimer request_; // gathers the requests of one turn of the event loop
     QTimer cancel_;  // ends the grace of the running render
     QTimer progress_;
+    QTimer rest_; // in a gesture
     bool fullOnce_ = false;
     u64 serial_ = 0;
     u64 gone_ = 0; // results up to this one are of a document that was cleared
@@ -109,6 +119,7 @@ private:
     QElapsedTimer runningFor_;
     u64 waitingSerial_ = 0;
     Size waitingSize_;
+    Size runningSize_;
     int undelivered_ = 0; // results under way to the user-interface thread
     bool stop_ = false;
     std::thread thread_; // started with the first job
@@ -156,12 +167,13 @@ void Renderer::Private::Submit()
     auto job = RenderJob::Take(document_, document_.CurrentTime(), 1.0 / divisor, viewed_);
     std::lock_guard lock(mutex_);
     waiting_ = std::move(job);
-    waitingSize_ = {divisor, inGesture};
+    waitingSize_ = {divisor, inGesture, inGesture && sync};
     waitingSerial_ = ++serial_;
     if (running_) {
         const qint64 left = graceMs - runningFor_.elapsed();
-        // The full render at the end of a gesture does not wait for a proxy.
-        cancel_.start(sync ? 0 : int(std::max<qint64>(0, left)));
+        // The full render at the end of a gesture does not wait for a proxy, nor the proxy for what
+        // was rendered while the hand held still.
+        cancel_.start(sync || runningSize_.atRest ? 0 : int(std::max<qint64>(0, left)));
     }
     if (!thread_.joinable())
         thread_ = std::thread([this] { RenderLoop(); });
@@ -201,10 +213,12 @@ void Renderer::Private::Deliver(const RenderResult& result, const Size& size, do
     }
     // Kept results and renders that were cut off early do not tell how long one takes.
     if (result.rendered && (!result.cancelled || seconds * 1000.0 >= graceMs))
-        proxy_.Took(size.divisor, seconds, size.inGesture);
+        proxy_.Took(size.divisor, seconds, size.inGesture && !size.atRest);
     if (result.cancelled || result.serial <= gone_)
         return;
     last_ = result;
+    if (result.proxy && !request_.isActive())
+        rest_.start(restMs);
     emit renderer_.Finished(result);
 }
 
@@ -220,6 +234,7 @@ void Renderer::Private::RenderLoop()
         const std::unique_ptr<RenderJob> job = std::move(waiting_);
         const u64 serial = waitingSerial_;
         const Size size = waitingSize_;
+        runningSize_ = size;
         running_ = job.get();
         runningFor_.start();
         QMetaObject::invokeMethod(

@@ -15,7 +15,7 @@ class Operator;
 /// the waiting one and cancels the running one, which is given a fifth of a second from its start
 /// to finish all the same, so that a drag shows pictures while it goes on. While a tool has
 /// automatic proxy on, renders are at the finest resolution that keeps up with the hand (see
-/// ProxyChoice); after MarloxDoc::SyncRender at full. The
+/// ProxyChoice); after MarloxDoc::SyncRender, and when the hand holds still, at full. The
 /// interface never waits. Results of single tools are kept, within a limit, for renders that share
 /// them.
 ///

@@ -340,7 +340,12 @@ private slots:
         perFullRender = 400; // slower than before: twice too long, then a quarter of it each
         QCOMPARE(widthsOfDrag(4), std::vector<int>({64, 64, 32, 32}));
         QCOMPARE(widthsOfDrag(1), std::vector<int>({32})); // known by now
-        perFullRender = 0;                                 // quick again: the first render tells
+        document_->SetAutoProxy(gain_, true);
+        set(gain_, "Gain", 3.25);
+        QTRY_COMPARE(renderer().LastResult().image->Width(), 32);
+        QTRY_COMPARE(renderer().LastResult().image->Width(), 64); // the hand holds still
+        document_->SetAutoProxy(gain_, false);
+        perFullRender = 0; // quick again: the first render tells
         QCOMPARE(widthsOfDrag(3), std::vector<int>({32, 64, 64}));
     }
 
