@@ -196,8 +196,8 @@ void ShiftSelected(PolyLineControl& control, int x, int y, bool coarse, bool fin
     const double step = divides ? 1.0 / (factor > 1.0 ? factor : 10.0) : factor;
     const ShapePlace by = shapes.Placement().InVector({x * step / pixels.x, y * step / pixels.y});
     control.BeginGesture("Shift points"); // open until the keys are up
-    editor.ChangeSelected(
-        [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); });
+    editor.ChangeMasked(editor.Movable(editor.EditedMasks()),
+                        [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); });
 }
 
 void NextStepFactor(PolyLineControl& control)

@@ -267,6 +267,22 @@ SelMask PolyEditor::EditedMask(int polygon) const
     return mask;
 }
 
+PolyEditor::Masks PolyEditor::Movable(Masks masks) const
+{
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        SelMask& mask = masks[std::size_t(polygon)];
+        const PolyLine* shape = Shape(polygon);
+        for (const int index : shape ? mask.Items() : std::vector<int>()) {
+            const PolyPoint* point = shape->GetPoint(index);
+            const PointLink* link = point ? shape->LinkOf(point->id) : nullptr;
+            const bool follows = link && link->kind == PointLink::Kind::Follows;
+            if (point && (follows || point->Has(PPF_Locked)))
+                mask.DoSet(index, SelMask::Clear);
+        }
+    }
+    return masks;
+}
+
 SelMask PolyEditor::CommandMask(int polygon) const
 {
     const SelMask& own = Selection(polygon);

@@ -73,6 +73,8 @@ public:
     /// selected there with both edited.
     SelMask EditedMask(int polygon) const;
     Masks EditedMasks() const { return {EditedMask(InnerPolygon), EditedMask(OuterPolygon)}; }
+    /// Without the points that stay where they are: locked ones, and those that follow others.
+    Masks Movable(Masks masks) const;
     /// The points that a command works on: the selected ones, or all without a selection.
     SelMask CommandMask(int polygon) const;
 

@@ -6,12 +6,18 @@
 
 namespace Marlox {
 
+bool PolyLineControl::IsClosed() const
+{
+    return editor_.Active() && editor_.Active()->IsClosed();
+}
+
 bool PolyLineControl::SaveState(ScriptVal& state) const
 {
     state = ScriptVal::MakeTable();
     settings_.Save(state);
     state.Set("DrawMode", int(Mode()));
     state.Set("HasFocused", hasFocused_);
+    state.Set("Closed", IsClosed());
     const ScriptVal selection = SavedSelection();
     for (const char* name : {"ActivePolygon", "Selections"})
         state.Set(name, selection.Get(name));
@@ -40,7 +46,11 @@ bool PolyLineControl::RestoreState(const ScriptVal& state)
         return false;
     settings_.Restore(state);
     hasFocused_ = state.Get("HasFocused").ToBool(hasFocused_);
-    const double mode = state.Get("DrawMode").ToNumber(-1.0);
+    double mode = state.Get("DrawMode").ToNumber(-1.0);
+    const bool drew =
+        mode == double(PolyDrawMode::ClickAppend) || mode == double(PolyDrawMode::DrawAppend);
+    if (drew && IsClosed() && !state.Get("Closed").ToBool(true)) // undone and redone meanwhile
+        mode = double(ModeAfterClose());
     if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly) && int(mode) != int(Mode()))
         SetAttr(PLC_DrawMode, int64(mode));
     if (const ScriptVal& active = state.Get("ActivePolygon"); active.IsNumber())

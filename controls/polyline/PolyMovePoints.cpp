@@ -24,7 +24,7 @@ public:
     MovePoints(PolyLineControl& control, const PolyPointer& pointer, const char* text,
                const PolyEditor::Masks& masks)
         : PolyGesture(control), text_(text), rule_(pointer), states_(Editor().TakeStates()),
-          masks_(masks)
+          masks_(Editor().Movable(masks))
     {
     }
 
@@ -34,6 +34,8 @@ public:
         if (!moved_ && by == ShapePlace())
             return;
         moved_ = true;
+        if (!masks_[InnerPolygon].IsAnySet() && !masks_[OuterPolygon].IsAnySet())
+            return;
         Begin(text_);
         Editor().ChangeMasked(
             masks_, [by](PolyLine& shape, const SelMask& mask) { shape.MovePoints(mask, by); },
@@ -59,13 +61,13 @@ private:
 };
 
 /// What the press does to the selection: an unselected point becomes the selected one; Shift and
-/// Ctrl turn one over.
+/// Ctrl add it. A selected one is dragged with the others.
 void SelectPressed(PolyEditor& editor, const PolyPointer& pointer, const PolyHit& hit)
 {
     editor.SetActivePolygon(hit.polygon);
     const SelMask& mask = editor.Selection(hit.polygon);
     if (pointer.modifiers & (KeyShift | KeyControl))
-        editor.Select(hit.polygon, hit.index, SelMask::Toggle);
+        editor.Select(hit.polygon, hit.index, SelMask::Select);
     else if (mask.GetSetItem(hit.index))
         editor.Select(hit.polygon, hit.index, SelMask::Select); // the last one now
     else
@@ -108,7 +110,10 @@ std::unique_ptr<PolyGesture> MakeMovePoints(PolyLineControl& control, const Poly
                                                                                  : "Move Point";
     auto gesture = std::make_unique<MovePoints>(control, pointer, text);
     const bool plain = !(pointer.modifiers & (KeyShift | KeyControl));
-    if (onPoint && wasSelected && several && plain) {
+    if (wasSelected && !plain) {
+        gesture->SetOnClick(
+            [&control, hit] { control.Editor().Select(hit.polygon, hit.index, SelMask::Clear); });
+    } else if (wasSelected && several) {
         gesture->SetOnClick([&control, hit] {
             if (Platform::GetUpTime() - control.PressTime() < longestClick)
                 control.Editor().SelectOnly(hit.polygon, hit.index);

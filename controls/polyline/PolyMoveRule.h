@@ -10,19 +10,19 @@ namespace Marlox {
 
 /// How far a drag has moved something since its press, in the shape's coordinates: Shift holds the
 /// axis along which it moved less, in pixels as seen; Ctrl moves a tenth of the way from where it
-/// went down. A modifier held at the press counts once the pointer has moved away from it.
+/// went down.
 class PolyMoveRule {
 public:
-    explicit PolyMoveRule(const PolyPointer& pointer)
-        : start_(pointer.view.Cursor()), atPress_(pointer.modifiers)
+    explicit PolyMoveRule(const PolyPointer& pointer) : start_(pointer.view.Cursor())
     {
+        if (pointer.modifiers & KeyControl)
+            fineFrom_ = Fine{};
     }
 
     ShapePlace Movement(const PolyPointer& pointer)
     {
         const ShapePlace raw = pointer.view.Cursor() - start_;
-        const bool fine = pointer.modifiers & KeyControl & ~atPress_;
-        atPress_ &= pointer.modifiers; // released, it means what it always does
+        const bool fine = pointer.modifiers & KeyControl;
         if (fine && !fineFrom_)
             fineFrom_ = Fine{raw, Scaled(raw)};
         ShapePlace by = Scaled(raw);
@@ -30,7 +30,7 @@ public:
             rest_ = by - raw;
             fineFrom_.reset();
         }
-        if (pointer.modifiers & KeyShift & ~atPress_)
+        if (pointer.modifiers & KeyShift)
             Hold(by, pointer.view);
         return by;
     }
@@ -58,7 +58,6 @@ private:
 
     ShapePlace start_;
     ShapePlace rest_; // what fine movement left behind the pointer
-    u32 atPress_;
     std::optional<Fine> fineFrom_;
 };
 

@@ -139,6 +139,13 @@ void OverlayPolylineDragsTest::DragsWithModifiers()
     QCOMPARE(rig.Place(0), std::string("251 131"));
     rig.stage->Release({260, 140}, KeyControl);
     QCOMPARE(rig.UndoEntries(), 1);
+    rig.Drag({{400, 100}, {430, 110}}, KeyShift); // from the press on, with what was selected
+    QCOMPARE(rig.Place(0) + ", " + rig.Place(1), std::string("281 131, 430 100"));
+    rig.Drag({{430, 100}, {430, 150}}, KeyControl);
+    QCOMPARE(rig.Place(0) + ", " + rig.Place(1), std::string("281 136, 430 105"));
+    rig.Click({430, 105}, KeyShift); // a click alone takes it out
+    rig.Drag({{281, 136}, {281, 140}});
+    QCOMPARE(rig.Place(0) + ", " + rig.Place(1), std::string("281 140, 430 105"));
 }
 
 void OverlayPolylineDragsTest::HandlesGoTogetherUntilBroken()

@@ -30,6 +30,7 @@ private slots:
     void initTestCase() { InstallScripting(); }
     void AttributesAreTheInputs();
     void ModeBelongsToWhatChangedIt();
+    void ClosedMeanwhileIsNotDrawnOn();
     void EmptyShapesAreDrawnAnew();
     void LockedSelectionsComeBack();
     void TrackSquaresAreUndone();
@@ -63,6 +64,21 @@ void OverlayPolylineStateTest::ModeBelongsToWhatChangedIt()
     QCOMPARE(rig.Mode(), int(ClickAppend));
     rig.document->Undo().Redo();
     QCOMPARE(rig.Mode(), int(InsertAndModify));
+}
+
+void OverlayPolylineStateTest::ClosedMeanwhileIsNotDrawnOn()
+{
+    PolyRig rig;
+    rig.SetMode(ClickAppend);
+    ScriptVal state;
+    rig.Poly().SaveState(state); // while there was nothing yet
+    rig.SetSquare();
+    QVERIFY(rig.Poly().RestoreState(state));
+    QCOMPARE(rig.Mode(), int(InsertAndModify));
+    rig.SetMode(ClickAppend); // chosen for a closed shape, it stays
+    rig.Poly().SaveState(state);
+    QVERIFY(rig.Poly().RestoreState(state));
+    QCOMPARE(rig.Mode(), int(ClickAppend));
 }
 
 void OverlayPolylineStateTest::EmptyShapesAreDrawnAnew()
