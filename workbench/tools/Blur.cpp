@@ -46,7 +46,6 @@ Blur::Blur(const Registry* record) : Operator(record)
 {
     const TagList size{{IAD_Minimum, 0.0}, {IAD_Maximum, largest}, {ICD_Gamma, 2.0}};
     AddImageInput(*this);
-    AddMaskInput(*this);
     AddSlider(*this, {"XSize", "Size X", 0.0, 100.0, 10.0, "Width of the blur in pixels"}, size);
     AddSlider(*this, {"YSize", "Size Y", 0.0, 100.0, 10.0, "Height of the blur in pixels"}, size);
     AddSlider(
@@ -60,6 +59,7 @@ Blur::Blur(const Registry* record) : Operator(record)
          {SLCS_HighName, "Bell"}});
     AddFlag(*this, "RepeatEdges", "Repeat Edges",
             "Takes the picture's edge to go on outside instead of growing into nothing", false);
+    AddMaskInput(*this);
 }
 
 std::unique_ptr<ToolProcess> Blur::Prepare(double time) const

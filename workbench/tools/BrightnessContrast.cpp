@@ -136,7 +136,6 @@ BrightnessContrast::BrightnessContrast(const Registry* record) : Operator(record
         return TagList{{IC_Centred, true}, {ICD_Centre, centre}};
     };
     AddImageInput(*this);
-    AddMaskInput(*this);
     AddSlider(*this, {"Gain", "Gain", 0.0, 5.0, 1.0, "Multiplies light; 2 is one stop more"},
               centred(1.0));
     AddSlider(*this,
@@ -169,6 +168,7 @@ BrightnessContrast::BrightnessContrast(const Registry* record) : Operator(record
               {{IA_Integer, true}, {IAD_Minimum, 0.0}, {IAD_Maximum, 256.0}});
     AddFlag(*this, "ClipBlack", "Clip Black", "Cuts values below 0", false);
     AddFlag(*this, "ClipWhite", "Clip White", "Cuts values above 1", false);
+    AddMaskInput(*this);
 }
 
 std::unique_ptr<ToolProcess> BrightnessContrast::Prepare(double time) const

@@ -238,8 +238,12 @@ PolygonMask::PolygonMask(const Registry* record, const char* dataType) : Operato
     addShapes(*this, dataType);
     AddChoice(*this, "Apply", "Apply", "Cuts the picture out, or gives the mask as white and alpha",
               {"Cut the picture", "Mask only"}, int(MaskUse::Cut));
-    AddInput("Base", {{IAS_Name, "Base"}, {IAS_DataType, CLSID_DataType_Image}});
-    AddChoice(*this, "Combine", "Combine", "How the shape joins the mask connected to Base",
+    AddInput("Base", {{IAS_Name, "Base"},
+                      {IAS_Help, "The mask that this one lies on and joins: another tool's alpha"},
+                      {IAS_Control, CLSID_InputControl_Image},
+                      {IAS_DataType, CLSID_DataType_Image}});
+    AddChoice(*this, "Combine", "Combine",
+              "How the shape joins the mask connected to Base; it needs one to do anything",
               {"Add", "Subtract", "Intersect", "Difference"}, int(MaskCombine::Add));
     AddSlider(*this,
               {"Level", "Level", 0.0, 1.0, 1.0, "How much is left of the picture in the mask"},

@@ -78,7 +78,10 @@ Input& AddImageInput(Operator& tool)
 Input& AddMaskInput(Operator& tool)
 {
     return tool.AddInput("EffectMask",
-                         {{IAS_Name, "Effect Mask"}, {IAS_DataType, CLSID_DataType_Mask}});
+                         {{IAS_Name, "Effect Mask"},
+                          {IAS_Help, "The tool whose alpha limits what this one does"},
+                          {IAS_Control, CLSID_InputControl_Image},
+                          {IAS_DataType, CLSID_DataType_Mask}});
 }
 
 double NumberAt(const Operator& tool, const char* id, double time)

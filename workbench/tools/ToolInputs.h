@@ -17,6 +17,9 @@ inline constexpr u32 SLCS_HighName = 0x30050002; // and the high end
 inline constexpr u32 CMBS_Entry = 0x30050000;    // the text of an entry, once for each
 inline constexpr u32 LBL_Rows = 0x10050000;      // number of inputs that a nest folds
 
+/// The inspector's choice of the tool that an image input is connected to.
+inline constexpr char CLSID_InputControl_Image[] = "ImageControl";
+
 /// What a number input with a slider needs; further tags follow in the list given to AddSlider.
 struct SliderSpec {
     const char* id;

@@ -1,5 +1,6 @@
 #include "system/controls/InputMenu.h"
 
+#include "system/controls/Connections.h"
 #include "system/controls/InputControl_p.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ namespace {
 
 constexpr unsigned int commandsPerInput = 0x100;
 constexpr std::size_t maximumInputs = InputControl::FirstOwnMenuId / commandsPerInput;
-constexpr unsigned int firstConnection = 0x40; // plus the position of the tool in the document
+constexpr unsigned int firstConnection = 0x40; // plus the place among ConnectionsOf
 
 struct Context {
     InputControl& control;
@@ -250,19 +251,12 @@ void AddCommand(Menu& menu, const Context& at, const Command& command, unsigned 
         menu.Add(base + command.id, text, enabled);
 }
 
-/// The tools whose output could feed the input, by their position in the document.
-void AddConnections(Menu& menu, const Context& at, unsigned int base)
+void AddSources(Menu& menu, const Context& at, unsigned int base)
 {
     if (!TakesImage(at) || !at.document)
         return;
     Menu tools = menu.AddSubmenu(InputControl::tr("Connect &To"));
-    const auto& all = at.document->Tools();
-    const std::size_t room = commandsPerInput - firstConnection;
-    for (std::size_t i = 0; i < std::min(all.size(), room); ++i) {
-        if (all[i].Get() != &at.input.Owner())
-            tools.AddCheck(base + firstConnection + unsigned(i), all[i]->GetName(),
-                           at.input.GetSource() == all[i].Get(), IsEditable(at));
-    }
+    AddConnections(tools, at.input, base + firstConnection, commandsPerInput - firstConnection);
 }
 
 void AddEntries(Menu& menu, const Context& at, unsigned int base)
@@ -281,21 +275,7 @@ void AddEntries(Menu& menu, const Context& at, unsigned int base)
             AddCommand(menu, at, *command, base);
         }
     }
-    AddConnections(menu, at, base);
-}
-
-bool ConnectTo(const Context& at, std::size_t position)
-{
-    if (!at.document || position >= at.document->Tools().size() || !TakesImage(at) ||
-        !IsEditable(at))
-        return false;
-    Operator* source = at.document->Tools()[position].Get();
-    const UndoGroup group(at.document, at.Undo("Connect %1"));
-    if (at.input.Connect(source))
-        return true;
-    at.control.Report(InputControl::tr("%1 can't be connected to %2: it would feed itself")
-                          .arg(at.input.GetName(), source->GetName()));
-    return false;
+    AddSources(menu, at, base);
 }
 
 } // namespace
@@ -324,7 +304,7 @@ bool Run(InputControl& control, unsigned int id)
     if (!at || number == 0)
         return false;
     if (number >= firstConnection)
-        return ConnectTo(*at, number - firstConnection);
+        return IsEditable(*at) && RunConnection(at->input, number - firstConnection);
     const auto* found = std::find_if(std::begin(commands), std::end(commands),
                                      [number](const Command& c) { return c.id == number; });
     return found != std::end(commands) && (!found->visible || found->visible(*at)) &&

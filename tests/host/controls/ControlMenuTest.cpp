@@ -1,4 +1,5 @@
 #include "host/controls/Probe.h"
+#include "system/controls/Connections.h"
 
 #include <QClipboard>
 #include <QMenu>
@@ -139,17 +140,29 @@ private slots:
         Operator* source = Open(inputs);
         source->SetName("Source");
         Open(inputs);
-        QCOMPARE(Texts(), QStringList({"[Disconnect]", "Connect To/Source", "Probe"}));
+        QCOMPARE(Texts(),
+                 QStringList({"[Disconnect]", "Connect To/None*", "Connect To/Source", "Probe"}));
         QVERIFY(Run("Connect To/Source"));
         QCOMPARE(input_->GetSource(), source);
         QVERIFY(Has("Connect To/Source*"));
+        QCOMPARE(History().UndoText(), QString("Connect Mask"));
         // The other way round would make a loop.
         page_->SetOperator(source);
         a_ = Of("a");
-        QSignalSpy problems(page_.get(), &ControlWnd::Problem);
-        QVERIFY(!Run("Connect To/" + tool_->GetName()));
-        QCOMPARE(problems.size(), 1);
+        QVERIFY(Texts().contains("[Connect To/" + tool_->GetName() + ']'));
+        Input& back = *source->FindInput("a");
+        const std::vector<Connection> others = ConnectionsOf(back);
+        QCOMPARE(others.size(), std::size_t(2));
+        QVERIFY(others[1].tool == tool_ && !others[1].can);
+        QVERIFY(others[1].tip.contains("would feed itself"));
+        QVERIFY(!RunConnection(back, 1));
         page_->SetOperator(tool_);
+        tool_->SetLocked(true);
+        Menu locked;
+        AddConnections(locked, *tool_->FindInput("a"), 1);
+        QVERIFY(!locked.Entries()[0].enabled && !locked.Entries()[1].enabled);
+        QCOMPARE(locked.Entries()[1].tip, QString("The tool is locked."));
+        tool_->SetLocked(false);
         a_ = Of("a");
         QVERIFY(Run("Disconnect"));
         QVERIFY(!input_->GetSource());
