@@ -133,6 +133,27 @@ bool hasFollower(const PolyLine& shape, const std::string& tool)
                        [&tool](const PointLink& link) { return follows(link, tool); });
 }
 
+/// Points of the input's shapes whose links `are` of the kind stay where they are and follow no
+/// more.
+template <class Are>
+void release(const MarloxDoc& document, Input& input, Are are)
+{
+    Input::State state = input.GetState();
+    const auto released = [&](const PolyLine& shape, double time) -> Ref<PolyLine> {
+        if (std::none_of(shape.Links().begin(), shape.Links().end(), are))
+            return {};
+        const Ref<PolyLine> copy = shape.CopyShape();
+        PlaceLinkedPoints(input, time == TimeNone ? document.CurrentTime() : time, *copy);
+        for (const PointLink& link : shape.Links()) {
+            if (are(link))
+                copy->RemoveLink(link.point);
+        }
+        return copy;
+    };
+    if (shapeIn(state.value) && replaceShapes(state, released))
+        input.ChangeTo(std::move(state), Input::EvenIfLocked);
+}
+
 } // namespace
 
 Ref<PolyLine> ResolvedShape(const Input& shape, double time)
@@ -238,23 +259,25 @@ void ReleaseFollowers(const MarloxDoc& document, const Operator& tool)
     const std::string name = tool.GetName().toStdString();
     for (const Ref<Operator>& other : document.Tools()) {
         for (const Ref<Input>& input : other->Inputs()) {
-            if (other.Get() == &tool || !shapeIn(input->GetState().value))
-                continue;
-            Input::State state = input->GetState();
-            const auto release = [&](const PolyLine& shape, double time) -> Ref<PolyLine> {
-                if (!hasFollower(shape, name))
-                    return {};
-                const Ref<PolyLine> released = shape.CopyShape();
-                PlaceLinkedPoints(*input, time == TimeNone ? document.CurrentTime() : time,
-                                  *released);
-                for (const PointLink& link : shape.Links()) {
-                    if (follows(link, name))
-                        released->RemoveLink(link.point);
-                }
-                return released;
-            };
-            if (replaceShapes(state, release))
-                input->ChangeTo(std::move(state), Input::EvenIfLocked);
+            if (other.Get() != &tool)
+                release(document, *input,
+                        [&](const PointLink& link) { return follows(link, name); });
+        }
+    }
+}
+
+void ReleaseFollowers(const Input& shape, const std::vector<u32>& points)
+{
+    const MarloxDoc* const document = shape.GetDoc();
+    const std::string name = shape.Owner().GetName().toStdString();
+    for (const Ref<Operator>& tool : document ? document->Tools() : std::vector<Ref<Operator>>()) {
+        const bool isOwn = tool.Get() == &shape.Owner();
+        for (const Ref<Input>& input : tool->Inputs()) {
+            release(*document, *input, [&](const PointLink& link) {
+                const bool isFollower = follows(link, name) || (isOwn && follows(link, {}));
+                return isFollower && MxID(link.input.c_str()) == shape.GetID() &&
+                       std::find(points.begin(), points.end(), link.target) != points.end();
+            });
         }
     }
 }

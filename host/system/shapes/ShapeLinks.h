@@ -47,5 +47,8 @@ void RenameToolInLinks(Input::State& state, const std::string& from, const std::
 /// Before a tool leaves the document: points of other tools that follow its points stay where they
 /// are and follow no more, as undo steps.
 void ReleaseFollowers(const MarloxDoc& document, const Operator& tool);
+/// The same for points of one shape that are no longer to be followed, by their ids; also those of
+/// other shapes of its tool.
+void ReleaseFollowers(const Input& shape, const std::vector<u32>& points);
 
 } // namespace Marlox

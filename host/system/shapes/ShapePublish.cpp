@@ -202,6 +202,10 @@ int UnpublishPoints(Input& shape, const SelMask& mask)
     if (shape.Owner().IsLocked() || points.empty())
         return 0;
     const Group group(shape, "Unpublishing points");
+    std::vector<u32> ids;
+    for (const PolyPoint& point : points)
+        ids.push_back(point.id);
+    ReleaseFollowers(shape, ids);
     // Keys between those of an animated shape would bend the ways of its other points.
     const int count =
         unlink(shape, points, shape.IsAnimated() ? std::vector<double>() : keyTimesOf(inputs));

@@ -198,6 +198,33 @@ private slots:
         QVERIFY(near(ShapeOf(following, 0)->First()->Place(), {0.3, 0.2}));
     }
 
+    void unpublishingLeavesFollowersWhereTheyAre()
+    {
+        Operator* const second = follower();
+        QVERIFY(second);
+        Input& following = *second->FindInput("Polyline");
+        Input& own = *tool_->FindInput("Polyline2");
+        own.SetValue(*line({{0.25, 0.5}, {0.9, 0.9}}), TimeNone);
+        PublishPoints(shape(), mask(3, {1}));
+        QCOMPARE(SetPointsToFollow(own, mask(2, {0}), 0, {0.02, 0.02}), 1);
+        QCOMPARE(SetPointsToFollow(following, mask(2, {0}), 0, {0.02, 0.02}), 1);
+        point("Point0").SetValue(Point(0.1, 0.2), 0);
+        history().Clear();
+        QCOMPARE(UnpublishPoints(shape(), mask(3, {1})), 1); // followed by none
+        QCOMPARE(ShapeOf(following, 0)->Links().size(), std::size_t(1));
+        history().Clear();
+        QCOMPARE(UnpublishPoints(shape(), mask(3, {0})), 1);
+        QCOMPARE(history().Stack().count(), 1);
+        for (const Input* input : {&following, &own}) {
+            QVERIFY(ShapeOf(*input, 0)->Links().empty());
+            QVERIFY(near(ShapeOf(*input, 0)->First()->Place(), {0.1, 0.2}));
+        }
+        history().Undo();
+        QCOMPARE(ShapeOf(own, 0)->Links().size(), std::size_t(1));
+        point("Point0").SetValue(Point(0.3, 0.4), 0);
+        QVERIFY(near(at(following, 0), {0.3, 0.4}));
+    }
+
     void loopsStayWhereTheyAre()
     {
         Input& other = *tool_->FindInput("Polyline2");
