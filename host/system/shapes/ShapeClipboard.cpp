@@ -155,8 +155,11 @@ void insertPoints(PolyLine& shape, int behind, const PolyLine& from, u32 firstID
     for (PolyPoint& point : added)
         point.id = firstID++;
     const int at = behind >= 0 && behind < int(points.size()) ? behind + 1 : int(points.size());
+    const bool wasEmpty = points.empty();
     points.insert(points.begin() + at, added.begin(), added.end());
     shape.SetPoints(std::move(points));
+    if (wasEmpty && from.IsClosed())
+        shape.Close();
 }
 
 bool pastePoints(Input& to, const SelMask& mask, const ShapeClip& clip, ShapePlace offset,
@@ -269,6 +272,8 @@ std::optional<ShapeClip> CopyPathPoints(const Input& input, const SelMask& mask,
     return copyOf(input, ShapeClip::Kind::PathPoints, [&](const PolyLine& value) {
         const Ref<PolyLine> part = PolyLine::Create(value.GetDataType());
         part->SetPoints(segmentOf(value, first, std::min(length, value.GetCount())));
+        if (value.IsClosed() && length >= value.GetCount()) // nothing but all of it goes round
+            part->Close();
         return part;
     });
 }

@@ -46,8 +46,9 @@ MARLOXSYSTEM_EXPORT std::optional<ShapeClip> CopyPathValue(const Input& input, c
 /// A shape replaces the one that is there, with all keys; links of points that are gone go, too.
 /// Path points take the places of the selected points, of which there must be as many, and with
 /// none selected come in behind the last one clicked (`mask`'s last), else at the end; at each key
-/// of the shape as they were at that time. Keys of a point become points of a path, or keys of a
-/// Point input. A place moves the selected points so that the last one gets there, at `time`.
+/// of the shape as they were at that time. All points of a closed shape close an empty one. Keys of
+/// a point become points of a path, or keys of a Point input. A place moves the selected points so
+/// that the last one gets there, at `time`.
 ///
 /// False and `refusal` (empty: the tool is locked): nothing was changed.
 MARLOXSYSTEM_EXPORT bool PasteClip(Input& to, const SelMask& mask, double time,

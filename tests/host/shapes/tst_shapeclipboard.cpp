@@ -90,6 +90,26 @@ private slots:
         QVERIFY(near(dynamic_cast<PolyLine&>(*around.value).Points().front().Place(), {0.1, 0}));
     }
 
+    void allPointsOfClosedShapesCloseEmptyOnes()
+    {
+        Ref<PolyLine> closed = ShapeOf(shape(), 0)->CopyShape();
+        closed->Close();
+        shape().SetValue(*closed, TimeNone);
+        const ShapeClip all = copied(shape(), mask(3, {0, 1, 2}));
+        QVERIFY(paste(other(), {}, copied(shape(), mask(3, {0, 1}))));
+        QVERIFY(!ShapeOf(other(), 0)->IsClosed());
+        QVERIFY(paste(other(), {}, all)); // joins what is open
+        QVERIFY(!ShapeOf(other(), 0)->IsClosed());
+        other().SetValue(PolyLine(), TimeNone);
+        QVERIFY(paste(other(), {}, all));
+        QVERIFY(ShapeOf(other(), 0)->IsClosed());
+        other().SetValue(PolyLine(), TimeNone);
+        other().AddKey(0);
+        QVERIFY(paste(other(), {}, all));
+        QVERIFY(ShapeOf(other(), 0)->IsClosed());
+        QCOMPARE(ShapeOf(other(), 0)->GetCount(), 3);
+    }
+
     void placesAndKeysOfPoints()
     {
         SelMask two = mask(3, {0, 1});
