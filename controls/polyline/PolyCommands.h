@@ -6,6 +6,7 @@
 
 namespace Marlox {
 
+class Operator;
 class PolyLineControl;
 class PolyView;
 
@@ -48,6 +49,8 @@ void CreateSpiral(PolyLineControl& control);
 void ConvertToBezier(PolyLineControl& control);
 void ConvertToBSpline(PolyLineControl& control);
 void ConvertPathToXY(PolyLineControl& control);
+/// The tool whose path moves the shape, or is the shape; null: there is none.
+Operator* PathOf(const PolyLineControl& control);
 
 // Points moved, more of them or fewer (PolyCommandsAlter.cpp).
 void SmoothPointsDefault(PolyLineControl& control);
@@ -71,7 +74,7 @@ void UnpublishSelected(PolyLineControl& control);
 void PublishSelectedToPath(PolyLineControl& control);
 void PublishSelectedToXYPath(PolyLineControl& control);
 void PublishSelectedToTracker(PolyLineControl& control);
-void FollowPublishedPoints(PolyLineControl& control);
+void ToggleFollowPublished(PolyLineControl& control); // points that all follow do so no more
 
 // What shows (PolyCommandsShow.cpp).
 void ToggleShapeBox(PolyLineControl& control);

@@ -242,23 +242,6 @@ void Convert(PolyLineControl& control, const char* text, const KeysOperation& op
                                                   "points, and as many in all of its keys."));
 }
 
-/// The tool whose path moves the shape, or is the shape.
-Operator* PathOf(PolyLineControl& control)
-{
-    Operator* const own = control.GetOperator(nullptr);
-    if (dynamic_cast<PathModifier*>(own))
-        return own;
-    const Input* center = control.BoundInput(PLCID_Center);
-    if (!own || !own->GetDoc() || !center || !center->HasExpression())
-        return nullptr;
-    for (const Ref<Operator>& tool : own->GetDoc()->Tools()) {
-        if (dynamic_cast<PathModifier*>(tool.Get()) &&
-            center->GetExpression() == ExpressionFor(*tool, "Position"))
-            return tool.Get();
-    }
-    return nullptr;
-}
-
 } // namespace
 
 void CreateEllipse(PolyLineControl& control)
@@ -291,13 +274,31 @@ void ConvertToBSpline(PolyLineControl& control)
             });
 }
 
+Operator* PathOf(const PolyLineControl& control)
+{
+    const Input* const shape = control.ShapeInput(InnerPolygon);
+    if (!shape || !shape->GetDoc())
+        return nullptr;
+    if (dynamic_cast<PathModifier*>(&shape->Owner()))
+        return &shape->Owner();
+    const Input* center = control.BoundInput(PLCID_Center);
+    if (!center || !center->HasExpression())
+        return nullptr;
+    for (const Ref<Operator>& tool : shape->GetDoc()->Tools()) {
+        if (dynamic_cast<PathModifier*>(tool.Get()) &&
+            center->GetExpression() == ExpressionFor(*tool, "Position"))
+            return tool.Get();
+    }
+    return nullptr;
+}
+
 void ConvertPathToXY(PolyLineControl& control)
 {
     const auto alive = Ref<PolyLineControl>::Share(&control);
     Operator* const path = PathOf(control);
     if (!path || !ConvertToXYPath(*path))
         HostDialogs::Get().Message(HostDialogs::Kind::Warning,
-                                   QStringLiteral("No point is moved by a path here."));
+                                   QStringLiteral("What the path moves is locked."));
 }
 
 void ToggleEditPoint(PolyLineControl& control)

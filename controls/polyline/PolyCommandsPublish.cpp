@@ -1,7 +1,7 @@
 // Publishing points, and letting them follow.
 
 #include "controls/polyline/PolyCommands.h"
-#include "controls/polyline/PolyLineControl.h"
+#include "controls/polyline/PolyRules.h"
 #include "system/controls/HostDialogs.h"
 #include "system/document/MarloxDoc.h"
 #include "system/shapes/ShapePublish.h"
@@ -74,17 +74,22 @@ void PublishSelectedToTracker(PolyLineControl& control)
     TellFailure(error);
 }
 
-void FollowPublishedPoints(PolyLineControl& control)
+void ToggleFollowPublished(PolyLineControl& control)
 {
+    constexpr char text[] = "Set Points to follow";
+    if (PolyRules::AllFollow(control)) {
+        ForSelected(control, text,
+                    [](Input& shape, const SelMask& mask) { StopFollowing(shape, mask); });
+        return;
+    }
     if (!control.View())
         return;
     const PolyView view(*control.View(), control.Placement());
     const ShapePlace pixels = view.PixelSize();
     const ShapePlace tolerance{view.Tolerance() / pixels.x, view.Tolerance() / pixels.y};
     const double time = control.CurrentTime();
-    ForSelected(control, "Set Points to follow", [=](Input& shape, const SelMask& mask) {
-        if (SetPointsToFollow(shape, mask, time, tolerance) == 0)
-            StopFollowing(shape, mask); // nothing is near: they are free again
+    ForSelected(control, text, [=](Input& shape, const SelMask& mask) {
+        SetPointsToFollow(shape, mask, time, tolerance);
     });
 }
 

@@ -46,7 +46,7 @@ constexpr std::array<OverlayPoint, 16> brackets{{{-7, -4},
 constexpr std::array<OverlayPoint, 4> diamond{{{-4, 0}, {0, -4}, {4, 0}, {0, 4}}};
 constexpr std::array<OverlayPoint, 8> disc{
     {{2.5, 1}, {1, 2.5}, {-1, 2.5}, {-2.5, 1}, {-2.5, -1}, {-1, -2.5}, {1, -2.5}, {2.5, -1}}};
-constexpr std::array<OverlayPoint, 4> cross{{{-5, -5}, {5, 5}, {-5, 5}, {5, -5}}};
+constexpr std::array<OverlayPoint, 4> cross{{{-6, -6}, {6, 6}, {-6, 6}, {6, -6}}};
 constexpr std::array<OverlayPoint, 4> plus{{{-5, 0}, {5, 0}, {0, -5}, {0, 5}}};
 constexpr std::array<OverlayPoint, 12> ring{{{7, 0},
                                              {6.06, 3.5},
@@ -133,8 +133,10 @@ public:
         if (edits_)
             DrawKnobs();
         DrawPoints();
-        if (edits_)
-            DrawSingles();
+        if (!edits_)
+            return;
+        DrawSingles();
+        DrawLocked();
     }
 
 private:
@@ -213,7 +215,6 @@ private:
         const double step = leastStep * Scale();
         SparseMarks plain(step);
         SparseMarks selected(step);
-        std::vector<OverlayPoint> locked;
         std::vector<OverlayPoint> published;
         std::vector<OverlayPoint> following;
         const SelMask& mask = editor_.Selection(polygon_);
@@ -225,8 +226,6 @@ private:
                 selected.Add(at);
             else if (settings_.showKeyPoints && edits_)
                 plain.Add(at);
-            if (point.Has(PPF_Locked) && edits_)
-                locked.push_back(at);
         }
         for (const PointLink& link : shape_.Links()) {
             if (const PolyPoint* point = shape_.GetPoint(shape_.GetIndex(link.point)))
@@ -239,6 +238,16 @@ private:
         painter_.Marks(Shape::Loop, smallSquare, plain.places, Scale());
         painter_.SetColor(OverlayColor::Highlight, isActive_ ? 1.0 : otherOpacity);
         painter_.Marks(Shape::Fill, largeSquare, selected.places, Scale());
+    }
+
+    /// Above what the points show besides, and reaching beyond what the pointer makes grow.
+    void DrawLocked()
+    {
+        std::vector<OverlayPoint> locked;
+        for (const PolyPoint& point : shape_.Points()) {
+            if (point.Has(PPF_Locked))
+                locked.push_back(At(point.Place()));
+        }
         MxColor white(255, 255, 255); // which stands out from what it crosses out
         white.alpha = u8(std::lround(255.0 * opacity_));
         painter_.SetColor(white);

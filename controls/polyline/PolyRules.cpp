@@ -1,6 +1,7 @@
 #include "controls/polyline/PolyRules.h"
 
-#include "system/shapes/PathModifier.h"
+#include "controls/polyline/PolyCommands.h"
+#include "system/shapes/PathAnimation.h"
 
 namespace Marlox::PolyRules {
 
@@ -111,13 +112,34 @@ bool IsPublished(const C& c)
 
 bool Follows(const C& c)
 {
-    return c.Settings().followExternMatchPoint;
+    return c.Settings().followExternMatchPoint || AllFollow(c);
+}
+
+bool AllFollow(const C& c)
+{
+    bool any = false;
+    for (int polygon = 0; polygon < PolygonCount; ++polygon) {
+        const PolyLine* const shape = c.Editor().Shape(polygon);
+        for (const int index : shape ? c.Editor().Selection(polygon).Items() : std::vector<int>()) {
+            const PolyPoint* const point = shape->GetPoint(index);
+            const PointLink* const link = point ? shape->LinkOf(point->id) : nullptr;
+            if (!link)
+                return false;
+            any = any || link->kind == PointLink::Kind::Follows; // published ones can't
+        }
+    }
+    return any;
 }
 
 bool IsMovedByPath(const C& c)
 {
-    return c.BoundInput(PLCID_Center) ||
-           dynamic_cast<PathModifier*>(&c.ShapeInput(InnerPolygon)->Owner());
+    const Operator* const path = PathOf(c);
+    return path && MovesPoints(*path);
+}
+
+bool IsPathUnlocked(const C& c)
+{
+    return !PathOf(c)->IsLocked();
 }
 
 bool KeepsKeys(const C& c)

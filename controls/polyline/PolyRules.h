@@ -57,7 +57,10 @@ bool HasLastSelected(const PolyLineControl& c);
 bool Publishes(const PolyLineControl& c);
 bool IsPublished(const PolyLineControl& c);
 bool Follows(const PolyLineControl& c);
+/// Whether all selected points that can follow others do.
+bool AllFollow(const PolyLineControl& c);
 bool IsMovedByPath(const PolyLineControl& c);
+bool IsPathUnlocked(const PolyLineControl& c);
 bool KeepsKeys(const PolyLineControl& c);
 bool HasPickedColor(const PolyLineControl& c);
 bool Never(const PolyLineControl& c);
@@ -124,7 +127,9 @@ inline constexpr auto unpublishes =
     Also(hasSelection, IsPublished, "None of the selected points is published.");
 inline constexpr auto follows =
     Also(hasSelection, Follows, "Following published points is turned off for this shape.");
-inline constexpr auto hasPath = Also(edits, IsMovedByPath, "No path moves the shape.");
+inline constexpr auto hasPath =
+    Also(Also(edits, IsMovedByPath, "No point is moved by a path here."), IsPathUnlocked,
+         "The path is locked.");
 inline constexpr std::array listed{PolyRule{KeepsKeys, "The shape is not animated."}};
 inline constexpr std::array picked{PolyRule{HasPickedColor, "No color was chosen."}};
 inline constexpr std::array never{

@@ -4,6 +4,7 @@
 #include "plugin/PolyRig.h"
 #include "script/ScriptSystem.h"
 #include "system/controls/Menu.h"
+#include "system/shapes/ShapePublish.h"
 #include "system/viewer/ToolGroup.h"
 #include "system/viewer/ToolbarEvents.h"
 
@@ -85,6 +86,7 @@ private slots:
     void RotoUndoConcernsOneView();
     void WindowsBelongToTheViews();
     void DialogsOutliveTheirTool();
+    void FollowingIsTurnedOnAndOff();
 };
 
 void OverlayPolylineActionsTest::GroupsAreDeclared()
@@ -229,6 +231,8 @@ void OverlayPolylineActionsTest::LockedToolsShowWhatIsAsked()
     QVERIFY(RunEntry(rig, "Handles"));
     QCOMPARE(rig.Poly().GetAttr(PLC_ShowHandles), int64(1)); // in this view
     QCOMPARE(rig.InputOf("Polyline").GetAttr(PLC_ShowHandles), int64(0));
+    QVERIFY(rig.Key(Qt::Key_H) && rig.Key(Qt::Key_H)); // by keys too
+    QVERIFY(!rig.Key(Qt::Key_S) && !rig.Key(Qt::Key_Delete, 0) && !rig.Key(Qt::Key_Left, 0));
     rig.tool->SetLocked(false);
     QVERIFY(RunEntry(rig, "Handles"));
     QVERIFY(RunEntry(rig, "Handles"));
@@ -340,6 +344,38 @@ void OverlayPolylineActionsTest::DialogsOutliveTheirTool()
     RunEntry(rig, QString::fromUtf8("Subdivide…"));
     QCOMPARE(dialogs.said, QStringList());
     QCOMPARE(rig.document->Undo().Depth(), 0);
+}
+
+void OverlayPolylineActionsTest::FollowingIsTurnedOnAndOff()
+{
+    PolyRig rig;
+    rig.SetSquare();
+    rig.SetSquare("Polyline2", 0.251);
+    SelMask first(4);
+    first.DoSet(0, SelMask::Select);
+    PublishPoints(rig.InputOf("Polyline2"), first);
+    rig.SetMode(ModifyOnly);
+    rig.document->Undo().Clear();
+    rig.Click({200, 100});
+    const auto links = [&rig] { return rig.Shape()->Links().size(); };
+    QVERIFY(Button(rig, "Follow Points").enabled && !Button(rig, "Follow Points").checked);
+    QVERIFY(rig.Key(Qt::Key_F));
+    QCOMPARE(links(), std::size_t(1));
+    QVERIFY(Button(rig, "Follow Points").checked);
+    QVERIFY(FindEntry(ContextMenu(rig), "Follow Published Points")->checked);
+    rig.SetPoint("Point0", 0.3, 0.3);
+    rig.document->Undo().Clear();
+    QVERIFY(rig.Key(Qt::Key_F));
+    QCOMPARE(links(), std::size_t(0));
+    QVERIFY(!Button(rig, "Follow Points").checked);
+    QCOMPARE(rig.Place(0), std::string("220 110")); // where it was seen
+    QCOMPARE(rig.UndoTexts(), QStringList("Set Points to follow"));
+    rig.document->Undo().Undo();
+    QCOMPARE(links(), std::size_t(1));
+    rig.Click({400, 100}, KeyShift); // has nothing to follow
+    QVERIFY(!Button(rig, "Follow Points").checked);
+    rig.Key(Qt::Key_F);
+    QCOMPARE(links(), std::size_t(1));
 }
 
 QTEST_MAIN(OverlayPolylineActionsTest)

@@ -15,6 +15,7 @@ private slots:
     void TheBoxKeepsOffThePoints();
     void PolygonsAreLinkedWhereEdited();
     void PivotAndReachedPlaceAreMarked();
+    void LockedPointsAreCrossedOutAboveAll();
 };
 
 namespace {
@@ -127,6 +128,21 @@ void OverlayPolylineDrawTest::PivotAndReachedPlaceAreMarked()
     rig.Poly().SetAttrsTagList(TagList({{PLCID_Center, "Center"}, {PLCID_Size, "Size"}}));
     rig.SetPoint("Center", 0.6, 0.4);
     QVERIFY(Has(rig, "normal lines at (340, 130) x 1"));
+}
+
+void OverlayPolylineDrawTest::LockedPointsAreCrossedOutAboveAll()
+{
+    PolyRig rig;
+    rig.SetSquare();
+    rig.SetMode(ModifyOnly);
+    rig.Click({200, 100});
+    QVERIFY(RunEntry(rig, "Lock Points"));
+    rig.stage->Move({200, 101}, 0); // makes it grow
+    const std::string drawn = rig.Drawn();
+    const std::size_t cross = drawn.find("lines at (200, 100) x 1: (-6, -6)");
+    QVERIFY2(cross != std::string::npos, drawn.c_str());
+    QVERIFY(drawn.find("fill at (200, 100) x 1.5") < cross);
+    QCOMPARE(drawn.find("fill at (200, 100)", cross), std::string::npos);
 }
 
 QTEST_MAIN(OverlayPolylineDrawTest)

@@ -249,8 +249,20 @@ void OverlayPolylineFormsTest::ConversionIsRefused()
     QCOMPARE(rig.UndoEntries(), 0);
     QVERIFY(!RunEntry(rig, "Convert to XYPath")); // no path, no entry
     rig.InputOf("Polyline").SetAttrsTagList(TagList({{PLCID_Center, "Center"}}));
-    QVERIFY(RunEntry(rig, "Convert to XYPath"));
-    QCOMPARE(dialogs.said.last(), QString("No point is moved by a path here."));
+    const auto entry = [&rig] {
+        Menu menu;
+        TagList tags;
+        rig.Poly().AddToMenu(&menu, tags);
+        return *FindEntry(menu.Entries(), "Convert to XYPath");
+    };
+    QVERIFY(!entry().enabled);
+    QCOMPARE(entry().tip, QString("No point is moved by a path here."));
+    Operator* const path = AnimateWithPath(rig.InputOf("Center"));
+    QVERIFY(path && entry().enabled);
+    path->SetLocked(true);
+    QVERIFY(!entry().enabled);
+    QCOMPARE(entry().tip, QString("The path is locked."));
+    QCOMPARE(dialogs.said.size(), 1);
 }
 
 void OverlayPolylineFormsTest::ConvertsPaths()

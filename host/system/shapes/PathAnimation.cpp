@@ -145,6 +145,11 @@ Operator* AnimateWithPath(Input& point, QString* error)
     return done ? tool : nullptr;
 }
 
+bool MovesPoints(const Operator& path)
+{
+    return path.GetDoc() && path.FindInput("Position") && !readersOf(path).empty();
+}
+
 bool ConvertToXYPath(Operator& path)
 {
     MarloxDoc* const document = path.GetDoc();

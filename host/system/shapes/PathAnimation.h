@@ -17,6 +17,8 @@ MARLOXSYSTEM_EXPORT Operator* AnimateWithPath(Input& point, QString* error = nul
 /// the path's first and last key, and removes the path unless something else still reads it. One
 /// undo entry. False: nothing reads its position.
 MARLOXSYSTEM_EXPORT bool ConvertToXYPath(Operator& path);
+/// Whether a point input reads the path's position.
+MARLOXSYSTEM_EXPORT bool MovesPoints(const Operator& path);
 
 /// How an expression reads a result of a tool.
 MARLOXSYSTEM_EXPORT std::string ExpressionFor(const Operator& tool, const char* input);
