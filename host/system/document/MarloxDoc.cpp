@@ -1,6 +1,7 @@
 #include "system/document/MarloxDoc.h"
 
 #include "system/document/Autosave.h"
+#include "system/document/BulkChange.h"
 #include "system/document/DocumentFlow.h"
 #include "system/document/DocumentText.h"
 #include "system/document/Preferences.h"
@@ -12,6 +13,7 @@
 #include <utility>
 
 #include <QRegularExpression>
+#include <QSet>
 
 namespace Marlox {
 
@@ -93,17 +95,18 @@ int MarloxDoc::IndexOf(const Operator& tool) const
 
 QString MarloxDoc::UniqueName(const QString& wanted, const Operator* except) const
 {
-    const auto isFree = [this, except](const QString& name) {
-        const Operator* taker = FindTool(name);
-        return !taker || taker == except;
-    };
-    if (isFree(wanted))
+    QSet<QString> taken;
+    for (const Ref<Operator>& tool : tools_) {
+        if (tool.Get() != except)
+            taken.insert(tool->name_);
+    }
+    if (!taken.contains(wanted))
         return wanted;
     static const QRegularExpression trailingNumber(QStringLiteral("^(.*?)([0-9]{0,9})$"));
     const auto parts = trailingNumber.match(wanted);
     for (int number = parts.captured(2).toInt() + 1;; ++number) {
         const QString name = parts.captured(1) + QString::number(number);
-        if (isFree(name))
+        if (!taken.contains(name))
             return name;
     }
 }
@@ -300,6 +303,8 @@ void MarloxDoc::TellInputChanged(Input& input)
 /// what tools compute, and shapes with points that feed inputs or follow other shapes.
 void MarloxDoc::TellExpressions(const Input* except)
 {
+    if (BulkChange::Postpone(*undo_, *this, [this] { TellExpressions(nullptr); }))
+        return;
     std::vector<Ref<Input>> told;
     for (const Ref<Operator>& tool : tools_) {
         for (const Ref<Input>& input : tool->Inputs()) {

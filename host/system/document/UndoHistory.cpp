@@ -1,5 +1,7 @@
 #include "system/document/UndoHistory.h"
 
+#include "system/document/BulkChange.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -212,6 +214,7 @@ void UndoHistory::Replay(void (QUndoStack::*way)())
     if (replaying_)
         return; // a listener of a step asked; the stack is in the middle of something
     CloseAll();
+    const BulkChange bulk(*this); // an entry may have very many steps
     replaying_ = true;
     (stack_.*way)();
     replaying_ = false;

@@ -1,21 +1,16 @@
-// Which overlays a view shows, and drawing them.
+// Which overlays a view shows.
 
 #include "system/viewer/OverlayStage.h"
 
+#include "system/document/BulkChange.h"
 #include "system/document/MarloxDoc.h"
-#include "system/resources/Resources.h"
-#include "system/viewer/OverlayPainter.h"
 
 #include <algorithm>
 #include <utility>
 
-#include <QTimer>
-
 namespace Marlox {
 
 namespace {
-
-constexpr int fadeStep = 16; // ms
 
 std::vector<OverlayStage*>& Stages()
 {
@@ -77,19 +72,24 @@ OverlayStage::OverlayStage(MarloxDoc& document, QObject* parent)
     view_.services = services_.get();
     connect(this, &OverlayStage::OverlaysChanged, this, &OverlayStage::ToolbarChanged);
     Stages().push_back(this);
-    connect(&document_, &MarloxDoc::ToolAdded, this, &OverlayStage::Rebuild);
-    connect(&document_, &MarloxDoc::ToolMoved, this, &OverlayStage::Rebuild);
+    connect(&document_, &MarloxDoc::ToolAdded, this, &OverlayStage::RebuildSoon);
+    connect(&document_, &MarloxDoc::ToolMoved, this, &OverlayStage::RebuildSoon);
     connect(&document_, &MarloxDoc::ToolAboutToBeRemoved, this,
             [this](Operator* tool) { LetGo(*tool); });
-    connect(&document_, &MarloxDoc::InputAdded, this, &OverlayStage::Rebuild);
-    connect(&document_, &MarloxDoc::InputRemoved, this, &OverlayStage::Rebuild);
+    connect(&document_, &MarloxDoc::InputAdded, this, &OverlayStage::RebuildSoon);
+    connect(&document_, &MarloxDoc::InputRemoved, this, &OverlayStage::RebuildSoon);
     connect(&document_, &MarloxDoc::InputAboutToBeRemoved, this,
             [this](Input* input) { LetGo(*input); });
     connect(&document_, &MarloxDoc::ToolChanged, this, &OverlayStage::Changed);
+    connect(&document_.Undo().Stack(), &QUndoStack::indexChanged, this, [this] {
+        if (dragged_ && document_.Undo().IsReplaying()) // what the drag began with is gone
+            CancelDrag();
+    });
     connect(&document_, &MarloxDoc::Cleared, this, [this] {
         EndDrag();
         if (tool_ && document_.IndexOf(*tool_) < 0)
             tool_ = nullptr;
+        heard_.clear(); // others may stand in the places of those that are gone
         Rebuild();
         kept_.clear();
     });
@@ -198,6 +198,24 @@ OverlayStage::Request OverlayStage::RequestOf(Input& main)
     return request;
 }
 
+/// At the end of a bulk of changes, or else at once.
+void OverlayStage::RebuildSoon()
+{
+    if (!BulkChange::Postpone(document_.Undo(), *this, [this] { Rebuild(); }))
+        Rebuild();
+}
+
+/// Also inputs that have no overlay yet: what they ask for may change.
+void OverlayStage::Hear(const Operator& tool)
+{
+    for (const Ref<Input>& input : tool.Inputs()) {
+        if (!heard_.insert(input.Get()).second)
+            continue;
+        input->RemoveNotify(listener_.Get(), "AttrsChanged");
+        input->AddNotify(listener_.Get(), "AttrsChanged");
+    }
+}
+
 void OverlayStage::Rebuild()
 {
     rebuilds_ = false;
@@ -217,13 +235,8 @@ void OverlayStage::Rebuild()
     }
     for (const Entry& entry : before)
         Discard(entry);
-    // Also those that have none yet: what they ask for may change.
-    for (const Ref<Operator>& tool : document_.Tools()) {
-        for (const Ref<Input>& input : tool->Inputs()) {
-            input->RemoveNotify(listener_.Get());
-            input->AddNotify(listener_.Get(), "AttrsChanged");
-        }
-    }
+    for (const Ref<Operator>& tool : document_.Tools())
+        Hear(*tool);
     for (const Entry& entry : entries_) {
         if (&entry.main->Owner() == tool_.Get() && !entry.overlay->IsActive())
             entry.overlay->SetActive(1, nullptr);
@@ -300,6 +313,7 @@ void OverlayStage::Discard(const Entry& entry)
 /// An input is about to leave its tool.
 void OverlayStage::LetGo(Input& input)
 {
+    heard_.erase(&input);
     input.RemoveNotify(listener_.Get());
     for (const Entry& entry : std::vector(entries_)) {
         const auto& inputs = entry.request.inputs;
@@ -318,8 +332,10 @@ void OverlayStage::LetGo(Operator& tool)
 {
     EndDrag();
     KeyUpAll();
-    for (const Ref<Input>& input : tool.Inputs())
+    for (const Ref<Input>& input : tool.Inputs()) {
+        heard_.erase(input.Get());
         input->RemoveNotify(listener_.Get());
+    }
     std::vector<Entry> gone;
     for (auto entry = entries_.begin(); entry != entries_.end();) {
         const bool its = &entry->main->Owner() == &tool;
@@ -349,63 +365,6 @@ void OverlayStage::SetShown(bool shown)
     view_.drawMode = shown ? DrawIdle : DrawHidden;
     TestHover();
     emit ToolbarChanged();
-    emit Changed();
-}
-
-// Drawing -----------------------------------------------------------------------------------------
-
-void OverlayStage::ReadColors()
-{
-    const auto look = [](const char* name, MxColor fallback) {
-        return LookPack::Global().Color(name, fallback);
-    };
-    const MxColor normal = look("Viewer.OverlayColour", {224, 224, 224});
-    const MxColor key = look("System.KeyColour", {124, 192, 148});
-    const MxColor quiet = look("Viewer.OverlayLockedColour", {132, 132, 132});
-    view_.colors = {normal,
-                    look("Viewer.OverlayHighlightColour", {255, 196, 92}),
-                    look("Viewer.OverlayOriginColour", {196, 144, 96}),
-                    MxColor(160, 160, 160, 160),
-                    look("Viewer.OverlayPathColour", {124, 192, 148, 200}),
-                    key};
-    normalColors_ = {normal, look("Viewer.OverlayAnimatedColour", {186, 220, 198}),
-                     key,    look("Controls.ExpressionColour", {230, 215, 135}),
-                     quiet,  look("System.AccentColour", {92, 158, 220})};
-}
-
-MxColor OverlayStage::NormalColor(const PreviewControl& overlay) const
-{
-    // What draws in one colour alone would not show that the pointer is on it.
-    if (&overlay == view_.currentControl && !overlay.MarksHover() && overlay.IsEditable())
-        return view_.Color(OverlayColor::Highlight);
-    return focusShows_ && &overlay == focus_ ? normalColors_.back()
-                                             : normalColors_[std::size_t(overlay.Condition())];
-}
-
-void OverlayStage::Draw(OverlayPainter& painter)
-{
-    if (!IsShown())
-        return;
-    ReadColors();
-    view_.painter = &painter;
-    view_.isFading = false;
-    painter.SetView(view_);
-    const std::vector<PreviewControl*> order = PickOrder();
-    for (auto overlay = order.rbegin(); overlay != order.rend(); ++overlay) {
-        const OverlayPainter::Saved saved(painter);
-        view_.colors[std::size_t(OverlayColor::Normal)] = NormalColor(**overlay);
-        (*overlay)->GLDrawControls(&view_, nullptr);
-    }
-    view_.painter = nullptr;
-    if (view_.isFading && !std::exchange(fades_, true))
-        QTimer::singleShot(fadeStep, this, &OverlayStage::StepFade);
-}
-
-void OverlayStage::StepFade()
-{
-    fades_ = false;
-    if (!IsDragging())
-        TestHover();
     emit Changed();
 }
 

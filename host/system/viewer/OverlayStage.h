@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 #include <optional>
+#include <unordered_set>
 #include <vector>
 
 #include <QObject>
@@ -131,7 +132,9 @@ private:
         Input* main; // whose IAS_Overlay asked for it
         Request request;
     };
+    void RebuildSoon();
     void Rebuild();
+    void Hear(const Operator& tool);
     static Request RequestOf(Input& main);
     std::vector<Input*> WantedInputs() const;
     Ref<PreviewControl> MakeOverlay(const Request& request);
@@ -173,6 +176,7 @@ private:
     };
     std::vector<Kept> kept_;
     Ref<Listener> listener_;
+    std::unordered_set<const Input*> heard_; // have it as their listener
     std::unique_ptr<Services> services_;
     PreviewInfo view_;
     std::array<MxColor, 6> normalColors_; // by OverlayCondition; then that of the focus

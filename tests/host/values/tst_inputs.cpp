@@ -1,5 +1,6 @@
 #include "KeysOf.h"
 #include "host/TestTools.h"
+#include "system/document/BulkChange.h"
 
 #include <limits>
 
@@ -297,6 +298,29 @@ private slots:
         gain.SetValue(Number(8), 0);
         QCOMPARE(counter.events.size(), std::size_t(1));
         QCOMPARE(count.GetNumber(0), 8.0);
+    }
+
+    void bulksTellExpressionsOnce()
+    {
+        input("Count").SetExpression("Gain");
+        input("Gain").SetValue(Number(1), 0);
+        history().Clear();
+        Counter counter;
+        input("Count").AddNotify(&counter, "ValueChanged");
+        history().Begin("Both");
+        {
+            const BulkChange bulk(history());
+            for (const double value : {2.0, 3.0})
+                input("Gain").SetValue(Number(value), 0);
+            input("Center").SetValue(Point(0.5, 0.5), 0);
+            QVERIFY(counter.events.empty());
+        }
+        QCOMPARE(counter.events.size(), std::size_t(1));
+        history().End();
+        history().Undo(); // two steps
+        QCOMPARE(counter.events.size(), std::size_t(2));
+        input("Gain").SetValue(Number(4), 0);
+        QCOMPARE(counter.events.size(), std::size_t(3));
     }
 };
 
