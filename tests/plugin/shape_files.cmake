@@ -1,6 +1,9 @@
 marlox_test(shape_import SOURCES
     ${PROJECT_SOURCE_DIR}/tests/host/shapes/import/ImportShapesTest.cpp
     ${PROJECT_SOURCE_DIR}/tests/host/shapes/import/ShapeFixtures.h)
+marlox_test(shape_import_details SOURCES
+    ${PROJECT_SOURCE_DIR}/tests/host/shapes/import/ImportDetailsTest.cpp
+    ${PROJECT_SOURCE_DIR}/tests/host/shapes/import/ShapeFixtures.h)
 # The writers are no part of a library that programs link.
 marlox_test(shape_writers SOURCES
     ShapeWritersTest.cpp

@@ -2,7 +2,9 @@
 
 #include "system/shapes/import/ImportMath_p.h"
 
+#include <array>
 #include <map>
+#include <span>
 
 namespace Marlox {
 
@@ -39,6 +41,11 @@ struct FxsObject {
 
     const FxsProperty* Find(const char* id) const;
 };
+
+/// How much the keys around a frame count that lies between `next` and the one before it: the two
+/// before the frame, and the two behind it; where there is one alone it stands for both. Smooth
+/// segments are Catmull-Rom splines over the keys' times.
+std::array<double, 4> FxsWeights(std::span<const FxsKey> keys, std::size_t next, double frame);
 
 struct FxsFile {
     FxsObject root;     // its children are what the file holds

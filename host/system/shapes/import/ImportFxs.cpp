@@ -121,6 +121,13 @@ void LayerChain::Check(ImportJob& job) const
     }
 }
 
+std::string LowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return char(std::tolower(c)); });
+    return text;
+}
+
 class FxsConverter {
 public:
     FxsConverter(ImportJob& job, const FxsFile& file)
@@ -130,10 +137,17 @@ public:
         if (!file.startFrame)
             job.Assume(0, "it does not tell the frame of its beginning");
     }
-    void Convert(const FxsObject& object, const LayerChain& chain, bool isVisible);
+    /// What a layer has and all that is in it takes over.
+    struct Inherited {
+        LayerChain chain;
+        bool isVisible = true;
+        bool isLocked = false;
+    };
+    void Convert(const FxsObject& object, const Inherited& outer);
 
 private:
-    void ConvertShape(const FxsObject& object, const LayerChain& chain, bool isVisible);
+    void ConvertShape(const FxsObject& object, const Inherited& layer);
+    void NoteLayer(const FxsObject& layer);
     void SetKind(ImportedShape& shape, const FxsProperty& path);
     void SetKeys(ImportedShape& shape, const FxsProperty& path, const LayerChain& chain);
     void SetRest(ImportedShape& shape, const FxsObject& object);
@@ -164,11 +178,16 @@ std::vector<PolyPoint> FxsConverter::PointsAt(std::span<const FxsKey> keys, doub
     std::vector<PolyPoint> points = last.path;
     if (next == keys.end() || last.interpolation == Interpolation::Step)
         return points;
-    const double t = (frame - last.frame) / (next->frame - last.frame);
+    const std::array<double, 4> weights = FxsWeights(keys, std::size_t(next - keys.begin()), frame);
+    const FxsKey* around[] = {next - 1 == keys.begin() ? &last : &*(next - 2), &last, &*next,
+                              next + 1 == keys.end() ? &*next : &*(next + 1)};
     for (std::size_t i = 0; i < points.size(); ++i) {
         for (double PolyPoint::*member : {&PolyPoint::x, &PolyPoint::y, &PolyPoint::inX,
-                                          &PolyPoint::inY, &PolyPoint::outX, &PolyPoint::outY})
-            points[i].*member = std::lerp(points[i].*member, next->path[i].*member, t);
+                                          &PolyPoint::inY, &PolyPoint::outX, &PolyPoint::outY}) {
+            points[i].*member = 0.0;
+            for (std::size_t k = 0; k < weights.size(); ++k)
+                points[i].*member += weights[k] * (around[k]->path[i].*member);
+        }
     }
     return points;
 }
@@ -238,10 +257,7 @@ void FxsConverter::SetRest(ImportedShape& shape, const FxsObject& object)
     }
     const auto textOf = [&](const char* id) {
         const FxsProperty* property = object.Find(id);
-        std::string text = property ? property->keys.front().text : "";
-        std::transform(text.begin(), text.end(), text.begin(),
-                       [](unsigned char c) { return char(std::tolower(c)); });
-        return text;
+        return property ? LowerCase(property->keys.front().text) : std::string();
     };
     if (const std::string invert = textOf("invert"); !invert.empty())
         shape.inverted = invert == "true" || invert == "1";
@@ -255,39 +271,68 @@ void FxsConverter::SetRest(ImportedShape& shape, const FxsObject& object)
     }
 }
 
-void FxsConverter::ConvertShape(const FxsObject& object, const LayerChain& chain, bool isVisible)
+void FxsConverter::ConvertShape(const FxsObject& object, const Inherited& layer)
 {
     ImportedShape shape;
     shape.name = object.name;
     shape.line = object.line;
-    shape.visible = isVisible && !object.isHidden;
-    shape.locked = object.isLocked;
+    shape.visible = layer.isVisible && !object.isHidden;
+    shape.locked = layer.isLocked || object.isLocked;
     try {
         if (object.problem)
             throw *object.problem;
-        chain.Check(job_);
+        layer.chain.Check(job_);
         const FxsProperty* path = object.Find("path");
         if (!path || path->keys.front().path.empty())
             throw ImportFailure{object.line, "it has no path"};
         SetKind(shape, *path);
-        SetKeys(shape, *path, chain);
+        SetKeys(shape, *path, layer.chain);
         SetRest(shape, object);
     } catch (const ImportFailure& failure) {
         if (failure.isFatal)
             throw;
-        job_.LeaveAside(failure.line, Quoted(object.name) + ": " + failure.reason);
+        job_.Drop(failure.line, Quoted(object.name) + ": " + failure.reason);
         return;
     }
     job_.Take(std::move(shape));
 }
 
-void FxsConverter::Convert(const FxsObject& object, const LayerChain& chain, bool isVisible)
+/// What a layer does to its shapes together has no like here.
+void FxsConverter::NoteLayer(const FxsObject& layer)
+{
+    struct Effect {
+        const char* id;
+        double idle; // does nothing as this number, or as the text
+        const char* idleText;
+    };
+    constexpr Effect effects[] = {{"opacity", 100.0, ""},
+                                  {"invert", 0.0, "false"},
+                                  {"mode", 0.0, "add"},
+                                  {"feather", 0.0, ""}};
+    for (const Effect& effect : effects) {
+        const FxsProperty* property = layer.Find(effect.id);
+        const auto isSet = [&](const FxsKey& key) {
+            const auto isIdle = [&](double number) { return number == effect.idle; };
+            return key.numbers.empty()
+                       ? !key.text.empty() && LowerCase(key.text) != effect.idleText
+                       : !std::all_of(key.numbers.begin(), key.numbers.end(), isIdle);
+        };
+        if (property && std::any_of(property->keys.begin(), property->keys.end(), isSet)) {
+            job_.LeaveAside(layer.line, "the " + std::string(effect.id) + " of the layer " +
+                                            Quoted(layer.name) + " is not taken");
+        }
+    }
+}
+
+void FxsConverter::Convert(const FxsObject& object, const Inherited& outer)
 {
     if (!object.isLayer)
-        return ConvertShape(object, chain, isVisible);
-    const LayerChain inner(chain, object);
+        return ConvertShape(object, outer);
+    NoteLayer(object);
+    const Inherited inner{LayerChain(outer.chain, object), outer.isVisible && !object.isHidden,
+                          outer.isLocked || object.isLocked};
     for (const FxsObject& child : object.children)
-        Convert(child, inner, isVisible && !object.isHidden);
+        Convert(child, inner);
 }
 
 } // namespace
@@ -295,7 +340,7 @@ void FxsConverter::Convert(const FxsObject& object, const LayerChain& chain, boo
 void ReadFxsShapes(ImportJob& job)
 {
     const FxsFile file = ReadFxsFile(job);
-    FxsConverter(job, file).Convert(file.root, LayerChain(), true);
+    FxsConverter(job, file).Convert(file.root, {});
 }
 
 } // namespace Marlox

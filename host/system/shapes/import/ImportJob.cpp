@@ -248,11 +248,11 @@ void ImportJob::Take(ImportedShape shape, bool cornersAreTold)
     } catch (const ImportFailure& failure) {
         if (failure.isFatal)
             throw;
-        LeaveAside(failure.line, Quoted(shape.name) + ": " + failure.reason);
+        Drop(failure.line, Quoted(shape.name) + ": " + failure.reason);
         return;
     }
     if (shape.keys.empty() || shape.keys.front().points.empty()) {
-        LeaveAside(shape.line, Quoted(shape.name) + " has no points");
+        Drop(shape.line, Quoted(shape.name) + " has no points");
         return;
     }
     if (!shape.outerKeys.empty() && shape.outerKeys.front().points.empty())
@@ -275,7 +275,7 @@ void ImportJob::Take(ImportedPath path)
     for (ImportedPathKey& key : path.keys) {
         key.time += context_.frameOffset;
         if (!IsPlace(key.x) || !IsPlace(key.y)) {
-            LeaveAside(path.line, Quoted(path.name) + ": a place lies out of range");
+            Drop(path.line, Quoted(path.name) + ": a place lies out of range");
             return;
         }
         if (!tidy.empty() && key.time - tidy.back().time < sameTime) {
@@ -289,7 +289,7 @@ void ImportJob::Take(ImportedPath path)
     }
     path.keys = std::move(tidy);
     if (path.keys.empty())
-        LeaveAside(path.line, Quoted(path.name) + " has no places");
+        Drop(path.line, Quoted(path.name) + " has no places");
     else
         result_.paths.push_back(std::move(path));
 }

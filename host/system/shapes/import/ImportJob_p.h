@@ -46,10 +46,23 @@ public:
     ImageFrame ShownImage();
     // What the result asks for.
     void AskForImage(double width, double height);
-    void AskForPlainUnit() { result_.asksPlainUnit = true; }
+    void AskForPlainUnit(bool isNormalised)
+    {
+        result_.asksPlainUnit = true;
+        result_.isNormalised = isNormalised;
+    }
     void AskForFirstFrame() { result_.asksFirstFrame = true; }
 
     void LeaveAside(int line, std::string text) { Note(ImportNote::Kind::LeftAside, line, text); }
+    /// The same of a whole shape or path, which then is missing. The first one is what is told
+    /// where nothing was taken.
+    void Drop(int line, std::string text)
+    {
+        if (!dropped_)
+            dropped_ = ImportFailure{line, text, true};
+        LeaveAside(line, std::move(text));
+    }
+    const std::optional<ImportFailure>& Dropped() const { return dropped_; }
     void Assume(int line, std::string text) { Note(ImportNote::Kind::Assumed, line, text); }
     /// A shape or path as read, its keys in any order: what is wrong with it is left aside. Which
     /// points are corners is seen from their handles unless the file tells.
@@ -68,6 +81,7 @@ private:
     const ImportContext& context_;
     ImportedShapes& result_;
     std::string text_;
+    std::optional<ImportFailure> dropped_;
     std::size_t keyPoints_ = 0;
     const char* counted_ = nullptr; // up to here lines were counted
     int countedLines_ = 1;

@@ -28,6 +28,16 @@ struct ChannelKey {
 };
 using Channel = std::vector<ChannelKey>;
 
+/// Without zeros behind it.
+std::string ShortText(double number)
+{
+    std::string text = std::to_string(number);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.')
+        text.pop_back();
+    return text;
+}
+
 /// By the span's number in versions 2 and later.
 Span SpanOf(int number)
 {
@@ -50,7 +60,8 @@ private:
     void ReadBehaviors();
     void AddTo(std::size_t channel, const ChannelKey& key);
     double At(const Channel& channel, double time);
-    Interpolation InterpolationAt(double time);
+    std::optional<Interpolation> InterpolationAt(double time);
+    void Settle(Channel& channel);
     void Finish(double framesPerTime);
 
     ImportJob& job_;
@@ -171,7 +182,7 @@ void LightWaveReader::ReadBehaviors()
 void LightWaveReader::ReadEnvelope(Channel& channel)
 {
     lines_.Require("its first envelope");
-    if (lines_.Field(0) != "{")
+    if (!lines_.Field(0).starts_with('{')) // the blank behind it may be missing
         throw ImportFailure{lines_.LineNumber(), "\"{ Envelope\" was expected", true};
     const int count = lines_.RequireWhole(0, maxKeys, "the number of keys");
     for (;;) {
@@ -234,8 +245,8 @@ double LightWaveReader::At(const Channel& channel, double time)
     return std::lerp(last.value, next->value, (time - last.time) / (next->time - last.time));
 }
 
-/// How x and y go on from a time.
-Interpolation LightWaveReader::InterpolationAt(double time)
+/// How x and y go on from a time; nothing: both stay.
+std::optional<Interpolation> LightWaveReader::InterpolationAt(double time)
 {
     std::optional<Span> common;
     for (const Channel& channel : channels_) {
@@ -250,10 +261,29 @@ Interpolation LightWaveReader::InterpolationAt(double time)
         }
         common = next->span;
     }
-    const Span span = common.value_or(Span::Curve);
-    if (span == Span::Curve)
+    if (!common)
+        return std::nullopt;
+    if (*common == Span::Curve)
         return Interpolation::Smooth;
-    return span == Span::Step ? Interpolation::Step : Interpolation::Linear;
+    return *common == Span::Step ? Interpolation::Step : Interpolation::Linear;
+}
+
+/// Ascending times, each once.
+void LightWaveReader::Settle(Channel& channel)
+{
+    std::stable_sort(channel.begin(), channel.end(),
+                     [](const auto& a, const auto& b) { return a.time < b.time; });
+    std::size_t count = 0;
+    for (const ChannelKey& key : channel) {
+        if (count > 0 && channel[count - 1].time == key.time) {
+            job_.LeaveAside(0, "a key at " + ShortText(key.time) +
+                                   " is there twice: the later one counts");
+            channel[count - 1] = key;
+        } else {
+            channel[count++] = key;
+        }
+    }
+    channel.resize(count);
 }
 
 /// Into frames and image coordinates.
@@ -262,8 +292,7 @@ void LightWaveReader::Finish(double framesPerTime)
     const ImageFrame image = job_.ShownImage();
     std::vector<double> times;
     for (Channel& channel : channels_) {
-        std::stable_sort(channel.begin(), channel.end(),
-                         [](const auto& a, const auto& b) { return a.time < b.time; });
+        Settle(channel);
         for (const ChannelKey& key : channel)
             times.push_back(key.time);
         if (channel.empty()) {
@@ -285,9 +314,11 @@ void LightWaveReader::Finish(double framesPerTime)
     const double first = isOurs_ ? job_.Context().startFrame : 0.0;
     ImportedPath path;
     const double up = (isOurs_ ? -1.0 : 1.0) / image.HeightsPerWidth();
+    Interpolation kind = Interpolation::Smooth; // a last key goes on like the one before it
     for (const double time : times) {
+        kind = InterpolationAt(time).value_or(kind);
         path.keys.push_back({first + time * framesPerTime, 0.5 + At(channels_[0], time),
-                             0.5 + up * At(channels_[1], time), InterpolationAt(time)});
+                             0.5 + up * At(channels_[1], time), kind});
     }
     job_.Take(std::move(path));
 }

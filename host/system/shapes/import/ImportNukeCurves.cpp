@@ -22,6 +22,7 @@ private:
     struct LayerState {
         NukeChain chain;
         bool isVisible = true;
+        bool isLocked = false;
     };
 
     int LineOf(std::string_view text) { return job_.LineOf(text.data()); }
@@ -30,6 +31,7 @@ private:
         throw ImportFailure{LineOf(text), Quoted(text) + " is not understood"};
     }
     double Value(std::string_view word) { return numbers_.Value(word); }
+    u32 ReadFlags(std::string_view text);
     void ReadHead(std::string_view text);
     void ReadLayer(std::string_view text, LayerState state, int depth);
     void ReadShape(std::string_view text, const LayerState& state);
@@ -140,6 +142,15 @@ void CurveReader::ReadTransform(std::string_view text, NukeTransform& transform)
         transform.problem = "the matrix of its transform is not understood";
 }
 
+/// "f flags"
+u32 CurveReader::ReadFlags(std::string_view text)
+{
+    NukeList list(job_, text);
+    NukeItem item;
+    list.Next(item);
+    return list.Next(item) ? u32(std::clamp(Value(item.text), 0.0, 1e9)) : 0;
+}
+
 /// Names and values in turn; what is no number is of no use here.
 void CurveReader::ReadAttributes(std::string_view text,
                                  std::map<std::string, AnimatedNumber>& attributes)
@@ -221,7 +232,8 @@ const ImageFrame& CurveReader::Image(const NukeShape& shape)
 void CurveReader::ReadShape(std::string_view text, const LayerState& state)
 {
     try {
-        const NukeShape shape = ShapeFrom(text);
+        NukeShape shape = ShapeFrom(text);
+        shape.flags |= state.isLocked ? u32(NF_Locked) : 0;
         TakeNukeShape(job_, Image(shape), shape, state.chain, state.isVisible);
     } catch (const ImportFailure& failure) {
         if (failure.isFatal)
@@ -230,7 +242,7 @@ void CurveReader::ReadShape(std::string_view text, const LayerState& state)
         NukeItem name;
         list.Next(name);
         list.Next(name);
-        job_.LeaveAside(failure.line, Quoted(NukeText(name)) + ": " + failure.reason);
+        job_.Drop(failure.line, Quoted(NukeText(name)) + ": " + failure.reason);
     }
 }
 
@@ -242,8 +254,12 @@ void CurveReader::ReadLayer(std::string_view text, LayerState state, int depth)
     NukeTransform transform;
     std::map<std::string, AnimatedNumber> attributes;
     NukeItem item;
+    std::string name;
     NukeList head(job_, text);
+    head.Next(item); // "layer"
     while (head.Next(item)) {
+        if (!item.isList && name.empty())
+            name = NukeText(item);
         const std::string_view word =
             item.isList ? NukeFirstWord(job_, item.text) : std::string_view();
         try {
@@ -251,6 +267,8 @@ void CurveReader::ReadLayer(std::string_view text, LayerState state, int depth)
                 ReadTransform(item.text, transform);
             else if (word == "a")
                 ReadAttributes(item.text, attributes);
+            else if (word == "f")
+                state.isLocked = state.isLocked || (ReadFlags(item.text) & NF_Locked);
         } catch (const ImportFailure& failure) {
             if (failure.isFatal)
                 throw;
@@ -261,6 +279,7 @@ void CurveReader::ReadLayer(std::string_view text, LayerState state, int depth)
         rootCentre_ = {transform.pivot[0].At(0.0), transform.pivot[1].At(0.0)};
     state.chain.push_back(&transform);
     const auto visible = attributes.find("vis");
+    NoteNukeLayer(job_, LineOf(text), name, attributes);
     state.isVisible = state.isVisible && (visible == attributes.end() || !visible->second.Is(0.0));
 
     NukeList list(job_, text);

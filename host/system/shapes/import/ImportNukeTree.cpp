@@ -333,19 +333,21 @@ void TreeReader::ReadNode(std::string_view text, NukeChain chain, bool isVisible
     } catch (const ImportFailure& failure) {
         if (failure.isFatal)
             throw;
-        job_.LeaveAside(failure.line, Quoted(node.name) + " and what is in it: " + failure.reason);
+        job_.Drop(failure.line, Quoted(node.name) + " and what is in it: " + failure.reason);
         return;
     }
     chain.push_back(&node.transform);
     const auto visible = node.attributes.find("vis");
     isVisible = isVisible && (visible == node.attributes.end() || !visible->second.Is(0.0));
+    if (node.groups.empty()) // else they are those of the shape
+        NoteNukeLayer(job_, job_.LineOf(text.data()), node.name, node.attributes);
     for (const std::string_view group : node.groups) {
         try {
             ReadGroup(node, group, chain, isVisible);
         } catch (const ImportFailure& failure) {
             if (failure.isFatal)
                 throw;
-            job_.LeaveAside(failure.line, Quoted(node.name) + ": " + failure.reason);
+            job_.Drop(failure.line, Quoted(node.name) + ": " + failure.reason);
         }
     }
     for (const std::string_view child : node.children)

@@ -186,7 +186,7 @@ void ReadPlainRows(PathTextJob& text)
             std::all_of(path.keys.begin(), path.keys.end(),
                         [&](const auto& key) { return isNear(key.x) && isNear(key.y); });
         unit = isNormalised ? Unit::Normalised : Unit::PixelsUp;
-        text.job.AskForPlainUnit();
+        text.job.AskForPlainUnit(isNormalised);
         text.job.Assume(0, isNormalised ? "its numbers are taken as fractions of the image"
                                         : "its numbers are taken as pixels, y upwards");
     }

@@ -85,6 +85,8 @@ void Read(ImportJob& job, ShapeFileFormat format)
     }
     if (!job.Result().shapes.empty() || !job.Result().paths.empty())
         return;
+    if (job.Dropped())
+        throw *job.Dropped();
     for (const ImportNote& note : job.Result().notes) {
         if (note.kind == ImportNote::Kind::LeftAside)
             throw ImportFailure{note.line, note.text, true};

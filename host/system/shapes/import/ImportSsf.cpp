@@ -144,7 +144,18 @@ void SsfReader::OnParent()
     }
 }
 
-/// The numbers of one key, also from following lines. False: one of them is none.
+/// Begins with a letter, and is no number that is not finite.
+bool IsWord(std::string_view text)
+{
+    std::string low;
+    for (const char c : text.substr(0, 9))
+        low += c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+    return low[0] >= 'a' && low[0] <= 'z' && !low.starts_with("nan") && low != "inf" &&
+           low != "infinity";
+}
+
+/// The numbers of one key, also from following lines up to one that begins with a word. False: one
+/// of them is none.
 bool SsfReader::ReadNumbers()
 {
     numbers_.clear();
@@ -153,23 +164,20 @@ bool SsfReader::ReadNumbers()
     bool isFine = true;
     do {
         for (std::size_t i = first; i < lines_.Count(); ++i) {
-            const std::optional<double> value = ToNumber(lines_.Field(i));
-            if (!value && isFine) {
+            double value = 0.0;
+            try {
+                value = isFine ? lines_.NumberAt(i) : 0.0;
+            } catch (const ImportFailure& failure) {
+                problem_ = failure;
                 isFine = false;
-                try {
-                    lines_.NumberAt(i);
-                } catch (const ImportFailure& failure) {
-                    problem_ = failure;
-                }
             }
             if (numbers_.size() <= most)
-                numbers_.push_back(value.value_or(0.0));
+                numbers_.push_back(value);
         }
         first = 0;
         if (!lines_.NextFilled())
             return isFine;
-    } while (std::none_of(std::begin(keywords), std::end(keywords),
-                          [&](const Keyword& keyword) { return lines_.Field(0) == keyword.name; }));
+    } while (!IsWord(lines_.Field(0)));
     lines_.PutBack();
     return isFine;
 }
@@ -205,8 +213,9 @@ void SsfReader::OnVertices()
     Shape();
     const bool isFine = ReadNumbers();
     if (!keyTime_) {
-        keyTime_ = job_.Context().startFrame + keysSeen_;
-        job_.Assume(line, "keys without key_time follow each other frame by frame");
+        keyTime_ = keysSeen_;
+        job_.Assume(line, "keys without key_time follow each other from frame 0 on");
+        job_.AskForFirstFrame();
     }
     ++keysSeen_;
     const std::size_t vertices = std::size_t(vertexCount_);
@@ -242,7 +251,7 @@ void SsfReader::FinishShape()
                             true};
     }
     if (problem_) {
-        job_.LeaveAside(problem_->line, Quoted(shape_->name) + ": " + problem_->reason);
+        job_.Drop(problem_->line, Quoted(shape_->name) + ": " + problem_->reason);
     } else {
         DropEmptyEdge();
         job_.Take(std::move(*shape_));

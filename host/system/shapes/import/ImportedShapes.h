@@ -85,6 +85,7 @@ struct ImportedShapes {
     double imageWidth = 0.0; // as taken, pixels
     double imageHeight = 0.0;
     bool asksPlainUnit = false;
+    bool isNormalised = false;   // taken as fractions of the image, else as pixels, y upwards
     bool asksFirstFrame = false; // from which number it counts its frames
 
     /// A note or the error as a message: "roto.ssf, line 12: ...".

@@ -20,8 +20,9 @@
 // its height), image aspect factor (see HeightsPerWidth) and frames a second. A <point> that is
 // linear (PPF_Linear) is "x y", another one "x y inx iny outx outy". " EP" behind the numbers marks
 // the end points, where the writer was told to: of an open shape the first and the last one, of a
-// closed one the last alone, from which it goes back to the first. Without any mark it is not told
-// whether the shape is closed, and readers take it as closed. The outer polygon has as many points.
+// closed one the last alone, from which it goes back to the first; where that is the same point
+// there is none. Without any mark it is not told whether the shape is closed, and readers take it
+// as closed. The outer polygon has as many points.
 //
 // Motion (.dfmo), a shape over time:
 //

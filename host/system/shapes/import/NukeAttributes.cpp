@@ -51,6 +51,30 @@ bool IsKnownNukeAttribute(std::string_view name)
     return std::find(std::begin(known), std::end(known), name) != std::end(known);
 }
 
+void NoteNukeLayer(ImportJob& job, int line, const std::string& name,
+                   const std::map<std::string, AnimatedNumber>& attributes)
+{
+    struct Effect {
+        const char* id;
+        double idle; // does nothing as this number
+        const char* name;
+    };
+    constexpr Effect effects[] = {{"opc", 1.0, "opacity"}, {"inv", 0.0, "inversion"},
+                                  {"bm", 0.0, "blending"}, {"fx", 0.0, "feather"},
+                                  {"fy", 0.0, "feather"},  {"ltt", 0.0, "lifetime"}};
+    for (const Effect& effect : effects) {
+        const auto found = attributes.find(effect.id);
+        if (found != attributes.end() && !found->second.Is(effect.idle)) {
+            job.LeaveAside(line, "the " + std::string(effect.name) + " of the layer " +
+                                     Quoted(name) + " is not taken");
+        }
+    }
+    for (const auto& [attribute, number] : attributes) {
+        if (!IsKnownNukeAttribute(attribute))
+            job.LeaveAside(0, "the attribute " + Quoted(attribute) + " is not understood");
+    }
+}
+
 void SetNukeAttributes(ImportJob& job, const NukeShape& shape, bool isVisible, ImportedShape& out)
 {
     struct Blend {

@@ -94,6 +94,10 @@ bool IsKnownNukeAttribute(std::string_view name);
 /// Takes them over; what can't be had is noted.
 void SetNukeAttributes(ImportJob& job, const NukeShape& shape, bool isVisible, ImportedShape& out);
 
+/// What the attributes of a layer do to all that is in it, beside its visibility, has no like here.
+void NoteNukeLayer(ImportJob& job, int line, const std::string& name,
+                   const std::map<std::string, AnimatedNumber>& attributes);
+
 /// Into a shape of ours; what can't be had is noted. Throws where the shape is not understood.
 void TakeNukeShape(ImportJob& job, const ImageFrame& image, const NukeShape& shape,
                    const NukeChain& layers, bool isVisible);

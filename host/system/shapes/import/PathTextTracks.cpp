@@ -150,7 +150,7 @@ void Read3deTracks(PathTextJob& text)
     text.lines.PutBack();
     const int tracks = text.lines.RequireWhole(0, maxTracks, "the number of tracks");
     for (int i = 0; i < tracks; ++i) {
-        text.RequireRow("its last track");
+        text.lines.Require("its last track"); // names may begin as comments do
         ImportedPath& path = text.Begin(Trimmed(text.lines.Line()));
         text.lines.Require("the colour of a track");
         ReadRows(text, path, image, 0.0, text.lines.RequireWhole(0, maxRows, "the number of rows"));
