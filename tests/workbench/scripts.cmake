@@ -23,6 +23,10 @@ foreach(scale 1 2)
     marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
 endforeach()
 
+# Masks and effects connected in the window.
+marlox_script_test(workbench-connect ${scripts}/connect.lua
+    ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${CMAKE_BINARY_DIR}/samples/dusk.marlox)
+
 # Broken files of all kinds, in a look with some broken files of its own.
 set(look ${pictures}/look)
 file(COPY ${PROJECT_SOURCE_DIR}/host/look/ DESTINATION ${look})

@@ -8,6 +8,7 @@
 #include "workbench/ui/ToolPanel.h"
 #include "workbench/viewer/ViewerWidget.h"
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -100,6 +101,12 @@ void buildEdit(Builder& b)
     show();
 }
 
+bool takesImage(const Operator& tool)
+{
+    return std::any_of(tool.Inputs().begin(), tool.Inputs().end(),
+                       [](const Ref<Input>& input) { return input->IsImage(); });
+}
+
 void buildTool(Builder& b)
 {
     MainWindow& window = b.window;
@@ -135,12 +142,18 @@ void buildTool(Builder& b)
     addForTool("&Lock or Unlock", "Ctrl+L", "locktool",
                onTool([](Operator& tool) { tool.SetLocked(!tool.IsLocked()); }));
     b.menu->addSeparator();
+    QMenu* links = b.menu->addMenu(b.Tr("&Connect"));
+    links->setObjectName("connecttool");
+    QObject::connect(links, &QMenu::aboutToShow, &window,
+                     [links, &session] { ToolPanel::FillConnectMenu(*links, session); });
+    b.menu->addSeparator();
     addForTool("Move &Up", "Ctrl+Up", "toolup", [&window] { window.Tools().MoveSelected(-1); });
     addForTool("Move Do&wn", "Ctrl+Down", "tooldown",
                [&window] { window.Tools().MoveSelected(1); });
-    const auto show = [forTool](const Operator* tool) {
+    const auto show = [forTool, linked = links->menuAction()](const Operator* tool) {
         for (QAction* action : forTool)
             action->setEnabled(tool);
+        linked->setEnabled(tool && takesImage(*tool));
     };
     QObject::connect(&session, &Session::SelectedToolChanged, &window, show);
     show(session.SelectedTool());

@@ -1,6 +1,8 @@
 #include "workbench/ui/ToolPanel.h"
 
 #include "system/base/Registry.h"
+#include "system/controls/Connections.h"
+#include "system/controls/Menu.h"
 #include "system/viewer/ToolGroup.h"
 #include "workbench/ui/Icons.h"
 #include "workbench/ui/Messages.h"
@@ -21,6 +23,8 @@
 namespace Marlox {
 
 namespace {
+
+constexpr unsigned int firstConnection = 1; // number of an entry; 0 would be none
 
 QToolButton* button(const char* icon, const QString& tip, const char* name)
 {
@@ -147,6 +151,28 @@ void ToolPanel::FillAddMenu(QMenu& menu, Session& session, QWidget* messageParen
         menu.addSeparator();
     for (const auto& [label, group] : groups)
         menu.addMenu(group);
+}
+
+void ToolPanel::FillConnectMenu(QMenu& menu, Session& session)
+{
+    menu.clear();
+    qDeleteAll(menu.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly));
+    const Operator* tool = session.SelectedTool();
+    for (const Ref<Input>& input : tool ? tool->Inputs() : std::vector<Ref<Input>>()) {
+        if (!input->IsImage())
+            continue;
+        Menu entries;
+        AddConnections(entries, *input, firstConnection);
+        auto* listed = new QMenu(input->GetName(), &menu);
+        entries.Fill(*listed);
+        menu.addMenu(listed);
+        connect(listed, &QMenu::triggered, listed,
+                [&session, id = input->GetID()](const QAction* action) {
+                    const Operator* now = session.SelectedTool();
+                    if (Input* to = now ? now->FindInput(id) : nullptr)
+                        RunConnection(*to, action->data().toUInt() - firstConnection);
+                });
+    }
 }
 
 void ToolPanel::ShowSelection()

@@ -21,6 +21,9 @@ public:
 
     /// Fills a menu with one entry for each registered tool class.
     static void FillAddMenu(QMenu& menu, Session& session, QWidget* messageParent);
+    /// Fills a menu with a submenu for each image input of the selected tool: what it may be
+    /// connected to.
+    static void FillConnectMenu(QMenu& menu, Session& session);
 
 public slots:
     void RemoveSelected();
