@@ -46,7 +46,7 @@ constexpr std::array<OverlayPoint, 16> brackets{{{-7, -4},
 constexpr std::array<OverlayPoint, 4> diamond{{{-4, 0}, {0, -4}, {4, 0}, {0, 4}}};
 constexpr std::array<OverlayPoint, 8> disc{
     {{2.5, 1}, {1, 2.5}, {-1, 2.5}, {-2.5, 1}, {-2.5, -1}, {-1, -2.5}, {1, -2.5}, {2.5, -1}}};
-constexpr std::array<OverlayPoint, 4> cross{{{-6, -6}, {6, 6}, {-6, 6}, {6, -6}}};
+constexpr std::array<OverlayPoint, 4> cross{{{-5, -5}, {5, 5}, {-5, 5}, {5, -5}}};
 constexpr std::array<OverlayPoint, 4> plus{{{-5, 0}, {5, 0}, {0, -5}, {0, 5}}};
 constexpr std::array<OverlayPoint, 12> ring{{{7, 0},
                                              {6.06, 3.5},
@@ -240,7 +240,7 @@ private:
         painter_.Marks(Shape::Fill, largeSquare, selected.places, Scale());
     }
 
-    /// Above what the points show besides, and reaching beyond what the pointer makes grow.
+    /// Above what the points show besides, and what the pointer makes grow.
     void DrawLocked()
     {
         std::vector<OverlayPoint> locked;

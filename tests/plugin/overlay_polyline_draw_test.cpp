@@ -139,7 +139,7 @@ void OverlayPolylineDrawTest::LockedPointsAreCrossedOutAboveAll()
     QVERIFY(RunEntry(rig, "Lock Points"));
     rig.stage->Move({200, 101}, 0); // makes it grow
     const std::string drawn = rig.Drawn();
-    const std::size_t cross = drawn.find("lines at (200, 100) x 1: (-6, -6)");
+    const std::size_t cross = drawn.find("lines at (200, 100) x 1: (-5, -5)");
     QVERIFY2(cross != std::string::npos, drawn.c_str());
     QVERIFY(drawn.find("fill at (200, 100) x 1.5") < cross);
     QCOMPARE(drawn.find("fill at (200, 100)", cross), std::string::npos);
