@@ -49,6 +49,6 @@ void RenameToolInLinks(Input::State& state, const std::string& from, const std::
 void ReleaseFollowers(const MarloxDoc& document, const Operator& tool);
 /// The same for points of one shape that are no longer to be followed, by their ids; also those of
 /// other shapes of its tool.
-void ReleaseFollowers(const Input& shape, const std::vector<u32>& points);
+MARLOXSYSTEM_EXPORT void ReleaseFollowers(const Input& shape, const std::vector<u32>& points);
 
 } // namespace Marlox
