@@ -299,12 +299,14 @@ void OverlayStage::PlacementChanged()
 // Keys --------------------------------------------------------------------------------------------
 
 /// The overlay with the focus or, for the keys that its buttons tell of, the one whose toolbar
-/// shows. Arrows and Escape are the view's own until an overlay has the focus.
+/// shows. Arrows and Escape are the view's own until an overlay has the focus. Of one that can't be
+/// edited only keys that it asks for by itself.
 PreviewControl* OverlayStage::KeyTarget(int key) const
 {
     const bool ofTheFocus = key == Qt::Key_Escape || (key >= Qt::Key_Left && key <= Qt::Key_Down);
     PreviewControl* overlay = focus_ || ofTheFocus ? focus_ : ToolbarOwner();
-    return overlay && !pressed_ && IsShown() && overlay->IsEditable() ? overlay : nullptr;
+    const bool takes = overlay && (overlay->IsEditable() || !ofTheFocus);
+    return takes && !pressed_ && IsShown() ? overlay : nullptr;
 }
 
 bool OverlayStage::WantsKey(int key, u32 modifiers)
@@ -317,9 +319,10 @@ bool OverlayStage::WantsKey(int key, u32 modifiers)
 bool OverlayStage::KeyDown(int key, u32 modifiers)
 {
     const auto overlay = Ref<PreviewControl>::Share(KeyTarget(key)); // what it does may remove it
-    if (!overlay || (!focus_ && !WantsKey(key, modifiers)))
+    const bool isFocused = overlay && focus_ && overlay->IsEditable();
+    if (!overlay || (!isFocused && !WantsKey(key, modifiers)))
         return false;
-    if (!focus_)
+    if (!focus_ && overlay->IsEditable())
         SetFocus(overlay.Get());
     const bool held = std::exchange(view_.keysHeld, true);
     TagList tags{{PV_Modifiers, modifiers}};
