@@ -1,6 +1,7 @@
 #include "controls/inspector/ImageControl.h"
 
 #include "system/controls/Connections.h"
+#include "system/document/BulkChange.h"
 #include "system/document/MarloxDoc.h"
 #include "widgets/CustomCombo.h"
 
@@ -30,14 +31,17 @@ private:
     void Listen(MarloxDoc& document)
     {
         QObject* const context = connections_.get();
-        const auto fill = [this] { Fill(); };
+        const auto fill = [this, context, &document] {
+            if (!BulkChange::Postpone(document.Undo(), *context, [this] { Fill(); }))
+                Fill();
+        };
         QObject::connect(&document, &MarloxDoc::ToolAdded, context, fill);
         QObject::connect(&document, &MarloxDoc::ToolRemoved, context, fill);
         QObject::connect(&document, &MarloxDoc::ToolMoved, context, fill);
         QObject::connect(&document, &MarloxDoc::ToolChanged, context, fill);
-        QObject::connect(&document, &MarloxDoc::InputChanged, context, [this](Input* changed) {
+        QObject::connect(&document, &MarloxDoc::InputChanged, context, [fill](Input* changed) {
             if (changed->IsImage())
-                Fill();
+                fill();
         });
     }
 

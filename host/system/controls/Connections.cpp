@@ -1,6 +1,7 @@
 #include "system/controls/Connections.h"
 
 #include "system/controls/Menu.h"
+#include "system/document/DocumentFlow.h"
 #include "system/document/MarloxDoc.h"
 
 namespace Marlox {
@@ -30,14 +31,16 @@ std::vector<Connection> ConnectionsOf(const Input& input)
     if (!document || !input.IsImage())
         return {};
     std::vector<Connection> all{nothingFor(input)};
+    const Operator* const source = input.GetSource();
+    const std::set<const Operator*> fed = ToolsFedBy(*document, input.Owner());
     for (const Ref<Operator>& tool : document->Tools()) {
         if (tool->IsModifier() || tool.Get() == &input.Owner())
             continue;
         Connection connection;
         connection.tool = tool.Get();
         connection.text = tool->GetName();
-        connection.is = input.GetSource() == tool.Get();
-        connection.can = !document->IsFedBy(*tool, input.Owner());
+        connection.is = source == tool.Get();
+        connection.can = !fed.contains(tool.Get());
         if (!connection.can)
             connection.tip = tr("%1 would feed itself: %2 gets its picture from it")
                                  .arg(input.Owner().GetName(), tool->GetName());

@@ -2,6 +2,7 @@
 #include "system/document/MarloxDoc.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 // The flow: which tool feeds which image input. Connections are kept in the inputs, by name; the
@@ -61,6 +62,29 @@ bool MarloxDoc::IsFedBy(const Operator& tool, const Operator& upstream) const
         }
     }
     return false;
+}
+
+std::set<const Operator*> ToolsFedBy(const MarloxDoc& document, const Operator& upstream)
+{
+    std::map<const Operator*, std::vector<const Operator*>> fed; // directly, by each
+    for (const Ref<Operator>& tool : document.Tools()) {
+        for (const Ref<Input>& input : tool->Inputs()) {
+            const Operator* feed = input->IsImage() ? directFeed(document, *input) : nullptr;
+            if (feed)
+                fed[feed].push_back(tool.Get());
+        }
+    }
+    std::set<const Operator*> all{&upstream};
+    std::vector<const Operator*> open{&upstream};
+    while (!open.empty()) {
+        const Operator* at = open.back();
+        open.pop_back();
+        for (const Operator* tool : fed[at]) {
+            if (all.insert(tool).second)
+                open.push_back(tool);
+        }
+    }
+    return all;
 }
 
 bool FlowsInLoop(const MarloxDoc& document)
