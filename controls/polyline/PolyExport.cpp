@@ -1,6 +1,7 @@
 // Writing shapes and motions to files.
 
 #include "controls/polyline/PolyCommands.h"
+#include "controls/polyline/PolyImport.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "controls/polyline/ShapeWriters.h"
 #include "system/controls/HostDialogs.h"
@@ -58,20 +59,6 @@ NativeFileHeader HeaderOf(const PolyLineControl& control)
     if (const MarloxDoc* document = control.GetDoc())
         header.frameRate = document->FrameRate();
     return header;
-}
-
-/// A path tool that the point input reads; null: it reads another thing.
-const Operator* PathOf(const Input& point)
-{
-    const MarloxDoc* document = point.GetDoc();
-    if (!document || !point.HasExpression())
-        return nullptr;
-    for (const Ref<Operator>& tool : document->Tools()) {
-        if (tool->GetToolType() == MxID(CLSID_Tool_Path) &&
-            ExpressionFor(*tool, "Position") == point.GetExpression())
-            return tool.Get();
-    }
-    return nullptr;
 }
 
 /// Of the keys that move what the input tells; nothing: it stands still. What another expression
@@ -309,10 +296,14 @@ void ExportFile(PolyLineControl& control)
 
 void ExportDxf(PolyLineControl& control)
 {
-    const PolyLine* shape = control.Editor().Active();
+    const PolyLine* shape = control.Editor().Shape(InnerPolygon);
     if (!shape)
         return;
-    const ShapeBounds bounds = shape->CalcMinMax();
+    constexpr double tolerance = 1e-6; // as exact as the file's decimals
+    std::vector<ShapePlace> places = shape->GetSamplePoints(tolerance);
+    if (places.empty() && shape->GetCount() > 0)
+        places.push_back(shape->Points().front().Place());
+    const ShapeBounds bounds = CalcMinMax(places);
     const QString path = DxfPath();
     if (Write(path, DxfText(bounds.low, bounds.high)))
         HostDialogs::Get().Message(

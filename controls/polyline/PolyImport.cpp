@@ -4,6 +4,7 @@
 
 #include "controls/polyline/PolyCommands.h"
 #include "controls/polyline/PolyLineControl.h"
+#include "controls/polyline/PolyValuesDlg.h"
 #include "system/controls/HostDialogs.h"
 #include "system/document/MarloxDoc.h"
 #include "system/shapes/import/ImportPolyLines.h"
@@ -114,7 +115,7 @@ private:
         return HostDialogs::Get().AskNumber({title_, label, preset, low, high, true});
     }
 
-    bool AskUnit(const ImportedShapes&)
+    bool AskUnit(const ImportedShapes& file)
     {
         using Unit = ImportContext::PlainUnit;
         constexpr Unit units[] = {Unit::Normalised, Unit::PixelsUp, Unit::PixelsDown};
@@ -122,7 +123,7 @@ private:
             Number(QStringLiteral("The file does not tell what its numbers count: fractions of the "
                                   "image (1), pixels from its bottom left corner (2) or pixels "
                                   "from its top left corner (3)?"),
-                   1.0, 1.0, 3.0);
+                   file.isNormalised ? 1.0 : 2.0, 1.0, 3.0);
         if (number)
             context_.plainUnit = units[int(*number) - 1];
         return number.has_value();
@@ -132,17 +133,25 @@ private:
     {
         constexpr double largest = 100'000.0;
         const bool isTaken = file.imageWidth > 0.0 && file.imageHeight > 0.0;
-        const auto width =
-            Number(QStringLiteral("The file counts in pixels. Width of its image in pixels:"),
-                   isTaken ? std::round(file.imageWidth) : 1920.0, 1.0, largest);
-        const auto height =
-            width ? Number(QStringLiteral("Height of its image in pixels:"),
-                           isTaken ? std::round(file.imageHeight) : 1080.0, 1.0, largest)
-                  : std::nullopt;
-        if (!height)
+        const auto field = [](const char* name, const char* label, double preset) {
+            PolyValueField size{name, QLatin1String(label), QStringLiteral("pixels"), {}, preset};
+            size.minimum = 1.0;
+            size.maximum = largest;
+            size.whole = true;
+            return size;
+        };
+        const auto tell = [](const PolyValuesDlg::Values&) {
+            return QStringLiteral("The file counts in pixels of its image.");
+        };
+        PolyValuesDlg dialog(
+            title_,
+            {field("Width", "Image Width:", isTaken ? std::round(file.imageWidth) : 1920.0),
+             field("Height", "Image Height:", isTaken ? std::round(file.imageHeight) : 1080.0)},
+            tell);
+        if (dialog.exec() != QDialog::Accepted)
             return false;
-        context_.width = *width;
-        context_.height = *height;
+        context_.width = dialog.GetValues()[0];
+        context_.height = dialog.GetValues()[1];
         context_.overrideImageSize = context_.isSizeSure = true;
         return true;
     }

@@ -7,6 +7,8 @@
 
 namespace Marlox {
 
+class Input;
+class Operator;
 class PolyLineControl;
 
 // Placing what a file held into the document: one undo entry, or, when something refuses, none and
@@ -21,9 +23,13 @@ class PolyLineControl;
 bool PlaceShapes(PolyLineControl& control, ImportedShapes& file, const ImportShapeChoice& choice,
                  const char* undoText, QString& problem, QStringList& remarks);
 
-/// The path becomes an animation of the overlay's centre by a path modifier. The overlay of such a
-/// modifier, which has no centre, gets the path itself.
+/// The path becomes an animation of the overlay's centre by a path modifier: the one that moves it
+/// already, if that moves nothing else. The overlay of such a modifier, which has no centre, gets
+/// the path itself.
 bool PlaceMotion(PolyLineControl& control, const ImportedPath& path, const char* undoText,
                  QString& problem);
+
+/// A path tool whose position the input's expression reads; null: it reads another thing.
+Operator* PathOf(const Input& point);
 
 } // namespace Marlox

@@ -1,5 +1,6 @@
 #include "controls/polyline/PolyImport.h"
 #include "controls/polyline/PolyLineControl.h"
+#include "system/document/BulkChange.h"
 #include "system/document/MarloxDoc.h"
 #include "system/shapes/PathAnimation.h"
 #include "system/shapes/ShapePublish.h"
@@ -30,6 +31,8 @@ Input::State StateOf(const ImportedShape& shape, std::vector<ImportedKey>& keys,
     const bool keyed = makesKeys || keys.size() > 1;
     for (ImportedKey& key : keys) {
         const Ref<PolyLine> made = PolyLine::Create(TypeOf(shape.kind));
+        for (PolyPoint& point : key.points)
+            point.Set(PPF_Locked, shape.locked.value_or(false));
         made->SetPoints(std::move(key.points));
         if (shape.closed)
             made->Close();
@@ -76,6 +79,8 @@ public:
             Remark(QStringLiteral("it is inverted in the file"));
         if (!shape_.visible.value_or(true))
             Remark(QStringLiteral("it is hidden, as in the file; \"Enable Polyline\" shows it"));
+        if (shape_.locked.value_or(false))
+            Remark(QStringLiteral("its points are locked, as in the file"));
         const bool isOpaque =
             std::all_of(shape_.opacity.begin(), shape_.opacity.end(),
                         [](const ImportedNumber& key) { return key.value == 1.0; });
@@ -159,7 +164,8 @@ bool PlaceHere(PolyLineControl& control, ImportedShape& shape, bool lies, QStrin
 /// Makes tools like the overlay's own. Each gives a mask that lies on that of the next one; the
 /// overlay's own lies on the first. They stand before the picture's source, which takes nothing
 /// from them, the last one in front: a mask that is switched off so lets the next one through. The
-/// frame of the picture reaches the last one by a connection.
+/// frame of the picture reaches the last one by a connection. What the overlay's own lay on is what
+/// the last one lies on.
 class FurtherTools {
 public:
     explicit FurtherTools(const PolyLineControl& control)
@@ -167,6 +173,8 @@ public:
           document_(*control.GetDoc()), above_(&owner_),
           canLie_(owner_.FindInput("Base") != nullptr)
     {
+        if (canLie_)
+            base_ = owner_.FindInput("Base")->GetSource();
         if (Input* const image = owner_.ImageInput()) {
             picture_ = document_.FeedOf(*image);
             MakeRoom(*image);
@@ -186,7 +194,8 @@ public:
             Input* const input = Counterpart(*tool, control_.ShapeInput(polygon));
             return input && input->ChangeTo(std::move(state));
         };
-        ShapePlacer placer(shape, control_.Settings().animated, canLie_ && !isLast, remarks);
+        ShapePlacer placer(shape, control_.Settings().animated, canLie_ && (!isLast || base_),
+                           remarks);
         if (!placer.PlaceOutlines(write, *control_.ShapeInput(InnerPolygon),
                                   control_.ShapeInput(OuterPolygon) != nullptr))
             return false;
@@ -197,6 +206,9 @@ public:
             above_->FindInput("Base")->Connect(tool);
             if (isLast && picture_ && tool->ImageInput())
                 tool->ImageInput()->Connect(picture_);
+            if (isLast && base_ && !tool->FindInput("Base")->Connect(base_))
+                remarks +=
+                    QStringLiteral("%1 is no part of the masks any more.").arg(base_->GetName());
         } else {
             tool->DisableTool(true);
         }
@@ -252,6 +264,7 @@ private:
     MarloxDoc& document_;
     Operator* above_;
     Operator* picture_ = nullptr;
+    Operator* base_ = nullptr; // null: none
     bool canLie_;
     int position_ = 0;
 };
@@ -319,40 +332,13 @@ bool PlaceShapes(PolyLineControl& control, ImportedShapes& file, const ImportSha
         problem = QStringLiteral("The shape can't be changed.");
         return false;
     }
+    const BulkChange bulk(document->Undo());
     document->StartUndoNest(undoText);
     const bool done = PlaceAll(control, file, choice, problem, remarks);
     if (document)
         document->EndUndo(done);
     if (!done && problem.isEmpty())
         problem = QStringLiteral("The shape can't be changed.");
-    return done;
-}
-
-bool PlaceMotion(PolyLineControl& control, const ImportedPath& path, const char* undoText,
-                 QString& problem)
-{
-    const auto alive = Ref<PolyLineControl>::Share(&control);
-    const QPointer<MarloxDoc> document = control.GetDoc();
-    Operator* const owner = control.GetOperator(nullptr);
-    Input* const center = control.BoundInput(PLCID_Center);
-    if (!document || !owner || (!center && !control.BoundInput(PLCID_Displacement))) {
-        problem = QStringLiteral("The shape has no centre that a path could move.");
-        return false;
-    }
-    std::vector<PathKey> keys;
-    for (const ImportedPathKey& key : path.keys)
-        keys.push_back({key.time, {key.x, key.y}, key.interpolation});
-    const bool isSmooth = std::any_of(path.keys.begin(), path.keys.end(), [](const auto& key) {
-        return key.interpolation == Interpolation::Smooth;
-    });
-    document->StartUndoNest(undoText);
-    Operator* const tool = center ? AnimateWithPath(*center, &problem) : owner;
-    const bool done =
-        tool && SetPathKeys(*tool, keys, isSmooth ? PathForm::Smooth : PathForm::Linear);
-    if (document)
-        document->EndUndo(done);
-    if (!done && problem.isEmpty())
-        problem = QStringLiteral("The path of %1 can't be changed.").arg(owner->GetName());
     return done;
 }
 

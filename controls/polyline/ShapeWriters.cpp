@@ -49,7 +49,8 @@ void AppendOutline(std::string& out, const ShapeOutline& outline, bool marksEnds
         }
         const bool isFirst = &point == &outline.points.front();
         const bool isLast = &point == &outline.points.back();
-        if (marksEnds && (isLast || (isFirst && !outline.isClosed)))
+        const bool isEnd = outline.isClosed ? isLast && !isFirst : isLast || isFirst;
+        if (marksEnds && isEnd)
             out += ' ' + std::string(nativeEndMark);
         out += '\n';
     }
@@ -99,8 +100,10 @@ std::string MotionText(const std::optional<NativeFileHeader>& header,
     }
     for (const ShapeSample& key : keys) {
         for (const PolyPoint& point : key.points) {
-            AppendRow(out, {key.time, point.x, point.y, point.In().x, point.In().y, point.Out().x,
-                            point.Out().y});
+            const bool isLinear = point.Has(PPF_Linear);
+            const ShapePlace in = isLinear ? point.Place() : point.In();
+            const ShapePlace to = isLinear ? point.Place() : point.Out();
+            AppendRow(out, {key.time, point.x, point.y, in.x, in.y, to.x, to.y});
             out += '\n';
         }
     }

@@ -4,8 +4,13 @@
 #include "host/controls/Probe.h"
 #include "host/shapes/import/ShapeFixtures.h"
 #include "plugin/PolyRig.h"
+#include "system/widgets/TimeCodeEdit.h"
+
+#include <QApplication>
+#include <QDialog>
 
 #include <QTemporaryDir>
+#include <QTimer>
 
 namespace Marlox {
 
@@ -84,6 +89,33 @@ struct FilesRig : PolyRig {
     AnsweringDialogs dialogs;
     QTemporaryDir folder;
 };
+
+/// Lets `act` answer the next dialog of that name, which is modal.
+inline void AnswerDialog(const char* name, std::function<void(QDialog& dialog)> act,
+                         int patience = 1000)
+{
+    QTimer::singleShot(1, qApp, [=] {
+        auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (dialog && dialog->objectName() == QLatin1String(name))
+            act(*dialog);
+        else if (patience > 0) // another one is on its way out
+            AnswerDialog(name, act, patience - 1);
+    });
+}
+/// Answers the one that asks for the size of the file's image.
+inline void AnswerSize(int width, int height, bool accept = true)
+{
+    AnswerDialog("PolyValuesDlg", [=](QDialog& dialog) {
+        const auto type = [&dialog](const char* field, int number) {
+            auto* const edit = dialog.findChild<TimeCodeEdit*>(field);
+            edit->setText(QString::number(number));
+            edit->Commit();
+        };
+        type("m_EditWidth", width);
+        type("m_EditHeight", height);
+        accept ? dialog.accept() : dialog.reject();
+    });
+}
 
 inline QString Fixture(const char* name)
 {

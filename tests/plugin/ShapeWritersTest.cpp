@@ -152,6 +152,12 @@ void ShapeWritersTest::readsShapesBack()
         }
     }
     QCOMPARE(readBack(shapeText(false, true, false)).shapes.at(0).closed, true); // not told
+    const std::vector<PolyPoint> dot = {corner(0.5, 0.5)};
+    for (const bool isClosed : {false, true}) { // the only point is the first and the last one
+        const ShapeOutline outline{dot, isClosed};
+        QCOMPARE(readBack(ShapeText(header, &outline, nullptr, true)).shapes.at(0).closed,
+                 isClosed);
+    }
     QCOMPARE(readBack(ShapeText(header, nullptr, nullptr, true)).error->text,
              std::string("it holds no points"));
 }
@@ -170,6 +176,12 @@ void ShapeWritersTest::readsMotionsBack()
         QCOMPARE(result.paths[0].keys[1].time, 4.0);
         QCOMPARE(result.paths[0].keys[1].y, 0.45);
     }
+    PolyPoint straightened = curvePoint(0.5, 0.25, -0.125, 0.0, 0.125, 0.0);
+    straightened.flags = PPF_Linear; // what it had as a curve point shows no more
+    const ShapeSample sample[] = {{2.0, {&straightened, 1}}};
+    QCOMPARE(MotionText({}, {}, sample),
+             std::string("DFMO\n2.000000 0.500000 0.250000 0.500000 0.250000 0.500000 0.250000\n"));
+
     const ImportedShapes motion = readBack(LightWaveMotionText(frames, header.heightsPerWidth));
     QCOMPARE(motion.paths.at(0).keys.size(), frames.size());
     for (std::size_t i = 0; i < frames.size(); ++i) {

@@ -121,10 +121,19 @@ void OverlayPolylineFilesTest::exportsTheDebugDrawing()
     const QByteArray before = qgetenv("XDG_CONFIG_HOME");
     qputenv("XDG_CONFIG_HOME", rig.folder.path().toUtf8());
     rig.SetSquare();
+    std::vector<PolyPoint> bent(rig.Shape()->Points().begin(), rig.Shape()->Points().end());
+    bent[1].flags = bent[2].flags = PPF_Broken;
+    bent[1].outX = bent[2].inX = 0.1; // the curve goes three quarters as far
+    const Ref<PolyLine> curve = rig.Shape();
+    curve->SetPoints(bent);
+    rig.InputOf("Polyline").SetValue(*curve, TimeNone);
+    rig.SetSquare("Polyline2", 0.4); // is edited, and no part of it
+    rig.Click(PolyRig::At(0.1, 0.1));
     QVERIFY(rig.Key(Qt::Key_D, KeyControl | KeyShift));
     before.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before);
     const QByteArray drawing = fileBytes(rig.File("My Papers/path.dxf"));
-    QVERIFY(drawing.contains("$EXTMAX\n10\n0.750000\n20\n0.750000\n30\n"));
+    QVERIFY(drawing.contains("$EXTMIN\n10\n0.250000\n20\n0.250000\n30\n"));
+    QVERIFY(drawing.contains("$EXTMAX\n10\n0.825000\n20\n0.750000\n30\n"));
     QCOMPARE(rig.dialogs.said, QStringList(rig.File("My Papers/path.dxf") + " was written."));
 }
 
@@ -170,13 +179,30 @@ void OverlayPolylineFilesTest::importsMotions()
     QCOMPARE(to.CenterAt(2.0), QString("0.75 0.25"));
     QCOMPARE(to.Exported("again.mot").section('\n', 0, 3), QString("LWMO\n1\n9\n3")); // its keys'
 
-    to.Run(PolyAction::ImportMotionPath, from.File("walk.mot"));
+    // Straight and held: the same path again.
+    QFile held(to.File("held.mot"));
+    QVERIFY(held.open(QIODevice::WriteOnly));
+    held.write("LWMO\n1\n9\n4\n-0.1 0 0 0 0 0 1 1 1\n0 1 0 0 0\n0.2 0 0 0 0 0 1 1 1\n12 1 0 0 0\n"
+               "0.2 -0.2 0 0 0 0 1 1 1\n24 1 0 0 0\n0 0 0 0 0 0 1 1 1\n36 0 0 0 0\n");
+    held.close();
+    to.Run(PolyAction::ImportMotionPath, held.fileName());
+    QCOMPARE(to.document->Tools().size(), std::size_t(2));
+    QCOMPARE(to.CenterAt(6.0), QString("0.55 0.5"));
+    QCOMPARE(to.CenterAt(18.0).section(' ', 0, 0), QString("0.7"));
+    QVERIFY(to.CenterAt(30.0) != QString("0.6 0.3")); // the last part is smooth
+    to.document->Undo().Undo();
+    QCOMPARE(to.CenterAt(2.0), QString("0.75 0.25"));
+    to.InputOf("Size").SetExpression("Path1.Heading"); // it is read by another one: a new path
+    to.Run(PolyAction::ImportMotionPath, held.fileName());
+    QCOMPARE(to.document->Tools().size(), std::size_t(3));
+    to.document->Undo().Undo();
     to.document->Undo().Undo();
     to.document->Undo().Undo();
     QCOMPARE(to.document->Tools().size(), std::size_t(1));
     QVERIFY(!to.InputOf("Center").HasExpression());
 
-    to.dialogs.texts = {"400", "200", "0", "2"}; // size, frames, the second of two tracks
+    AnswerSize(400, 200);
+    to.dialogs.texts = {"0", "2"}; // frames, the second of two tracks
     to.Run(PolyAction::ImportBoujou, Fixture("boujou.txt"));
     QVERIFY(
         to.dialogs.said.join('\n').contains("boujou.txt holds 2 paths (1 Target_1, 2 Wall left)"));

@@ -6,10 +6,7 @@
 
 #include <map>
 
-#include <QApplication>
 #include <QComboBox>
-#include <QDialog>
-#include <QTimer>
 #include <QtTest>
 
 using namespace Marlox;
@@ -21,12 +18,10 @@ const Registry pathRecord(CLSID_Tool_Path, ToolTags<PathModifier>());
 /// Answers the dialog that asks which shapes to import.
 void AnswerShapes(int index, bool all, bool accept)
 {
-    QTimer::singleShot(0, [=] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        dialog->findChild<QComboBox*>("m_ImportIndexCombo")->setCurrentIndex(index);
-        dialog->findChild<QWidget*>("m_ImportAllCheck")->setProperty("checked", all);
-        accept ? dialog->accept() : dialog->reject();
+    AnswerDialog("ImportShapeDlg", [=](QDialog& dialog) {
+        dialog.findChild<QComboBox*>("m_ImportIndexCombo")->setCurrentIndex(index);
+        dialog.findChild<QWidget*>("m_ImportAllCheck")->setProperty("checked", all);
+        accept ? dialog.accept() : dialog.reject();
     });
 }
 
@@ -49,7 +44,7 @@ void OverlayPolylineImportsTest::importsOneOfSeveral()
     FilesRig rig;
     rig.SetSquare();
     const auto import = [&rig] {
-        rig.dialogs.texts = {"400", "200"}; // the image's size
+        AnswerSize(400, 200);
         rig.Run(PolyAction::ImportSsf, Fixture("shapes.ssf"));
     };
     AnswerShapes(0, true, false);
@@ -71,9 +66,11 @@ void OverlayPolylineImportsTest::importsOneOfSeveral()
 void OverlayPolylineImportsTest::importsAll()
 {
     FilesRig rig("BSplinePolyline");
+    QSignalSpy rebuilt(rig.stage.get(), &OverlayStage::OverlaysChanged);
     AnswerShapes(1, true, true);
     rig.Run(PolyAction::ImportNuke, Fixture("roto.nk"));
     QCOMPARE(rig.UndoTexts(), QStringList("Import nuke shape"));
+    QCOMPARE(rebuilt.count(), 1); // however many tools there are
     QCOMPARE(rig.Count(), 3);
     QVERIFY(!rig.Shape()->IsClosed());
     QCOMPARE(rig.Shape()->GetDataType().ToString(), QString("BSplinePolyline"));
@@ -105,6 +102,8 @@ void OverlayPolylineImportsTest::importsAllOntoEachOther()
     addMaskInputs(*rig.tool);
     SetProbeInputs([](Operator&) {});
     Operator* const source = rig.document->AddTool("ProbeTool", 0);
+    Operator* const former = rig.document->AddTool("ProbeTool");
+    QVERIFY(rig.InputOf("Base").Connect(former));
     SetProbeInputs([addMaskInputs](Operator& made) {
         made.AddInput("Polyline", {{IAS_DataType, "Polyline"}});
         addMaskInputs(made);
@@ -122,11 +121,14 @@ void OverlayPolylineImportsTest::importsAllOntoEachOther()
     QCOMPARE(rig.NumberOf("Apply"), 0.0);
     QCOMPARE(below->FindInput("Apply")->GetNumber(0.0), 1.0);
     QCOMPARE(below->FindInput("Input")->GetSource(), source);
+    QCOMPARE(below->FindInput("Base")->GetSource(), former);
+    QVERIFY(rig.Shape()->GetPoint(0)->Has(PPF_Locked));
+    QVERIFY(!ShapeOf(*below->FindInput("Polyline"), 0.0)->GetPoint(0)->Has(PPF_Locked));
     QVERIFY(rig.document->IndexOf(*below) < rig.document->IndexOf(*source));
     QCOMPARE(rig.document->FeedOf(rig.InputOf("Input")), source);
     rig.document->Undo().Undo();
-    QCOMPARE(rig.document->Tools().size(), std::size_t(2));
-    QVERIFY(!rig.InputOf("Base").GetSource());
+    QCOMPARE(rig.document->Tools().size(), std::size_t(3));
+    QCOMPARE(rig.InputOf("Base").GetSource(), former);
 }
 
 void OverlayPolylineImportsTest::refusesWholly_data()
@@ -175,15 +177,17 @@ void OverlayPolylineImportsTest::asksForTheImageSize()
     rig.Run(PolyAction::ImportShape, Fixture("shape.dfsh"));
     QVERIFY(!rig.dialogs.said.join('\n').contains("pixels"));
     rig.document->Undo().Clear();
-    rig.dialogs.texts = {"200"}; // and no height: cancelled
+    AnswerSize(200, 100, false);
     rig.Run(PolyAction::ImportBoujou, Fixture("boujou.txt"));
     QCOMPARE(rig.UndoEntries(), 0);
-    rig.dialogs.texts = {"200", "100", "10", "1"};
+    AnswerSize(200, 100);
+    rig.dialogs.texts = {"10", "1"};
     rig.dialogs.said.clear();
     rig.Run(PolyAction::ImportBoujou, Fixture("boujou.txt"));
     QCOMPARE(rig.CenterAt(16.0), QString("0.25 0.75"));
-    QCOMPARE(rig.dialogs.said.size(), 4);         // what was told is no note
-    rig.dialogs.texts = {"3", "200", "100", "0"}; // pixels from the top
+    QCOMPARE(rig.dialogs.said.size(), 2); // what was told is no note
+    AnswerSize(200, 100);
+    rig.dialogs.texts = {"3", "0"}; // pixels from the top
     rig.Run(PolyAction::ImportMotionPath, Fixture("pairs.txt"));
     QVERIFY(rig.CenterAt(rig.document->FirstFrame()).endsWith(" 0.75"));
 }

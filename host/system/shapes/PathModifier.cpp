@@ -70,11 +70,31 @@ std::vector<double> fractionsOf(const PolyLine& path, double heights)
     return fractions;
 }
 
+/// Lets segments be straight whose key does not go on smoothly. `isCurved`: the segment behind each
+/// point.
+void straighten(PolyLine& path, const std::vector<bool>& isCurved)
+{
+    std::vector<PolyPoint> points(path.Points().begin(), path.Points().end());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        PolyPoint& point = points[i];
+        const bool comesCurved = i > 0 && isCurved[i - 1];
+        const bool goesCurved = i + 1 < points.size() && isCurved[i];
+        if (!comesCurved)
+            point.inX = point.inY = 0.0;
+        if (!goesCurved)
+            point.outX = point.outY = 0.0;
+        point.Set(PPF_Linear, !comesCurved && !goesCurved);
+        point.Set(PPF_Broken, comesCurved != goesCurved && i > 0 && i + 1 < points.size());
+    }
+    path.SetPoints(std::move(points));
+}
+
 /// The path through the places without those that repeat; `indices` tells each key's point.
 Ref<PolyLine> pathThrough(std::span<const PathKey> keys, PathForm form,
                           std::vector<std::size_t>& indices)
 {
     std::vector<PolyPoint> points;
+    std::vector<bool> isCurved;
     for (const PathKey& key : keys) {
         if (points.empty() || !(points.back().Place() == key.at)) {
             PolyPoint point;
@@ -83,13 +103,17 @@ Ref<PolyLine> pathThrough(std::span<const PathKey> keys, PathForm form,
             point.Set(PPF_Linear, form == PathForm::Linear);
             points.push_back(point);
         }
+        isCurved.resize(points.size());
+        isCurved.back() = key.interpolation == Interpolation::Smooth; // the last one at the place
         indices.push_back(points.size() - 1);
     }
     const auto path = MakeRef<PolyLine>();
     const std::vector<u8> all(points.size(), 1);
     path->SetPoints(std::move(points));
-    if (form == PathForm::Smooth)
+    if (form != PathForm::Linear)
         path->Smooth({}, all);
+    if (form == PathForm::ByKeys)
+        straighten(*path, isCurved);
     return path;
 }
 

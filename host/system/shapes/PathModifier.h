@@ -48,7 +48,11 @@ struct PathKey {
     ShapePlace at;                                       // normalised image coordinates
     Interpolation interpolation = Interpolation::Linear; // on the way to the next
 };
-enum class PathForm { Linear, Smooth };
+enum class PathForm {
+    Linear,
+    Smooth,
+    ByKeys, // smooth behind keys that go on smoothly, else straight
+};
 
 /// Makes the path of a "Path" tool run through the places of the keys, straight or as a smooth
 /// curve, and sets keys of its displacement so that its position is there at their times. Places
