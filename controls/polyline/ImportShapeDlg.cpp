@@ -25,6 +25,8 @@ ImportShapeDlg::ImportShapeDlg(int shapeCount, const QStringList& names, QWidget
     auto* label = new QLabel(tr("Shape to import to this mask:"), this);
     label->setObjectName("m_ImportIndexLabel");
     label->setBuddy(shape_);
+    for (QLabel* each : {label, name_})
+        each->setIndent(3); // in line with the box of the check, which leaves room for its ring
     shape_->setObjectName("m_ImportIndexCombo");
     shape_->setAccessibleName(label->text().remove(u':'));
     name_->setObjectName("m_ImportNameLabel");

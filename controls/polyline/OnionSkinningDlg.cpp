@@ -20,6 +20,7 @@ const ResData layoutResource("Dialogs.OnionSkin.Layout");
 
 constexpr double smallestStep = 0.01; // frames
 constexpr double largestStep = 100000.0;
+constexpr int besideFocusRing = 3; // pixels: in line with the boxes of checks, which leave room
 
 } // namespace
 
@@ -34,7 +35,8 @@ OnionSkinningDlg::OnionSkinningDlg(const OnionSkinSettings& settings, double fra
                      tr("How many skins on each side, 0 to %1.").arg(OnionSkinSettings::maxCount));
     step_ = AddEdit("m_LabelSkinStep", "m_EditSkinStep", tr("Skin Step:"),
                     tr("Frames from one skin to the next."));
-    step_->SetTimeMode(true, framesPerSecond);
+    for (TimeCodeEdit* edit : {count_, step_})
+        edit->SetTimeMode(true, framesPerSecond);
     keySkin_ = AddCheck("m_CheckKeySkin", tr("Key Skin"),
                         tr("The skins are the shape's keys, whatever the step."),
                         &OnionSkinningDlg::OnClickKeySkin);
@@ -62,6 +64,7 @@ TimeCodeEdit* OnionSkinningDlg::AddEdit(const char* label, const char* edit, con
 {
     auto* name = new QLabel(text, this);
     name->setObjectName(label);
+    name->setIndent(besideFocusRing);
     auto* field = new TimeCodeEdit(this);
     field->setObjectName(edit);
     field->setAccessibleName(QString(text).remove(u':'));
@@ -86,7 +89,7 @@ void OnionSkinningDlg::AddRange()
     box->setObjectName("m_GroupSkinRange");
     range_ = new QButtonGroup(this);
     auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(3, 0, 0, 0); // in line with the checks
+    row->setContentsMargins(besideFocusRing, 0, 0, 0);
     row->setSpacing(16);
     const auto add = [&](const char* name, const QString& text, const QString& help, int id) {
         auto* radio = new QRadioButton(text, box);

@@ -152,9 +152,16 @@ void PolyKeyListDlg::MakeButtons()
     connect(delete_, &QPushButton::clicked, this, &PolyKeyListDlg::OnDelete);
 }
 
-void PolyKeyListDlg::SetInput(Input* input)
+void PolyKeyListDlg::SetInput(Input* input, const QString& part)
 {
+    part_ = part;
     keys_->SetInput(input);
+    ShowState();
+}
+
+void PolyKeyListDlg::SetPartner(std::function<Input*()> partner)
+{
+    keys_->SetPartner(std::move(partner));
 }
 
 Input* PolyKeyListDlg::GetInput() const
@@ -210,7 +217,10 @@ void PolyKeyListDlg::ShowCurrentTime()
 void PolyKeyListDlg::ShowState(const QString& problem)
 {
     const Input* input = GetInput();
-    setWindowTitle(input ? tr("Poly Keys: %1").arg(input->Owner().GetName()) : tr("Poly Keys"));
+    const QString name = input ? input->Owner().GetName() : QString();
+    setWindowTitle(!input            ? tr("Poly Keys")
+                   : part_.isEmpty() ? tr("Poly Keys: %1").arg(name)
+                                     : tr("Poly Keys: %1 (%2)").arg(name, part_));
     const QModelIndexList rows = list_->selectionModel()->selectedRows();
     const bool any = !rows.isEmpty();
     const bool changeable = any && input && input->IsChangeable();

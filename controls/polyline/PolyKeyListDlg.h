@@ -30,8 +30,11 @@ public:
     explicit PolyKeyListDlg(QWidget* parent = nullptr);
     ~PolyKeyListDlg() override;
 
-    void SetInput(Input* input); // null: none
-    Input* GetInput() const;     // null also while its tool stands in no document
+    /// Null: none. `part`: which of the tool's shapes it is; empty: it has one alone.
+    void SetInput(Input* input, const QString& part = {});
+    /// See PolyKeyModel::SetPartner.
+    void SetPartner(std::function<Input*()> partner);
+    Input* GetInput() const; // null also while its tool stands in no document
 
     std::vector<double> SelectedTimes() const; // ascending
     void SelectTimes(const std::vector<double>& times);
@@ -62,6 +65,7 @@ private:
     void RestorePlace();
 
     PolyKeyModel* keys_;
+    QString part_;
     QTreeView* list_ = nullptr;
     QComboBox* kind_ = nullptr;
     QPushButton* goTo_ = nullptr;

@@ -19,6 +19,7 @@ namespace Marlox {
 namespace {
 
 constexpr double sameFrame = 1e-6; // as animations tell keys apart
+constexpr double furthestTime = 1'000'000.0;
 constexpr MxColor keyColor{124, 192, 148};
 constexpr MxColor currentColor{92, 158, 220};
 constexpr int markSize = 16; // pixels
@@ -189,30 +190,27 @@ Qt::ItemFlags PolyKeyModel::flags(const QModelIndex& index) const
 
 // Edits -------------------------------------------------------------------------------------------
 
+/// The one that is shown, and its partner.
+std::vector<Input*> PolyKeyModel::EditedInputs() const
+{
+    std::vector<Input*> inputs{input_};
+    Input* const partner = partner_ ? partner_() : nullptr;
+    if (partner && partner != input_)
+        inputs.push_back(partner);
+    return inputs;
+}
+
 bool PolyKeyModel::IsChangeable()
 {
-    const Input* input = GetInput();
-    if (input && !input->IsChangeable())
-        emit Refused(tr("The keys are locked."));
-    return input && input->IsChangeable();
-}
-
-bool PolyKeyModel::Commit(Animation animation, const char* undoText)
-{
-    MarloxDoc& document = *document_;
-    document.StartUndo(undoText);
-    const bool changed =
-        !(animation == input_->GetAnimation()) && input_->SetAnimation(std::move(animation));
-    document.EndUndo(changed);
-    return changed;
-}
-
-Animation PolyKeyModel::Without(const std::vector<double>& times) const
-{
-    Animation animation = input_->GetAnimation();
-    for (const double time : times)
-        animation.RemoveKey(time);
-    return animation;
+    if (!GetInput())
+        return false;
+    for (const Input* input : EditedInputs()) {
+        if (!input->IsChangeable()) {
+            emit Refused(tr("The keys are locked."));
+            return false;
+        }
+    }
+    return true;
 }
 
 bool PolyKeyModel::Remove(const std::vector<double>& times)
@@ -222,46 +220,85 @@ bool PolyKeyModel::Remove(const std::vector<double>& times)
     MarloxDoc& document = *document_;
     document.StartUndo("Remove Keys");
     bool removed = false;
-    for (const double time : times) // one by one: the last one leaves its value
-        removed = input_->RemoveKey(time) || removed;
+    for (Input* input : EditedInputs()) {
+        for (const double time : times) // one by one: the last one leaves its value
+            removed = input->RemoveKey(time) || removed;
+    }
     document.EndUndo(removed);
     return removed;
 }
 
-bool PolyKeyModel::Move(const std::vector<double>& times, double by)
+/// The input's keys when those at the times have moved; nothing, and Refused tells: they can't.
+std::optional<Animation> PolyKeyModel::Moved(const Input& input, const std::vector<double>& times,
+                                             double by)
 {
-    if (times.empty() || std::abs(by) < sameFrame || !std::isfinite(by) || !IsChangeable())
-        return false;
-    Animation moved = Without(times);
+    Animation moved = input.GetAnimation();
+    for (const double time : times)
+        moved.RemoveKey(time);
+    const auto& keys = input.GetAnimation().Keys();
     for (const double time : times) {
-        const double to = time + by;
-        if (moved.HasKeyAt(to)) {
-            emit Refused(tr("There is a key at %1 already.").arg(TimeText(to)));
-            return false;
-        }
-        const auto& keys = input_->GetAnimation().Keys();
         const auto key = std::find_if(keys.begin(), keys.end(), [time](const auto& row) {
             return std::abs(row.first - time) < sameFrame;
         });
-        if (key != keys.end())
-            moved.SetKey(to, key->second.value, key->second.interpolation);
+        if (key == keys.end())
+            continue;
+        const double to = time + by;
+        if (moved.HasKeyAt(to)) {
+            emit Refused(tr("There is a key at %1 already.").arg(TimeText(to)));
+            return {};
+        }
+        moved.SetKey(to, key->second.value, key->second.interpolation);
     }
-    return Commit(std::move(moved), "Move Keys");
+    return moved;
+}
+
+bool PolyKeyModel::Move(const std::vector<double>& times, double by)
+{
+    if (times.empty() || std::abs(by) < sameFrame || !IsChangeable())
+        return false;
+    const auto isFar = [by](double time) { return !(std::abs(time + by) <= furthestTime); };
+    if (std::any_of(times.begin(), times.end(), isFar)) {
+        emit Refused(tr("Keys lie between frames -1000000 and 1000000."));
+        return false;
+    }
+    std::vector<std::pair<Input*, Animation>> changes;
+    for (Input* input : EditedInputs()) {
+        std::optional<Animation> moved = Moved(*input, times, by);
+        if (!moved)
+            return false;
+        if (!(*moved == input->GetAnimation()))
+            changes.emplace_back(input, std::move(*moved));
+    }
+    MarloxDoc& document = *document_;
+    document.StartUndo("Move Keys");
+    bool done = !changes.empty();
+    for (auto& [input, animation] : changes)
+        done = done && input->SetAnimation(std::move(animation));
+    document.EndUndo(done);
+    return done;
 }
 
 bool PolyKeyModel::SetKind(const std::vector<double>& times, Interpolation kind)
 {
     if (times.empty() || !IsChangeable())
         return false;
-    Animation changed = input_->GetAnimation();
-    for (const auto& [time, key] : input_->GetAnimation().Keys()) {
-        const bool wanted = std::any_of(times.begin(), times.end(), [at = time](double other) {
-            return std::abs(other - at) < sameFrame;
-        });
-        if (wanted)
-            changed.SetKey(time, key.value, kind);
+    MarloxDoc& document = *document_;
+    document.StartUndo("Change Interpolation");
+    bool done = false;
+    for (Input* input : EditedInputs()) {
+        Animation changed = input->GetAnimation();
+        for (const auto& [time, key] : input->GetAnimation().Keys()) {
+            const bool wanted = std::any_of(times.begin(), times.end(), [at = time](double other) {
+                return std::abs(other - at) < sameFrame;
+            });
+            if (wanted)
+                changed.SetKey(time, key.value, kind);
+        }
+        if (!(changed == input->GetAnimation()))
+            done = input->SetAnimation(std::move(changed)) || done;
     }
-    return Commit(std::move(changed), "Change Interpolation");
+    document.EndUndo(done);
+    return done;
 }
 
 } // namespace Marlox

@@ -2,6 +2,8 @@
 
 #include "system/document/MarloxDoc.h"
 
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include <QAbstractTableModel>
@@ -26,6 +28,9 @@ public:
     /// Null while its tool stands in no document.
     Input* GetInput() const;
     MarloxDoc* Document() const { return document_; }
+    /// Tells the input whose keys at the same times are edited along; null: none now.
+    using Partner = std::function<Input*()>;
+    void SetPartner(Partner partner) { partner_ = std::move(partner); }
 
     static QString KindName(Interpolation kind);
     double TimeAt(int row) const { return rows_[std::size_t(row)].time; }
@@ -35,8 +40,8 @@ public:
 
     // Edits of the keys at these times, in frames. False: the input refuses, or nothing changes.
     bool Remove(const std::vector<double>& times);
-    /// Moves them by as many frames. False also where one would come to lie on another key, which
-    /// Refused tells.
+    /// Moves them by as many frames. False also where one would come to lie on another key, or
+    /// further than a million frames from frame 0, which Refused tells.
     bool Move(const std::vector<double>& times, double by);
     bool SetKind(const std::vector<double>& times, Interpolation kind);
 
@@ -60,12 +65,13 @@ private:
     };
     void Read();
     void ShowCurrent();
-    bool Commit(Animation animation, const char* undoText);
+    std::vector<Input*> EditedInputs() const;
     bool IsChangeable();
-    Animation Without(const std::vector<double>& times) const;
+    std::optional<Animation> Moved(const Input& input, const std::vector<double>& times, double by);
 
     Ref<Operator> owner_; // keeps the input alive
     Input* input_ = nullptr;
+    Partner partner_;
     QPointer<MarloxDoc> document_;
     std::vector<Row> rows_;
 };

@@ -157,8 +157,13 @@ void PolyLineControl::SelectionChanged()
 /// The list of keys is that of the polygon that is edited.
 void PolyLineControl::ActivePolygonChanged()
 {
-    if (keyList_)
-        keyList_->SetInput(ShapeInput(editor_.ActivePolygon()));
+    if (!keyList_)
+        return;
+    const bool hasBoth = ShapeInput(InnerPolygon) && ShapeInput(OuterPolygon);
+    const bool isOuter = editor_.ActivePolygon() == OuterPolygon;
+    keyList_->SetInput(ShapeInput(editor_.ActivePolygon()), !hasBoth  ? QString()
+                                                            : isOuter ? QStringLiteral("Outer")
+                                                                      : QStringLiteral("Inner"));
 }
 
 void PolyLineControl::SetInactive(TagList* tags)
@@ -178,10 +183,14 @@ QWidget* PolyLineControl::Window() const
 
 PolyKeyListDlg* PolyLineControl::KeyList()
 {
-    if (!keyList_ && settings_.animated)
+    if (!keyList_ && settings_.animated) {
         keyList_ = new PolyKeyListDlg(Window());
-    if (keyList_)
-        keyList_->SetInput(ShapeInput(editor_.ActivePolygon()));
+        keyList_->SetPartner([this] {
+            const int other = editor_.ActivePolygon() == OuterPolygon ? InnerPolygon : OuterPolygon;
+            return settings_.editBoth ? ShapeInput(other) : nullptr;
+        });
+    }
+    ActivePolygonChanged();
     return keyList_;
 }
 

@@ -130,6 +130,7 @@ private slots:
     void KeysFollow();
     void KeyEdits();
     void KeysAreRetimed();
+    void PartnersGoAlong();
     void LockedKeys();
     void KeysOutliveTheirInput();
     void KeyListKeepsItsPlace();
@@ -216,7 +217,7 @@ void PolylineDialogsTest::OnionSkinSetUp()
     }
     Preferences::Global().Set(TimeCodeEdit::PreferenceName, true);
     OnionSkinningDlg timed({50, 50.0f, 3}, 25.0);
-    QCOMPARE(part<TimeCodeEdit>(timed, "m_EditSkinCount").text(), QString("50"));
+    QCOMPARE(part<TimeCodeEdit>(timed, "m_EditSkinCount").text(), QString("00:00:02:00"));
     QCOMPARE(part<TimeCodeEdit>(timed, "m_EditSkinStep").text(), QString("00:00:02:00"));
     Preferences::Global().Remove(TimeCodeEdit::PreferenceName);
 }
@@ -371,10 +372,55 @@ void PolylineDialogsTest::KeysAreRetimed()
     QCOMPARE(stage.State(), QString("There is a key at 28 already."));
     stage.Retime("then");
     QCOMPARE(stage.State(), QString("\"then\" is no time."));
+    stage.Retime("1e300");
+    QCOMPARE(stage.State(), QString("Keys lie between frames -1000000 and 1000000."));
     stage.Retime("20"); // where it is
     QCOMPARE(stage.Keys(), (Times{0, 20, 28}));
     QCOMPARE(stage.Entries(), 2);
     QCOMPARE(stage.document->CurrentTime(), 0.0); // Enter ended the edit, and went nowhere
+}
+
+/// Another input has keys, too: those at the same times are edited, while it is the partner.
+void PolylineDialogsTest::PartnersGoAlong()
+{
+    KeyStage stage;
+    Input& other = stage.tool->AddInput(
+        "Other", TagList({{IAS_DataType, CLSID_DataType_Number}, {IAS_Name, "Other"}}));
+    const auto times = [&other] {
+        Times all;
+        for (const auto& [time, key] : other.GetAnimation().Keys())
+            all.push_back(time);
+        return all;
+    };
+    Animation animation;
+    for (const double time : {10.0, 15.0, 20.0})
+        animation.SetKey(time, MakeRef<Number>(time));
+    other.SetAnimation(animation);
+    stage.document->Undo().Clear();
+    Input* partner = &other;
+    stage.dialog->SetPartner([&partner] { return partner; });
+    stage.dialog->SetInput(stage.input, "Inner");
+    QCOMPARE(stage.dialog->windowTitle(), QString("Poly Keys: ProbeTool1 (Inner)"));
+    stage.Select({0, 10});
+    stage.Retime("5"); // the other one's key at 15 is in the way of its key at 10
+    QCOMPARE(stage.State(), QString("There is a key at 15 already."));
+    QCOMPARE(stage.Keys(), (Times{0, 10, 20}));
+    stage.Select({10});
+    stage.Retime("12");
+    QCOMPARE(stage.Keys(), (Times{0, 12, 20}));
+    QCOMPARE(times(), (Times{12, 15, 20}));
+    stage.Select({20});
+    QTest::keyClick(&stage.List(), Qt::Key_Delete);
+    QCOMPARE(times(), (Times{12, 15}));
+    QCOMPARE(stage.Entries(), 2);
+    stage.document->Undo().Undo();
+    stage.document->Undo().Undo();
+    QCOMPARE(stage.Keys(), (Times{0, 10, 20}));
+    QCOMPARE(times(), (Times{10, 15, 20}));
+    partner = nullptr;
+    stage.Select({10});
+    stage.Retime("12");
+    QCOMPARE(times(), (Times{10, 15, 20}));
 }
 
 void PolylineDialogsTest::LockedKeys()
