@@ -131,7 +131,7 @@ void MotionReader::ReadPoint()
     if (shape_.keys.empty() || shape_.keys.back().time != time) {
         if (shape_.keys.empty())
             shape_.line = lines_.LineNumber();
-        shape_.keys.push_back({time, Interpolation::Smooth, {}});
+        shape_.keys.push_back({time, Interpolation::Linear, {}}); // as editing makes them
     }
     std::vector<PolyPoint>& points = shape_.keys.back().points;
     if (points.size() >= std::size_t(maxImportedPoints)) {
@@ -174,7 +174,7 @@ void MotionReader::Read()
         job_.Take(std::move(path_));
     if (!shape_.keys.empty()) {
         job_.Assume(0, "it tells neither whether the shape is closed nor how its keys go on: taken "
-                       "as closed, and smoothly");
+                       "as closed, and evenly from key to key");
         job_.Take(std::move(shape_));
     }
 }

@@ -259,12 +259,12 @@ void ImportShapesTest::ordersKeysAndDropsWhatDoesNotMatch()
     QCOMPARE(
         resultLines(result).mid(0, 6),
         QStringList(
-            {"shape bezier \"Shape 1\" closed, line 5", "  key 1 smooth: 0,0 corner; 1,1 corner;",
-             "  key 2 smooth: 0,0 corner; 1,1 corner;",
+            {"shape bezier \"Shape 1\" closed, line 5", "  key 1 linear: 0,0 corner; 1,1 corner;",
+             "  key 2 linear: 0,0 corner; 1,1 corner;",
              "path \"Path 1\", line 2: 3 0.3,0.3 linear; 9 0.8,0.8 linear;",
              "aside file, line 2: \"Path 1\": frame 9 is there twice: the later one counts",
              "assumed file: it tells neither whether the shape is closed nor how its keys go on: "
-             "taken as closed, and smoothly"}));
+             "taken as closed, and evenly from key to key"}));
     QCOMPARE(resultLines(result).value(6),
              QStringLiteral(
                  "aside file, line 5: \"Shape 1\": its key at frame 3 has 1 points in place of 2"));
