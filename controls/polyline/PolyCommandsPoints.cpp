@@ -1,7 +1,6 @@
 #include "controls/polyline/PolyCommands.h"
 #include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
-#include "system/shapes/ShapeLinks.h"
 #include "system/shapes/ShapePublish.h"
 #include "system/viewer/OverlayState.h"
 
@@ -107,13 +106,6 @@ void DeleteSelectedPoints(PolyLineControl& control, const char* text)
         const SelMask& mask = masks[std::size_t(polygon)];
         if (!mask.IsAnySet() || !control.IsShapeFree(polygon))
             continue;
-        std::vector<u32> gone; // nothing is to follow them
-        for (const int index : mask.Items()) {
-            const PolyPoint& point = editor.Shape(polygon)->Points()[std::size_t(index)];
-            if (!point.Has(PPF_Locked))
-                gone.push_back(point.id);
-        }
-        ReleaseFollowers(*editor.InputOf(polygon), gone);
         editor.Change(polygon, Scope::Keys, [&mask](PolyLine& shape) { shape.RemovePoints(mask); });
     }
     if (Operator* tool = control.GetOperator(nullptr))

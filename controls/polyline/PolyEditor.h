@@ -100,8 +100,11 @@ public:
     bool ChangeSelected(const std::function<void(PolyLine& shape, const SelMask& mask)>& change,
                         const States& from = {});
     bool Write(int polygon, Input::State next);
-    /// From now on what is written is shown only: until WriteHeld, which writes it, or ForgetHeld.
+    /// From now on what is written is shown only: until WriteHeld, which writes it as an undo entry
+    /// of this text, or ForgetHeld.
     void HoldBack() { holdsBack_ = true; }
+    bool HoldsBack() const { return holdsBack_; }
+    void NameHeld(const char* text) { heldText_ = text; }
     void WriteHeld();
     void ForgetHeld();
     /// Shows a shape that is not written yet; null: what the input holds.
@@ -133,6 +136,7 @@ private:
     void Adopt(int polygon, const Ref<PolyLine>& shape);
     void Remember(int polygon);
     std::vector<double> OtherFrames(const Input::State& state) const;
+    void Unhold();
     bool WriteAt(int polygon, Input::State next, const std::vector<double>& times);
 
     PolyLineControl& control_;
@@ -147,6 +151,7 @@ private:
     mutable std::array<PlacedCurve, PolygonCount> curves_;
     mutable std::array<std::map<double, Ref<PolyLine>>, PolygonCount> skins_; // by their time
     bool holdsBack_ = false;
+    const char* heldText_ = nullptr;
     std::array<std::optional<Held>, PolygonCount> held_;
     int active_ = InnerPolygon;
     PolyHit hovered_;

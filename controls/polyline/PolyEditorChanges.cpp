@@ -2,6 +2,7 @@
 
 #include "controls/polyline/PolyKeysChange.h"
 #include "controls/polyline/PolyLineControl.h"
+#include "system/document/MarloxDoc.h"
 #include "system/shapes/ShapeLinks.h"
 
 #include <algorithm>
@@ -161,6 +162,9 @@ bool PolyEditor::WriteAt(int polygon, Input::State next, const std::vector<doubl
         const Ref<Parameter> value =
             next.animation.IsEmpty() ? next.value : next.animation.Evaluate(control_.CurrentTime());
         held_[std::size_t(polygon)] = {std::move(next), times};
+        if (MarloxDoc* document = control_.GetDoc())
+            document->Undo().Hold(this, QString::fromLatin1(heldText_),
+                                  [this] { control_.EndUndo(false); });
         const Masks selected = masks_;
         Preview(polygon, Ref<PolyLine>::Share(dynamic_cast<PolyLine*>(value.Get())));
         RestoreSelections(selected); // of new points too
@@ -176,11 +180,20 @@ bool PolyEditor::WriteAt(int polygon, Input::State next, const std::vector<doubl
     return true;
 }
 
+void PolyEditor::Unhold()
+{
+    holdsBack_ = false;
+    if (MarloxDoc* document = control_.GetDoc())
+        document->Undo().Unhold(this);
+}
+
 void PolyEditor::WriteHeld()
 {
     const Masks selected = masks_; // also of points that are written only now
     bool any = false;
-    holdsBack_ = false;
+    if (held_[InnerPolygon] || held_[OuterPolygon])
+        control_.StartUndo(heldText_);
+    Unhold();
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         if (auto held = std::exchange(held_[std::size_t(polygon)], {}))
             any = WriteAt(polygon, std::move(held->state), held->times) || any;
@@ -191,7 +204,7 @@ void PolyEditor::WriteHeld()
 
 void PolyEditor::ForgetHeld()
 {
-    holdsBack_ = false;
+    Unhold();
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         if (std::exchange(held_[std::size_t(polygon)], {}))
             Preview(polygon, {});

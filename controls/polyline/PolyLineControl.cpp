@@ -64,6 +64,8 @@ PolyLineControl::PolyLineControl(const Registry* record, const ScriptVal& creato
 
 PolyLineControl::~PolyLineControl()
 {
+    if (MarloxDoc* document = GetDoc())
+        document->Undo().Unhold(&editor_);
     delete keyList_.data();
     delete pointEditor_.data();
 }

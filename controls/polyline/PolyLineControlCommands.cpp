@@ -117,7 +117,7 @@ bool PolyLineControl::WantsKey(int key, u32 modifiers) const
     if (key == switchKey)
         return modifiers == 0 && editor_.IsDouble();
     if (key == Qt::Key_Backspace && Mode() == PolyDrawMode::ClickAppend)
-        return modifiers == 0 && !clicked_.empty();
+        return modifiers == 0 && !clicked_.empty() && CanEdit();
     const PolyAction action = ActionOfKey(*this, key, modifiers);
     return action != PolyAction::None && IsActionEnabled(*this, action);
 }

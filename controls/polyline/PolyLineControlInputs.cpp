@@ -119,6 +119,7 @@ bool PolyLineControl::WriteShape(int polygon, Input::State next)
         return false;
     const auto alive = Ref<PolyLineControl>::Share(this); // what follows may remove the overlay
     const bool inGesture = gesture_ != nullptr;
+    ReleaseFollowersOfLost(*input, next);
     if (!input->ChangeTo(std::move(next)))
         return false;
     changed_ = inGesture;

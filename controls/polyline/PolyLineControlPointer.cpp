@@ -113,7 +113,10 @@ DragType PolyLineControl::ControlDown(PreviewInfo* view, const MxPoint& at, TagL
 
 void PolyLineControl::BeginGesture(const char* text)
 {
-    StartUndo(text);
+    if (editor_.HoldsBack())
+        editor_.NameHeld(text);
+    else
+        StartUndo(text);
 }
 
 bool PolyLineControl::HoldBack()

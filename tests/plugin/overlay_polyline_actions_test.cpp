@@ -232,6 +232,7 @@ void OverlayPolylineActionsTest::LockedToolsShowWhatIsAsked()
     QCOMPARE(rig.Poly().GetAttr(PLC_ShowHandles), int64(1)); // in this view
     QCOMPARE(rig.InputOf("Polyline").GetAttr(PLC_ShowHandles), int64(0));
     QVERIFY(rig.Key(Qt::Key_H) && rig.Key(Qt::Key_H)); // by keys too
+    QVERIFY(!rig.Key(Qt::Key_Backspace, 0));
     QVERIFY(!rig.Key(Qt::Key_S) && !rig.Key(Qt::Key_Delete, 0) && !rig.Key(Qt::Key_Left, 0));
     rig.tool->SetLocked(false);
     QVERIFY(RunEntry(rig, "Handles"));

@@ -328,6 +328,15 @@ void OverlayPolylineDragsTest::StopRenderingWritesAtTheEnd()
     });
     QVERIFY(rig.InputOf("Polyline").GetState() == start);
     QCOMPARE(rig.UndoTexts(), QStringList());
+    rig.InputOf("Size").SetValue(Number(2.0), 0.0);
+    drag([&] { // undo gives up what is shown, and takes nothing else back
+        QCOMPARE(rig.UndoText(), text);
+        rig.document->Undo().Undo();
+        rig.stage->Release({from.x() + 25, from.y() + 30}, u32(modifiers));
+        QCOMPARE(rig.NumberOf("Size"), 2.0);
+        QVERIFY(rig.InputOf("Polyline").GetState() == start);
+    });
+    rig.document->Undo().Clear();
     drag([&] { rig.stage->Release({from.x() + 20, from.y() + 30}, u32(modifiers)); });
     QVERIFY(rig.InputOf("Polyline").GetState() != start);
     QCOMPARE(rig.UndoTexts(), QStringList(text));

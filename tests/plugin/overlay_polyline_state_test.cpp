@@ -3,6 +3,7 @@
 
 #include "plugin/PolyCommandsRig.h"
 #include "script/ScriptSystem.h"
+#include "system/shapes/ShapePublish.h"
 
 #include <QtTest>
 
@@ -30,6 +31,7 @@ private slots:
     void initTestCase() { InstallScripting(); }
     void AttributesAreTheInputs();
     void ModeBelongsToWhatChangedIt();
+    void FollowersStayWhenPointsGo();
     void ClosedMeanwhileIsNotDrawnOn();
     void EmptyShapesAreDrawnAnew();
     void LockedSelectionsComeBack();
@@ -64,6 +66,26 @@ void OverlayPolylineStateTest::ModeBelongsToWhatChangedIt()
     QCOMPARE(rig.Mode(), int(ClickAppend));
     rig.document->Undo().Redo();
     QCOMPARE(rig.Mode(), int(InsertAndModify));
+}
+
+void OverlayPolylineStateTest::FollowersStayWhenPointsGo()
+{
+    PolyRig rig;
+    rig.SetSquare();
+    rig.SetShape({{0.251, 0.251}, {0.9, 0.2}, {0.5, 0.9}}, "Polyline2");
+    SelMask first(4);
+    first.DoSet(0, SelMask::Select);
+    PublishPoints(rig.InputOf("Polyline"), first);
+    SelMask other(3);
+    other.DoSet(0, SelMask::Select);
+    QCOMPARE(SetPointsToFollow(rig.InputOf("Polyline2"), other, 0.0, {0.01, 0.01}), 1);
+    rig.SetPoint("Point0", 0.3, 0.3);
+    rig.document->Undo().Clear();
+    const Input::State before = rig.InputOf("Polyline2").GetState();
+    QVERIFY(RunDialog(rig, "Rectangle…", Accept));
+    QVERIFY(rig.Shape("Polyline2")->Links().empty());
+    QCOMPARE(rig.Place(0, "Polyline2"), std::string("220 110")); // where it was seen
+    VerifyOneEntry(rig, "Create rectangle", before, "Polyline2");
 }
 
 void OverlayPolylineStateTest::ClosedMeanwhileIsNotDrawnOn()

@@ -165,7 +165,7 @@ void UndoHistory::Push(std::unique_ptr<UndoStep> step, const QString& text)
 
 bool UndoHistory::CanUndo() const
 {
-    return stack_.canUndo() || HasOpenChanges();
+    return stack_.canUndo() || HasOpenChanges() || !held_.empty();
 }
 
 bool UndoHistory::CanRedo() const
@@ -181,6 +181,8 @@ bool UndoHistory::HasOpenChanges() const
 
 QString UndoHistory::UndoText() const
 {
+    if (!held_.empty())
+        return held_.back().text;
     if (!HasOpenChanges())
         return stack_.undoText();
     const auto named = std::find_if(open_.begin(), open_.end(),
@@ -199,8 +201,24 @@ void UndoHistory::CloseAll()
         EndInnermost(true);
 }
 
+void UndoHistory::Hold(const void* owner, const QString& text, std::function<void()> giveUp)
+{
+    Unhold(owner);
+    held_.push_back({owner, text, std::move(giveUp)});
+}
+
+void UndoHistory::Unhold(const void* owner)
+{
+    std::erase_if(held_, [owner](const Held& held) { return held.owner == owner; });
+}
+
 void UndoHistory::Undo()
 {
+    if (!held_.empty()) {
+        const auto giveUp = std::move(held_.back().giveUp);
+        held_.pop_back();
+        return giveUp();
+    }
     Replay(&QUndoStack::undo);
 }
 

@@ -2,6 +2,7 @@
 
 #include "system/base/Types.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -46,6 +47,10 @@ public:
     bool IsOpen(u64 group) const;
     /// Ends the groups of all gestures: what comes next is no part of them.
     void EndGestures();
+    /// A gesture shows a change that it will make when it ends, if at all: Undo calls `giveUp` in
+    /// place of undoing an entry. Until Unhold of the same `owner`.
+    void Hold(const void* owner, const QString& text, std::function<void()> giveUp);
+    void Unhold(const void* owner);
     int Depth() const { return int(open_.size()); }
     /// Hands over a change that was just made. Outside a group it is an entry of its own, named
     /// `text`; inside, an earlier step of the innermost group may absorb it. While the history
@@ -57,7 +62,7 @@ public:
     // Of what Undo and Redo would do now: an open group that changed something comes first.
     QString UndoText() const;
     QString RedoText() const;
-    void Undo(); // ends open groups first
+    void Undo(); // ends open groups first; gives up what is held back, and nothing else
     void Redo();
     /// Forgets all entries and open groups. What was not saved stays so: the stack is not clean
     /// after it unless it was before.
@@ -79,6 +84,12 @@ private:
     void CloseAll();
     void Replay(void (QUndoStack::*way)());
 
+    struct Held {
+        const void* owner;
+        QString text;
+        std::function<void()> giveUp;
+    };
+    std::vector<Held> held_;
     QUndoStack stack_;
     struct Group {
         u64 number;

@@ -217,7 +217,7 @@ void Renderer::Private::Deliver(const RenderResult& result, const Size& size, do
     if (result.cancelled || result.serial <= gone_)
         return;
     last_ = result;
-    if (result.proxy && !request_.isActive())
+    if (result.proxy && result.serial == serial_ && document_.IsAutoProxy())
         rest_.start(restMs);
     emit renderer_.Finished(result);
 }

@@ -220,6 +220,7 @@ bool SetPathKeys(Operator& path, std::span<const PathKey> keys, PathForm form)
     MarloxDoc* const document = path.GetDoc();
     if (document)
         document->StartUndo("Set Path");
+    ReleaseFollowersOfLost(*line, {through, {}, {}, {}});
     const bool taken = line->SetValue(*through, TimeNone) &&
                        displacement->ChangeTo({displacement->GetState().value, along, {}, {}});
     if (document)

@@ -117,6 +117,7 @@ bool pasteShape(Input& to, const ShapeClip& clip, ShapePlace offset)
     state.animation = {};
     for (const auto& [time, key] : clip.animation.Keys())
         state.animation.SetKey(time, moved(*shapeIn(key.value), offset), key.interpolation);
+    ReleaseFollowersOfLost(to, state);
     if (!to.ChangeTo(std::move(state)))
         return false;
     RemoveUnusedPublishedInputs(to.Owner());

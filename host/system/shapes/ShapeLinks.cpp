@@ -282,4 +282,21 @@ void ReleaseFollowers(const Input& shape, const std::vector<u32>& points)
     }
 }
 
+void ReleaseFollowersOfLost(const Input& shape, const Input::State& next)
+{
+    const Ref<PolyLine> now = ShapeOf(shape, shape.Owner().CurrentTime());
+    if (!now || now->Links().empty())
+        return;
+    const auto& keys = next.animation.Keys();
+    const PolyLine* const then = shapeIn(keys.empty() ? next.value : keys.begin()->second.value);
+    std::vector<u32> lost;
+    for (const PointLink& link : now->Links()) {
+        const PointLink* const kept = then ? then->LinkOf(link.point) : nullptr;
+        if (link.kind == PointLink::Kind::Published && (!kept || kept->kind != link.kind))
+            lost.push_back(link.point);
+    }
+    if (!lost.empty())
+        ReleaseFollowers(shape, lost);
+}
+
 } // namespace Marlox

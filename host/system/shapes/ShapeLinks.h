@@ -49,6 +49,9 @@ void RenameToolInLinks(Input::State& state, const std::string& from, const std::
 void ReleaseFollowers(const MarloxDoc& document, const Operator& tool);
 /// The same for points of one shape that are no longer to be followed, by their ids; also those of
 /// other shapes of its tool.
-MARLOXSYSTEM_EXPORT void ReleaseFollowers(const Input& shape, const std::vector<u32>& points);
+void ReleaseFollowers(const Input& shape, const std::vector<u32>& points);
+/// The same for the published points that are none any more in what the shape's input is about to
+/// get; within the undo group of that change.
+MARLOXSYSTEM_EXPORT void ReleaseFollowersOfLost(const Input& shape, const Input::State& next);
 
 } // namespace Marlox

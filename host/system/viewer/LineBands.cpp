@@ -97,6 +97,12 @@ void LineBands::Add(std::span<const OverlayPoint> points, bool closed, const Sty
         if (from.y == to.y)
             from.y = to.y = OnPixel(from.y);
     }
+    const auto same = std::unique(points_.begin(), points_.end(), meet); // on one pixel now
+    points_.erase(same, points_.end());
+    while (closed && points_.size() > 1 && meet(points_.front(), points_.back()))
+        points_.pop_back();
+    if (points_.size() < 2)
+        return;
     closed = closed && points_.size() > 2;
     if (isNear)
         return AddNear(points_, closed, 0.0, style);
