@@ -10,31 +10,23 @@ namespace Marlox {
 
 namespace {
 
-// The declarations made so far, linked through themselves: load time only, so no lock.
-constinit Resource* first = nullptr;
-constinit Resource* last = nullptr;
+constinit DeclarationList<Resource> resources;
 
 } // namespace
 
-Resource::Resource(Kind kind, const char* name) noexcept : kind_(kind), name_(name), previous_(last)
+Resource::Resource(Kind kind, const char* name) noexcept : kind_(kind), name_(name)
 {
-    (last ? last->next_ : first) = this;
-    last = this;
+    resources.Append(*this);
 }
 
 Resource::~Resource()
 {
-    (previous_ ? previous_->next_ : first) = next_;
-    (next_ ? next_->previous_ : last) = previous_;
+    resources.Remove(*this);
 }
 
 std::vector<const Resource*> Resource::Declared()
 {
-    std::vector<const Resource*> declared;
-    for (const Resource* resource = first; resource; resource = resource->next_) {
-        declared.push_back(resource);
-    }
-    return declared;
+    return resources.All();
 }
 
 QSize ResDIB::Size() const

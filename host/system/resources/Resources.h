@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/base/DeclarationList.h"
 #include "system/base/MxColor.h"
 #include "system/base/MxGeometry.h"
 #include "system/base/ScriptVal.h"
@@ -42,8 +43,8 @@ protected:
 private:
     Kind kind_;
     const char* name_;
-    Resource* previous_;
-    Resource* next_ = nullptr;
+    friend class DeclarationList<Resource>;
+    DeclarationList<Resource>::Links links_;
 };
 
 /// A named bitmap: a vector drawing rasterised for the screen it is shown on. Sizes in

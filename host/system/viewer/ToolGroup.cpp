@@ -1,44 +1,38 @@
 #include "system/viewer/ToolGroup.h"
 
+#include <algorithm>
+
 namespace Marlox {
 
 namespace {
 
-// The declarations made so far, linked through themselves: load time only, so no lock.
-constinit ToolGroup* first = nullptr;
-constinit ToolGroup* last = nullptr;
+constinit DeclarationList<ToolGroup> groups;
 
 } // namespace
 
 ToolGroup::ToolGroup(const char* name, const char* overlayClass, const char* label) noexcept
-    : name_(name), overlayClass_(overlayClass), label_(label), previous_(last)
+    : name_(name), overlayClass_(overlayClass), label_(label)
 {
-    (last ? last->next_ : first) = this;
-    last = this;
+    groups.Append(*this);
 }
 
 ToolGroup::~ToolGroup()
 {
-    (previous_ ? previous_->next_ : first) = next_;
-    (next_ ? next_->previous_ : last) = previous_;
+    groups.Remove(*this);
 }
 
 std::vector<const ToolGroup*> ToolGroup::Declared()
 {
-    std::vector<const ToolGroup*> declared;
-    for (const ToolGroup* group = first; group; group = group->next_) {
-        declared.push_back(group);
-    }
-    return declared;
+    return groups.All();
 }
 
 const char* ToolGroup::LabelOf(const MxID& overlayClass)
 {
-    for (const ToolGroup* group = first; group; group = group->next_) {
-        if (group->label_ && group->OverlayClass() == overlayClass)
-            return group->label_;
-    }
-    return nullptr;
+    const std::vector<const ToolGroup*> all = groups.All();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const ToolGroup* group) {
+        return group->Label() && group->OverlayClass() == overlayClass;
+    });
+    return found == all.end() ? nullptr : (*found)->Label();
 }
 
 } // namespace Marlox

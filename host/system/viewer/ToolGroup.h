@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/base/DeclarationList.h"
 #include "system/base/MxID.h"
 #include "system/base/Types.h"
 
@@ -37,8 +38,8 @@ private:
     const char* name_;
     const char* overlayClass_;
     const char* label_;
-    ToolGroup* previous_;
-    ToolGroup* next_ = nullptr;
+    friend class DeclarationList<ToolGroup>;
+    DeclarationList<ToolGroup>::Links links_;
 };
 
 } // namespace Marlox
