@@ -229,8 +229,7 @@ private:
         }
         for (const PointLink& link : shape_.Links()) {
             if (const PolyPoint* point = shape_.GetPoint(shape_.GetIndex(link.point)))
-                (link.kind == PointLink::Kind::Published ? published : following)
-                    .push_back(At(point->Place()));
+                (link.Follows() ? following : published).push_back(At(point->Place()));
         }
         SetColor(painter_, view_.Info(), settings_.keyPointColor, opacity_);
         painter_.Marks(Shape::Loop, ring, published, Scale());

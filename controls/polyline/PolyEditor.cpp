@@ -273,10 +273,9 @@ PolyEditor::Masks PolyEditor::Movable(Masks masks) const
         SelMask& mask = masks[std::size_t(polygon)];
         const PolyLine* shape = Shape(polygon);
         for (const int index : shape ? mask.Items() : std::vector<int>()) {
-            const PolyPoint* point = shape->GetPoint(index);
-            const PointLink* link = point ? shape->LinkOf(point->id) : nullptr;
-            const bool follows = link && link->kind == PointLink::Kind::Follows;
-            if (point && (follows || point->Has(PPF_Locked)))
+            const PolyPoint* const point = shape->GetPoint(index);
+            const PointLink* const link = shape->LinkAt(index);
+            if ((link && link->Follows()) || (point && point->Has(PPF_Locked)))
                 mask.DoSet(index, SelMask::Clear);
         }
     }

@@ -121,11 +121,10 @@ bool AllFollow(const C& c)
     for (int polygon = 0; polygon < PolygonCount; ++polygon) {
         const PolyLine* const shape = c.Editor().Shape(polygon);
         for (const int index : shape ? c.Editor().Selection(polygon).Items() : std::vector<int>()) {
-            const PolyPoint* const point = shape->GetPoint(index);
-            const PointLink* const link = point ? shape->LinkOf(point->id) : nullptr;
+            const PointLink* const link = shape->LinkAt(index);
             if (!link)
                 return false;
-            any = any || link->kind == PointLink::Kind::Follows; // published ones can't
+            any = any || link->Follows(); // published ones can't
         }
     }
     return any;

@@ -297,6 +297,12 @@ const PointLink* PolyLine::LinkOf(u32 point) const
     return found == links_.end() ? nullptr : &*found;
 }
 
+const PointLink* PolyLine::LinkAt(int index) const
+{
+    const PolyPoint* const point = GetPoint(index);
+    return point ? LinkOf(point->id) : nullptr;
+}
+
 void PolyLine::SetLink(PointLink link)
 {
     RemoveLink(link.point);
@@ -311,7 +317,7 @@ void PolyLine::RemoveLink(u32 point)
 int PolyLine::GetPublishedPoint(const std::string& input) const
 {
     for (const PointLink& link : links_) {
-        if (link.kind == PointLink::Kind::Published && link.input == input)
+        if (!link.Follows() && link.input == input)
             return GetIndex(link.point);
     }
     return -1;
@@ -320,9 +326,8 @@ int PolyLine::GetPublishedPoint(const std::string& input) const
 int PolyLine::GetSelectedPublishedPoint(const SelMask& mask) const
 {
     for (const int index : mask.Items()) {
-        const PolyPoint* point = GetPoint(index);
-        const PointLink* link = point ? LinkOf(point->id) : nullptr;
-        if (link && link->kind == PointLink::Kind::Published)
+        const PointLink* const link = LinkAt(index);
+        if (link && !link->Follows())
             return index;
     }
     return -1;

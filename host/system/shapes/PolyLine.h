@@ -36,6 +36,7 @@ struct PointLink {
     std::string tool;  // follows: name of the tool whose shape it is
     u32 target = 0;    // follows: id of the other shape's point
 
+    bool Follows() const { return kind == Kind::Follows; }
     friend bool operator==(const PointLink&, const PointLink&) = default;
 };
 
@@ -140,6 +141,7 @@ public:
     // Published points and points that follow others.
     const std::vector<PointLink>& Links() const { return links_; }
     const PointLink* LinkOf(u32 point) const; // null: none
+    const PointLink* LinkAt(int index) const; // of the point there
     void SetLink(PointLink link);             // in place of the one its point had
     void RemoveLink(u32 point);
     /// The index of the point that feeds this input; -1: none.

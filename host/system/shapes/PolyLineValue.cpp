@@ -81,7 +81,7 @@ ScriptVal ToVal(const PointLink& link)
     ScriptVal table = ScriptVal::MakeTable();
     table.Set("Point", double(link.point));
     table.Set("Input", link.input);
-    if (link.kind == PointLink::Kind::Follows) {
+    if (link.Follows()) {
         table.Set("Tool", link.tool);
         table.Set("Target", double(link.target));
     }

@@ -32,7 +32,7 @@ public:
     static Input* InputOf(const Input& input, const PointLink& link)
     {
         const MxID id(link.input.c_str());
-        if (link.kind == PointLink::Kind::Published || link.tool.empty())
+        if (!link.Follows() || link.tool.empty())
             return input.Owner().FindInput(id);
         const MarloxDoc* document = input.GetDoc();
         const Operator* tool =
@@ -60,7 +60,7 @@ private:
         const Input* other = InputOf(input, link);
         if (!other)
             return {};
-        if (link.kind == PointLink::Kind::Follows) {
+        if (link.Follows()) {
             const std::optional<ShapePlace> place = PlaceOf(*other, link.target);
             const ShapePlacement from = PlacementOf(*other);
             const ShapePlacement to = PlacementOf(input);
@@ -124,7 +124,7 @@ bool replaceShapes(Input::State& state, Changed changed)
 
 bool follows(const PointLink& link, const std::string& tool)
 {
-    return link.kind == PointLink::Kind::Follows && link.tool == tool;
+    return link.Follows() && link.tool == tool;
 }
 
 bool hasFollower(const PolyLine& shape, const std::string& tool)
@@ -177,7 +177,7 @@ bool UpdatePublishedPointInputs(Input& shape, double time)
     bool taken = true;
     for (const PointLink& link : value ? value->Links() : std::vector<PointLink>()) {
         const PolyPoint* const point = value->GetPoint(value->GetIndex(link.point));
-        if (link.kind != PointLink::Kind::Published || !point)
+        if (link.Follows() || !point)
             continue;
         Input* const input = Resolver::InputOf(shape, link);
         if (!input || input->HasExpression())
@@ -195,9 +195,8 @@ bool UpdatePublishedPointInputs(Input& shape, double time)
 std::optional<FollowedPoint> FindExternFollowingPoint(const Input& shape, const PolyLine& value,
                                                       const KeyPoint& point)
 {
-    const PolyPoint* const own = value.GetPoint(point.index);
-    const PointLink* const link = own ? value.LinkOf(own->id) : nullptr;
-    if (!link || link->kind != PointLink::Kind::Follows)
+    const PointLink* const link = value.LinkAt(point.index);
+    if (!link || !link->Follows())
         return {};
     FollowedPoint followed;
     followed.input = Resolver::InputOf(shape, *link);
@@ -218,10 +217,8 @@ std::optional<FollowedPoint> FindExternFollowingPoint(const Input& shape, const 
 
 Input* PublishedInputOf(const Input& shape, const PolyLine& value, int index)
 {
-    const PolyPoint* const point = value.GetPoint(index);
-    const PointLink* const link = point ? value.LinkOf(point->id) : nullptr;
-    const bool isPublished = link && link->kind == PointLink::Kind::Published;
-    return isPublished ? Resolver::InputOf(shape, *link) : nullptr;
+    const PointLink* const link = value.LinkAt(index);
+    return link && !link->Follows() ? Resolver::InputOf(shape, *link) : nullptr;
 }
 
 bool HasLinks(const Input::State& state)
@@ -292,7 +289,7 @@ void ReleaseFollowersOfLost(const Input& shape, const Input::State& next)
     std::vector<u32> lost;
     for (const PointLink& link : now->Links()) {
         const PointLink* const kept = then ? then->LinkOf(link.point) : nullptr;
-        if (link.kind == PointLink::Kind::Published && (!kept || kept->kind != link.kind))
+        if (!link.Follows() && (!kept || kept->Follows()))
             lost.push_back(link.point);
     }
     if (!lost.empty())

@@ -54,12 +54,6 @@ bool isPublished(const Input& shape, const PolyLine& value, int index)
     return PublishedInputOf(shape, value, index) != nullptr;
 }
 
-bool isFollowing(const PolyLine& value, int index)
-{
-    const PointLink* const link = value.LinkOf(value.GetPoint(index)->id);
-    return link && link->kind == PointLink::Kind::Follows;
-}
-
 /// What the input of a point begins with: its places, with the keys of its shape.
 Input::State publishedState(const Input& shape, u32 id, const Input& input)
 {
@@ -312,8 +306,10 @@ int SetPointsToFollow(Input& shape, const SelMask& mask, double time, ShapePlace
 
 int StopFollowing(Input& shape, const SelMask& mask)
 {
-    const auto points = pointsOf(
-        shape, mask, [](const PolyLine& value, int index) { return isFollowing(value, index); });
+    const auto points = pointsOf(shape, mask, [](const PolyLine& value, int index) {
+        const PointLink* const link = value.LinkAt(index);
+        return link && link->Follows();
+    });
     if (shape.Owner().IsLocked() || points.empty())
         return 0;
     const Group group(shape, "Set Points to follow");
