@@ -137,18 +137,33 @@ inline constexpr char PolyToolsRotoAssist[] = "Poly_Tool_RotoAssist";
 struct PolyActionRow {
     using Test = bool (*)(const PolyLineControl& control);
     using Run = void (*)(PolyLineControl& control);
+    struct Button {
+        constexpr explicit Button(u32 event = 0, const char* text = nullptr,
+                                  const char* tip = nullptr, const char* icon = nullptr)
+            : event(event), text(text), tip(tip), icon(icon)
+        {
+        }
+        u32 event;        // of the viewer; 0: none
+        const char* text; // of the toolbar; null: no button
+        const char* tip;
+        const char* icon; // null: none
+    };
+    /// Within a pop-down of the toolbar.
+    struct PopDown {
+        constexpr explicit PopDown(const char* text = nullptr, const char* tip = nullptr)
+            : text(text), tip(tip)
+        {
+        }
+        const char* text; // null: as the menu
+        const char* tip;
+    };
     PolyAction action;
     const char* menu; // text of the context menu, its shortcut behind a tab; null: none
     Run run;
     std::span<const PolyRule> enabled = {}; // rules that must hold; none: always
     Test checked = nullptr;                 // null: it is no state
-    const char* button = nullptr;           // text, tip and icon of the toolbar; null: none
-    const char* tip = nullptr;
-    const char* icon = nullptr; // null: none
-    u32 event = 0;              // of the viewer; 0: none
-    const char* popDown =
-        nullptr; // text and tip within a pop-down of the toolbar; null: as the menu
-    const char* popDownTip = nullptr;
+    Button button = Button();
+    PopDown popDown = PopDown();
     Test listed = nullptr; // whether menus have it now; null: always
 };
 

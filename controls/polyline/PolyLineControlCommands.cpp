@@ -42,7 +42,7 @@ void PolyLineControl::PressModeEvent() const
                                     PolyAction::DrawAppend, PolyAction::InsertAndModify,
                                     PolyAction::ModifyOnly};
     if (view_ && view_->services)
-        view_->services->PressEvent(FindAction(modes[std::size_t(Mode())])->event);
+        view_->services->PressEvent(FindAction(modes[std::size_t(Mode())])->button.event);
 }
 
 void PolyLineControl::AddToMenu(Menu* menu, TagList& tags)

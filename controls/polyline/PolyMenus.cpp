@@ -232,7 +232,7 @@ QString TextOf(const PolyLineControl& control, const PolyActionRow& row, const c
 {
     const RotoAssistSettings& roto = control.Settings().roto;
     const int number = row.action == A::RotoDistance ? roto.distance : roto.frameSkip;
-    if (row.action == A::OnionClickSetsTime && text == row.popDown &&
+    if (row.action == A::OnionClickSetsTime && text == row.popDown.text &&
         control.Settings().onion.clickSetsTime)
         return QStringLiteral("Enabled setting current time");
     return QString::fromUtf8(text)
@@ -246,7 +246,7 @@ void AddEntry(const PolyLineControl& control, Menu& menu, const Node& node, bool
     const PolyActionRow& row = *FindAction(node.action);
     if (row.listed && !row.listed(control))
         return;
-    const char* text = popDown && row.popDown ? row.popDown : row.menu;
+    const char* text = popDown && row.popDown.text ? row.popDown.text : row.menu;
     const char* reason = WhyNot(control, node.action);
     const QString shown = TextOf(control, row, text);
     const bool checked = row.checked && row.checked(control);
@@ -258,8 +258,8 @@ void AddEntry(const PolyLineControl& control, Menu& menu, const Node& node, bool
         menu.Add(u32(node.action), shown, !reason);
     if (reason)
         menu.SetTip(QString::fromUtf8(reason));
-    else if (popDown && row.popDownTip)
-        menu.SetTip(QString::fromUtf8(row.popDownTip));
+    else if (popDown && row.popDown.tip)
+        menu.SetTip(QString::fromUtf8(row.popDown.tip));
 }
 
 /// Up to the end of the submenu; returns what is left.
@@ -304,7 +304,7 @@ const std::vector<u32>& ToolbarEvents()
     static const std::vector<u32> events = [] {
         std::vector<u32> all;
         for (const A action : toolbar)
-            all.push_back(FindAction(action)->event);
+            all.push_back(FindAction(action)->button.event);
         return all;
     }();
     return events;
@@ -313,13 +313,14 @@ const std::vector<u32>& ToolbarEvents()
 bool DescribeButton(const PolyLineControl& control, u32 event, ToolbarButton& button)
 {
     const PolyActionRow* row = FindActionOfEvent(event);
-    if (!row || !row->button)
+    if (!row || !row->button.text)
         return false;
     button.event = event;
-    button.text = QString::fromUtf8(row->button);
-    button.tip = QString::fromUtf8(row->tip);
-    button.icon =
-        row->icon ? QLatin1String("Icons.Polyline.") + QLatin1String(row->icon) : QString();
+    button.text = QString::fromUtf8(row->button.text);
+    button.tip = QString::fromUtf8(row->button.tip);
+    button.icon = row->button.icon
+                      ? QLatin1String("Icons.Polyline.") + QLatin1String(row->button.icon)
+                      : QString();
     const PopDown* popDown = PopDownOf(row->action);
     button.group = QString::fromLatin1(popDown ? popDown->group : PolyTools);
     button.reason = QString::fromUtf8(WhyNot(control, row->action));
