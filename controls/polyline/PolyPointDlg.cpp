@@ -156,6 +156,13 @@ bool PolyPointDlg::IsFree() const
            !editor.Active()->GetPoint(Index())->Has(PPF_Locked);
 }
 
+bool PolyPointDlg::IsFollowing() const
+{
+    const PointLink* const link =
+        Index() >= 0 ? control_.Editor().Active()->LinkAt(Index()) : nullptr;
+    return link && link->Follows();
+}
+
 std::optional<PolyPointDlg::Numbers> PolyPointDlg::Read() const
 {
     const int index = Index();
@@ -182,6 +189,7 @@ void PolyPointDlg::Follow()
     const int count = shape ? shape->GetCount() : 0;
     const std::optional<Numbers> numbers = Read();
     const bool free = IsFree();
+    const bool follows = IsFollowing();
     const bool turns = count > 0 && !control_.Settings().lockSelection;
     number_->SetRange(0, std::max(count - 1, 0));
     number_->SetValue(std::max(Index(), 0));
@@ -191,11 +199,12 @@ void PolyPointDlg::Follow()
     ShowKind(!shape || IsBezier(*shape));
     for (std::size_t i = 0; i < edits_.size(); ++i) {
         edits_[i]->SetValue(numbers ? (*numbers)[i] : 0.0, decimals);
-        edits_[i]->setEnabled(free);
+        edits_[i]->setEnabled(free && !(follows && i <= Y));
     }
     const int selected = control_.Editor().ActiveSelection().SetCount();
     state_->setText(!numbers       ? tr("No point is selected.")
                     : !free        ? tr("The point is locked.")
+                    : follows      ? tr("The point follows another one.")
                     : selected > 1 ? tr("The last of %1 selected points").arg(selected)
                     : count == 1   ? tr("The only point")
                                    : tr("One of %1 points").arg(count));

@@ -54,8 +54,9 @@ private:
     TimeCodeEdit* MakeEdit(const char* name, const QString& spoken, const QString& help);
     QLabel* MakeLabel(const char* name, const QString& text, QWidget* buddy);
     void MakeFields();
-    bool IsFree() const; // the overlay's tool is there and takes edits of the point
-    int Index() const;   // of the point; -1: none
+    bool IsFree() const;      // the overlay's tool is there and takes edits of the point
+    bool IsFollowing() const; // it is moved by another point
+    int Index() const;        // of the point; -1: none
     std::optional<Numbers> Read() const;
     void StartDrag(TimeCodeEdit* edit);
     void EndDrag();

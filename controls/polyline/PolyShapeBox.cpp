@@ -193,6 +193,13 @@ public:
     {
         for (int polygon = 0; polygon < PolygonCount; ++polygon)
             masks_[std::size_t(polygon)] = MaskOf(control, polygon);
+        const bool all = masks_[std::size_t(Editor().ActivePolygon())].IsAllSet();
+        const bool both = masks_[InnerPolygon].IsAnySet() && masks_[OuterPolygon].IsAnySet();
+        text_ = grip_.kind == Grip::Inside ? "Dragging Shaping Box"
+                : both                     ? "Shape points"
+                : all                      ? "Shape PolyLine"
+                                           : "Shape Points";
+        masks_ = Editor().Movable(std::move(masks_));
         control.HoldBack();
     }
 
@@ -201,28 +208,17 @@ public:
         if (!moved_ && pointer.view.Cursor() == start_)
             return;
         moved_ = true;
-        const bool all = masks_[std::size_t(Editor().ActivePolygon())].IsAllSet();
-        const bool both = masks_[InnerPolygon].IsAnySet() && masks_[OuterPolygon].IsAnySet();
-        Begin(grip_.kind == Grip::Inside ? "Dragging Shaping Box"
-              : both                     ? "Shape points"
-              : all                      ? "Shape PolyLine"
-                                         : "Shape Points");
+        Begin(text_);
         const Affine change = ChangeFor(pointer);
-        for (int polygon = 0; polygon < PolygonCount; ++polygon) {
-            const SelMask& mask = masks_[std::size_t(polygon)];
-            if (!mask.IsAnySet())
-                continue;
-            Editor().Change(
-                polygon, PolyEditor::Scope::Frames,
-                [&](PolyLine& shape) {
-                    for (const int index : mask.Items()) {
-                        PolyPoint* point = shape.GetPoint(index);
-                        if (point && !point->Has(PPF_Locked))
-                            change.Apply(*point);
-                    }
-                },
-                states_[std::size_t(polygon)]);
-        }
+        Editor().ChangeMasked(
+            masks_,
+            [&change](PolyLine& shape, const SelMask& mask) {
+                for (const int index : mask.Items()) {
+                    if (PolyPoint* const point = shape.GetPoint(index))
+                        change.Apply(*point);
+                }
+            },
+            states_);
     }
 
 private:
@@ -286,6 +282,7 @@ private:
     PolyMoveRule rule_;
     PolyEditor::States states_;
     PolyEditor::Masks masks_;
+    const char* text_;
     bool moved_ = false;
 };
 

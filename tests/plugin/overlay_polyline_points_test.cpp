@@ -184,6 +184,12 @@ void OverlayPolylinePointsTest::PointEditorFollows()
     rig.document->Undo().Undo();
     RunEntry(rig, "Lock Points");
     QVERIFY(!Editor()->findChild<TimeCodeEdit*>("m_EditX")->isEnabled());
+    rig.document->Undo().Undo();
+    const Ref<PolyLine> following = rig.Shape()->CopyShape();
+    following->SetLink({PointLink::Kind::Follows, following->GetPoint(1)->id, "Polyline2", "", 1});
+    rig.InputOf("Polyline").SetValue(*following, 0.0);
+    QVERIFY(!Editor()->findChild<TimeCodeEdit*>("m_EditX")->isEnabled()); // where the other one is
+    QVERIFY(Editor()->findChild<TimeCodeEdit*>("m_EditOutX")->isEnabled());
 }
 
 void OverlayPolylinePointsTest::PointEditorCloses()
