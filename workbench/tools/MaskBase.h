@@ -1,6 +1,6 @@
 #pragma once
 
-#include "system/evaluation/Process.h"
+#include "system/evaluation/FramedMask.h"
 
 namespace Marlox {
 
@@ -12,24 +12,21 @@ enum class MaskCombine {
     Difference, // how far they differ
 };
 
-/// The mask that another one lies on: the alpha of an image, which may have another frame and
-/// resolution; frames lie on each other.
+/// The mask that another one lies on: the alpha of an image.
 class MaskBase {
 public:
     /// Without an image it is nothing to lie on. `hasOwn`: there is a mask to join it; else the
     /// base stays as it is.
     MaskBase(const Ref<Image>& image, MaskCombine combine, bool hasOwn);
 
-    bool IsThere() const { return image_ != nullptr; }
+    bool IsThere() const { return mask_.IsThere(); }
     /// Where the result may be more than 0, in the pixels of `format`; `own` is where the mask is.
     MxRect Covered(const Image::Format& format, const MxRect& own) const;
     /// Joins a row's strengths, from column `left` on, to the base in place.
     void Join(const Image::Format& format, int left, int y, float* strengths, int count) const;
 
 private:
-    float AlphaAt(double x, double y) const;
-
-    Ref<Image> image_;
+    FramedMask mask_;
     MaskCombine combine_;
 };
 

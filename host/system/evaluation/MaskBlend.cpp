@@ -1,6 +1,9 @@
 #include "system/evaluation/MaskBlend.h"
 
+#include "system/evaluation/FramedMask.h"
+
 #include <algorithm>
+#include <vector>
 
 namespace Marlox {
 
@@ -26,12 +29,12 @@ const float* pixelAt(const Image* image, int x, int y)
     return image->Row(y - window.top) + std::size_t(x - window.left) * 4;
 }
 
-void blendRow(const Image* before, const Image* effect, const Image* mask, Image& out, int row)
+void blendRow(const Image* before, const Image* effect, const float* amounts, Image& out, int row)
 {
     const MxRect& window = out.GetFormat().dataWindow;
     float* pixel = out.Row(row);
     for (int x = window.left; x < window.right; ++x, pixel += 4) {
-        const float amount = std::clamp(pixelAt(mask, x, window.top + row)[3], 0.0f, 1.0f);
+        const float amount = *amounts++;
         const float* from = pixelAt(before, x, window.top + row);
         const float* to = pixelAt(effect, x, window.top + row);
         // At the ends copied, not computed: an infinite value elsewhere must not leak in.
@@ -52,9 +55,14 @@ Ref<Image> BlendByMask(const Ref<Image>& before, const Ref<Image>& effect, const
     if (before)
         format.dataWindow = united(format.dataWindow, before->GetFormat().dataWindow);
     auto out = MakeRef<Image>(format);
+    const FramedMask amounts(mask);
     context.ForRows(out->Height(), [&](int first, int last) {
-        for (int row = first; row < last; ++row)
-            blendRow(before.Get(), effect.Get(), mask.Get(), *out, row);
+        std::vector<float> line(std::size_t(out->Width()));
+        for (int row = first; row < last; ++row) {
+            amounts.Alphas(format.displayWindow, format.dataWindow.left,
+                           format.dataWindow.top + row, line.data(), out->Width());
+            blendRow(before.Get(), effect.Get(), line.data(), *out, row);
+        }
     });
     return out;
 }

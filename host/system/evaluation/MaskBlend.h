@@ -5,8 +5,9 @@
 namespace Marlox {
 
 /// Limits an effect: `effect` where the alpha of `mask` is 1, `before` where it is 0, mixed in
-/// between; outside the mask's data window the alpha counts as 0. The windows may differ; pixels
-/// that an image lacks count as transparent black. A null `before` mixes with nothing.
+/// between. The frame of the mask lies on that of the effect (FramedMask). The data windows may
+/// differ; pixels that an image lacks count as transparent black. A null `before` mixes with
+/// nothing.
 Ref<Image> BlendByMask(const Ref<Image>& before, const Ref<Image>& effect, const Ref<Image>& mask,
                        RenderContext& context);
 

@@ -113,4 +113,16 @@ end)
 for _, text in ipairs(control("Base"):widget("combo"):property("entries")) do
     assert(text ~= blur:name(), "a loop in the inspector")
 end
+
+-- The frame of a mask lies on that of the picture, which has another size.
+above:enabled(false)
+blur:enabled(false)
+local grade = add("BrightnessContrast")
+grade:input("Gain"):set(0)
+grade:input("EffectMask"):source(below)
+for _, place in ipairs({{0.15, 0.5, true}, {0.55, 0.85, true}, {0.65, 0.5, false}, {0.3, 0.05, false}}) do
+    waitrender()
+    local color = view:color(math.floor(1280 * place[1]), math.floor(720 * (1 - place[2])))
+    equal(color[1] + color[2] + color[3] == 0, place[3], "black at " .. place[1] .. ", " .. place[2])
+end
 print("connected")
