@@ -128,7 +128,8 @@ public:
     bool WriteShape(int polygon, Input::State next);
     /// The active shape has other points now: its track points go with them.
     void CarryTrackPoints(const PolyLine& from, const PolyLine& to);
-    /// Whether the gesture under way has changed something already.
+    const PolyGesture* Gesture() const { return gesture_.get(); } // under way; null: none
+    /// Whether it has changed something already.
     bool IsPastFirstChange() const { return gesture_ && changed_; }
     // For gestures.
     void BeginGesture(const char* text);

@@ -1,6 +1,6 @@
-// The shape box: a frame a little outside the selected points, or all without a selection. Its
-// corners and sides scale them about the opposite one (Ctrl: about the middle; Shift: alike in both
-// directions), the knob above it turns them (Shift: in steps), its inside moves them.
+// The shape box: a frame a little outside the selected points, or all with fewer than two selected.
+// Its corners and sides scale them about the opposite one (Ctrl: about the middle; Shift: alike in
+// both directions), the knob above it turns them (Shift: in steps), its inside moves them.
 
 #include "controls/polyline/PointTransform.h"
 #include "controls/polyline/PolyDraw.h"
@@ -62,19 +62,21 @@ struct Box {
 SelMask MaskOf(const PolyLineControl& control, int polygon)
 {
     const PolyEditor& editor = control.Editor();
-    const SelMask& own = editor.Selection(polygon);
+    const PolySettings& settings = control.Settings();
+    const int count = editor.Selection(polygon).Count();
     if (!editor.IsShown(polygon))
-        return SelMask(own.Count());
-    if (polygon == editor.ActivePolygon() && !editor.ActiveSelection().IsAnySet())
-        return SelMask(own.Count(), true);
+        return SelMask(count);
+    const SelMask& selected = editor.ActiveSelection();
+    const bool all = selected.SetCount() < 2 || selected.IsAllSet(); // one has no extent
     if (polygon == editor.ActivePolygon())
-        return own;
-    if (!control.Settings().shapeBoxBoth)
+        return all ? SelMask(count, true) : selected;
+    const bool follows = polygon == OuterPolygon && settings.followInner && editor.IsMatched();
+    if (all && (settings.shapeBoxBoth || follows))
+        return SelMask(count, true);
+    if (!settings.shapeBoxBoth)
         return editor.EditedMask(polygon);
-    if (!editor.ActiveSelection().IsAnySet())
-        return SelMask(own.Count(), true);
     SelMask matching;
-    SetMatchingPolyLinePointMask(editor.ActiveSelection(), own.Count(), matching);
+    SetMatchingPolyLinePointMask(selected, count, matching);
     return matching;
 }
 
@@ -98,14 +100,36 @@ std::optional<Box> BoxOf(const PolyLineControl& control)
     return Box{bounds.low, bounds.high};
 }
 
-/// Where the frame shows in a view: around the box with a margin, which no drag counts.
+/// A change of places and of distances, in the shape's coordinates.
+struct Affine {
+    double xx = 1.0;
+    double xy = 0.0;
+    double yx = 0.0;
+    double yy = 1.0;
+    ShapePlace about;
+    ShapePlace by;
+
+    ShapePlace Vector(ShapePlace v) const { return {xx * v.x + xy * v.y, yx * v.x + yy * v.y}; }
+    ShapePlace Place(ShapePlace at) const { return about + by + Vector(at - about); }
+
+    void Apply(PolyPoint& point) const
+    {
+        TransformPoint(
+            point, [this](ShapePlace at) { return Place(at); },
+            [this](ShapePlace by) { return Vector(by); });
+    }
+};
+
+/// Where the frame shows in a view: around the box with a margin, which no drag counts. While the
+/// box is dragged it is changed as its points are.
 class Frame {
 public:
-    Frame(const Box& box, const PolyView& view)
-        : view_(view), middle_(view.ToView(box.Middle())), right_(Towards(box, {1.0, 0.0})),
-          up_(Towards(box, {0.0, 1.0})), scale_(view.Info().controlScale)
+    Frame(const Box& box, const PolyView& view, const Affine& change = {})
+        : view_(view), change_(change), middle_(view.ToView(change.Place(box.Middle()))),
+          right_(Towards(box, {1.0, 0.0})), up_(Towards(box, {0.0, 1.0})),
+          scale_(view.Info().controlScale)
     {
-        const OverlayPoint corner = view.ToView(box.high);
+        const OverlayPoint corner = view.ToView(change.Place(box.high));
         const OverlayPoint half{corner.x - middle_.x, corner.y - middle_.y};
         halfWidth_ = std::abs(half.x * right_.x + half.y * right_.y) + margin * scale_;
         halfHeight_ = std::abs(half.x * up_.x + half.y * up_.y) + margin * scale_;
@@ -139,7 +163,7 @@ private:
     /// A direction of the shape, of length 1 in the view.
     OverlayPoint Towards(const Box& box, ShapePlace by) const
     {
-        const OverlayPoint to = view_.ToView(box.Middle() + by);
+        const OverlayPoint to = view_.ToView(change_.Place(box.Middle() + by));
         const OverlayPoint way{to.x - middle_.x, to.y - middle_.y};
         const double length = std::hypot(way.x, way.y);
         return length > 0.0 ? OverlayPoint{way.x / length, way.y / length}
@@ -152,6 +176,7 @@ private:
     }
 
     const PolyView& view_;
+    Affine change_;
     OverlayPoint middle_;
     OverlayPoint right_;
     OverlayPoint up_;
@@ -164,26 +189,6 @@ Grip GripAt(const Box& box, const PolyView& view)
 {
     return Frame(box, view).GripAt(view.ToView(view.Cursor()));
 }
-
-/// A change of places and of distances, in the shape's coordinates.
-struct Affine {
-    double xx = 1.0;
-    double xy = 0.0;
-    double yx = 0.0;
-    double yy = 1.0;
-    ShapePlace about;
-    ShapePlace by;
-
-    ShapePlace Vector(ShapePlace v) const { return {xx * v.x + xy * v.y, yx * v.x + yy * v.y}; }
-    ShapePlace Place(ShapePlace at) const { return about + by + Vector(at - about); }
-
-    void Apply(PolyPoint& point) const
-    {
-        TransformPoint(
-            point, [this](ShapePlace at) { return Place(at); },
-            [this](ShapePlace by) { return Vector(by); });
-    }
-};
 
 class BoxDrag final : public PolyGesture {
 public:
@@ -209,17 +214,20 @@ public:
             return;
         moved_ = true;
         Begin(text_);
-        const Affine change = ChangeFor(pointer);
+        change_ = ChangeFor(pointer);
         Editor().ChangeMasked(
             masks_,
-            [&change](PolyLine& shape, const SelMask& mask) {
+            [this](PolyLine& shape, const SelMask& mask) {
                 for (const int index : mask.Items()) {
                     if (PolyPoint* const point = shape.GetPoint(index))
-                        change.Apply(*point);
+                        change_.Apply(*point);
                 }
             },
             states_);
     }
+
+    /// The frame goes with the points.
+    Frame FrameIn(const PolyView& view) const { return {box_, view, change_}; }
 
 private:
     Affine ChangeFor(const PolyPointer& pointer)
@@ -282,9 +290,18 @@ private:
     PolyMoveRule rule_;
     PolyEditor::States states_;
     PolyEditor::Masks masks_;
+    Affine change_;
     const char* text_;
     bool moved_ = false;
 };
+
+std::optional<Frame> FrameOf(const PolyLineControl& control, const PolyView& view)
+{
+    if (const auto* drag = dynamic_cast<const BoxDrag*>(control.Gesture()))
+        return drag->FrameIn(view);
+    const std::optional<Box> box = BoxOf(control);
+    return box ? std::optional(Frame(*box, view)) : std::nullopt;
+}
 
 } // namespace
 
@@ -306,31 +323,29 @@ bool IsOnShapeBox(const PolyLineControl& control, const PolyView& view)
 void DrawShapeBoxFrame(const PolyLineControl& control, OverlayPainter& painter,
                        const PolyView& view)
 {
-    const std::optional<Box> box = BoxOf(control);
-    if (!box)
+    const std::optional<Frame> frame = FrameOf(control, view);
+    if (!frame)
         return;
-    const Frame frame(*box, view);
     painter.SetColor(boxColor);
-    painter.Loop({frame.At(-1, -1), frame.At(1, -1), frame.At(1, 1), frame.At(-1, 1)});
-    painter.Line(frame.At(0, 1), frame.Knob());
+    painter.Loop({frame->At(-1, -1), frame->At(1, -1), frame->At(1, 1), frame->At(-1, 1)});
+    painter.Line(frame->At(0, 1), frame->Knob());
 }
 
 void DrawShapeBoxKnobs(const PolyLineControl& control, OverlayPainter& painter,
                        const PolyView& view)
 {
-    const std::optional<Box> box = BoxOf(control);
-    if (!box)
+    const std::optional<Frame> frame = FrameOf(control, view);
+    if (!frame)
         return;
-    const Frame frame(*box, view);
     std::vector<OverlayPoint> grips;
     for (int x = -1; x <= 1; ++x) {
         for (int y = -1; y <= 1; ++y) {
             if (x != 0 || y != 0)
-                grips.push_back(frame.At(x, y));
+                grips.push_back(frame->At(x, y));
         }
     }
     const double scale = view.Info().controlScale;
-    const OverlayPoint knobs[] = {frame.Knob()};
+    const OverlayPoint knobs[] = {frame->Knob()};
     painter.SetColor(boxColor);
     painter.Marks(OverlayPainter::Shape::Fill, gripMark, grips, scale);
     painter.Marks(OverlayPainter::Shape::Fill, knobMark, knobs, scale);

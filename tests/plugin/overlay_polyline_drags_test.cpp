@@ -239,8 +239,7 @@ void OverlayPolylineDragsTest::ShapeBoxScalesAndTurns()
     QCOMPARE(rig.UndoText(), QString("Dragging Shaping Box"));
     rig.Drag({{210, 90}, {200, 90}}); // inside, but the point there wins
     QCOMPARE(rig.UndoText(), QString("Move Point"));
-    rig.Click({550, 280}); // all of them again
-    rig.SetSquare();
+    rig.SetSquare(); // one point selected: all of them still
     rig.Drag({{190, 210}, {90, 260}}, KeyControl); // the top left corner, about the middle
     QCOMPARE(rig.Place(3), std::string("100 250"));
     QCOMPARE(rig.Place(1), std::string("500 50"));
@@ -248,6 +247,10 @@ void OverlayPolylineDragsTest::ShapeBoxScalesAndTurns()
     rig.Drag({{300, 232}, {382, 150}}); // the knob, a quarter clockwise
     QCOMPARE(rig.Place(0), std::string("250 250"));
     QCOMPARE(rig.Place(1), std::string("250 50"));
+    rig.SetSquare();
+    rig.SetSquare("Polyline2", 0.4);
+    rig.Drag({{300, 150}, {310, 150}}); // the outer polygon goes along
+    QCOMPARE(rig.Place(0) + ", " + rig.Place(0, "Polyline2"), std::string("210 100, 150 70"));
 }
 
 void OverlayPolylineDragsTest::CancelledAndLostDrags()

@@ -12,7 +12,7 @@ private slots:
     void ClicksAreForeseen();
     void SplinesAreForeseen();
     void MarksLieAboveLines();
-    void TheBoxKeepsOffThePoints();
+    void TheBoxGoesAroundThePoints();
     void PolygonsAreLinkedWhereEdited();
     void PivotAndReachedPlaceAreMarked();
     void LockedPointsAreCrossedOutAboveAll();
@@ -91,7 +91,7 @@ void OverlayPolylineDrawTest::MarksLieAboveLines()
         QVERIFY2(drawn.find(line, marks) == std::string::npos, drawn.c_str());
 }
 
-void OverlayPolylineDrawTest::TheBoxKeepsOffThePoints()
+void OverlayPolylineDrawTest::TheBoxGoesAroundThePoints()
 {
     PolyRig rig;
     rig.SetSquare();
@@ -100,6 +100,12 @@ void OverlayPolylineDrawTest::TheBoxKeepsOffThePoints()
     QVERIFY(Has(rig, " loop: (190, 90) (410, 90) (410, 210) (190, 210)"));
     rig.View().controlScale = 2.0;
     QVERIFY(Has(rig, " loop: (180, 80) (420, 80) (420, 220) (180, 220)"));
+    rig.View().controlScale = 1.0;
+    rig.stage->Press({300, 232}, 0); // the knob
+    rig.stage->Move({382, 150}, 0);  // a quarter clockwise: the box turns along
+    QVERIFY2(Has(rig, " loop: (240, 260) (240, 40) (360, 40) (360, 260)"), rig.Drawn().c_str());
+    rig.stage->Release({382, 150}, 0); // and stands upright about where they are then
+    QVERIFY(Has(rig, " loop: (240, 40) (360, 40) (360, 260) (240, 260)"));
 }
 
 void OverlayPolylineDrawTest::PolygonsAreLinkedWhereEdited()
