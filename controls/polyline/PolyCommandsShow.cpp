@@ -105,11 +105,18 @@ void EditOnionSettings(PolyLineControl& control)
     const auto alive = Ref<PolyLineControl>::Share(&control);
     const MarloxDoc* document = control.GetDoc();
     const OnionSkinSettings before = control.Settings().onion;
+    const std::optional<double> anchor = control.Settings().onionAnchor;
+    const auto use = [&](const OnionSkinSettings& skins) {
+        PolySettings& settings = control.ChangeSettings();
+        settings.onion = skins;
+        settings.onionAnchor = anchor;
+        if (skins.anchor && !before.anchor) // is dropped where they are now
+            settings.onionAnchor = control.CurrentTime();
+    };
     OnionSkinningDlg dialog(before, document ? document->FrameRate() : 24.0);
-    QObject::connect(&dialog, &OnionSkinningDlg::Changed, &dialog,
-                     [&] { control.ChangeSettings().onion = dialog.Settings(); });
+    QObject::connect(&dialog, &OnionSkinningDlg::Changed, &dialog, [&] { use(dialog.Settings()); });
     const bool accepted = dialog.exec() == QDialog::Accepted;
-    control.ChangeSettings().onion = accepted ? dialog.Settings() : before;
+    use(accepted ? dialog.Settings() : before);
     if (accepted)
         dialog.Settings().ToPreferences();
 }

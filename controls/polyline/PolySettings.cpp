@@ -125,7 +125,8 @@ void PolySettings::Save(ScriptVal& to) const
     to.Set("SplineColor", double(splineColor));
     to.Set("KeyPointColor", double(keyPointColor));
     to.Set("PrevSkinColor", double(prevSkinColor));
-    to.Set("SkinAnchor", onionAnchor);
+    if (onionAnchor)
+        to.Set("SkinAnchor", *onionAnchor);
     ScriptVal skins = ScriptVal::MakeTable();
     skins.Set("Count", double(onion.count));
     skins.Set("Step", double(onion.step));
@@ -148,7 +149,8 @@ void PolySettings::Restore(const ScriptVal& from)
     splineColor = u32(WholeOf(from.Get("SplineColor"), 0, 0x1ffffff, int(splineColor)));
     keyPointColor = u32(WholeOf(from.Get("KeyPointColor"), 0, 0x1ffffff, int(keyPointColor)));
     prevSkinColor = u32(WholeOf(from.Get("PrevSkinColor"), 0, 0x1ffffff, int(prevSkinColor)));
-    onionAnchor = from.Get("SkinAnchor").ToNumber(onionAnchor);
+    if (from.Get("SkinAnchor").IsNumber())
+        onionAnchor = from.Get("SkinAnchor").ToNumber();
     const ScriptVal& skins = from.Get("Skins");
     onion.count = unsigned(WholeOf(skins.Get("Count"), 0, 1'000'000, int(onion.count)));
     onion.step = float(skins.Get("Step").ToNumber(double(onion.step)));

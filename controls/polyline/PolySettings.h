@@ -7,6 +7,7 @@
 #include "system/shapes/PolyPoint.h"
 #include "system/shapes/SelMask.h"
 
+#include <optional>
 #include <vector>
 
 namespace Marlox {
@@ -83,8 +84,8 @@ struct PolySettings {
     MultiFrame multiFrame = MultiFrame::None;
     bool onionSkin = false;
     OnionSkinSettings onion;
-    double onionAnchor = 0.0; // frames
-    u32 prevSkinColor = 0;    // 0xRRGGBB; 0: the view's
+    std::optional<double> onionAnchor; // frames; none: the current time
+    u32 prevSkinColor = 0;             // 0xRRGGBB; 0: the view's
     RotoAssistSettings roto;
 
     PolyDrawMode Mode() const { return PolyDrawMode(drawMode & 0x0f); }

@@ -32,7 +32,8 @@ OnionSkinTimes TimesOf(const PolyLineControl& control)
     std::vector<double> keys;
     for (const auto& [time, key] : input->GetAnimation().Keys())
         keys.push_back(time);
-    return OnionSkinsAt(settings.onion, control.CurrentTime(), settings.onionAnchor, keys,
+    const double now = control.CurrentTime();
+    return OnionSkinsAt(settings.onion, now, settings.onionAnchor.value_or(now), keys,
                         document->FirstFrame(), document->LastFrame());
 }
 
