@@ -26,7 +26,7 @@ ImportShapeDlg::ImportShapeDlg(int shapeCount, const QStringList& names, QWidget
     label->setObjectName("m_ImportIndexLabel");
     label->setBuddy(shape_);
     for (QLabel* each : {label, name_})
-        each->setIndent(3); // in line with the box of the check, which leaves room for its ring
+        each->setIndent(CustomCheckBox::ringRoom);
     shape_->setObjectName("m_ImportIndexCombo");
     shape_->setAccessibleName(label->text().remove(u':'));
     name_->setObjectName("m_ImportNameLabel");

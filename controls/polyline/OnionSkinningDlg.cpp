@@ -20,7 +20,6 @@ const ResData layoutResource("Dialogs.OnionSkin.Layout");
 
 constexpr double smallestStep = 0.01; // frames
 constexpr double largestStep = 100000.0;
-constexpr int besideFocusRing = 3; // pixels: in line with the boxes of checks, which leave room
 
 } // namespace
 
@@ -64,7 +63,7 @@ TimeCodeEdit* OnionSkinningDlg::AddEdit(const char* label, const char* edit, con
 {
     auto* name = new QLabel(text, this);
     name->setObjectName(label);
-    name->setIndent(besideFocusRing);
+    name->setIndent(CustomCheckBox::ringRoom);
     auto* field = new TimeCodeEdit(this);
     field->setObjectName(edit);
     field->setAccessibleName(QString(text).remove(u':'));
@@ -89,7 +88,7 @@ void OnionSkinningDlg::AddRange()
     box->setObjectName("m_GroupSkinRange");
     range_ = new QButtonGroup(this);
     auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(besideFocusRing, 0, 0, 0);
+    row->setContentsMargins(CustomCheckBox::ringRoom, 0, 0, 0);
     row->setSpacing(16);
     const auto add = [&](const char* name, const QString& text, const QString& help, int id) {
         auto* radio = new QRadioButton(text, box);

@@ -72,6 +72,7 @@ PolyValuesDlg::PolyValuesDlg(const QString& title, const std::vector<PolyValueFi
     note_ = new QLabel(this);
     note_->setObjectName("m_Note");
     note_->setTextFormat(Qt::PlainText);
+    AlignWithChecks();
     MakeOKCancel("m_OKCancel");
     UseLayout(Layout());
     soon_.setSingleShot(true);
@@ -81,6 +82,17 @@ PolyValuesDlg::PolyValuesDlg(const QString& title, const std::vector<PolyValueFi
     if (!parts_.empty() && parts_.front().edit) {
         parts_.front().edit->setFocus();
         parts_.front().edit->selectAll();
+    }
+}
+
+void PolyValuesDlg::AlignWithChecks()
+{
+    if (std::none_of(parts_.begin(), parts_.end(), [](const Part& part) { return part.check; }))
+        return;
+    note_->setIndent(CustomCheckBox::ringRoom);
+    for (const Part& part : parts_) {
+        if (part.label)
+            part.label->setIndent(CustomCheckBox::ringRoom);
     }
 }
 

@@ -64,6 +64,7 @@ private:
     Part MakeNumber(const PolyValueField& field);
     Part MakeCheck(const PolyValueField& field);
     CustomSlider* JoinSlider(TimeCodeEdit& edit, const PolyValueField& field);
+    void AlignWithChecks();
     ScriptVal Layout() const;
     void ShowPreview();
 

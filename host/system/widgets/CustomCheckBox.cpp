@@ -13,9 +13,9 @@ namespace Marlox {
 
 namespace {
 
-constexpr int boxSide = 14; // pixels
-constexpr int margin = 3;   // around the box, for the focus ring
-constexpr int gap = 6;      // between box and text
+constexpr int boxSide = 14;                      // pixels
+constexpr int margin = CustomCheckBox::ringRoom; // around the box
+constexpr int gap = 6;                           // between box and text
 
 } // namespace
 
