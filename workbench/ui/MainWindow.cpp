@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDir>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -36,6 +37,13 @@ namespace {
 constexpr char geometryName[] = "Workbench.WindowGeometry";
 constexpr char stateName[] = "Workbench.WindowState";
 constexpr int stateVersion = 1;
+
+/// With ~ for the home folder.
+QString ShortPath(const QString& path)
+{
+    const QString home = QDir::homePath() + u'/';
+    return path.startsWith(home) ? QStringLiteral("~/") + path.mid(home.size()) : path;
+}
 
 } // namespace
 
@@ -206,7 +214,7 @@ void MainWindow::ShowTitle()
                             QCoreApplication::applicationName()));
     setWindowFilePath(path);
     setWindowModified(session_.Document().IsModified());
-    where_->SetText(path.isEmpty() ? tr("Not saved yet") : path);
+    where_->SetText(path.isEmpty() ? tr("Not saved yet") : ShortPath(path));
 }
 
 void MainWindow::OpenPath(const QString& path)
