@@ -3,8 +3,8 @@
 #include "workbench/tools/ImageWindows.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <vector>
 
 namespace Marlox {
 
@@ -50,10 +50,13 @@ void MaskBase::Join(const Image::Format& format, int left, int y, float* strengt
 {
     if (!IsThere())
         return;
-    std::vector<float> alphas(std::size_t(std::max(count, 0)));
-    mask_.Alphas(format.displayWindow, left, y, alphas.data(), count);
-    for (int i = 0; i < count; ++i)
-        strengths[i] = joined(combine_, strengths[i], alphas[std::size_t(i)]);
+    std::array<float, 512> alphas;
+    for (int done = 0; done < count; done += int(alphas.size())) {
+        const int some = std::min(count - done, int(alphas.size()));
+        mask_.Alphas(format.displayWindow, left + done, y, alphas.data(), some);
+        for (int i = 0; i < some; ++i)
+            strengths[done + i] = joined(combine_, strengths[done + i], alphas[std::size_t(i)]);
+    }
 }
 
 } // namespace Marlox

@@ -26,32 +26,29 @@ Axis vertical(const MxRect& from, const MxRect& to)
     return {double(from.top), double(to.Height()) / from.Height(), double(to.top)};
 }
 
-/// The two pixels whose middles a place lies between, along one axis. Within the frame those are
-/// pixels of it: its edge does not fade.
-class Pair {
-public:
-    Pair(double place, int low, int high)
-        : first_(int(std::floor(place - 0.5))), second_(first_ + 1),
-          part_(float(place - 0.5 - first_))
+/// The two pixels whose middles a place lies between, along one axis, within an edge that does not
+/// fade.
+struct Between {
+    Between(double place, int low, int high)
+        : first(int(std::floor(place - 0.5))), second(first + 1), part(float(place - 0.5 - first))
     {
         if (place < low || place > high)
             return;
-        first_ = std::max(first_, low);
-        second_ = std::min(second_, high - 1);
+        first = std::max(first, low);
+        second = std::min(second, high - 1);
     }
 
-    template <class Value>
-    float Mixed(Value value) const
-    {
-        const float first = value(first_);
-        return first + (value(second_) - first) * part_;
-    }
+    float Mixed(float one, float other) const { return one + (other - one) * part; }
 
-private:
-    int first_;
-    int second_;
-    float part_;
+    int first;
+    int second;
+    float part;
 };
+
+float strength(float alpha)
+{
+    return alpha > 0.0f ? std::min(alpha, 1.0f) : 0.0f; // what is not a number covers nothing
+}
 
 } // namespace
 
@@ -75,42 +72,46 @@ MxRect FramedMask::Covered(const MxRect& frame) const
             int(std::ceil(x.At(window.right + 1))), int(std::ceil(y.At(window.bottom + 1)))};
 }
 
-float FramedMask::At(int x, int y) const
+/// From the data window's left edge on, each fourth; null: there is no such row.
+const float* FramedMask::AlphasOf(int y) const
 {
     const MxRect& window = image_->GetFormat().dataWindow;
-    if (!window.Contains({x, y}))
-        return 0.0f;
-    const float value = image_->Row(y - window.top)[std::ptrdiff_t(x - window.left) * 4 + 3];
-    return value > 0.0f ? std::min(value, 1.0f) : 0.0f; // what is not a number covers nothing
-}
-
-float FramedMask::Between(double x, double y) const
-{
-    const MxRect& frame = image_->GetFormat().displayWindow;
-    const Pair across(x, frame.left, frame.right);
-    const Pair down(y, frame.top, frame.bottom);
-    const auto row = [&](int at) {
-        return across.Mixed([&](int column) { return At(column, at); });
-    };
-    return down.Mixed(row);
+    return y >= window.top && y < window.bottom ? image_->Row(y - window.top) + 3 : nullptr;
 }
 
 void FramedMask::Alphas(const MxRect& frame, int left, int y, float* alphas, int count) const
 {
-    if (!image_ || frame.IsEmpty()) {
-        std::fill_n(alphas, count, 0.0f);
+    std::fill_n(alphas, count, 0.0f);
+    if (!image_ || image_->GetFormat().dataWindow.IsEmpty() || frame.IsEmpty())
         return;
-    }
+    const MxRect& window = image_->GetFormat().dataWindow;
     const MxRect& own = image_->GetFormat().displayWindow;
     if (own == frame) {
-        for (int i = 0; i < count; ++i)
-            alphas[i] = At(left + i, y);
+        const float* const row = AlphasOf(y);
+        const int end = row ? std::min(left + count, window.right) : left;
+        for (int x = std::max(left, window.left); x < end; ++x)
+            alphas[x - left] = strength(row[std::ptrdiff_t(x - window.left) * 4]);
         return;
     }
+    // Neither a full frame nor what lies beyond it fades at the frame's edge.
     const Axis across = horizontal(frame, own);
-    const double row = vertical(frame, own).At(y + 0.5);
-    for (int i = 0; i < count; ++i)
-        alphas[i] = Between(across.At(left + i + 0.5), row);
+    const int low = std::min(own.left, window.left);
+    const int high = std::max(own.right, window.right);
+    const Between rows(vertical(frame, own).At(y + 0.5), std::min(own.top, window.top),
+                       std::max(own.bottom, window.bottom));
+    const float* const upper = AlphasOf(rows.first);
+    const float* const lower = AlphasOf(rows.second);
+    const auto at = [&window](const float* row, int x) {
+        const bool is = row && x >= window.left && x < window.right;
+        return is ? strength(row[std::ptrdiff_t(x - window.left) * 4]) : 0.0f;
+    };
+    if (!upper && !lower)
+        return;
+    for (int i = 0; i < count; ++i) {
+        const Between columns(across.At(left + i + 0.5), low, high);
+        alphas[i] = rows.Mixed(columns.Mixed(at(upper, columns.first), at(upper, columns.second)),
+                               columns.Mixed(at(lower, columns.first), at(lower, columns.second)));
+    }
 }
 
 } // namespace Marlox

@@ -19,8 +19,7 @@ public:
     void Alphas(const MxRect& frame, int left, int y, float* alphas, int count) const;
 
 private:
-    float At(int x, int y) const;
-    float Between(double x, double y) const;
+    const float* AlphasOf(int y) const;
 
     Ref<Image> image_;
 };

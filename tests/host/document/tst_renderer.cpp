@@ -1,8 +1,10 @@
 #include "host/TestTools.h"
+#include "system/evaluation/FramedMask.h"
 #include "system/evaluation/RenderCache.h"
 #include "system/evaluation/Renderer.h"
 
 #include <chrono>
+#include <limits>
 #include <new>
 #include <set>
 #include <stdexcept>
@@ -133,6 +135,29 @@ private slots:
         QCOMPARE(result.image->Width(), 64);
         QCOMPARE(result.image->Row(5)[0], 0.5f + (1.0f - 0.5f) * 0.25f);
         QCOMPARE(result.image->Row(5)[63 * 4], result.image->Row(5)[0]);
+    }
+
+    void framesOfMasksLieOnThoseOfPictures()
+    {
+        Image::Format format;
+        format.displayWindow = {0, 0, 4, 2};
+        format.dataWindow = {-4, 0, 8, 1};
+        const auto image = MakeRef<Image>(format);
+        for (int i = 0; i < 12; ++i)
+            image->Row(0)[i * 4 + 3] = float(i) / 12.0f; // a slope, also beyond the frame
+        const FramedMask mask(image);
+        float alphas[16];
+        mask.Alphas({0, 0, 8, 8}, -4, 1, alphas, 16);
+        for (int i = 0; i < 16; ++i)
+            QCOMPARE(alphas[i], float(i + 3.5) / 24.0f); // two pixels for each of its own
+        mask.Alphas({0, 0, 8, 8}, 0, 6, alphas, 16);     // below the data window
+        QCOMPARE(alphas[3], 0.0f);
+        image->Row(0)[5 * 4 + 3] = std::numeric_limits<float>::quiet_NaN();
+        mask.Alphas(format.displayWindow, -6, 0, alphas, 16); // pixel on pixel
+        QCOMPARE(alphas[1], 0.0f);
+        QCOMPARE(alphas[6], 4.0f / 12.0f);
+        QCOMPARE(alphas[7], 0.0f);
+        QCOMPARE(alphas[14], 0.0f);
     }
 
     void errorsNameTheTool()
