@@ -157,8 +157,8 @@ private:
     PolySettings settings_;
     PolyEditor editor_{*this};
     std::array<std::unique_ptr<Bound>, boundCount> bound_;
-    std::unique_ptr<PolyGesture> gesture_;
-    bool changed_ = false; // the gesture wrote
+    std::shared_ptr<PolyGesture> gesture_; // shared with what it does: that may end it
+    bool changed_ = false;                 // the gesture wrote
     double pressTime_ = 0.0;
     double penTime_ = 0.0; // of the press, as the view counts
     double hoveredTime_ = TimeNone;

@@ -133,7 +133,8 @@ void PolyLineControl::ControlMove(PreviewInfo* view, const MxPoint& at, TagList*
         return;
     const auto alive = Ref<PolyLineControl>::Share(this); // what is written may end the drag
     const PolyView shapes(*view, Placement());
-    gesture_->Move(PointerOf(shapes, tags));
+    const auto gesture = gesture_;
+    gesture->Move(PointerOf(shapes, tags));
     UpdateDisplay(nullptr, nullptr);
 }
 
@@ -143,11 +144,12 @@ void PolyLineControl::ControlUp(PreviewInfo* view, const MxPoint& at, TagList* t
     // It stands until it has finished: what it writes then belongs to it. What undo takes away
     // under the drag, or what is gone, is not to be written to: no entry would tell of it.
     const MarloxDoc* document = GetDoc();
-    if (gesture_ && (!document || document->Undo().IsReplaying())) {
-        gesture_->Cancel();
-    } else if (view && gesture_) {
+    const auto gesture = gesture_;
+    if (gesture && (!document || document->Undo().IsReplaying())) {
+        gesture->Cancel();
+    } else if (view && gesture) {
         const PolyView shapes(*view, Placement());
-        gesture_->Finish(PointerOf(shapes, tags));
+        gesture->Finish(PointerOf(shapes, tags));
         editor_.WriteHeld();
     }
     editor_.ForgetHeld();

@@ -271,7 +271,8 @@ void PolyPointDlg::Move(Field field, double by)
     const int index = Index();
     const int polygon = editor.ActivePolygon();
     const int other = OtherPolygon(polygon);
-    const bool follows = field <= Y && editor.EditedMask(other).GetSetItem(index);
+    const PolyEditor::Masks masks = editor.Movable(editor.EditedMasks());
+    const bool goesAlong = field <= Y && masks[std::size_t(other)].GetSetItem(index);
     const double tall = view.HeightsPerWidth();
     const PolyNest nest(control_, editText);
     editor.Change(polygon, PolyEditor::Scope::Frames, [=](PolyLine& shape) {
@@ -290,7 +291,7 @@ void PolyPointDlg::Move(Field field, double by)
         if (!point->Has(PPF_Broken))
             SmoothFast(*point, in, tall);
     });
-    if (!follows)
+    if (!goesAlong)
         return;
     editor.Change(other, PolyEditor::Scope::Frames, [=](PolyLine& shape) {
         SelMask mask(shape.GetCount());

@@ -213,6 +213,8 @@ public:
         if (!moved_ && pointer.view.Cursor() == start_)
             return;
         moved_ = true;
+        if (!masks_[InnerPolygon].IsAnySet() && !masks_[OuterPolygon].IsAnySet())
+            return;
         Begin(text_);
         change_ = ChangeFor(pointer);
         Editor().ChangeMasked(
@@ -291,7 +293,7 @@ private:
     PolyEditor::States states_;
     PolyEditor::Masks masks_;
     Affine change_;
-    const char* text_;
+    const char* text_ = nullptr;
     bool moved_ = false;
 };
 

@@ -239,7 +239,7 @@ void OverlayPolylineDragsTest::ShapeBoxScalesAndTurns()
     QCOMPARE(rig.UndoText(), QString("Dragging Shaping Box"));
     rig.Drag({{210, 90}, {200, 90}}); // inside, but the point there wins
     QCOMPARE(rig.UndoText(), QString("Move Point"));
-    rig.SetSquare(); // one point selected: all of them still
+    rig.SetSquare();                               // one point selected: all of them still
     rig.Drag({{190, 210}, {90, 260}}, KeyControl); // the top left corner, about the middle
     QCOMPARE(rig.Place(3), std::string("100 250"));
     QCOMPARE(rig.Place(1), std::string("500 50"));
@@ -251,6 +251,18 @@ void OverlayPolylineDragsTest::ShapeBoxScalesAndTurns()
     rig.SetSquare("Polyline2", 0.4);
     rig.Drag({{300, 150}, {310, 150}}); // the outer polygon goes along
     QCOMPARE(rig.Place(0) + ", " + rig.Place(0, "Polyline2"), std::string("210 100, 150 70"));
+    rig.Click({210, 100});
+    QVERIFY(RunEntry(rig, "Lock Points"));
+    rig.Drag({{300, 150}, {310, 150}}); // all of them but that one
+    QCOMPARE(rig.Place(0) + ", " + rig.Place(1), std::string("210 100, 420 100"));
+    rig.Key(Qt::Key_A);
+    QVERIFY(RunEntry(rig, "Lock Point Pairs")); // then the box stays as well
+    const std::string frame = " loop: (200, 90) (430, 90) (430, 210) (200, 210)";
+    rig.stage->Press({300, 160}, 0);
+    QVERIFY2(rig.Drawn().find(frame) != std::string::npos, rig.Drawn().c_str());
+    rig.stage->Move({340, 160}, 0);
+    QVERIFY(rig.Drawn().find(frame) != std::string::npos);
+    rig.stage->Release({340, 160}, 0);
 }
 
 void OverlayPolylineDragsTest::CancelledAndLostDrags()
