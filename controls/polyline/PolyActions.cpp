@@ -262,7 +262,7 @@ constexpr PolyActionRow rows[] = {
     {A::ShowKeyList, "Show Poly Keys Dialog\tK", ShowKeyList, R::listed},
 
     // Onion skins.
-    {A::OnionSkin, "Onion skin\tCtrl+Alt+O", Turn<&PolySettings::onionSkin>, R::always,
+    {A::OnionSkin, "Onion skin\tCtrl+Alt+O", ToggleOnionSkin, R::always,
      Is<&PolySettings::onionSkin>,
      Button(0x20024, "Onion Skin", "Onion Skin (Ctrl+Alt+O)", "OnionSkin")},
     {A::OnionSettings, "Onion skin settings…", EditOnionSettings, R::always, nullptr, Button(),

@@ -84,6 +84,7 @@ void ChooseHandleColor(PolyLineControl& control);
 void ChoosePrevSkinColor(PolyLineControl& control);
 void ShowKeyList(PolyLineControl& control);
 void EditOnionSettings(PolyLineControl& control);
+void ToggleOnionSkin(PolyLineControl& control);
 void ResetOnionAnchor(PolyLineControl& control);
 
 // Roto assist (PolyCommandsRoto.cpp).

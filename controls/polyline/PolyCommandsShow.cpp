@@ -110,7 +110,7 @@ void EditOnionSettings(PolyLineControl& control)
         PolySettings& settings = control.ChangeSettings();
         settings.onion = skins;
         settings.onionAnchor = anchor;
-        if (skins.anchor && !before.anchor) // is dropped where they are now
+        if (skins.anchor && !(before.anchor && anchor)) // is dropped where they are now
             settings.onionAnchor = control.CurrentTime();
     };
     OnionSkinningDlg dialog(before, document ? document->FrameRate() : 24.0);
@@ -119,6 +119,14 @@ void EditOnionSettings(PolyLineControl& control)
     use(accepted ? dialog.Settings() : before);
     if (accepted)
         dialog.Settings().ToPreferences();
+}
+
+void ToggleOnionSkin(PolyLineControl& control)
+{
+    PolySettings& settings = control.ChangeSettings();
+    settings.onionSkin = !settings.onionSkin;
+    if (settings.onionSkin && settings.onion.anchor && !settings.onionAnchor)
+        settings.onionAnchor = control.CurrentTime();
 }
 
 void ResetOnionAnchor(PolyLineControl& control)

@@ -84,7 +84,7 @@ struct PolySettings {
     MultiFrame multiFrame = MultiFrame::None;
     bool onionSkin = false;
     OnionSkinSettings onion;
-    std::optional<double> onionAnchor; // frames; none: the current time
+    std::optional<double> onionAnchor; // frames; none: not dropped yet
     u32 prevSkinColor = 0;             // 0xRRGGBB; 0: the view's
     RotoAssistSettings roto;
 

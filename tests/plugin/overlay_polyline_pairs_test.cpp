@@ -160,6 +160,15 @@ void OverlayPolylinePairsTest::SkinsGoToTheirTime()
     }));
     rig.document->SetCurrentTime(10.0);
     QCOMPARE(TipOf(rig, skin(3.0)), QString("Time : 3.00"));
+
+    // With the preferences that this left, it is where the skins are turned on.
+    PolyRig next("Polyline", true);
+    next.InputOf("Polyline").ChangeTo(rig.InputOf("Polyline").GetState());
+    next.SetMode(ModifyOnly);
+    next.document->SetCurrentTime(2.0);
+    QVERIFY(RunEntry(next, "Onion skin"));
+    next.document->SetCurrentTime(10.0);
+    QCOMPARE(TipOf(next, skin(3.0)), QString("Time : 3.00"));
 }
 
 QTEST_MAIN(OverlayPolylinePairsTest)
