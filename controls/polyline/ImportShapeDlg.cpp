@@ -1,5 +1,6 @@
 #include "controls/polyline/ImportShapeDlg.h"
 
+#include "system/resources/LookStyle.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/CustomCheckBox.h"
 
@@ -26,7 +27,7 @@ ImportShapeDlg::ImportShapeDlg(int shapeCount, const QStringList& names, QWidget
     label->setObjectName("m_ImportIndexLabel");
     label->setBuddy(shape_);
     for (QLabel* each : {label, name_})
-        each->setIndent(CustomCheckBox::ringRoom);
+        each->setIndent(checkRingRoom);
     shape_->setObjectName("m_ImportIndexCombo");
     shape_->setAccessibleName(label->text().remove(u':'));
     name_->setObjectName("m_ImportNameLabel");

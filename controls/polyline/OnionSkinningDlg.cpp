@@ -1,6 +1,7 @@
 #include "controls/polyline/OnionSkinningDlg.h"
 
 #include "controls/polyline/PolyNumbers.h"
+#include "system/resources/LookStyle.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/CustomCheckBox.h"
 
@@ -63,7 +64,7 @@ TimeCodeEdit* OnionSkinningDlg::AddEdit(const char* label, const char* edit, con
 {
     auto* name = new QLabel(text, this);
     name->setObjectName(label);
-    name->setIndent(CustomCheckBox::ringRoom);
+    name->setIndent(checkRingRoom);
     auto* field = new TimeCodeEdit(this);
     field->setObjectName(edit);
     field->setAccessibleName(QString(text).remove(u':'));
@@ -88,7 +89,7 @@ void OnionSkinningDlg::AddRange()
     box->setObjectName("m_GroupSkinRange");
     range_ = new QButtonGroup(this);
     auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(CustomCheckBox::ringRoom, 0, 0, 0);
+    row->setContentsMargins(checkRingRoom, 0, 0, 0);
     row->setSpacing(16);
     const auto add = [&](const char* name, const QString& text, const QString& help, int id) {
         auto* radio = new QRadioButton(text, box);

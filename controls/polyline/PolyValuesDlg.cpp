@@ -1,6 +1,7 @@
 #include "controls/polyline/PolyValuesDlg.h"
 
 #include "controls/polyline/PolyNumbers.h"
+#include "system/resources/LookStyle.h"
 #include "system/widgets/CustomCheckBox.h"
 #include "widgets/CustomSlider.h"
 
@@ -89,10 +90,10 @@ void PolyValuesDlg::AlignWithChecks()
 {
     if (std::none_of(parts_.begin(), parts_.end(), [](const Part& part) { return part.check; }))
         return;
-    note_->setIndent(CustomCheckBox::ringRoom);
+    note_->setIndent(checkRingRoom);
     for (const Part& part : parts_) {
         if (part.label)
-            part.label->setIndent(CustomCheckBox::ringRoom);
+            part.label->setIndent(checkRingRoom);
     }
 }
 

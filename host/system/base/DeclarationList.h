@@ -6,8 +6,8 @@ namespace Marlox {
 
 /// The static objects of a kind that libraries declare while they load and withdraw when they are
 /// unloaded, in the order they were made, linked through themselves: each has a member `links_` of
-/// type Links that is a friend's. Constant-initialised, so that it is there before any of them.
-/// Without a lock: libraries load one at a time.
+/// type Links and makes the list its friend. To be `constinit`, so that it is there before any of
+/// them. Without a lock: libraries load one at a time.
 template <class Declaration>
 class DeclarationList {
 public:

@@ -11,4 +11,8 @@ namespace Marlox {
 /// made, and again after LookPack::Use.
 MARLOXSYSTEM_EXPORT void ApplyLook(QApplication& application);
 
+/// Left of the box of a check, for its focus ring: how far in begins what stands above or below it.
+/// Device-independent pixels.
+inline constexpr int checkRingRoom = 3;
+
 } // namespace Marlox

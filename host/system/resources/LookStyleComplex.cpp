@@ -1,3 +1,4 @@
+#include "system/resources/LookStyle.h"
 #include "system/resources/LookStyle_p.h"
 
 #include <QComboBox>
@@ -14,7 +15,6 @@ namespace {
 constexpr int arrowWidth = 20; // of the button part of a combo box
 constexpr int spinWidth = 16;
 constexpr int titleHeight = 24; // of a group box
-constexpr int titleIndent = 3;  // as the boxes of checks, which leave room for a ring
 constexpr int fieldPadding = 3; // beside the text of a field
 
 /// The knob of a scroll bar that has no arrows.
@@ -89,12 +89,12 @@ private:
 QRect GroupBoxPart(const QRect& rect, QStyle::SubControl part, bool titled, bool checkable)
 {
     const int title = titled ? titleHeight : 0;
-    const int label = titleIndent + (checkable ? 22 : 0);
+    const int label = checkRingRoom + (checkable ? 22 : 0);
     switch (part) {
     case QStyle::SC_GroupBoxLabel:
         return {rect.left() + label, rect.top(), rect.width() - label, title};
     case QStyle::SC_GroupBoxCheckBox:
-        return {rect.left() + titleIndent, rect.top() + (title - 14) / 2, 14, 14};
+        return {rect.left() + checkRingRoom, rect.top() + (title - 14) / 2, 14, 14};
     case QStyle::SC_GroupBoxFrame:
         return rect;
     default:

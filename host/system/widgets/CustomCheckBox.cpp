@@ -1,5 +1,6 @@
 #include "system/widgets/CustomCheckBox.h"
 
+#include "system/resources/LookStyle.h"
 #include "system/widgets/WidgetLook_p.h"
 
 #include <algorithm>
@@ -13,9 +14,9 @@ namespace Marlox {
 
 namespace {
 
-constexpr int boxSide = 14;                      // pixels
-constexpr int margin = CustomCheckBox::ringRoom; // around the box
-constexpr int gap = 6;                           // between box and text
+constexpr int boxSide = 14;           // pixels
+constexpr int margin = checkRingRoom; // around the box
+constexpr int gap = 6;                // between box and text
 
 } // namespace
 

@@ -14,9 +14,6 @@ namespace Marlox {
 class MARLOXSYSTEM_EXPORT CustomCheckBox : public QCheckBox {
     Q_OBJECT
 public:
-    /// Left of the box, for its focus ring: how far in what stands above it begins. Pixels.
-    static constexpr int ringRoom = 3;
-
     explicit CustomCheckBox(QWidget* parent = nullptr);
     explicit CustomCheckBox(const QString& text, QWidget* parent = nullptr);
 
