@@ -78,9 +78,18 @@ public:
 
     void Finish(const PolyPointer&) override { Control().KeepRotoChange(Text(), start_); }
 
-    void Cancel() override { Control().ChangeSettings().roto = start_; }
+    void Cancel() override
+    {
+        if (AreThere())
+            Control().ChangeSettings().roto = start_;
+    }
 
 private:
+    /// Those from the press: the shape may have got other points since, which took them along.
+    bool AreThere() const
+    {
+        return Control().Settings().roto.trackPoints.size() == start_.trackPoints.size();
+    }
     const char* Text() const
     {
         return grip_.kind == TrackGrip::Place     ? "Move Track Points"
@@ -90,6 +99,8 @@ private:
     /// The grabbed one, with those of the selected points if it belongs to one.
     void MovePlaces(ShapePlace by)
     {
+        if (!AreThere())
+            return;
         const SelMask& mask = Editor().ActiveSelection();
         const bool several = mask.GetSetItem(grip_.index);
         std::vector<ShapePlace>& places = Control().ChangeSettings().roto.trackPoints;

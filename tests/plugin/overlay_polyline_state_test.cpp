@@ -180,6 +180,19 @@ void OverlayPolylineStateTest::TrackPointsGoWithTheirPoints()
     rig.document->Undo().Undo();
     QCOMPARE(places().Length(), std::size_t(8));
     QCOMPARE(places().At(3).ToNumber(), 0.75);
+    QVERIFY(RunEntry(rig, "Track Pattern Edit Mode"));
+    rig.Key(Qt::Key_A);
+    rig.stage->Press({200, 100}, 0);
+    rig.stage->Move({210, 100}, 0);
+    const Ref<PolyLine> more = rig.Shape()->CopyShape(); // a script adds a point meanwhile
+    more->InsertPoint(0, 0.5);
+    rig.InputOf("Polyline").SetValue(*more, 0.0);
+    const double carried = places().At(1).ToNumber();
+    rig.stage->Move({220, 100}, 0);
+    QCOMPARE(places().Length(), std::size_t(10));
+    QCOMPARE(places().At(1).ToNumber(), carried);
+    rig.stage->CancelDrag();
+    QCOMPARE(places().Length(), std::size_t(8));
 }
 
 void OverlayPolylineStateTest::RotoWithoutAChangeIsNoEntry()
