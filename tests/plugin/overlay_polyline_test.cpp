@@ -2,7 +2,6 @@
 
 #include "plugin/PolyRig.h"
 #include "system/controls/Menu.h"
-#include "system/document/Preferences.h"
 #include "system/viewer/ToolbarEvents.h"
 
 #include <algorithm>
@@ -264,9 +263,6 @@ void OverlayPolylineTest::ColorsBeginWithWhatShows()
 
 void OverlayPolylineTest::OnionSettingsShowMeanwhile()
 {
-    Preferences& preferences = MarloxDoc::GetPreferences();
-    for (const QString& name : preferences.Names()) // also what this test left
-        preferences.Remove(name);
     PolyRig rig("Polyline", true);
     rig.SetSquare();
     for (const double time : {0.0, 20.0})
