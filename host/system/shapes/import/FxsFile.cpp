@@ -327,22 +327,24 @@ FxsFile FxsReader::Read()
 
 } // namespace
 
-std::array<double, 4> FxsWeights(std::span<const FxsKey> keys, std::size_t next, double frame)
+std::array<FxsPart, 4> FxsPartsAt(std::span<const FxsKey> keys, std::size_t next, double frame)
 {
-    const double from = keys[next - 1].frame;
-    const double to = keys[next].frame;
-    const double span = to - from;
-    const double t = (frame - from) / span;
-    if (keys[next - 1].interpolation != Interpolation::Smooth)
-        return {0.0, 1.0 - t, t, 0.0};
-    // Cubic Hermite: the slope at a key is that of the line between its neighbours.
-    const double before = next > 1 ? keys[next - 2].frame : from;
-    const double behind = next + 1 < keys.size() ? keys[next + 1].frame : to;
+    const FxsKey& from = keys[next - 1];
+    const FxsKey& to = keys[next];
+    const FxsKey& before = next > 1 ? keys[next - 2] : from;
+    const FxsKey& behind = next + 1 < keys.size() ? keys[next + 1] : to;
+    const double span = to.frame - from.frame;
+    const double t = (frame - from.frame) / span;
     const double s = 1.0 - t;
-    const double slopeIn = span * t * s * s / (to - before);
-    const double slopeOut = -span * t * t * s / (behind - from);
-    return {-slopeIn, s * s * (1.0 + 2.0 * t) - slopeOut, t * t * (3.0 - 2.0 * t) + slopeIn,
-            slopeOut};
+    if (from.interpolation != Interpolation::Smooth)
+        return {{{before, 0.0}, {from, s}, {to, t}, {behind, 0.0}}};
+    // Cubic Hermite: the slope at a key is that of the line between its neighbours.
+    const double slopeIn = span * t * s * s / (to.frame - before.frame);
+    const double slopeOut = -span * t * t * s / (behind.frame - from.frame);
+    return {{{before, -slopeIn},
+             {from, s * s * (1.0 + 2.0 * t) - slopeOut},
+             {to, t * t * (3.0 - 2.0 * t) + slopeIn},
+             {behind, slopeOut}}};
 }
 
 std::vector<double> FxsProperty::At(double frame) const
@@ -357,15 +359,12 @@ std::vector<double> FxsProperty::At(double frame) const
         return last.numbers;
     if (last.numbers.size() != next->numbers.size())
         return {};
-    const std::array<double, 4> weights = FxsWeights(keys, std::size_t(next - keys.begin()), frame);
-    const FxsKey* around[] = {next - 1 == keys.begin() ? &last : &*(next - 2), &last, &*next,
-                              next + 1 == keys.end() ? &*next : &*(next + 1)};
     std::vector<double> out(last.numbers.size());
-    for (std::size_t k = 0; k < weights.size(); ++k) {
-        if (around[k]->numbers.size() != out.size())
+    for (const auto& [key, weight] : FxsPartsAt(keys, std::size_t(next - keys.begin()), frame)) {
+        if (key.numbers.size() != out.size())
             return {};
         for (std::size_t i = 0; i < out.size(); ++i)
-            out[i] += weights[k] * around[k]->numbers[i];
+            out[i] += weight * key.numbers[i];
     }
     return out;
 }

@@ -42,10 +42,16 @@ struct FxsObject {
     const FxsProperty* Find(const char* id) const;
 };
 
-/// How much the keys around a frame count that lies between `next` and the one before it: the two
-/// before the frame, and the two behind it; where there is one alone it stands for both. Smooth
-/// segments are Catmull-Rom splines over the keys' times.
-std::array<double, 4> FxsWeights(std::span<const FxsKey> keys, std::size_t next, double frame);
+/// A key and how much of it counts.
+struct FxsPart {
+    const FxsKey& key;
+    double weight;
+};
+
+/// The keys around a frame that lies between `next` and the one before it: the two before the
+/// frame, and the two behind it; where there is one alone it stands for both. Smooth segments are
+/// Catmull-Rom splines over the keys' times.
+std::array<FxsPart, 4> FxsPartsAt(std::span<const FxsKey> keys, std::size_t next, double frame);
 
 struct FxsFile {
     FxsObject root;     // its children are what the file holds

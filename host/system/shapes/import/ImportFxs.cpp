@@ -178,15 +178,13 @@ std::vector<PolyPoint> FxsConverter::PointsAt(std::span<const FxsKey> keys, doub
     std::vector<PolyPoint> points = last.path;
     if (next == keys.end() || last.interpolation == Interpolation::Step)
         return points;
-    const std::array<double, 4> weights = FxsWeights(keys, std::size_t(next - keys.begin()), frame);
-    const FxsKey* around[] = {next - 1 == keys.begin() ? &last : &*(next - 2), &last, &*next,
-                              next + 1 == keys.end() ? &*next : &*(next + 1)};
+    const auto parts = FxsPartsAt(keys, std::size_t(next - keys.begin()), frame);
     for (std::size_t i = 0; i < points.size(); ++i) {
         for (double PolyPoint::*member : {&PolyPoint::x, &PolyPoint::y, &PolyPoint::inX,
                                           &PolyPoint::inY, &PolyPoint::outX, &PolyPoint::outY}) {
             points[i].*member = 0.0;
-            for (std::size_t k = 0; k < weights.size(); ++k)
-                points[i].*member += weights[k] * (around[k]->path[i].*member);
+            for (const auto& [key, weight] : parts)
+                points[i].*member += weight * (key.path[i].*member);
         }
     }
     return points;
