@@ -63,7 +63,7 @@ bool IsEnabled(const C& c)
 }
 bool IsClosed(const C& c)
 {
-    return c.Editor().Active() && c.Editor().Active()->IsClosed();
+    return c.Editor().IsClosed();
 }
 template <u32 flag>
 bool AllSelected(const C& c)

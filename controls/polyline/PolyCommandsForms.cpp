@@ -281,15 +281,8 @@ Operator* PathOf(const PolyLineControl& control)
         return nullptr;
     if (dynamic_cast<PathModifier*>(&shape->Owner()))
         return &shape->Owner();
-    const Input* center = control.BoundInput(PLCID_Center);
-    if (!center || !center->HasExpression())
-        return nullptr;
-    for (const Ref<Operator>& tool : shape->GetDoc()->Tools()) {
-        if (dynamic_cast<PathModifier*>(tool.Get()) &&
-            center->GetExpression() == ExpressionFor(*tool, "Position"))
-            return tool.Get();
-    }
-    return nullptr;
+    const Input* const center = control.BoundInput(PLCID_Center);
+    return center ? PathOf(*center) : nullptr;
 }
 
 void ConvertPathToXY(PolyLineControl& control)

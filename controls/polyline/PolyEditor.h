@@ -48,7 +48,8 @@ public:
     void SetActivePolygon(int polygon);
     const PolyLine* Active() const { return Shape(active_); }
     bool IsAnimated(int polygon) const; // edits make or change keys
-    bool IsFull() const;                // the active one has as many points as it may
+    bool IsClosed() const { return Active() && Active()->IsClosed(); }
+    bool IsFull() const; // the active one has as many points as it may
     /// The input has another shape now. False: it shows nothing new.
     bool Notify(int polygon, const Ref<PolyLine>& shape);
     const ShapeIndex* Index(int polygon) const; // null: no shape

@@ -161,8 +161,9 @@ bool PolyEditor::WriteAt(int polygon, Input::State next, const std::vector<doubl
     if (holdsBack_) {
         const Ref<Parameter> value =
             next.animation.IsEmpty() ? next.value : next.animation.Evaluate(control_.CurrentTime());
+        const bool isFirst = !held_[InnerPolygon] && !held_[OuterPolygon];
         held_[std::size_t(polygon)] = {std::move(next), times};
-        if (MarloxDoc* document = control_.GetDoc())
+        if (MarloxDoc* document = isFirst ? control_.GetDoc() : nullptr)
             document->Undo().Hold(this, QString::fromLatin1(heldText_),
                                   [this] { control_.EndUndo(false); });
         const Masks selected = masks_;

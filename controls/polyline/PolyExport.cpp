@@ -1,7 +1,6 @@
 // Writing shapes and motions to files.
 
 #include "controls/polyline/PolyCommands.h"
-#include "controls/polyline/PolyImport.h"
 #include "controls/polyline/PolyLineControl.h"
 #include "controls/polyline/ShapeWriters.h"
 #include "system/controls/HostDialogs.h"

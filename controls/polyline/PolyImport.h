@@ -7,8 +7,6 @@
 
 namespace Marlox {
 
-class Input;
-class Operator;
 class PolyLineControl;
 
 // Placing what a file held into the document: one undo entry, or, when something refuses, none and
@@ -28,8 +26,5 @@ bool PlaceShapes(PolyLineControl& control, ImportedShapes& file, const ImportSha
 /// the path itself.
 bool PlaceMotion(PolyLineControl& control, const ImportedPath& path, const char* undoText,
                  QString& problem);
-
-/// A path tool whose position the input's expression reads; null: it reads another thing.
-Operator* PathOf(const Input& point);
 
 } // namespace Marlox

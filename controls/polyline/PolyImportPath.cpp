@@ -6,48 +6,20 @@
 #include "system/shapes/PathAnimation.h"
 #include "system/shapes/ShapePublish.h"
 
-#include <algorithm>
-
 namespace Marlox {
 
 namespace {
-
-/// Whether an expression of another input has the tool's name in it.
-bool IsMentionedElsewhere(const Operator& path, const Input& reader)
-{
-    const std::string name = path.GetName().toStdString();
-    const auto mentions = [&](const Ref<Input>& input) {
-        return input.Get() != &reader && input->GetExpression().find(name) != std::string::npos;
-    };
-    const auto& tools = path.GetDoc()->Tools();
-    return std::any_of(tools.begin(), tools.end(), [&](const Ref<Operator>& tool) {
-        return std::any_of(tool->Inputs().begin(), tool->Inputs().end(), mentions);
-    });
-}
 
 /// The path that moves the point alone, or else a new one.
 Operator* PathFor(Input& point, QString& problem)
 {
     Operator* const path = PathOf(point);
-    if (path && point.IsChangeable() && !path->IsLocked() && !IsMentionedElsewhere(*path, point))
+    if (path && point.IsChangeable() && !path->IsLocked() && !IsMentioned(*path, &point))
         return path;
     return AnimateWithPath(point, &problem);
 }
 
 } // namespace
-
-Operator* PathOf(const Input& point)
-{
-    const MarloxDoc* document = point.GetDoc();
-    if (!document || !point.HasExpression())
-        return nullptr;
-    for (const Ref<Operator>& tool : document->Tools()) {
-        if (tool->GetToolType() == MxID(CLSID_Tool_Path) &&
-            ExpressionFor(*tool, "Position") == point.GetExpression())
-            return tool.Get();
-    }
-    return nullptr;
-}
 
 bool PlaceMotion(PolyLineControl& control, const ImportedPath& path, const char* undoText,
                  QString& problem)

@@ -146,7 +146,6 @@ private:
 
     void ReadBoundInputs(const TagList& tags);
     void PressModeEvent() const;
-    bool IsClosed() const; // the active polygon
     void ReadShapes();
     bool HitTest(PreviewInfo& view, const TagList* tags);
     void SetNextPlace(const std::optional<ShapePlace>& place);

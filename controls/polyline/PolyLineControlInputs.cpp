@@ -187,8 +187,7 @@ PolyKeyListDlg* PolyLineControl::KeyList()
     if (!keyList_ && settings_.animated) {
         keyList_ = new PolyKeyListDlg(Window());
         keyList_->SetPartner([this] {
-            const int other = editor_.ActivePolygon() == OuterPolygon ? InnerPolygon : OuterPolygon;
-            return settings_.editBoth ? ShapeInput(other) : nullptr;
+            return settings_.editBoth ? ShapeInput(OtherPolygon(editor_.ActivePolygon())) : nullptr;
         });
     }
     ActivePolygonChanged();

@@ -6,18 +6,13 @@
 
 namespace Marlox {
 
-bool PolyLineControl::IsClosed() const
-{
-    return editor_.Active() && editor_.Active()->IsClosed();
-}
-
 bool PolyLineControl::SaveState(ScriptVal& state) const
 {
     state = ScriptVal::MakeTable();
     settings_.Save(state);
     state.Set("DrawMode", int(Mode()));
     state.Set("HasFocused", hasFocused_);
-    state.Set("Closed", IsClosed());
+    state.Set("Closed", editor_.IsClosed());
     const ScriptVal selection = SavedSelection();
     for (const char* name : {"ActivePolygon", "Selections"})
         state.Set(name, selection.Get(name));
@@ -49,7 +44,8 @@ bool PolyLineControl::RestoreState(const ScriptVal& state)
     double mode = state.Get("DrawMode").ToNumber(-1.0);
     const bool drew =
         mode == double(PolyDrawMode::ClickAppend) || mode == double(PolyDrawMode::DrawAppend);
-    if (drew && IsClosed() && !state.Get("Closed").ToBool(true)) // undone and redone meanwhile
+    if (drew && editor_.IsClosed() &&
+        !state.Get("Closed").ToBool(true)) // undone and redone meanwhile
         mode = double(ModeAfterClose());
     if (mode >= 0.0 && mode <= double(PolyDrawMode::ModifyOnly) && int(mode) != int(Mode()))
         SetAttr(PLC_DrawMode, int64(mode));

@@ -54,21 +54,6 @@ std::vector<Input*> readersOf(const Operator& path)
     return readers;
 }
 
-bool isMentioned(const Operator& path)
-{
-    const std::string names[] = {path.GetName().toStdString(), scriptName(path)};
-    for (const Ref<Operator>& tool : path.GetDoc()->Tools()) {
-        for (const Ref<Input>& input : tool->Inputs()) {
-            const std::string& expression = input->GetExpression();
-            if (std::any_of(std::begin(names), std::end(names), [&](const std::string& name) {
-                    return expression.find(name) != std::string::npos;
-                }))
-                return true;
-        }
-    }
-    return false;
-}
-
 /// The frames at which the keys of a converted path stand.
 std::vector<double> framesOf(const Operator& path)
 {
@@ -150,6 +135,35 @@ bool MovesPoints(const Operator& path)
     return path.GetDoc() && path.FindInput("Position") && !readersOf(path).empty();
 }
 
+Operator* PathOf(const Input& point)
+{
+    const MarloxDoc* const document = point.GetDoc();
+    if (!document || !point.HasExpression())
+        return nullptr;
+    for (const Ref<Operator>& tool : document->Tools()) {
+        if (dynamic_cast<PathModifier*>(tool.Get()) &&
+            ExpressionFor(*tool, "Position") == point.GetExpression())
+            return tool.Get();
+    }
+    return nullptr;
+}
+
+bool IsMentioned(const Operator& tool, const Input* except)
+{
+    const std::string names[] = {tool.GetName().toStdString(), scriptName(tool)};
+    const auto mentions = [&](const Ref<Input>& input) {
+        const std::string& expression = input->GetExpression();
+        return input.Get() != except &&
+               std::any_of(std::begin(names), std::end(names), [&](const std::string& name) {
+                   return expression.find(name) != std::string::npos;
+               });
+    };
+    const auto& tools = tool.GetDoc()->Tools();
+    return std::any_of(tools.begin(), tools.end(), [&](const Ref<Operator>& each) {
+        return std::any_of(each->Inputs().begin(), each->Inputs().end(), mentions);
+    });
+}
+
 bool ConvertToXYPath(Operator& path)
 {
     MarloxDoc* const document = path.GetDoc();
@@ -168,7 +182,7 @@ bool ConvertToXYPath(Operator& path)
         state.animation = keys;
         any = reader->ChangeTo(std::move(state)) || any;
     }
-    if (any && !isMentioned(path))
+    if (any && !IsMentioned(path))
         document->RemoveTool(path);
     document->EndUndo(any);
     return any;

@@ -20,6 +20,12 @@ MARLOXSYSTEM_EXPORT bool ConvertToXYPath(Operator& path);
 /// Whether a point input reads the path's position.
 MARLOXSYSTEM_EXPORT bool MovesPoints(const Operator& path);
 
+/// The path tool whose position the input's expression reads, as AnimateWithPath makes it; null: it
+/// reads another thing.
+MARLOXSYSTEM_EXPORT Operator* PathOf(const Input& point);
+/// Whether an expression of an input other than `except` has the tool's name in it.
+MARLOXSYSTEM_EXPORT bool IsMentioned(const Operator& tool, const Input* except = nullptr);
+
 /// How an expression reads a result of a tool.
 MARLOXSYSTEM_EXPORT std::string ExpressionFor(const Operator& tool, const char* input);
 
