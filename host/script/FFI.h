@@ -16,6 +16,12 @@
 /// script engine reads them when a script first asks. Texts and tables must outlive the records.
 namespace Marlox {
 
+/// Names for the values of an integer tag, counted from 0 and ended by null.
+struct TagEnumeration {
+    const char* name;
+    const char* const* values;
+};
+
 /// One tag name that scripts may write, ended by an entry without a name. Some tags keep an id
 /// whose type digit does not tell what they carry: these entries name the type of their value.
 struct MARLOXSCRIPT_EXPORT TagMapEntry {
@@ -23,6 +29,7 @@ struct MARLOXSCRIPT_EXPORT TagMapEntry {
     u32 tag = 0;
     TagType type = TagType(0); // 0: as the tag's id says
     bool repeated = false;     // strings: stands once for each value, in scripts a list
+    const TagEnumeration* enumeration = nullptr; // integers: scripts may write its names as well
 
     /// What the tag carries: `type`, else a string for REG_ParentName, else the id's digit.
     TagType ValueType() const;
@@ -30,11 +37,11 @@ struct MARLOXSCRIPT_EXPORT TagMapEntry {
 
 /// Converts between a script table and a tag list by a table of names: from script to tags, or back
 /// when `toScript`. Names that the table lacks are left alone; what stands there already is
-/// replaced. By the type of an entry's value: an integer takes whole numbers and booleans, a double
-/// numbers, a string or input id strings, a pointer the text of a class id, an object a host
-/// object; a repeated entry takes a list of strings, or one string, and becomes a list in scripts.
-/// False if a value did not fit its tag (the others are still converted). Strings are copied into
-/// the tag list; objects are not owned by either side.
+/// replaced. By the type of an entry's value: an integer takes whole numbers, booleans and the
+/// names of its enumeration, a double numbers, a string or input id strings, a pointer the text of
+/// a class id, an object a host object; a repeated entry takes a list of strings, or one string,
+/// and becomes a list in scripts. False if a value did not fit its tag (the others are still
+/// converted). Strings are copied into the tag list; objects are not owned by either side.
 MARLOXSCRIPT_EXPORT bool scriptval_maptags(const TagMapEntry* table, bool toScript,
                                            ScriptVal& values, TagList& tags);
 

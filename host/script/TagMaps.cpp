@@ -27,6 +27,8 @@ constexpr TagMapEntry hostTags[] = {
     {"IA_Stepped", IA_Stepped},
     {"IA_Computed", IA_Computed},
     {"IA_Published", IA_Published},
+    {"IA_Channel", IA_Channel},
+    {"IA_Range", IA_Range},
     {"IAD_Minimum", IAD_Minimum},
     {"IAD_Maximum", IAD_Maximum},
     {"IAD_LowScale", IAD_LowScale},
@@ -78,6 +80,17 @@ std::optional<int64> ToInteger(const ScriptVal& value)
     return int64(number);
 }
 
+/// The number of a name in the entry's enumeration.
+std::optional<int64> NumberOfName(const TagMapEntry& entry, const std::string& name)
+{
+    const char* const* values = entry.enumeration ? entry.enumeration->values : nullptr;
+    for (int64 number = 0; values && values[number]; ++number) {
+        if (name == values[number])
+            return number;
+    }
+    return {};
+}
+
 /// A list of strings, one pair for each. An empty one would be no pair: it says nothing.
 bool ToRepeatedTag(const TagMapEntry& entry, const ScriptVal& list, TagList& tags)
 {
@@ -99,7 +112,8 @@ bool ToTag(const TagMapEntry& entry, const ScriptVal& value, TagList& tags)
         return ToRepeatedTag(entry, value, tags);
     switch (entry.ValueType()) {
     case TagType::Integer:
-        if (const std::optional<int64> integer = ToInteger(value)) {
+        if (const std::optional<int64> integer =
+                value.IsString() ? NumberOfName(entry, value.ToString()) : ToInteger(value)) {
             tags.Set(entry.tag, long(*integer));
             return true;
         }

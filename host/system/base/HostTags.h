@@ -19,12 +19,17 @@ inline constexpr u32 IA_OverlayStays = 0x10030010; // overlay shows while anothe
 inline constexpr u32 IA_Stepped = 0x10030011;      // new keys hold their value until the next
 inline constexpr u32 IA_Computed = 0x10030012;     // worked out by its tool; read-only and passive
 inline constexpr u32 IA_Published = 0x10030013;    // came to its tool later, for a shape's point
-inline constexpr u32 IAD_Minimum = 0x20030000;     // lowest value ever accepted
-inline constexpr u32 IAD_Maximum = 0x20030001;     // highest value ever accepted
-inline constexpr u32 IAD_LowScale = 0x20030002;    // value at the low end of a slider
-inline constexpr u32 IAD_HighScale = 0x20030003;   // value at the high end of a slider
-inline constexpr u32 IAD_Default = 0x20030004;     // value of a new input, restored by Reset
-inline constexpr u32 IAD_DefaultX = 0x20030005;    // the same of a Point input, image coordinates
+/// Which component the input holds, of controls that edit several together: 0 red, 1 green, 2 blue,
+/// 3 alpha and so on of a colour.
+inline constexpr u32 IA_Channel = 0x10030014;
+/// Which tonal range it belongs to: 0 master (unless given), 1 low, 2 middle, 3 high.
+inline constexpr u32 IA_Range = 0x10030015;
+inline constexpr u32 IAD_Minimum = 0x20030000;   // lowest value ever accepted
+inline constexpr u32 IAD_Maximum = 0x20030001;   // highest value ever accepted
+inline constexpr u32 IAD_LowScale = 0x20030002;  // value at the low end of a slider
+inline constexpr u32 IAD_HighScale = 0x20030003; // value at the high end of a slider
+inline constexpr u32 IAD_Default = 0x20030004;   // value of a new input, restored by Reset
+inline constexpr u32 IAD_DefaultX = 0x20030005;  // the same of a Point input, image coordinates
 inline constexpr u32 IAD_DefaultY = 0x20030006;
 inline constexpr u32 IAS_Default = 0x30030000;     // the same of a Text input
 inline constexpr u32 IAS_Name = 0x30030001;        // name shown to people
