@@ -139,7 +139,9 @@ void ControlWnd::Private::UpdateState(Row& row)
 {
     const InputList& inputs = row.control->Inputs();
     State state = State::Plain;
-    KeyFrameIndicator::State keys = KeyFrameIndicator::State::None;
+    bool animated = false;
+    bool allKeyed = true; // of those without an expression, which the keyframe button sets keys of
+    bool allExpressions = true;
     const double time = row.control->CurrentTime();
     for (const Input* input : inputs) {
         const bool keyed = input->IsAnimated() && input->IsKeyAt(time);
@@ -148,13 +150,18 @@ void ControlWnd::Private::UpdateState(Row& row)
                           : input->IsAnimated()  ? State::Animated
                                                  : State::Plain;
         state = std::max(state, own);
-        if (input == inputs.front() && own == State::Expression)
-            keys = KeyFrameIndicator::State::Expression;
-        else if (input == inputs.front() && input->IsAnimated())
-            keys = keyed ? KeyFrameIndicator::State::Keyed : KeyFrameIndicator::State::Animated;
+        if (own == State::Expression)
+            continue;
+        allExpressions = false;
+        animated = animated || input->IsAnimated();
+        allKeyed = allKeyed && keyed;
     }
     if (row.keys) {
-        row.keys->SetState(keys);
+        using Keys = KeyFrameIndicator::State;
+        row.keys->SetState(allExpressions && !inputs.empty() ? Keys::Expression
+                           : !animated                       ? Keys::None
+                           : allKeyed                        ? Keys::Keyed
+                                                             : Keys::Animated);
         if (row.keys->isEnabled() != row.control->isEnabled())
             row.keys->setEnabled(row.control->isEnabled());
     }

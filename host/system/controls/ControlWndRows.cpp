@@ -259,9 +259,8 @@ void ControlWnd::Private::AddKeys(Row& row, Input& first)
         Input& main = *control->Inputs().front();
         const auto index = int(main.GetAttr(IA_ControlIndex));
         auto* line = static_cast<QWidget*>(control->GetExpressionData(index, nullptr));
-        if (!main.HasExpression())
-            InputMenu::ToggleKey(*control, main);
-        else if (line) // keys say nothing while an expression does
+        // Keys say nothing while an expression does.
+        if (!InputMenu::ToggleKeys(*control) && main.HasExpression() && line)
             line->setFocus(Qt::OtherFocusReason);
     });
 }

@@ -60,6 +60,9 @@ public:
     bool SetAttrsTagList(const TagList& tags) override;
     bool CopyAttr(u64 tag, void* out) override;
     MarloxDoc* GetDoc() const override;
+    /// Opens the control's undo group, as SetUndo does, with a text of its own.
+    void StartUndo(const char* text) override;
+    void EndUndo(bool keep) override; // as ResetUndo; false: what the group did is undone
     void AddToMenu(Menu* menu, TagList& tags) override;
     using _InputControl::HandleMenu;
     bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
@@ -130,6 +133,9 @@ public:
     /// The same from a ResData.
     LayoutObj* LoadLayout(const char* resourceName, bool stretch, LayoutCallback callback,
                           void* context);
+    /// Takes the layout away again, with its expression lines, so that another one can be built.
+    /// Widgets that stood in it stay, where they are.
+    void RemoveLayout();
     /// The same as the CreateExpressionEdit above for a place in the layout, which then costs
     /// nothing until the input has an expression. Controls that name no place get it in the layout
     /// object "expression" if that is a container, else below themselves.
@@ -160,7 +166,7 @@ public:
     MxColor GetBackgroundColor() const;
 
     /// Ids of a control's own menu entries start here; those below are the base's.
-    static constexpr unsigned int FirstOwnMenuId = 0x1000;
+    static constexpr unsigned int FirstOwnMenuId = 0x4000;
     /// Fills the context menu: the base's entries for `only` (null: for every input, in submenus if
     /// there are several), then those of AddToMenu. HandleMenu runs an entry by its id.
     void BuildMenu(Menu& menu, Input* only = nullptr);

@@ -66,6 +66,16 @@ void InputControl::ResetUndo(TagList*)
     undo_.End();
 }
 
+void InputControl::StartUndo(const char* text)
+{
+    undo_.Begin(GetDoc(), QString::fromUtf8(text));
+}
+
+void InputControl::EndUndo(bool keep)
+{
+    undo_.End(keep);
+}
+
 void InputControl::EndGesture()
 {
     if (d_->editDragging)

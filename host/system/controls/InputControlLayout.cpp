@@ -22,6 +22,14 @@ void InputControl::Close(TagList*)
     if (!window_)
         return;
     EndGesture();
+    RemoveLayout();
+    window_ = nullptr;
+    hide();
+    setParent(nullptr);
+}
+
+void InputControl::RemoveLayout()
+{
     for (const Private::ExpressionPlace& place : d_->places) {
         if (place.line) { // perhaps it is its commit that closes the page
             place.line->setParent(nullptr);
@@ -31,9 +39,6 @@ void InputControl::Close(TagList*)
     d_->places.clear();
     delete std::exchange(layout_, nullptr);
     d_->fault.clear();
-    window_ = nullptr;
-    hide();
-    setParent(nullptr);
 }
 
 bool InputControl::GetMinSize(int& width, int& height, TagList*)

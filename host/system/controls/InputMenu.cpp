@@ -311,14 +311,28 @@ bool Run(InputControl& control, unsigned int id)
            found->enabled(*at) && found->run(*at);
 }
 
-bool ToggleKey(InputControl& control, Input& input)
+bool ToggleKeys(InputControl& control)
 {
-    const InputList& inputs = control.Inputs();
-    const auto found = std::find(inputs.begin(), inputs.end(), &input);
-    const std::optional<Context> at = ContextOf(control, found - inputs.begin());
-    if (!at || !CanAnimate(*at))
-        return false;
-    return input.IsKeyAt(at->time) ? RemoveKey(*at) : SetKey(*at);
+    std::vector<Context> keyable;
+    for (std::size_t i = 0; i < control.Inputs().size(); ++i) {
+        const std::optional<Context> at = ContextOf(control, i);
+        if (at && CanAnimate(*at) && !at->input.HasExpression())
+            keyable.push_back(*at);
+    }
+    if (keyable.size() <= 1)
+        return !keyable.empty() &&
+               (keyable[0].input.IsKeyAt(keyable[0].time) ? RemoveKey(keyable[0])
+                                                          : SetKey(keyable[0]));
+    const bool all = std::all_of(keyable.begin(), keyable.end(),
+                                 [](const Context& at) { return at.input.IsKeyAt(at.time); });
+    const UndoGroup group(keyable[0].document,
+                          all ? QStringLiteral("Remove Keys") : QStringLiteral("Set Keys"));
+    bool done = false;
+    for (const Context& at : keyable) {
+        if (all || !at.input.IsKeyAt(at.time))
+            done = (all ? at.input.RemoveKey(at.time) : at.input.AddKey(at.time)) || done;
+    }
+    return done;
 }
 
 } // namespace Marlox::InputMenu
