@@ -30,6 +30,7 @@ inline constexpr char CLSID_DataType_Polyline[] = "Polyline";
 inline constexpr char CLSID_DataType_BSplinePolyline[] = "BSplinePolyline";
 inline constexpr char CLSID_DataType_CardinalSplinePolyline[] = "CardinalSplinePolyline";
 inline constexpr char CLSID_DataType_Mesh[] = "Mesh";
+inline constexpr char CLSID_DataType_ColorCurves[] = "ColorCurves";
 
 /// Shared maps of tag names that the script call "Create" of every control understands besides the
 /// control's own.

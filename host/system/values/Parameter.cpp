@@ -1,5 +1,6 @@
 #include "system/values/Parameter.h"
 
+#include "system/color/ColorCurves.h"
 #include "system/shapes/BSplinePolyLine.h"
 #include "system/values/Image.h"
 
@@ -90,6 +91,13 @@ Ref<Parameter> readMatrix(const ScriptVal& value)
     return readList(value, elements, 16) ? MakeRef<TransformMatrix>(elements) : nullptr;
 }
 
+Ref<Parameter> readColorCurves(const ScriptVal& value)
+{
+    std::array<double, 2 * ColorCurves::nodeCount> coordinates{};
+    return readList(value, coordinates, coordinates.size()) ? MakeRef<ColorCurves>(coordinates)
+                                                            : nullptr;
+}
+
 template <class T, class... Args>
 Ref<Parameter> makeDefault(Args... args)
 {
@@ -115,6 +123,7 @@ constexpr Kind kinds[] = {
     {CLSID_DataType_Image, [] { return makeDefault<Image>(); }, nullptr},
     {CLSID_DataType_Mask, [] { return makeDefault<Mask>(); }, nullptr},
     {CLSID_DataType_TransformMatrix, [] { return makeDefault<TransformMatrix>(); }, readMatrix},
+    {CLSID_DataType_ColorCurves, [] { return makeDefault<ColorCurves>(); }, readColorCurves},
     {CLSID_DataType_Polyline, [] { return makeDefault<PolyLine>(); },
      readShape<CLSID_DataType_Polyline>},
     {CLSID_DataType_BSplinePolyline, [] { return makeDefault<BSplinePolyLine>(); },

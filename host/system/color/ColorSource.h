@@ -1,0 +1,54 @@
+#pragma once
+
+#include "system/base/Types.h"
+
+#include <array>
+
+#include <QPoint>
+#include <QRect>
+
+class QWidget;
+
+namespace Marlox {
+
+class Operator;
+
+/// What colours are picked from: a viewer's widget that is a ColorSource besides lets pick buttons
+/// read the picture it shows. Positions are device-independent pixels of that widget.
+/// User-interface thread.
+class MARLOXSYSTEM_EXPORT ColorSource {
+public:
+    /// Which pixels are wanted.
+    struct Footprint {
+        QPoint at;    // the one under the pointer,
+        int size = 1; // and as many across and down around it: 1, 3 or 5 pixels of the picture
+        QRect area{}; // all pixels that this touches instead, unless it is null
+        /// Read what flows into this tool rather than what is on view; null: what is on view.
+        const Operator* inputOf = nullptr;
+    };
+    struct Sample {
+        /// The mean of red, green, blue and alpha: scene-linear floats as the picture has them,
+        /// alpha multiplied in.
+        std::array<double, 4> rgba{};
+        int pixels = 0; // that it is the mean of, at full resolution
+    };
+
+    /// False: no picture there, or nothing flows into the tool. Pixels that are no numbers don't
+    /// count, and if there are no others it is false too.
+    virtual bool SampleColor(const Footprint& footprint, Sample& sample) = 0;
+    /// Draws the footprint over the picture until another one is shown; null takes it away.
+    virtual void ShowFootprint(const Footprint* footprint) = 0;
+    /// While held, samples are of what was on view, or flowed into a tool, when that was first
+    /// asked for: what a pick writes changes the picture, but not what it picks.
+    virtual void HoldPicture(bool held) = 0;
+
+    /// The source under a position of the screen, and its widget; null if there is none.
+    static ColorSource* At(QPoint global, QWidget** widget = nullptr);
+    /// The widget as a source; null if it is none.
+    static ColorSource* Of(QWidget* widget);
+
+protected:
+    ~ColorSource();
+};
+
+} // namespace Marlox
