@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include <QEvent>
 #include <QImage>
+#include <QKeyEvent>
 
 namespace Marlox {
 
@@ -44,6 +44,8 @@ MarloxDoc* CustomControl::GetDoc() const
 
 void CustomControl::BeginGesture(bool withProxy)
 {
+    if (!inGesture_)
+        changes_ = true; // unless it is a drag, which tells
     inGesture_ = true;
     MarloxDoc* document = GetDoc();
     if (!withProxy || proxyTool_ || !document || !owner_->Owner() || owner_->IsAllPassive(nullptr))
@@ -58,13 +60,46 @@ void CustomControl::FinishGesture()
     if (!inGesture_)
         return;
     inGesture_ = false;
-    const Ref<Operator> tool = std::move(proxyTool_);
-    if (tool && proxyDoc_) {
-        proxyDoc_->SetAutoProxy(tool.Get(), false);
-        proxyDoc_->SyncRender();
-    }
+    StopProxy(changes_);
     if (owner_)
         owner_->ResetUndo(nullptr);
+}
+
+void CustomControl::StopProxy(bool render)
+{
+    const Ref<Operator> tool = std::move(proxyTool_);
+    if (!tool || !proxyDoc_)
+        return;
+    proxyDoc_->SetAutoProxy(tool.Get(), false);
+    if (render)
+        proxyDoc_->SyncRender();
+}
+
+void CustomControl::GiveUpGesture()
+{
+    if (!std::exchange(inGesture_, false))
+        return;
+    const QPointer<CustomControl> alive(this);
+    if (owner_)
+        owner_->EndUndo(false);
+    if (alive)
+        StopProxy(changes_);
+}
+
+void CustomControl::LoseGesture()
+{
+    if (drag_) {
+        drag_.reset();
+        Drop();
+    }
+    FinishGesture();
+}
+
+void CustomControl::OpenUndo(const char* text)
+{
+    changes_ = true;
+    if (owner_ && inGesture_)
+        owner_->StartUndo(text);
 }
 
 MxColor CustomControl::BackgroundColor() const
@@ -108,6 +143,11 @@ bool CustomControl::EndsGesture(const QEvent& event) const
 
 bool CustomControl::event(QEvent* event)
 {
+    if (event->type() == QEvent::ShortcutOverride &&
+        IsOwnKey(static_cast<const QKeyEvent&>(*event))) {
+        event->accept(); // before any shortcut of the window gets it
+        return true;
+    }
     if (EndsGesture(*event)) {
         const QPointer<CustomControl> alive(this);
         LoseGesture();

@@ -3,9 +3,14 @@
 #include "system/base/MxColor.h"
 #include "system/base/Object.h"
 #include "system/document/MarloxDoc.h"
+#include "widgets/PointerDrag.h"
+
+#include <optional>
 
 #include <QPointer>
 #include <QWidget>
+
+class QPainter;
 
 namespace Marlox {
 
@@ -29,6 +34,15 @@ protected:
 /// owner's, closed by ResetUndo at the end. Gestures that asked for it switch the owner's tool to
 /// automatic proxy rendering meanwhile and ask for a full render at the end. An end that gets lost
 /// (focus or window gone, a dialog in the way, hidden, disabled, deleted) ends the gesture too.
+///
+/// Drags, for the widgets that override Grab: with the left button; the press takes the keyboard
+/// focus, what it grabs is dragged until the release, and Escape brings back what was there before.
+/// Ctrl makes a drag fine (see PointerDrag), Shift keeps it to one axis. The widget opens the undo
+/// entry with its first change (OpenUndo). Without one, nothing is rendered anew at the end.
+///
+/// Keys, for the widgets that have parts: Page Up and Page Down go from one part to the next, the
+/// arrow keys move it, with Shift coarsely, with Ctrl finely. What is done until a key is released
+/// is one undo entry.
 class CustomControl : public _CustomControl {
     Q_OBJECT
     Q_PROPERTY(bool locked READ IsLocked WRITE SetLocked)
@@ -43,6 +57,18 @@ public:
     bool IsLocked() const { return locked_; }
     virtual void SetLocked(bool locked);
     bool InGesture() const { return inGesture_; }
+    bool IsDragged() const { return drag_.has_value(); }
+    /// Parts that keys move and screen readers tell; without any, neither does anything.
+    virtual int PartCount() const { return 0; }
+    /// One of them in words, with its value: "Hue 0.25".
+    virtual QString DescribePart(int) const { return {}; }
+    /// The part that the keys move, from 0.
+    int ActivePart() const { return activePart_; }
+    void SetActivePart(int part);
+    /// As Page Down (1) and Page Up (-1).
+    void StepActivePart(int by);
+    /// As one stroke of an arrow key (y upwards), one undo entry. Nothing while locked or disabled.
+    void NudgeActivePart(QPoint way);
 
     // Object
     MarloxDoc* GetDoc() const override;
@@ -53,8 +79,33 @@ protected:
     void BeginGesture(bool withProxy);
     /// Ends it, if there is one. The owner may delete the widget meanwhile.
     void FinishGesture();
+    /// Ends it and undoes what it wrote; it leaves no undo entry.
+    void GiveUpGesture();
     /// The end of a gesture got lost: overridden to clear what was held, then passed on.
-    virtual void LoseGesture() { FinishGesture(); }
+    virtual void LoseGesture();
+    /// The gesture makes a change: opens its undo entry, unless it is open.
+    void OpenUndo(const char* text);
+
+    // Drags. Pixels of the widget.
+    /// What is at the place of a press becomes the one that is dragged; false: there is nothing.
+    virtual bool Grab(QPoint) { return false; }
+    /// After a press that grabbed something. Usually the press is a move.
+    virtual void PressOn(const PointerDrag::Step& step) { DragTo(step); }
+    /// The pointer has moved on; false ends the drag.
+    virtual bool DragTo(const PointerDrag::Step&) { return false; }
+    /// Nothing is dragged any more: the drag has ended, one way or another.
+    virtual void Drop() {}
+    /// The pointer moves without dragging; without a value it has left.
+    virtual void HoverAt(std::optional<QPoint>) {}
+    /// Of the pointer's way in fine mode.
+    virtual double FineShare() const { return 0.1; }
+
+    /// Keys: moves the active part: x to the right and y upwards, -1 to 1; level 0 fine, 1 plain, 2
+    /// coarse.
+    virtual void Nudge(int, QPoint, int) {}
+    /// The ring that tells the keyboard focus, just inside `around`, one crisp line wide.
+    void PaintFocusRing(QPainter& painter, const QRectF& around, double radius = 2.0) const;
+
     /// What is behind the widget.
     MxColor BackgroundColor() const;
     /// During a paint event: the image that it goes to, for widgets that only copy pixels and are
@@ -65,13 +116,26 @@ protected:
     QImage* PaintedImage(QPoint& offset, int& ratio) const;
 
     bool event(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
 
 private:
     bool EndsGesture(const QEvent& event) const;
+    bool IsOwnKey(const QKeyEvent& event) const;
+    void Press(QPoint at, Qt::KeyboardModifiers modifiers);
+    void EndDrag();
+    void StopProxy(bool render);
 
     QPointer<InputControl> owner_;
     bool locked_ = false;
     bool inGesture_ = false;
+    bool changes_ = true; // what the gesture did has to be rendered at its end
+    std::optional<PointerDrag> drag_;
+    int activePart_ = 0;
     QPointer<MarloxDoc> proxyDoc_; // where proxy rendering was switched on
     Ref<Operator> proxyTool_;
 };
