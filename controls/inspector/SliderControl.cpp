@@ -1,6 +1,7 @@
 #include "controls/inspector/SliderControl.h"
 
 #include "framework/ControlClass.h"
+#include "framework/SliderParts.h"
 #include "system/controls/ControlWnd.h"
 #include "system/document/MarloxDoc.h"
 #include "system/widgets/ElideLabel.h"
@@ -184,11 +185,7 @@ bool SliderControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
     edit_->SetValue(shown_, settings_.precision);
     edit_->show();
     edit_->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
-    edit_->SetDragTarget([this](double movement, double& accumulated) {
-        CustomSlider::RelativeDrag state{accumulated, true};
-        slider_->DragBy(movement, state);
-        accumulated = state.movement;
-    });
+    SliderParts::DragThrough(*edit_, *slider_);
     const ScriptVal& layout = shared().layout;
     const bool built = layout.IsTable() ? CreateLayout(layout, false, attachWidget, this)
                                         : LoadLayout(layoutName, false, attachWidget, this);

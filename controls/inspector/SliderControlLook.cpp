@@ -2,45 +2,17 @@
 
 #include "controls/inspector/SliderControl.h"
 
+#include "framework/SliderParts.h"
 #include "system/document/MarloxDoc.h"
-#include "system/resources/Resources.h"
 #include "system/widgets/ElideLabel.h"
 #include "system/widgets/TimeCodeEdit.h"
 #include "widgets/CustomSlider.h"
 
-#include <algorithm>
-
 namespace Marlox {
-
-namespace {
-
-struct KnobStyle {
-    int number;
-    const char* normal;
-    const char* highlighted;
-};
-constexpr KnobStyle plainKnob{0, "Controls.Slider.Knob.1", "Controls.Slider.Knob.2"};
-constexpr KnobStyle knobStyles[] = {
-    {6, "Controls.Color.Knob.2.1", "Controls.Color.Knob.2.2"},
-    {7, "Controls.Color.Knob.3.1", "Controls.Color.Knob.3.2"},
-    {8, "Controls.Color.Knob.4.1", "Controls.Color.Knob.4.2"},
-    {9, "Controls.Color.Knob.5.1", "Controls.Color.Knob.5.2"},
-};
-
-} // namespace
 
 void SliderControl::ApplyToSlider()
 {
-    slider_->SetInteger(settings_.integer);
-    slider_->SetGamma(settings_.gamma);
-    slider_->SetRange(settings_.range.low, settings_.range.high, false);
-    slider_->SetSteps(settings_.fineStep, settings_.plainStep);
-    slider_->SetCentred(false);
-    slider_->SetTickFreq(settings_.tickFreq); // may centre by itself
-    if (settings_.centred && !slider_->SetCentre(settings_.centre))
-        slider_->SetTickFreq(settings_.tickFreq);
-    slider_->SetDefaultValue(settings_.defaultValue);
-    slider_->SetSnapValue(settings_.snapValue);
+    SliderParts::Apply(settings_, *slider_);
 }
 
 void SliderControl::ApplyToEdit()
@@ -56,11 +28,7 @@ void SliderControl::ApplyToEdit()
 
 void SliderControl::ApplyKnobStyle()
 {
-    const auto* style =
-        std::find_if(std::begin(knobStyles), std::end(knobStyles),
-                     [this](const KnobStyle& row) { return row.number == settings_.knobStyle; });
-    const KnobStyle& chosen = style != std::end(knobStyles) ? *style : plainKnob;
-    slider_->SetKnobImages(chosen.normal, chosen.highlighted);
+    SliderParts::ApplyKnobStyle(settings_.knobStyle, *slider_);
     knobStyleDirty_ = false;
 }
 
@@ -87,13 +55,7 @@ void SliderControl::ApplyLabels()
 
 void SliderControl::ShowInputState()
 {
-    const Input* input = FindInputByIndex(inputId_);
-    QColor color;
-    if (input && input->HasExpression())
-        color = LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor();
-    else if (input && input->IsAnimated())
-        color = LookPack::Global().Color("System.KeyColour", {124, 192, 148}).ToQColor();
-    slider_->SetStateColor(color);
+    slider_->SetStateColor(SliderParts::StateColor(FindInputByIndex(inputId_)));
 }
 
 } // namespace Marlox

@@ -103,6 +103,9 @@ public:
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 signals:
+    /// The user gave the field another number, by typing, a drag or a step. Sent before
+    /// editingFinished.
+    void valueChanged();
     /// A readable value or an expression was committed, or a drag or step without a target changed
     /// the value.
     void editingFinished();

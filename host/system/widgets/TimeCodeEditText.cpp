@@ -55,6 +55,7 @@ bool TimeCodeEdit::Private::Commit()
             editor->setCursorPosition(reading.errorAt);
         return false;
     }
+    const bool differs = reading.kind == Kind::Number && !entry.Holds(reading.value);
     if (reading.kind == Kind::Number)
         entry.value = reading.value;
     if (reading.kind != Kind::Expression) {
@@ -64,8 +65,11 @@ bool TimeCodeEdit::Private::Commit()
         SetProblem({});
         expression = reading.text;
     }
-    if (reading.kind != Kind::Nothing)
-        emit field.editingFinished();
+    const QPointer<TimeCodeEdit> alive(&field);
+    if (differs)
+        emit alive->valueChanged();
+    if (alive && reading.kind != Kind::Nothing)
+        emit alive->editingFinished();
     return true;
 }
 
@@ -89,7 +93,9 @@ bool TimeCodeEdit::Private::SetAndSend(double value)
     const QPointer<TimeCodeEdit> alive(&field);
     entry.value = value;
     ShowValue();
-    emit alive->editingFinished();
+    emit alive->valueChanged();
+    if (alive)
+        emit alive->editingFinished();
     return alive;
 }
 

@@ -1,0 +1,384 @@
+#include "framework/ChannelControl.h"
+
+#include "system/document/MarloxDoc.h"
+#include "system/resources/Resources.h"
+#include "system/widgets/TimeCodeEdit.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Marlox {
+
+namespace {
+
+void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
+{
+    const QString name = object.Name().ToString();
+    if (name.isEmpty() || object.IsContainer())
+        return;
+    if (auto* widget = static_cast<ChannelControl*>(control)->findChild<QWidget*>(
+            name, Qt::FindDirectChildrenOnly)) {
+        object.SetWidget(widget);
+        widget->show();
+    }
+}
+
+} // namespace
+
+ChannelControl::ChannelControl(const Registry* record, const ScriptVal& creator,
+                               const TagList& attributes, int slots)
+    : InputControl(record, creator, attributes), slots_(std::size_t(slots))
+{
+    creation_.Merge(attributes);
+}
+
+ChannelControl::~ChannelControl()
+{
+    for (const Edit& edit : edits_)
+        edit.edit->disconnect(this);
+}
+
+// Slots ------------------------------------------------------------------------------------------
+
+Input* ChannelControl::InputOf(int slot) const
+{
+    return HasSlot(slot) ? slots_[std::size_t(slot)].input : nullptr;
+}
+
+double ChannelControl::ValueOf(int slot) const
+{
+    return HasSlot(slot) ? slots_[std::size_t(slot)].value : 0.0;
+}
+
+int ChannelControl::SlotHolding(const Input* input) const
+{
+    const auto found = std::find_if(slots_.begin(), slots_.end(),
+                                    [input](const Slot& slot) { return slot.input == input; });
+    return input && found != slots_.end() ? int(found - slots_.begin()) : -1;
+}
+
+unsigned int ChannelControl::IndexOf(int slot) const
+{
+    const Input* input = InputOf(slot);
+    return input ? unsigned(input->GetAttr(IA_ControlIndex)) : 0;
+}
+
+bool ChannelControl::IsEditable(int slot) const
+{
+    const Input* input = InputOf(slot);
+    return input && !ControlDisabled() && input->IsChangeable() && !input->HasExpression() &&
+           input->GetState().source.empty();
+}
+
+bool ChannelControl::SetAttrsTagList(const TagList& tags)
+{
+    if (Inputs().empty()) {
+        creation_.Merge(tags);
+        ReadTags(creation_);
+    }
+    return InputControl::SetAttrsTagList(tags);
+}
+
+bool ChannelControl::SetAttrsTagList(Input* input, const TagList& tags)
+{
+    if (!InputControl::SetAttrsTagList(input, tags))
+        return false;
+    TagList all(creation_);
+    all.Merge(tags);
+    if (Inputs().empty() || input == Inputs().front())
+        ReadTags(all);
+    if (const int slot = SlotOf(*input); HasSlot(slot)) {
+        slots_[std::size_t(slot)].settings = SliderSettings(all);
+        for (const Edit& edit : edits_) {
+            if (edit.slot == slot)
+                ApplySettings(edit);
+        }
+    }
+    return true;
+}
+
+bool ChannelControl::AddInput(Input* input, TagList* tags)
+{
+    if (!input || input->GetDataType() != MxID(CLSID_DataType_Number) ||
+        !InputControl::AddInput(input, tags))
+        return false;
+    const int slot = SlotOf(*input);
+    if (!HasSlot(slot) || InputOf(slot))
+        return true; // neither shown nor written; of two in one place the first has it
+    slots_[std::size_t(slot)].input = input;
+    slots_[std::size_t(slot)].value = input->GetNumber(CurrentTime());
+    if (IsOpen())
+        Rebuild();
+    return true;
+}
+
+bool ChannelControl::RemoveInput(Input* input, TagList* tags)
+{
+    const int slot = SlotHolding(input);
+    if (slot >= 0) {
+        EndGesture();
+        slots_[std::size_t(slot)].input = nullptr;
+    }
+    const bool ours = InputControl::RemoveInput(input, tags);
+    if (slot >= 0 && IsOpen())
+        Rebuild();
+    return ours;
+}
+
+Input* ChannelControl::GetInputFrom(u64 identifier) const
+{
+    const ReadLock lock(InputsLock());
+    for (Input* input : Inputs()) {
+        if (SlotHolding(input) >= 0 && u64(input->GetAttr(IA_ControlIndex, -1)) == identifier)
+            return input;
+    }
+    return nullptr;
+}
+
+Input* ChannelControl::GetInputFrom(QWidget* widget, TagList* tags)
+{
+    for (QWidget* at = widget; at && at != this; at = at->parentWidget()) {
+        const auto found = std::find_if(edits_.begin(), edits_.end(),
+                                        [at](const Edit& edit) { return edit.edit == at; });
+        const int slot = found != edits_.end() ? found->slot : SlotAt(at);
+        if (Input* input = InputOf(slot))
+            return input;
+    }
+    return InputControl::GetInputFrom(widget, tags);
+}
+
+// Life cycle -------------------------------------------------------------------------------------
+
+bool ChannelControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
+{
+    if (!InputControl::Open(window, rect, tags))
+        return false;
+    for (Slot& slot : slots_) {
+        if (slot.input)
+            slot.value = slot.input->GetNumber(CurrentTime(), slot.value);
+    }
+    Build();
+    return true;
+}
+
+bool ChannelControl::Build()
+{
+    for (QWidget* child : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        child->hide(); // unless the layout has a place for it
+    if (!LoadLayout(LayoutName(), false, attachWidget, this))
+        return false; // the line that tells the fault has the place
+    Populate();
+    for (int slot = 0; slot < SlotCount(); ++slot) {
+        const char* name = InputOf(slot) ? ExpressionPlace(slot) : nullptr;
+        if (LayoutObj* place = name ? FindLayoutObj(name) : nullptr)
+            CreateExpressionEdit(int(IndexOf(slot)), place, nullptr);
+    }
+    Show();
+    return true;
+}
+
+void ChannelControl::Rebuild()
+{
+    if (!IsOpen())
+        return;
+    EndGesture();
+    Depopulate();
+    RemoveLayout();
+    if (Build()) {
+        for (Input* input : InputList(Inputs()))
+            ExpressionChanged(input, nullptr); // which opens the lines of those that have one
+    }
+    RecalcControlSize();
+    update();
+}
+
+void ChannelControl::Close(TagList* tags)
+{
+    for (const Edit& edit : std::vector<Edit>(edits_))
+        edit.edit->CancelDrag();
+    Depopulate();
+    InputControl::Close(tags);
+}
+
+// Values in --------------------------------------------------------------------------------------
+
+void ChannelControl::NotifyChanged(Input* input, Parameter* value, TagList* tags)
+{
+    const int slot = SlotHolding(input);
+    if (value && slot >= 0) {
+        Slot& held = slots_[std::size_t(slot)];
+        const double v = NumberOf(value, held.value);
+        if (HasValueChanged(held.settings.IsWhole(), v, held.value, held.settings.Tolerance()))
+            held.value = v;
+    }
+    InputControl::NotifyChanged(input, value, tags);
+}
+
+void ChannelControl::UpdateDisplay(Input* input, TagList* tags)
+{
+    if (!IsOpen() || IsWriting())
+        return;
+    if (Fault().isEmpty()) {
+        const int slot = SlotHolding(input);
+        if (slot >= 0)
+            ShowSlot(slot);
+        else
+            Show();
+    }
+    InputControl::UpdateDisplay(input, tags);
+}
+
+void ChannelControl::OnDisconnect(Input* input, TagList* tags)
+{
+    // What came through the connection stays, as a plain number.
+    if (const int slot = SlotHolding(input); slot >= 0)
+        input->SetValue(*AutoNumber(new Number(ValueOf(slot))), TimeNone, Input::ReplaceAll);
+    InputControl::OnDisconnect(input, tags);
+}
+
+// Edits ------------------------------------------------------------------------------------------
+
+void ChannelControl::AttachEdit(TimeCodeEdit& edit, int slot)
+{
+    auto found = std::find_if(edits_.begin(), edits_.end(),
+                              [&edit](const Edit& known) { return known.edit == &edit; });
+    if (found == edits_.end()) {
+        connect(&edit, SIGNAL(editingFinished()), this, SLOT(OnOK()));
+        connect(&edit, SIGNAL(valueChanged()), this, SLOT(ValueChanged()));
+        connect(&edit, &TimeCodeEdit::StartDrag, this, &ChannelControl::OnEditStartDrag);
+        connect(&edit, &TimeCodeEdit::EndDrag, this, &ChannelControl::OnEditEndDrag);
+        found = edits_.insert(found, {&edit, slot});
+    }
+    found->slot = slot;
+    ApplySettings(*found);
+}
+
+void ChannelControl::DetachEdit(TimeCodeEdit& edit)
+{
+    edit.disconnect(this);
+    std::erase_if(edits_, [&edit](const Edit& known) { return known.edit == &edit; });
+}
+
+void ChannelControl::ApplySettings(const Edit& edit)
+{
+    const Input* input = InputOf(edit.slot);
+    edit.edit->setEnabled(input != nullptr);
+    if (!input)
+        return;
+    const SliderSettings& settings = SettingsOf(edit.slot);
+    const double scale = ShownScale(edit.slot);
+    const auto scaled = [scale](double bound) {
+        return std::abs(bound) < SliderSettings::unbounded ? bound * scale : bound;
+    };
+    edit.edit->SetEditDisabled(settings.editDisabled || !input->IsChangeable());
+    edit.edit->SetInteger(settings.integer && scale == 1.0);
+    edit.edit->SetRange(scaled(settings.allowed.low), scaled(settings.allowed.high));
+    edit.edit->SetStep(settings.plainStep * scale);
+    edit.edit->SetShownDecimals(scale == 1.0 ? settings.shownDecimals : 2);
+    edit.edit->setFocusPolicy(TabStop() ? Qt::StrongFocus : Qt::ClickFocus);
+    if (edit.edit->accessibleName().isEmpty())
+        edit.edit->setAccessibleName(input->GetName());
+}
+
+void ChannelControl::ShowEdits()
+{
+    for (const Edit& edit : edits_)
+        ShowEdit(edit);
+}
+
+void ChannelControl::ShowEditsOf(int slot)
+{
+    for (const Edit& edit : edits_) {
+        if (edit.slot == slot)
+            ShowEdit(edit);
+    }
+}
+
+void ChannelControl::ShowEdit(const Edit& edit)
+{
+    const Input* input = InputOf(edit.slot);
+    if (!input)
+        return;
+    edit.edit->SetValue(ValueOf(edit.slot) * ShownScale(edit.slot),
+                        SettingsOf(edit.slot).precision);
+    QPalette colors = palette();
+    if (input->HasExpression())
+        colors.setColor(
+            QPalette::Text,
+            LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor());
+    if (edit.edit->palette().color(QPalette::Text) != colors.color(QPalette::Text))
+        edit.edit->setPalette(colors);
+}
+
+bool ChannelControl::TakeExpression(const Edit& edit)
+{
+    if (!InputOf(edit.slot) || !edit.edit->IsExpressionText())
+        return false;
+    const QString expression = edit.edit->ExpressionText();
+    const QString problem = ExpressionProblem(IndexOf(edit.slot), expression);
+    if (!problem.isEmpty())
+        edit.edit->MarkUnreadable(problem); // more likely a slip than an expression
+    else
+        SetExpressions(IndexOf(edit.slot), expression.toUtf8().data());
+    return true;
+}
+
+void ChannelControl::TakeNumbers()
+{
+    const auto alive = Ref<ChannelControl>::Share(this);
+    const bool gesture = UndoDepth() > 0;
+    const Writing writing(*this);
+    for (const Edit& edit : std::vector<Edit>(edits_)) {
+        if (!IsEditable(edit.slot) || edit.edit->IsUnreadable())
+            continue;
+        const SliderSettings& settings = SettingsOf(edit.slot);
+        const double typed = std::clamp(edit.edit->GetValue() / ShownScale(edit.slot),
+                                        settings.allowed.low, settings.allowed.high);
+        if (!HasValueChanged(settings.IsWhole(), typed, ValueOf(edit.slot), settings.Tolerance()))
+            continue;
+        StartTypedUndo(edit.slot);
+        Write(edit.slot, typed);
+    }
+    if (!gesture)
+        ResetUndo(nullptr);
+}
+
+void ChannelControl::StartTypedUndo(int slot)
+{
+    SetUndo(IndexOf(slot), nullptr);
+}
+
+void ChannelControl::OnOK()
+{
+    const auto alive = Ref<ChannelControl>::Share(this); // what follows may close the page
+    bool expressions = false;
+    for (const Edit& edit : std::vector<Edit>(edits_))
+        expressions = TakeExpression(edit) || expressions;
+    if (!expressions)
+        TakeNumbers();
+    if (IsOpen())
+        UpdateDisplay(nullptr, nullptr);
+    InputControl::OnOK();
+}
+
+void ChannelControl::ValueChanged()
+{
+    const auto alive = Ref<ChannelControl>::Share(this);
+    TakeNumbers();
+    if (IsOpen())
+        UpdateDisplay(nullptr, nullptr);
+}
+
+// Values out -------------------------------------------------------------------------------------
+
+bool ChannelControl::Write(int slot, double value)
+{
+    const SliderSettings& settings = SettingsOf(slot);
+    if (!InputOf(slot) ||
+        !HasValueChanged(settings.IsWhole(), value, ValueOf(slot), settings.Tolerance()))
+        return false;
+    return SetInputs(AutoNumber(new Number(value)).Get(), CurrentTime(), IndexOf(slot), false,
+                     nullptr);
+}
+
+} // namespace Marlox
