@@ -192,7 +192,14 @@ double ColorCurves::High(double brightness) const
 
 double ColorCurves::Mid(double brightness) const
 {
-    return std::max(0.0, 1.0 - Low(brightness) - High(brightness));
+    return At(brightness).mid;
+}
+
+ColorCurves::Shares ColorCurves::At(double brightness) const
+{
+    const double low = Low(brightness);
+    const double high = High(brightness);
+    return {low, std::max(0.0, 1.0 - low - high), high};
 }
 
 MxID ColorCurves::GetDataType() const

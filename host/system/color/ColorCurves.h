@@ -44,6 +44,13 @@ public:
     double Low(double brightness) const;
     double Mid(double brightness) const;
     double High(double brightness) const;
+    /// All three in one go.
+    struct Shares {
+        double low;
+        double mid;
+        double high;
+    };
+    Shares At(double brightness) const;
 
     // Parameter
     MxID GetDataType() const override;

@@ -203,7 +203,7 @@ void InputControl::contextMenuEvent(QContextMenuEvent* event)
     InputList inputs;
     GetInputsAt(inputs, event->x(), event->y(), nullptr);
     Menu entries;
-    BuildMenu(entries, inputs.empty() ? nullptr : inputs.front());
+    BuildMenu(entries, inputs.size() == 1 ? inputs.front() : nullptr);
     auto* menu = new QMenu(this);
     connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     entries.Fill(*menu);

@@ -162,6 +162,11 @@ std::unique_ptr<RenderJob> RenderJob::Take(const MarloxDoc& document, double tim
     return job;
 }
 
+std::string RenderJob::Key() const
+{
+    return steps_.empty() || !error_.isEmpty() ? std::string() : steps_.back().key;
+}
+
 /// Which steps must run: those behind the last one that the cache does not cut off. Results found
 /// are put into `images`.
 std::vector<bool> RenderJob::Plan(RenderCache* cache, Images& images)

@@ -37,6 +37,8 @@ public:
     /// results of earlier jobs from `cache` and into it. Once only.
     RenderResult Run(RenderCache* cache = nullptr);
     RenderContext& Context() { return context_; }
+    /// What the result is kept by in a cache; empty: it never is.
+    std::string Key() const;
     // For progress; thread-safe.
     QString CurrentToolName() const;
     double Progress() const; // 0 to 1, over all tools

@@ -3,6 +3,7 @@
 #include "system/document/MarloxDoc.h"
 #include "system/evaluation/ProxyChoice.h"
 #include "system/evaluation/RenderCache.h"
+#include "system/evaluation/SideRender.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -27,7 +28,7 @@ constexpr int restMs = 250; // a hand that holds still so long looks at the pict
 
 class Renderer::Private {
 public:
-    Private(Renderer& renderer, MarloxDoc& document) : renderer_(renderer), document_(document)
+    Private(Renderer& renderer, MarloxDoc& document) : document_(document), renderer_(renderer)
     {
         request_.setSingleShot(true);
         cancel_.setSingleShot(true);
@@ -83,10 +84,12 @@ public:
         return request_.isActive() || waiting_ || running_ || undelivered_ > 0;
     }
 
+    MarloxDoc& document_;
     Operator* viewed_ = nullptr;
     ProxyChoice proxy_;
     RenderResult last_;
     RenderCache cache_;
+    SideRender side_; // behind the cache that it writes to
 
 private:
     /// What a job's time tells something of.
@@ -103,7 +106,6 @@ private:
     void RenderLoop();
 
     Renderer& renderer_;
-    MarloxDoc& document_;
     QTimer request_; // gathers the requests of one turn of the event loop
     QTimer cancel_;  // ends the grace of the running render
     QTimer progress_;
@@ -317,6 +319,13 @@ bool Renderer::WaitUntilIdle(int timeout)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
+}
+
+Ref<Image> Renderer::ResultOf(const Operator& tool, int timeout)
+{
+    const MarloxDoc& document = d_->document_;
+    return d_->side_.ResultOf(RenderJob::Take(document, document.CurrentTime(), 1.0, &tool),
+                              d_->cache_, timeout);
 }
 
 void Renderer::SetCacheLimit(std::size_t bytes)

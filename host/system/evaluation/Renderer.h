@@ -43,6 +43,11 @@ public:
     /// Waits, running the event loop, until nothing is left to render; false after `timeout` ms.
     /// For scripts and tests; the interface never calls it.
     bool WaitUntilIdle(int timeout);
+    /// The output of a tool at full resolution for the present values and time, whatever is viewed:
+    /// for those who look at its pixels. As it was kept, or rendered beside the requests, which it
+    /// leaves alone; that is waited for, without running the event loop, for `timeout` ms at most.
+    /// Null after that, and on failure. What takes longer goes on meanwhile: ask again.
+    Ref<Image> ResultOf(const Operator& tool, int timeout);
     /// The memory for kept results (by default a quarter of the machine's, at most 2 GiB).
     void SetCacheLimit(std::size_t bytes);
     std::size_t CacheSize() const; // bytes

@@ -404,6 +404,53 @@ private slots:
         document_.reset();
     }
 
+    void singleResultsComeBesideRequests()
+    {
+        add(TestTools::gainClass, 3);
+        QVERIFY(idle());
+        QSignalSpy finished(&renderer(), &Renderer::Finished);
+        const auto valueOf = [this](const Operator* tool, int timeout) {
+            const Ref<Image> image = renderer().ResultOf(*tool, timeout);
+            return image ? image->Row(0)[0] : -1.0f;
+        };
+        work().runs = 0;
+        QCOMPARE(valueOf(gain_, 0), 1.0f); // kept
+        QCOMPARE(work().runs.load(), 0);
+        renderer().SetCacheLimit(0);
+        QCOMPARE(valueOf(gain_, 5000), 1.0f);
+        QCOMPARE(work().runs.load(), 1);
+
+        std::atomic<bool> go{false};
+        work().during = [&go](RenderContext& context) {
+            while (!go && !context.IsCancelled())
+                std::this_thread::sleep_for(1ms);
+        };
+        QCOMPARE(valueOf(gain_, 5), -1.0f);
+        QCOMPARE(valueOf(gain_, 5), -1.0f); // the same one goes on
+        go = true;
+        QCOMPARE(valueOf(gain_, 5000), 1.0f);
+        QCOMPARE(work().runs.load(), 2);
+        set(source_, "Width", 0);
+        QCOMPARE(valueOf(source_, 5000), -1.0f);
+        QVERIFY(idle());
+        set(source_, "Width", 64);
+
+        go = false; // what is requested goes on meanwhile
+        QTRY_COMPARE(work().runs.load(), 3);
+        QCOMPARE(valueOf(source_, 5000), 0.5f);
+        QCOMPARE(valueOf(gain_, 5), -1.0f);
+        QCOMPARE(valueOf(source_, 5000), 0.5f); // another one gives it up
+        QVERIFY(renderer().IsBusy());
+        finished.clear();
+        go = true;
+        QVERIFY(idle());
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(pixelOf(renderer().LastResult()), 3.0f);
+        go = false;
+        QCOMPARE(valueOf(gain_, 5), -1.0f);
+        document_.reset(); // ends it
+    }
+
     void viewedToolIsRendered()
     {
         renderer().SetViewedTool(source_);

@@ -214,6 +214,7 @@ struct Color {
 constexpr Color colors[] = {
     {"Controls.ColorRanges.BaseColour", {80, 80, 80, 255}},
     {"Controls.ColorRanges.HandleColour", {51, 153, 179, 255}},
+    {"Controls.ColorWheel.TextColour", {208, 208, 208, 255}},
     {"Controls.ExpressionColour", {230, 215, 135, 255}, {9, 9, 9, 255}},
     {"Controls.Gamma.BackgroundColour", {0, 0, 0, 255}},
     {"Controls.Gamma.CurveColour", {224, 224, 224, 255}},
@@ -236,6 +237,8 @@ constexpr Color colors[] = {
     {"Controls.Log.MinorGridColour", {54, 54, 54, 255}},
     {"Controls.Nest.TextColour", {208, 208, 208, 255}},
     {"Controls.Other.BorderColour", {9, 9, 9, 255}},
+    {"Controls.Other.DisabledTextColour", {110, 110, 110, 255}},
+    {"Controls.Other.FocusTextColour", {255, 255, 255, 255}},
     {"Controls.Other.TextColour", {220, 220, 220, 255}},
     {"Controls.Polyline.NextSkinColour", {110, 190, 240, 255}},
     {"Controls.Polyline.PrevSkinColour", {240, 120, 110, 255}},
