@@ -120,11 +120,42 @@ void addGrab(ScriptEngine& engine)
     });
 }
 
+/// Pixels of the viewer's widget. The third argument: so many pixels of the picture across and
+/// down, or the width and height of a rectangle of the widget.
+ColorSource::Footprint footprintOf(const ScriptCall& call)
+{
+    ColorSource::Footprint footprint{pixelAt(call)};
+    if (call.IsTable(3)) {
+        const ScriptVal extent = call.Table(3);
+        footprint.area =
+            QRect(footprint.at, QSize(int(extent.At(1).ToNumber()), int(extent.At(2).ToNumber())));
+        if (footprint.area.isEmpty())
+            throw ScriptError("sample: a rectangle is {width, height}");
+    } else {
+        footprint.size = call.Integer(3, 1);
+        if (footprint.size < 1 || footprint.size % 2 == 0)
+            throw ScriptError("sample: an odd number of pixels is expected, or {width, height}");
+    }
+    if (call.Has(4))
+        footprint.inputOf = &call.Object<Operator>(4);
+    return footprint;
+}
+
 void addViewer(ScriptEngine& engine)
 {
-    engine.AddClass<ViewerWidget>("Viewer").Method("color", [](ScriptCall& call) {
+    ScriptClass& viewer = engine.AddClass<ViewerWidget>("Viewer");
+    viewer.Method("color", [](ScriptCall& call) {
         const Ref<Image>& shown = call.Self<ViewerWidget>().ShownImage();
         call.Return(shown ? pixelOf(*shown, pixelAt(call)) : ScriptVal());
+    });
+    viewer.Method("sample", [](ScriptCall& call) {
+        ColorSource::Sample sample;
+        if (!call.Self<ViewerWidget>().SampleColor(footprintOf(call), sample))
+            return call.Return(ScriptVal());
+        const auto& [red, green, blue, alpha] = sample.rgba;
+        ScriptVal list = colorTable(red, green, blue);
+        list.Append(alpha);
+        call.Return(list);
     });
 }
 

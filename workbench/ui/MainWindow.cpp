@@ -13,6 +13,7 @@
 #include "workbench/ui/TimelinePanel.h"
 #include "workbench/ui/ToolPanel.h"
 #include "workbench/ui/ViewerPane.h"
+#include "workbench/viewer/ControlColors.h"
 #include "workbench/viewer/ViewerWidget.h"
 
 #include <QAbstractButton>
@@ -125,6 +126,7 @@ void MainWindow::BuildDocks()
     layout->addWidget(timeline_);
     setCentralWidget(middle);
     Adopt(*pane);
+    new ControlColors(pane->Viewer());
 
     const auto dock = [this](const QString& title, const char* name, QWidget* content,
                              Qt::DockWidgetArea area) {

@@ -1,15 +1,20 @@
 #include "workbench/ui/PreferencesDlg.h"
 
+#include "system/color/ColorPreferences.h"
 #include "system/document/MarloxDoc.h"
 #include "system/document/Preferences.h"
 #include "system/evaluation/Renderer.h"
 #include "system/widgets/TimeCodeEdit.h"
+
+#include <algorithm>
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
@@ -18,7 +23,7 @@ namespace Marlox {
 namespace {
 
 /// A number without idle zeros: 24, 23.976.
-class RateBox final : public QDoubleSpinBox {
+class PlainBox final : public QDoubleSpinBox {
 protected:
     QString textFromValue(double value) const override
     {
@@ -26,11 +31,25 @@ protected:
     }
 };
 
+constexpr int spacing = 16;
+
+/// Fields of several forms one below the other start at the same place.
+void alignFields(const QWidget& dialog)
+{
+    const QList<QLabel*> labels = dialog.findChildren<QLabel*>();
+    int widest = 0;
+    for (const QLabel* label : labels)
+        widest = std::max(widest, label->sizeHint().width());
+    for (QLabel* label : labels)
+        label->setMinimumWidth(widest);
+}
+
 } // namespace
 
 PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
-    : QDialog(parent), document_(document), frameRate_(new RateBox), timeDisplay_(new QComboBox),
-      proxy_(new QComboBox), autosave_(new QCheckBox), autosaveInterval_(new QSpinBox)
+    : QDialog(parent), document_(document), frameRate_(new PlainBox), timeDisplay_(new QComboBox),
+      proxy_(new QComboBox), autosave_(new QCheckBox), autosaveInterval_(new QSpinBox),
+      colorMode_(new QComboBox), gammaCorrect_(new QCheckBox), displayGamma_(new PlainBox)
 {
     setObjectName("preferences");
     setWindowTitle(tr("Preferences"));
@@ -72,10 +91,44 @@ PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDlg::OnOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 16, 16, 16);
-    layout->setSpacing(16);
+    layout->setContentsMargins(spacing, spacing, spacing, spacing);
+    layout->setSpacing(spacing);
     layout->addLayout(form);
+    layout->addWidget(MakeColorGroup());
     layout->addWidget(buttons);
+    ensurePolished(); // with the font that it has on the screen
+    alignFields(*this);
+}
+
+QGroupBox* PreferencesDlg::MakeColorGroup()
+{
+    const Preferences& preferences = MarloxDoc::GetPreferences();
+    colorMode_->setObjectName("colormode");
+    colorMode_->addItems({tr("0 to 1"), tr("0 to 255"), tr("0 to 65535")}); // in order of the modes
+    const int mode = preferences.Get(PREF_ColorMode).toInt();
+    colorMode_->setCurrentIndex(mode == 1 || mode == 2 ? mode : 0);
+    gammaCorrect_->setObjectName("gammacorrect");
+    gammaCorrect_->setText(tr("Colour dialog uses the display's gamma"));
+    gammaCorrect_->setToolTip(tr("The colour dialog shows light as this display does, and what is "
+                                 "chosen in it becomes light again."));
+    gammaCorrect_->setChecked(preferences.Get(PREF_GammaCorrectControls, false).toBool());
+    displayGamma_->setObjectName("displaygamma");
+    displayGamma_->setRange(0.1, 10.0);
+    displayGamma_->setSingleStep(0.1);
+    displayGamma_->setValue(
+        preferences.Get(PREF_GammaCorrectDisplayGamma, usualDisplayGamma).toDouble());
+    displayGamma_->setEnabled(gammaCorrect_->isChecked());
+    connect(gammaCorrect_, &QCheckBox::toggled, displayGamma_, &QWidget::setEnabled);
+
+    auto* group = new QGroupBox(tr("Colour"));
+    auto* form = new QFormLayout(group);
+    form->setContentsMargins(0, spacing / 2, 0, 0);
+    form->setSpacing(spacing);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->addRow(tr("Write components from"), colorMode_);
+    form->addRow(QString(), gammaCorrect_);
+    form->addRow(tr("Gamma of the display"), displayGamma_);
+    return group;
 }
 
 void PreferencesDlg::OnOK()
@@ -85,6 +138,9 @@ void PreferencesDlg::OnOK()
     preferences.Set(PreferenceNames::ProxyDivisor, proxy_->currentData());
     preferences.Set(PreferenceNames::AutosaveOn, autosave_->isChecked());
     preferences.Set(PreferenceNames::AutosaveInterval, autosaveInterval_->value());
+    preferences.Set(PREF_ColorMode, colorMode_->currentIndex());
+    preferences.Set(PREF_GammaCorrectControls, gammaCorrect_->isChecked());
+    preferences.Set(PREF_GammaCorrectDisplayGamma, displayGamma_->value());
     if (frameRate_->value() != document_.FrameRate())
         document_.SetFrameRate(frameRate_->value());
     ApplyPreferences(document_);

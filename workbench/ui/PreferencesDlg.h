@@ -5,6 +5,7 @@
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
+class QGroupBox;
 class QSpinBox;
 
 namespace Marlox {
@@ -21,12 +22,17 @@ private slots:
     void OnOK();
 
 private:
+    QGroupBox* MakeColorGroup();
+
     MarloxDoc& document_;
     QDoubleSpinBox* frameRate_;
     QComboBox* timeDisplay_;
     QComboBox* proxy_;
     QCheckBox* autosave_;
     QSpinBox* autosaveInterval_;
+    QComboBox* colorMode_;
+    QCheckBox* gammaCorrect_;
+    QDoubleSpinBox* displayGamma_;
 };
 
 /// Names of preferences that several places read.

@@ -60,14 +60,40 @@ unsigned char byteOf(float value)
     return value >= 1.0f ? 255 : static_cast<unsigned char>(value * 255.0f + 0.5f);
 }
 
-/// A row's values times `exposure`, within +-`most`; what is no number becomes 0.
-void finiteRow(const float* from, int width, float exposure, float most, std::vector<float>& row)
+/// Values times `exposure`, within +-`most`; what is no number becomes 0.
+void makeFinite(const float* from, std::size_t count, float exposure, float most, float* to)
 {
-    row.resize(std::size_t(width) * 4);
-    std::transform(from, from + std::ptrdiff_t(width) * 4, row.begin(), [=](float value) {
+    std::transform(from, from + count, to, [=](float value) {
         return value == value ? std::clamp(value * exposure, -most, most) : 0.0f;
     });
 }
+
+void finiteRow(const float* from, int width, float exposure, float most, std::vector<float>& row)
+{
+    row.resize(std::size_t(width) * 4);
+    makeFinite(from, row.size(), exposure, most, row.data());
+}
+
+class ViewedColors final : public ColorDisplay {
+public:
+    ViewedColors(ocio::ConstCPUProcessorRcPtr processor, double exposure)
+        : processor_(std::move(processor)), exposure_(float(std::exp2(exposure)))
+    {
+    }
+    void Apply(float* rgb, int count) const override
+    {
+        makeFinite(rgb, std::size_t(count) * 3, exposure_, brightest, rgb);
+        ocio::PackedImageDesc strip(rgb, count, 1, 3);
+        processor_->apply(strip);
+    }
+
+private:
+    ocio::ConstCPUProcessorRcPtr processor_;
+    float exposure_; // factor of the light
+};
+
+/// What a processor is for: pictures, proxies of them (from half floats to bytes), or colours.
+enum class Use { Pictures, Proxies, Colors };
 
 /// How rows are converted.
 struct Conversion {
@@ -119,21 +145,22 @@ void quickRow(const Conversion& how, const float* from, int width, std::vector<f
 struct DisplayTransform::Config {
     explicit Config(ocio::ConstConfigRcPtr loaded) : colors(std::move(loaded)) {}
 
-    /// For light that has its exposure. `quick`: from half floats to bytes, else from floats to
-    /// floats.
-    ocio::ConstCPUProcessorRcPtr Processor(DisplaySettings settings, bool quick) const
+    /// For light that has its exposure.
+    ocio::ConstCPUProcessorRcPtr Processor(DisplaySettings settings, Use use) const
     {
         const std::scoped_lock lock(mutex);
+        Made& last = made[std::size_t(use)];
         settings.exposure = 0.0;
-        if (last && lastSettings == settings && lastQuick == quick)
-            return last;
-        const ocio::ConstProcessorRcPtr made = Make(settings);
-        last = quick ? made->getOptimizedCPUProcessor(ocio::BIT_DEPTH_F16, ocio::BIT_DEPTH_UINT8,
+        if (last.processor && last.settings == settings)
+            return last.processor;
+        const ocio::ConstProcessorRcPtr processor = Make(settings);
+        last.processor =
+            use == Use::Proxies
+                ? processor->getOptimizedCPUProcessor(ocio::BIT_DEPTH_F16, ocio::BIT_DEPTH_UINT8,
                                                       ocio::OPTIMIZATION_DEFAULT)
-                     : made->getDefaultCPUProcessor();
-        lastSettings = settings;
-        lastQuick = quick;
-        return last;
+                : processor->getDefaultCPUProcessor();
+        last.settings = settings;
+        return last.processor;
     }
 
     ocio::ConstProcessorRcPtr Make(const DisplaySettings& settings) const
@@ -157,11 +184,13 @@ struct DisplayTransform::Config {
         return pipeline->getProcessor(colors);
     }
 
+    struct Made {
+        ocio::ConstCPUProcessorRcPtr processor;
+        DisplaySettings settings;
+    };
     ocio::ConstConfigRcPtr colors;
     mutable std::mutex mutex;
-    mutable ocio::ConstCPUProcessorRcPtr last; // making one takes longer than a small picture
-    mutable DisplaySettings lastSettings;
-    mutable bool lastQuick = false;
+    mutable std::array<Made, 3> made; // by use; making one takes longer than a small picture
 };
 
 DisplayTransform::DisplayTransform() : DisplayTransform(QString::fromLocal8Bit(qgetenv("OCIO"))) {}
@@ -229,7 +258,7 @@ QImage DisplayTransform::Apply(const Image& image, const DisplaySettings& settin
         const auto convert = isQuick ? quickRow : colorRow;
         Conversion how;
         if (!isAlpha)
-            how.processor = config_->Processor(settings, isQuick);
+            how.processor = config_->Processor(settings, isQuick ? Use::Proxies : Use::Pictures);
         how.keepAlpha = settings.channels == ChannelView::Color;
         how.exposure = float(std::exp2(settings.exposure));
         unsigned char* bits = picture.bits(); // detached once, before the threads
@@ -254,6 +283,17 @@ QImage DisplayTransform::Apply(const Image& image, const DisplaySettings& settin
             *error = QString("The picture cannot be shown: %1")
                          .arg(QString::fromUtf8(fault.what()).simplified());
         return {};
+    }
+}
+
+std::shared_ptr<const ColorDisplay> DisplayTransform::Colors(const DisplaySettings& settings) const
+{
+    DisplaySettings all = settings;
+    all.channels = ChannelView::Color;
+    try {
+        return std::make_shared<ViewedColors>(config_->Processor(all, Use::Colors), all.exposure);
+    } catch (const std::exception&) {
+        return nullptr;
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/color/DisplayColors.h"
 #include "system/values/Image.h"
 
 #include <atomic>
@@ -46,6 +47,10 @@ public:
     /// cores; null when `cancelled` becomes true, or on an error, which `error` tells.
     QImage Apply(const Image& image, const DisplaySettings& settings,
                  const std::atomic<bool>* cancelled = nullptr, QString* error = nullptr) const;
+
+    /// Single colours shown as in the picture; all of them, whatever channels `settings` ask for.
+    /// Null on an error, which Apply tells.
+    std::shared_ptr<const ColorDisplay> Colors(const DisplaySettings& settings) const;
 
 private:
     struct Config;

@@ -236,6 +236,25 @@ void ViewerPainter::PaintAnew(const Frame& frame)
     }
 }
 
+void ViewerPainter::PaintFootprint(const QRectF& pixels, const QSize& size, const QColor& color,
+                                   double devicePixelRatio)
+{
+    setUpView(size);
+    const double line = std::max(1.0, std::round(devicePixelRatio));
+    const double least = 5.0 * line;
+    QRectF around(QPointF(std::round(pixels.left()), std::round(pixels.top())),
+                  QPointF(std::round(pixels.right()), std::round(pixels.bottom())));
+    const QPointF room(std::max(0.0, std::ceil((least - around.width()) / 2.0)),
+                       std::max(0.0, std::ceil((least - around.height()) / 2.0)));
+    around.adjust(-room.x(), -room.y(), room.x(), room.y());
+    const QColor casing(16, 16, 16);
+    for (const QColor& ring : {casing, color, casing}) {
+        setColor(ring);
+        drawFrame(around, line);
+        around.adjust(-line, -line, line, line);
+    }
+}
+
 /// View pixels for each of the picture's in height: a proxy's are larger than the image's.
 double ViewerPainter::Magnification(const ViewTransform& view) const
 {

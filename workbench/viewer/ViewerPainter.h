@@ -46,6 +46,10 @@ public:
     /// Covers the view, `size` in device pixels, and leaves it as the viewport, a unit for a device
     /// pixel, y down.
     void Paint(const ViewTransform& view, const QSize& size, const Look& look);
+    /// A frame around pixels of the picture that any picture shows, in device pixels of the view.
+    /// It covers none of the pixels; around very small ones it leaves some room.
+    static void PaintFootprint(const QRectF& pixels, const QSize& size, const QColor& color,
+                               double devicePixelRatio);
 
 private:
     struct Tile {

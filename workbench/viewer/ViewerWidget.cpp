@@ -119,6 +119,8 @@ void ViewerWidget::DropImage()
     SetMessage({});
     wanted_ = nullptr;
     converter_.Cancel();
+    if (held_)
+        held_.emplace();
     overlays_.EndDrag(); // its values are measured by the picture
     overlays_.KeyUpAll();
     overlays_.Leave();
@@ -314,6 +316,7 @@ void ViewerWidget::paintGL()
         DrawOverlays();
     else if (document_.Tools().empty())
         PaintHint();
+    DrawFootprint();
     if (focusByKeys_ && !overlays_.Focus())
         PaintFocus();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/color/ColorSource.h"
 #include "system/evaluation/Renderer.h"
 #include "system/viewer/OverlayStage.h"
 #include "workbench/viewer/DisplayConverter.h"
@@ -7,6 +8,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include <QColor>
@@ -43,7 +45,10 @@ struct Probe {
 /// is left alone. A second click at the same place goes on to the one below, Tab from one to the
 /// next. The one that has the focus gets the keys first, arrow keys nudge it; Escape gives up a
 /// drag. The right button opens the menu of what is under it.
-class ViewerWidget : public QOpenGLWidget {
+///
+/// Colours are picked from the image's floats, also where channels, exposure and display show it
+/// otherwise. What flows into a tool is sampled at the same place of its own picture.
+class ViewerWidget : public QOpenGLWidget, public ColorSource {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
     Q_PROPERTY(double exposure READ Exposure WRITE SetExposure NOTIFY SettingsChanged)
@@ -91,6 +96,11 @@ public:
     QSize sizeHint() const override { return {960, 540}; }
     /// What the viewer shows, pixel by pixel at the screen's ratio, with the bars over it.
     QImage Screenshot();
+
+    // ColorSource
+    bool SampleColor(const Footprint& footprint, Sample& sample) override;
+    void ShowFootprint(const Footprint* footprint) override;
+    void HoldPicture(bool held) override;
 
 signals:
     void ViewChanged();     // zoom or position
@@ -140,6 +150,8 @@ private:
     void PlaceBars();
     void ReleasePainter();
     void DrawOverlays();
+    void DrawFootprint();
+    Ref<Image> PictureToSample(const Operator* inputOf);
     QPointF ToDevice(QPointF position) const { return position * devicePixelRatioF(); }
 
     MarloxDoc& document_;
@@ -164,6 +176,14 @@ private:
     QPointF pointer_{-1.0, -1.0};
     TagList pen_{{PVD_Pressure, 1.0}}; // of the mouse event that comes next
     QPointer<QMenu> menu_;             // while it is open
+    std::optional<Footprint> footprint_;
+    /// What is sampled while the picture is held; null: was not asked for yet.
+    struct Held {
+        Ref<Image> shown;
+        const Operator* tool = nullptr; // whose input it is
+        Ref<Image> input;
+    };
+    std::optional<Held> held_;
 };
 
 /// Full-resolution display window of an image, which may be a proxy of an image shown before with

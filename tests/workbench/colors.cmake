@@ -1,0 +1,9 @@
+marlox_test(workbench-colors SOURCES ColorsTest.cpp ToolBench.h TestPictures.h LIBS workbench-core)
+
+# Picks by mouse and keys, on a usual and on a dense screen.
+foreach(scale 1 2)
+    set(name workbench-picks-${scale}x)
+    marlox_script_test(${name} ${CMAKE_CURRENT_SOURCE_DIR}/scripting/picks.lua
+        ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${CMAKE_BINARY_DIR}/samples/dusk.marlox)
+    marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
+endforeach()
