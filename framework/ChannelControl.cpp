@@ -26,8 +26,8 @@ void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
 } // namespace
 
 ChannelControl::ChannelControl(const Registry* record, const ScriptVal& creator,
-                               const TagList& attributes, int slots)
-    : InputControl(record, creator, attributes), slots_(std::size_t(slots))
+                               const TagList& attributes, int count)
+    : InputControl(record, creator, attributes), slots_(std::size_t(count))
 {
     creation_.Merge(attributes);
 }
@@ -135,16 +135,34 @@ Input* ChannelControl::GetInputFrom(u64 identifier) const
     return nullptr;
 }
 
+int ChannelControl::SlotUnder(const QWidget* widget) const
+{
+    for (; widget && widget != this; widget = widget->parentWidget()) {
+        const auto found = std::find_if(edits_.begin(), edits_.end(),
+                                        [widget](const Edit& edit) { return edit.edit == widget; });
+        const int slot = found != edits_.end() ? found->slot : SlotAt(widget);
+        if (InputOf(slot))
+            return slot;
+    }
+    return -1;
+}
+
 Input* ChannelControl::GetInputFrom(QWidget* widget, TagList* tags)
 {
-    for (QWidget* at = widget; at && at != this; at = at->parentWidget()) {
-        const auto found = std::find_if(edits_.begin(), edits_.end(),
-                                        [at](const Edit& edit) { return edit.edit == at; });
-        const int slot = found != edits_.end() ? found->slot : SlotAt(at);
-        if (Input* input = InputOf(slot))
-            return input;
+    Input* input = InputOf(SlotUnder(widget));
+    return input ? input : InputControl::GetInputFrom(widget, tags);
+}
+
+void ChannelControl::GetInputsAt(InputList& out, int x, int y, TagList*)
+{
+    if (Input* input = InputOf(SlotUnder(childAt(x, y)))) {
+        out.push_back(input);
+        return;
     }
-    return InputControl::GetInputFrom(widget, tags);
+    for (const Slot& slot : slots_) {
+        if (slot.input)
+            out.push_back(slot.input);
+    }
 }
 
 // Life cycle -------------------------------------------------------------------------------------

@@ -40,6 +40,8 @@ public:
     void UpdateDisplay(Input* input, TagList* tags) override;
     using InputControl::OnDisconnect;
     void OnDisconnect(Input* input, TagList* tags) override;
+    /// The input that is edited there, or all of them where none is by itself.
+    void GetInputsAt(InputList& out, int x, int y, TagList* tags) override;
     Input* GetInputFrom(QWidget* widget, TagList* tags) override;
     /// The input with a slot whose IA_ControlIndex this is; null: none.
     Input* GetInputFrom(u64 identifier) const;
@@ -51,9 +53,9 @@ public slots:
     virtual void ValueChanged();
 
 protected:
-    /// `slots`: how many there are.
+    /// `count`: of slots.
     ChannelControl(const Registry* record, const ScriptVal& creator, const TagList& attributes,
-                   int slots);
+                   int count);
 
     virtual int SlotOf(const Input& input) const = 0; // outside the slots: it has none
     virtual const char* LayoutName() const = 0;
@@ -118,6 +120,7 @@ private:
     };
     bool HasSlot(int slot) const { return slot >= 0 && slot < SlotCount(); }
     int SlotHolding(const Input* input) const;
+    int SlotUnder(const QWidget* widget) const;
     bool Build();
     void ApplySettings(const Edit& edit);
     void ShowEdit(const Edit& edit);

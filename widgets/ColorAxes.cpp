@@ -127,8 +127,10 @@ public:
         const Extent extent(rgb);
         ColorRecord record = previous;
         record.value = 0.5 * (extent.most + extent.least);
-        const double widest = WidestSpread(record.value);
         const bool grey = extent.Spread() == 0.0;
+        if (!grey && record.value == 1.0)
+            record.value = std::nextafter(1.0, 2.0); // at 1 itself there is white only
+        const double widest = WidestSpread(record.value);
         if (widest != 0.0 && !(grey && IsEnd(record.value)))
             record.saturation = grey ? 0.0 : extent.Spread() / widest;
         record.hue =
@@ -155,7 +157,7 @@ private:
     /// hexcone has none, it goes on as it does up to the middle.
     static double WidestSpread(double lightness)
     {
-        return lightness > 0.5 && lightness < 1.0 ? 2.0 - 2.0 * lightness : 2.0 * lightness;
+        return lightness > 0.5 && lightness <= 1.0 ? 2.0 - 2.0 * lightness : 2.0 * lightness;
     }
     /// Black and white: any saturation is theirs.
     static bool IsEnd(double lightness) { return lightness == 0.0 || lightness == 1.0; }

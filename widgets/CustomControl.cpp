@@ -97,7 +97,7 @@ void CustomControl::LoseGesture()
 
 void CustomControl::OpenUndo(const char* text)
 {
-    changes_ = true;
+    MarkChanged();
     if (owner_ && inGesture_)
         owner_->StartUndo(text);
 }

@@ -85,6 +85,8 @@ protected:
     virtual void LoseGesture();
     /// The gesture makes a change: opens its undo entry, unless it is open.
     void OpenUndo(const char* text);
+    /// The same where it is the owner that opens the entry, with its first write.
+    void MarkChanged() { changes_ = true; }
 
     // Drags. Pixels of the widget.
     /// What is at the place of a press becomes the one that is dragged; false: there is nothing.
@@ -103,6 +105,8 @@ protected:
     /// Keys: moves the active part: x to the right and y upwards, -1 to 1; level 0 fine, 1 plain, 2
     /// coarse.
     virtual void Nudge(int, QPoint, int) {}
+    /// Whether it is a key of the parts or of the drag that is going on.
+    bool IsOwnKey(const QKeyEvent& event) const;
     /// The ring that tells the keyboard focus, just inside `around`, one crisp line wide.
     void PaintFocusRing(QPainter& painter, const QRectF& around, double radius = 2.0) const;
 
@@ -125,7 +129,6 @@ protected:
 
 private:
     bool EndsGesture(const QEvent& event) const;
-    bool IsOwnKey(const QKeyEvent& event) const;
     void Press(QPoint at, Qt::KeyboardModifiers modifiers);
     void EndDrag();
     void StopProxy(bool render);

@@ -1,18 +1,514 @@
 #include "controls/color/ColorControl.h"
 
+#include "controls/color/ColorChannelRow.h"
+#include "controls/color/PickButton.h"
+#include "controls/color/SampleButton.h"
+#include "framework/ControlClass.h"
+#include "framework/SliderParts.h"
+#include "system/color/ColorPreferences.h"
+#include "system/controls/ControlWnd.h"
+#include "system/document/Preferences.h"
+#include "system/widgets/CustomButton.h"
+#include "system/widgets/ElideLabel.h"
+#include "system/widgets/TimeCodeEdit.h"
+#include "widgets/CustomColorField.h"
+#include "widgets/CustomSlider.h"
+#include "widgets/CustomSwatch.h"
+
+#include <utility>
+
 namespace Marlox {
+
+namespace {
+
+constexpr char collapsedLayout[] = "Controls.Color.Layout.Collapsed";
+constexpr char expandedLayout[] = "Controls.Color.Layout.Expanded";
+
+constexpr int axisPrecision = 9; // decimals of the field's numbers
+constexpr int axisDecimals = 4;  // of which so many are drawn
+constexpr double axisStep = 0.01;
+
+const char* const colorSpaces[] = {"HSV", "HLS", "YUV", nullptr};
+const TagEnumeration colorSpace{"ColorSpace", colorSpaces};
+
+constexpr struct {
+    const char* normal;
+    const char* highlighted;
+} arrows[] = {{"Controls.Color.Arrow.1.1", "Controls.Color.Arrow.1.2"},
+              {"Controls.Color.Arrow.2.1", "Controls.Color.Arrow.2.2"}}; // closed, open
+
+/// Its first characters that all names share, up to the end of a word.
+QString commonBeginning(const QStringList& names)
+{
+    QString common = names.value(0);
+    for (const QString& name : names) {
+        while (!name.startsWith(common))
+            common.chop(1);
+    }
+    const bool whole = std::all_of(names.begin(), names.end(), [&common](const QString& name) {
+        return name.size() == common.size() || name.at(common.size()).isSpace();
+    });
+    if (!whole)
+        common.truncate(common.lastIndexOf(QLatin1Char(' ')) + 1);
+    return common.trimmed();
+}
+
+} // namespace
+
+ColorControl::ColorControl(const Registry* record, const ScriptVal& creator,
+                           const TagList& attributes)
+    : ChannelControl(record, creator, attributes, ColorChannels::count),
+      expand_(new CustomButton(this)), label_(new ElideLabel(this)), reset_(new CustomButton(this)),
+      sampled_(new ElideLabel(this))
+{
+    setAcceptDrops(true);
+    expand_->setObjectName(QStringLiteral("buttonexpand"));
+    label_->setObjectName(QStringLiteral("label"));
+    reset_->setObjectName(QStringLiteral("reset"));
+    reset_->SetBitmaps("Icons.System.Reset");
+    reset_->setToolTip(tr("Set all components back to their defaults"));
+    sampled_->setObjectName(QStringLiteral("Sample"));
+    label_->setFocusProxy(expand_);
+    connect(expand_, SIGNAL(clicked()), this, SLOT(OnExpand()));
+    connect(reset_, &CustomButton::clicked, this, [this] { ButtonPressed(ColorChannels::count); });
+    connect(&Preferences::Global(), &Preferences::Changed, this, &ColorControl::OnPreference);
+    ReadTags(CreationTags());
+    MakeParts();
+}
+
+ColorControl::~ColorControl()
+{
+    if (field_)
+        field_->SetOwner(nullptr);
+    for (const ColorChannelRow* row : rows_)
+        row->Slider().SetOwner(nullptr);
+    for (const FieldEdit& axis : {hue_, saturation_, value_}) {
+        if (axis.edit)
+            axis.edit->disconnect(this);
+    }
+}
 
 std::size_t ColorControl::SizeOf() const
 {
     return sizeof(*this);
 }
 
+// Attributes -------------------------------------------------------------------------------------
+
+bool ColorControl::CopyAttr(u64 tag, void* out)
+{
+    const auto number = [out](int64 value) {
+        *static_cast<int64*>(out) = value;
+        return true;
+    };
+    switch (tag) {
+    case CLRC_ColorSpace:
+        return number(parts_.colorSpace);
+    case CLRC_ShowWheel:
+        return number(expanded_);
+    case CLRC_NoPick:
+        return number(!parts_.pick);
+    case CLRC_NoSwatch:
+        return number(!parts_.swatch);
+    case CLRC_NoWheel:
+        return number(!parts_.field);
+    case CLRC_NoSliders:
+        return number(!parts_.sliders);
+    default:
+        return ChannelControl::CopyAttr(tag, out);
+    }
+}
+
+void ColorControl::ReadTags(const TagList& tags)
+{
+    const int64 space = tags.GetLong(CLRC_ColorSpace);
+    parts_ = {space >= 0 && space < 3 ? int(space) : 0, !tags.GetBool(CLRC_NoPick),
+              !tags.GetBool(CLRC_NoSwatch), !tags.GetBool(CLRC_NoWheel),
+              !tags.GetBool(CLRC_NoSliders)};
+    const bool show = tags.GetBool(CLRC_ShowWheel);
+    if (std::exchange(expandedByTag_, show) != show)
+        expanded_ = show; // else it stays as the user has it
+}
+
+bool ColorControl::SetAttrsTagList(Input* input, const TagList& tags)
+{
+    const auto before = std::pair(parts_, expanded_);
+    if (!ChannelControl::SetAttrsTagList(input, tags))
+        return false;
+    if (before != std::pair(parts_, expanded_)) {
+        MakeParts();
+        Rebuild();
+    }
+    for (ColorChannelRow* row : rows_) {
+        if (InputOf(row->Channel()) == input)
+            row->Apply(SettingsOf(row->Channel()), *input);
+    }
+    return true;
+}
+
+int ColorControl::SlotOf(const Input& input) const
+{
+    return int(input.GetAttr(IA_Channel, input.GetAttr(IA_ControlIndex, 0)));
+}
+
+QString ColorControl::SpaceName(int space)
+{
+    return QLatin1String(colorSpaces[space]);
+}
+
+QString ColorControl::Label() const
+{
+    QStringList names;
+    for (const Input* input : Inputs())
+        names += input->GetName();
+    const QString common = commonBeginning(names);
+    return common.isEmpty() ? tr("Colour") : common;
+}
+
+// Parts ------------------------------------------------------------------------------------------
+
+void ColorControl::MakeParts()
+{
+    if (parts_.swatch && !swatch_) {
+        swatch_ = new CustomSwatch(this);
+        swatch_->setObjectName(QStringLiteral("swatch"));
+        connect(swatch_, SIGNAL(clicked()), this, SLOT(OnColorSwatch()));
+        connect(swatch_, &CustomSwatch::dragAway, this, &ColorControl::OnDragAway);
+    }
+    if (parts_.pick && !pick_) {
+        pick_ = new CCPickButton(this);
+        pick_->setObjectName(QStringLiteral("buttonpick"));
+        sample_ = new SampleButton(this);
+        sample_->setObjectName(QStringLiteral("buttonsample"));
+        ConnectPick();
+    }
+    const auto remove = [](auto*& part) {
+        delete part;
+        part = nullptr;
+    };
+    if (!parts_.swatch)
+        remove(swatch_);
+    if (!parts_.pick) {
+        remove(pick_);
+        remove(sample_);
+    }
+    record_ = ColorAxes::Of(parts_.colorSpace).FromRgb(Color(), record_);
+    if (expanded_ && parts_.field)
+        MakeField();
+}
+
+ColorControl::FieldEdit ColorControl::MakeFieldEdit(const char* label, const char* edit)
+{
+    const FieldEdit made{new ElideLabel(this), new TimeCodeEdit(this)};
+    made.label->setObjectName(QLatin1String(label));
+    made.label->setFocusProxy(made.edit);
+    made.edit->setObjectName(QLatin1String(edit));
+    made.edit->SetStep(axisStep);
+    made.edit->SetShownDecimals(axisDecimals);
+    connect(made.edit, SIGNAL(valueChanged()), this, SLOT(ValueChanged()));
+    connect(made.edit, &TimeCodeEdit::StartDrag, this, &ColorControl::OnEditStartDrag);
+    connect(made.edit, &TimeCodeEdit::EndDrag, this, &ColorControl::OnEditEndDrag);
+    connect(made.edit, &TimeCodeEdit::editingFinished, this, [made] {
+        if (made.edit->IsExpressionText())
+            made.edit->MarkUnreadable(tr("Expressions stand in the components, not here."));
+    });
+    return made;
+}
+
+void ColorControl::MakeField()
+{
+    if (!field_) {
+        field_ = new CustomColorField(this);
+        field_->setObjectName(QStringLiteral("field"));
+        connect(field_, SIGNAL(dragSatVal()), this, SLOT(OnField()));
+        connect(field_, SIGNAL(dragHue()), this, SLOT(OnField()));
+        connect(field_, SIGNAL(dragAlpha()), this, SLOT(OnFieldAlpha()));
+        hue_ = MakeFieldEdit("huelabel", "edithue");
+        saturation_ = MakeFieldEdit("saturationlabel", "editsaturation");
+        value_ = MakeFieldEdit("valuelabel", "editvalue");
+    }
+    LabelAxes();
+}
+
+void ColorControl::LabelAxes()
+{
+    const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
+    const auto name = [this](const FieldEdit& axis, const ColorAxes::Axis& meaning) {
+        axis.label->SetText(tr(meaning.label));
+        axis.edit->setAccessibleName(Label() + QLatin1Char(' ') + tr(meaning.label));
+    };
+    name(hue_, axes.HueAxis());
+    name(saturation_, axes.SaturationAxis());
+    name(value_, axes.ValueAxis());
+    field_->SetColorSpace(parts_.colorSpace);
+    field_->setAccessibleName(Label());
+}
+
+bool ColorControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
+{
+    MakeParts();
+    return ChannelControl::Open(window, rect, tags);
+}
+
+void ColorControl::Close(TagList* tags)
+{
+    if (field_)
+        field_->SetOwner(nullptr); // ends a gesture
+    if (pick_)
+        pick_->Cancel();
+    ChannelControl::Close(tags);
+}
+
+const char* ColorControl::LayoutName() const
+{
+    return expanded_ && parts_.field ? expandedLayout : collapsedLayout;
+}
+
+const char* ColorControl::ExpressionPlace(int) const
+{
+    return "expressioncolor";
+}
+
+void ColorControl::Populate()
+{
+    const bool shown = IsFieldShown();
+    for (const FieldEdit& axis : {hue_, saturation_, value_}) {
+        if (axis.edit && !shown) {
+            axis.label->hide();
+            axis.edit->hide();
+        }
+    }
+    if (field_) {
+        field_->setVisible(shown);
+        field_->SetOwner(this);
+    }
+    expand_->setVisible(parts_.field && HasColor());
+    const auto& arrow = arrows[expanded_ ? 1 : 0];
+    expand_->SetBitmaps(arrow.normal, arrow.highlighted);
+    expand_->setToolTip(expanded_ ? tr("Hide the colour field") : tr("Show the colour field"));
+    expand_->setAccessibleName(expand_->toolTip());
+    label_->SetText(Label());
+    label_->setVisible(Inputs().empty() || !Inputs().front()->GetAttrB(IC_NoLabel));
+    sampled_->setVisible(!sampled_->Text().isEmpty() && shown);
+    if (swatch_) {
+        swatch_->setVisible(HasColor());
+        swatch_->setAccessibleName(Label());
+    }
+    for (QWidget* part : std::initializer_list<QWidget*>{pick_, sample_}) {
+        if (part)
+            part->setVisible(HasColor());
+    }
+    PopulateRows();
+}
+
+// Values in --------------------------------------------------------------------------------------
+
+bool ColorControl::HasColor() const
+{
+    return InputOf(ColorChannels::red) || InputOf(ColorChannels::green) ||
+           InputOf(ColorChannels::blue);
+}
+
+bool ColorControl::IsFieldShown() const
+{
+    return expanded_ && parts_.field && HasColor();
+}
+
+bool ColorControl::IsColorEditable() const
+{
+    return IsEditable(ColorChannels::red) || IsEditable(ColorChannels::green) ||
+           IsEditable(ColorChannels::blue);
+}
+
+RgbColor ColorControl::Color() const
+{
+    const auto component = [this](int channel) {
+        return InputOf(channel) ? ValueOf(channel) : 0.0;
+    };
+    return {component(ColorChannels::red), component(ColorChannels::green),
+            component(ColorChannels::blue)};
+}
+
+std::optional<double> ColorControl::Alpha() const
+{
+    return InputOf(ColorChannels::alpha) ? std::optional(ValueOf(ColorChannels::alpha))
+                                         : std::nullopt;
+}
+
+double ColorControl::ShownScale(int channel) const
+{
+    if (!ColorChannels::IsColor(channel))
+        return 1.0;
+    switch (Preferences::Global().Get(PREF_ColorMode, 0).toInt()) {
+    case 1:
+        return 255.0;
+    case 2:
+        return 65535.0;
+    default:
+        return 1.0;
+    }
+}
+
+void ColorControl::OnPreference(const QString& name)
+{
+    if (name != QLatin1String(PREF_ColorMode))
+        return;
+    for (const ColorChannelRow* row : rows_)
+        AttachEdit(row->Edit(), row->Channel()); // with other limits
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void ColorControl::Show()
+{
+    ShowEdits();
+    for (const ColorChannelRow* row : rows_)
+        ShowRow(*row);
+    ShowColor();
+}
+
+void ColorControl::ShowSlot(int channel)
+{
+    ShowEditsOf(channel);
+    for (const ColorChannelRow* row : rows_) {
+        if (row->Channel() == channel)
+            ShowRow(*row);
+    }
+    if (channel <= ColorChannels::alpha)
+        ShowColor();
+}
+
+void ColorControl::ShowColor()
+{
+    if (swatch_)
+        swatch_->SetColor(Color(), Alpha());
+    ShowRecord();
+}
+
+/// Whether it is the shown colour: then its hue and saturation, which a grey has none of, stay.
+bool ColorControl::Describes(const ColorRecord& record) const
+{
+    const RgbColor rgb = ColorAxes::Of(parts_.colorSpace).ToRgb(record);
+    const RgbColor shown = Color();
+    for (int i = 0; i < 3; ++i) {
+        const auto at = std::size_t(i);
+        if (HasValueChanged(false, rgb[at], shown[at], SettingsOf(i).Tolerance()))
+            return false;
+    }
+    return true;
+}
+
+void ColorControl::ShowRecord()
+{
+    const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
+    if (!Describes(record_))
+        record_ = axes.FromRgb(Color(), record_);
+    if (!field_)
+        return;
+    // The record holds what the numbers can tell.
+    const auto show = [](TimeCodeEdit& edit, const ColorAxes::Axis& axis, double value) {
+        edit.SetValue(value - axis.zero, axisPrecision);
+        return edit.GetValue() + axis.zero;
+    };
+    record_.hue = show(*hue_.edit, axes.HueAxis(), record_.hue);
+    record_.saturation = show(*saturation_.edit, axes.SaturationAxis(), record_.saturation);
+    record_.value = show(*value_.edit, axes.ValueAxis(), record_.value);
+    field_->SetRecord(record_);
+    field_->SetShowsAlpha(Alpha().has_value());
+    field_->SetAlpha(Alpha().value_or(1.0));
+    for (const FieldEdit& axis : {hue_, saturation_, value_})
+        axis.edit->SetEditDisabled(!IsColorEditable());
+}
+
+// Values out -------------------------------------------------------------------------------------
+
+QString ColorControl::UndoText(const QString& what) const
+{
+    return QStringLiteral("%1: %2").arg(Owner() ? Owner()->GetName() : Label(), what);
+}
+
+void ColorControl::StartTypedUndo(int)
+{
+    StartUndo(UndoText(Label()).toUtf8().constData());
+}
+
+void ColorControl::WriteColor(const RgbColor& rgb)
+{
+    const auto alive = Ref<ColorControl>::Share(this); // what follows may close the page
+    {
+        const Writing writing(*this);
+        for (int channel = 0; channel < 3; ++channel) {
+            const SliderSettings::Range& allowed = SettingsOf(channel).allowed;
+            if (IsEditable(channel))
+                Write(channel, std::clamp(rgb[std::size_t(channel)], allowed.low, allowed.high));
+        }
+    }
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void ColorControl::OnField()
+{
+    record_ = field_->Record();
+    WriteColor(ColorAxes::Of(parts_.colorSpace).ToRgb(record_));
+}
+
+void ColorControl::OnFieldAlpha()
+{
+    const auto alive = Ref<ColorControl>::Share(this);
+    {
+        const Writing writing(*this);
+        if (IsEditable(ColorChannels::alpha))
+            Write(ColorChannels::alpha, field_->Alpha());
+    }
+    UpdateDisplay(nullptr, nullptr);
+}
+
+void ColorControl::OnExpand()
+{
+    expanded_ = !expanded_;
+    MakeParts();
+    Rebuild();
+}
+
+void ColorControl::ValueChanged()
+{
+    const auto is = [from = sender()](const FieldEdit& axis) { return axis.edit == from; };
+    if (sender() && (is(hue_) || is(saturation_) || is(value_)))
+        TakeRecordEdits();
+    else
+        ChannelControl::ValueChanged();
+}
+
+void ColorControl::TakeRecordEdits()
+{
+    const auto alive = Ref<ColorControl>::Share(this);
+    const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
+    const bool gesture = UndoDepth() > 0;
+    record_.hue = hue_.edit->GetValue() + axes.HueAxis().zero;
+    record_.saturation = saturation_.edit->GetValue() + axes.SaturationAxis().zero;
+    record_.value = value_.edit->GetValue() + axes.ValueAxis().zero;
+    if (!gesture)
+        StartTypedUndo(ColorChannels::red);
+    WriteColor(axes.ToRgb(record_));
+    if (!gesture)
+        ResetUndo(nullptr);
+}
+
+// Registration -----------------------------------------------------------------------------------
+
 namespace {
 
-struct ColorFacts : GenericInspectorFacts {
+struct ColorFacts : InspectorFacts {
     using Class = ColorControl;
     static constexpr char name[] = "ColorControl";
     static constexpr RecordFacts records[] = {{"ColorControl", "ColorControl"}};
+    static constexpr TagMapEntry tagNames[] = {
+        {"CLRC_ColorSpace", CLRC_ColorSpace, TagType(0), false, &colorSpace},
+        {"CLRC_ShowWheel", CLRC_ShowWheel},
+        {"CLRC_NoPick", CLRC_NoPick},
+        {"CLRC_NoSwatch", CLRC_NoSwatch},
+        {"CLRC_NoWheel", CLRC_NoWheel},
+        {"CLRC_NoSliders", CLRC_NoSliders},
+        {}};
     struct Resources {
         ResDIB arrows[8]{{"Controls.Color.Arrow.1.1", 0}, {"Controls.Color.Arrow.1.2", 0},
                          {"Controls.Color.Arrow.1.3", 0}, {"Controls.Color.Arrow.1.4", 0},
@@ -30,11 +526,11 @@ struct ColorFacts : GenericInspectorFacts {
         ResDIB fieldChequer{"Controls.ColorField.Chequer", 0};
         ResDIB fieldHueKnob{"Controls.ColorField.HueKnob", 0};
         ResDIB fieldSatValKnob{"Controls.ColorField.SatValKnob", 0};
+        ResColor focusTextColour{"Controls.Other.FocusTextColour", {255, 255, 255}};
+        ResColor disabledTextColour{"Controls.Other.DisabledTextColour", {110, 110, 110}};
         ResColor expressionColour{"Controls.ExpressionColour", {230, 215, 135}, {9, 9, 9}};
-        ResColor borderColour{"Controls.Other.BorderColour", {9, 9, 9}};
-        ResColor textColour{"Controls.Other.TextColour", {220, 220, 220}};
-        ResData collapsedLayout{"Controls.Color.Layout.Collapsed"};
-        ResData expandedLayout{"Controls.Color.Layout.Expanded"};
+        ResData collapsedLayout{Marlox::collapsedLayout};
+        ResData expandedLayout{Marlox::expandedLayout};
         ResData sliderLayout{"Controls.Color.Layout.Slider"};
     };
 };

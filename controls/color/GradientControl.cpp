@@ -7,6 +7,11 @@ std::size_t GradientControl::SizeOf() const
     return sizeof(*this);
 }
 
+bool GradientControl::SetSelectedColor(const GradientColor&, double)
+{
+    return false; // it shows no stops to select
+}
+
 namespace {
 
 struct GradientFacts : GenericInspectorFacts {

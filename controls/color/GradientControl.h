@@ -1,6 +1,7 @@
 #pragma once
 
 #include "framework/GenericInputControl.h"
+#include "system/values/Gradient.h"
 
 namespace Marlox {
 
@@ -8,6 +9,9 @@ namespace Marlox {
 class GradientControl final : public GenericInputControl {
 public:
     using GenericInputControl::GenericInputControl;
+    /// Sets the colour of the selected stop at `time`; false: none is selected.
+    bool SetSelectedColor(const GradientColor& color, double time);
+
     std::size_t SizeOf() const override;
 };
 

@@ -297,9 +297,20 @@ void RegistrationTest::TagMapperKnowsFourCalls()
 
 void RegistrationTest::GenericClassesSaySo()
 {
-    const std::set<std::string_view> finished{
-        "AngleControl", "CrosshairControl", "CheckBoxControl", "ComboControl",  "CropControl",
-        "LabelControl", "PointControl",     "PolyLineControl", "SliderControl", "XYOffsetControl"};
+    const std::set<std::string_view> finished{"AngleControl",
+                                              "CheckBoxControl",
+                                              "ColorControl",
+                                              "ColorRangesControl",
+                                              "ColorSuppressionControl",
+                                              "ColorWheelControl",
+                                              "ComboControl",
+                                              "CropControl",
+                                              "CrosshairControl",
+                                              "LabelControl",
+                                              "PointControl",
+                                              "PolyLineControl",
+                                              "SliderControl",
+                                              "XYOffsetControl"};
     for (const Expected::Record& row : Expected::records) {
         QVERIFY2(hasOperation(*recordOf(row)->GetScriptInfo(), "IsGeneric") !=
                      finished.contains(row.cls),

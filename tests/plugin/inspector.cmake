@@ -13,10 +13,11 @@ foreach(control CheckBoxControl ComboControl LabelControl SliderControl)
     file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/controls/inspector/${control}*)
     list(APPEND staged ${sources})
 endforeach()
-add_library(inspector_parts OBJECT ${staged}
-    ${PROJECT_SOURCE_DIR}/framework/BuildStamp.cpp
-    ${PROJECT_SOURCE_DIR}/framework/ControlClass.cpp
-    ${PROJECT_SOURCE_DIR}/framework/OneInputControl.cpp
+file(GLOB colors CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/controls/color/*)
+list(APPEND staged ${colors})
+file(GLOB framework CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/framework/*.cpp
+    ${PROJECT_SOURCE_DIR}/framework/*.h)
+add_library(inspector_parts OBJECT ${staged} ${framework}
     ${PROJECT_SOURCE_DIR}/tests/host/controls/Probe.cpp
     ${PROJECT_SOURCE_DIR}/tests/host/controls/Probe.h
     ${CMAKE_CURRENT_LIST_DIR}/InspectorStage.cpp

@@ -8,10 +8,10 @@
             {"Item", Name = "swatch", Weight = 0, MinWidth = 40, MaxWidth = 40, MinHeight = 20},
             {"Item", Name = "buttonpick", Weight = 0, MinWidth = 24, MaxWidth = 24},
             {"Item", Name = "buttonsample", Weight = 0, MinWidth = 24, MaxWidth = 24},
-            {"Item", Name = "reset", Weight = 0, MinWidth = 24, MaxWidth = 24},
+            {"Item", Name = "reset", Weight = 0, MinWidth = 20, MaxWidth = 20},
         },
         {"VGroup", Name = "colorgroup",
-            {"Container", Name = "sliders"},
+            {"Container", Name = "sliders", Spacing = 4},
         },
         {"Container", Name = "expressioncolor"},
     }

@@ -7,11 +7,11 @@
             {"Item", Name = "swatch", Weight = 0, MinWidth = 40, MaxWidth = 40, MinHeight = 20},
             {"Item", Name = "buttonpick", Weight = 0, MinWidth = 24, MaxWidth = 24},
             {"Item", Name = "buttonsample", Weight = 0, MinWidth = 24, MaxWidth = 24},
-            {"Item", Name = "reset", Weight = 0, MinWidth = 24, MaxWidth = 24},
+            {"Item", Name = "reset", Weight = 0, MinWidth = 20, MaxWidth = 20},
         },
         {"HGroup", Name = "colorgroup", Spacing = 8,
-            {"Item", Name = "field", MinWidth = 128, MinHeight = 128},
-            {"VGroup", Weight = 0, MinWidth = 128, Spacing = 8,
+            {"Item", Name = "field", MinWidth = 128, MinHeight = 152},
+            {"VGroup", Weight = 0, MinWidth = 144, Spacing = 4,
                 {"HGroup", Spacing = 8, MinHeight = 24,
                     {"Item", Name = "huelabel"},
                     {"Item", Name = "edithue", Weight = 0, MinWidth = 64, MaxWidth = 64},
@@ -28,7 +28,7 @@
                 {"Spacer"},
             },
         },
-        {"Container", Name = "sliders"},
+        {"Container", Name = "sliders", Spacing = 4},
         {"Container", Name = "expressioncolor"},
     }
 }

@@ -1,9 +1,10 @@
--- The two curves that part the tones into ranges.
+-- The two curves that part the tones into ranges. They bring the names of the ranges along.
 {"Controls.ColorRanges.Layout",
     {"VGroup",
-        {"HGroup", Spacing = 8, MinHeight = 24,
-            {"Item", Name = "label", Weight = 0, MinWidth = 110, MaxWidth = 110},
+        {"HGroup", MinHeight = 24,
+            {"Item", Name = "label"},
         },
-        {"Item", Name = "ranges", MinWidth = 160, MinHeight = 128},
+        {"Item", Name = "ranges", MinWidth = 96, MinHeight = 168},
+        {"Container", Name = "expression"},
     }
 }

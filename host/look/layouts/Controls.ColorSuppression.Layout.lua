@@ -1,9 +1,12 @@
--- The wheel with its six numbers beside it; their expression lines below.
+-- The wheel with its six numbers beside it, or in a narrow inspector above them ("wheelabove"), and
+-- over both the choice of a tonal range; their expression lines below.
 {"Controls.ColorSuppression.Layout",
-    {"VGroup",
+    {"VGroup", Spacing = 4,
+        {"Item", Name = "ranges"},
+        {"Item", Name = "wheelabove"},
         {"HGroup", Spacing = 8,
-            {"Item", Name = "wheel", MinWidth = 188, MinHeight = 188},
-            {"VGroup", Weight = 0, MinWidth = 140, Spacing = 8,
+            {"Item", Name = "wheel"},
+            {"VGroup", Name = "edits", Weight = 0.001, MinWidth = 140, Spacing = 8,
                 {"HGroup", Spacing = 8, MinHeight = 24,
                     {"Item", Name = "editredlabel"},
                     {"Item", Name = "editred", Weight = 0, MinWidth = 64, MaxWidth = 64},

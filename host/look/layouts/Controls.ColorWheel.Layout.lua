@@ -1,6 +1,8 @@
--- The wheel with its four numbers beside it; their expression lines below.
+-- The wheel with its four numbers beside it, above them the choice of a tonal range; their expression
+-- lines below.
 {"Controls.ColorWheel.Layout",
-    {"VGroup",
+    {"VGroup", Spacing = 4,
+        {"Item", Name = "ranges"},
         {"HGroup", Spacing = 8,
             {"Item", Name = "wheel", MinWidth = 208, MinHeight = 208},
             {"VGroup", Weight = 0, MinWidth = 140, Spacing = 8,

@@ -1,0 +1,487 @@
+#include "controls/color/ColorControl.h"
+
+#include "plugin/InspectorStage.h"
+#include "script/FFI.h"
+#include "system/color/ColorPreferences.h"
+#include "system/controls/ColorDrag.h"
+#include "system/controls/HostDialogs.h"
+#include "system/document/Preferences.h"
+#include "system/widgets/CustomButton.h"
+#include "system/widgets/ElideLabel.h"
+#include "widgets/CustomColorField.h"
+#include "widgets/CustomSwatch.h"
+
+#include <cmath>
+#include <limits>
+
+#include <QtTest>
+
+using namespace Marlox;
+
+namespace {
+
+struct ChannelInput {
+    const char* id;
+    int channel;
+    double value;
+};
+
+const std::vector<ChannelInput> rgba{
+    {"Red", 0, 0.5}, {"Green", 1, 0.25}, {"Blue", 2, 0.125}, {"Alpha", 3, 1.0}};
+
+/// A page with one colour control, whose inputs join the first.
+std::vector<StagedInput> staged(const std::vector<ChannelInput>& channels,
+                                const std::vector<TagPair>& tags = {})
+{
+    std::vector<StagedInput> inputs;
+    for (const ChannelInput& channel : channels) {
+        std::vector<TagPair> attributes{{IA_Channel, channel.channel},
+                                        {IAD_Default, channel.value}};
+        if (inputs.empty())
+            attributes.insert(attributes.end(), tags.begin(), tags.end());
+        else
+            attributes.push_back({IAS_SharedWith, channels.front().id});
+        inputs.push_back({channel.id, attributes, "ColorControl"});
+    }
+    return inputs;
+}
+
+struct ColorStage : InspectorStage {
+    explicit ColorStage(const std::vector<ChannelInput>& channels = rgba,
+                        const std::vector<TagPair>& tags = {{CLRC_ShowWheel, 1}}, int width = 380)
+        : InspectorStage(staged(channels, tags), width)
+    {
+    }
+    ColorControl& Control() const { return ControlOf<ColorControl>(); }
+    CustomColorField& Field() const { return *PartOf<CustomColorField>("field"); }
+    TimeCodeEdit& Edit(const char* name) const { return *PartOf<TimeCodeEdit>(name); }
+    void Set(double r, double g, double b)
+    {
+        InputOf("Red").SetValue(Number(r), 0.0);
+        InputOf("Green").SetValue(Number(g), 0.0);
+        InputOf("Blue").SetValue(Number(b), 0.0);
+        document->Undo().Clear();
+    }
+    QString Rgb() const
+    {
+        return QStringLiteral("%1 %2 %3")
+            .arg(ValueOf("Red"), 0, 'g', 6)
+            .arg(ValueOf("Green"), 0, 'g', 6)
+            .arg(ValueOf("Blue"), 0, 'g', 6);
+    }
+    bool HasUndo(const QStringList& texts) const { return UndoTexts() == texts && IsIdle(); }
+};
+
+void type(TimeCodeEdit& edit, const QString& text)
+{
+    edit.setFocus();
+    edit.setText(text);
+    edit.Commit();
+}
+
+/// In the square, from its left and lower edge, 0 to 1.
+QPoint inSquare(const CustomColorField& field, double s, double v)
+{
+    const QRect r = field.rect();
+    const int a = field.ShowsAlpha() ? 17 : 0;
+    const double width = (r.right() - 1 - a - 18) - 3 - 1;
+    return {int(std::lround(3 + s * width)),
+            int(std::lround((r.bottom() - 2) - v * (r.bottom() - 2 - 3 - 1)))};
+}
+
+/// On the hue strip, from its top.
+QPoint onHue(const CustomColorField& field, double hue)
+{
+    const QRect r = field.rect();
+    const int a = field.ShowsAlpha() ? 17 : 0;
+    return {r.right() - 1 - a - 6, int(std::lround(4 + hue * (r.bottom() - 3 - 4 - 1)))};
+}
+
+/// Answers the question for a colour.
+class ColorDialog final : public HostDialogs {
+public:
+    ColorDialog() : before_(Install(this)) {}
+    ~ColorDialog() override { Install(before_); }
+    void Message(Kind, const QString&, const QString&) override {}
+    Answer Ask(const QString&, const QString&, bool) override { return Answer::No; }
+    std::optional<QString> AskText(const TextRequest&) override { return {}; }
+    std::optional<double> AskNumber(const NumberRequest&) override { return {}; }
+    QString OpenFile(const FileRequest&) override { return {}; }
+    QString SaveFile(const FileRequest&) override { return {}; }
+    std::optional<MxColor> ChooseColor(const ColorRequest& request) override
+    {
+        asked = request.preset;
+        return keeps ? std::optional(request.preset) : answer;
+    }
+    std::optional<MxColor> asked;
+    std::optional<MxColor> answer;
+    bool keeps = false;
+
+private:
+    HostDialogs* before_;
+};
+
+struct PreferenceGuard {
+    PreferenceGuard(const char* name, const QVariant& value) : name(name)
+    {
+        Preferences::Global().Set(name, value);
+    }
+    ~PreferenceGuard() { Preferences::Global().Remove(name); }
+    const char* name;
+};
+
+} // namespace
+
+/// The colour control on an inspector page, from its channels to the undo history.
+class ColorControlTest : public QObject {
+    Q_OBJECT
+private slots:
+    void KnowsItsChannels();
+    void WritesNumbersAsPreferred();
+    void TypesNumbersAndExpressions();
+    void DragsTheField();
+    void KeepsHueAndSaturation();
+    void DragsSlidersAndNumbers();
+    void AsksTheColorDialog();
+    void CopiesToOthers();
+    void ShowsWhatTagsSay();
+    void SetsKeysOfAll();
+    void SurvivesBadInput();
+};
+
+void ColorControlTest::KnowsItsChannels()
+{
+    const ColorStage stage({{"Gain Red", 4, 0.5},
+                            {"Gain Depth", 12, 0.5},
+                            {"Gain Id", 16, 0.5},
+                            {"Gain Shift", 29, 0.5},
+                            {"Gain Other", 31, 0.5},
+                            {"Gain Lost", 32, 0.5},
+                            {"Gain Under", -1, 0.5},
+                            {"Gain Twice", 12, 0.75}},
+                           {});
+    const ColorControl& control = stage.Control();
+    QCOMPARE(control.Label(), QString("Gain"));
+    const struct {
+        int channel;
+        const char* name;
+    } rows[] = {{4, "Red"}, {12, "Z"}, {16, "Object ID"}, {29, "Y Disparity"}, {31, "Gain Other"}};
+    for (const auto& row : rows) {
+        const auto* label =
+            stage.PartOf<ElideLabel>(qPrintable(QString("labelcolor%1").arg(row.channel)));
+        QVERIFY2(label && label->Text() == row.name, row.name);
+    }
+    QCOMPARE(control.findChildren<TimeCodeEdit*>().size(), int(std::size(rows)));
+    QCOMPARE(control.ValueOf(12), 0.5); // of two in one channel the first has it
+    QCOMPARE(control.GetInputFrom(u64(1)), &stage.InputOf("Gain Depth"));
+    QVERIFY(!control.GetInputFrom(u64(5)) && !control.GetInputFrom(u64(77)));
+    auto* slider = stage.PartOf<CustomSlider>("slidercolor16");
+    QCOMPARE(stage.Control().GetInputFrom(slider, nullptr), &stage.InputOf("Gain Id"));
+    // Without channels of their own, inputs are red, green and blue in turn.
+    const InspectorStage plain(
+        {{"A", {}, "ColorControl"}, {"B", {{IAS_SharedWith, "A"}}, "ColorControl"}});
+    QCOMPARE(plain.ControlOf<ColorControl>().InputOf(1), &plain.InputOf("B"));
+    QCOMPARE(plain.ControlOf<ColorControl>().Label(), QString("Colour"));
+}
+
+void ColorControlTest::WritesNumbersAsPreferred()
+{
+    const ColorStage stage({{"Red", 0, 0.5}, {"Id", 16, 0.5}, {"Z", 12, 0.5}});
+    TimeCodeEdit& red = stage.Edit("editcolor0");
+    QCOMPARE(red.GetValue(), 0.5);
+    {
+        const PreferenceGuard bytes(PREF_ColorMode, 1);
+        QCOMPARE(red.GetValue(), 127.5);
+        QCOMPARE(stage.Edit("editcolor16").GetValue(), 127.5);
+        QCOMPARE(stage.Edit("editcolor12").GetValue(), 0.5);
+        type(red, "255");
+        QCOMPARE(stage.ValueOf("Red"), 1.0);
+        type(stage.Edit("editcolor12"), "255");
+        QCOMPARE(stage.ValueOf("Z"), 255.0);
+    }
+    const PreferenceGuard words(PREF_ColorMode, 2);
+    QCOMPARE(red.GetValue(), 65535.0);
+    // Typed numbers keep to the channel's limits, as they are stored.
+    const ColorStage limited({{"Red", 0, 0.5}}, {{IAD_Minimum, 0.0}, {IAD_Maximum, 2.0}});
+    type(limited.Edit("editcolor0"), "999999");
+    QCOMPARE(limited.ValueOf("Red"), 2.0);
+}
+
+void ColorControlTest::TypesNumbersAndExpressions()
+{
+    ColorStage stage;
+    type(stage.Edit("editcolor1"), "1/2");
+    QCOMPARE(stage.Rgb(), QString("0.5 0.5 0.125"));
+    QCOMPARE(stage.UndoTexts(), QStringList{"ProbeTool1: Colour"});
+    QVERIFY(stage.IsIdle());
+    type(stage.Edit("editcolor1"), "0.5"); // the same again
+    QCOMPARE(stage.UndoEntries(), 1);
+    type(stage.Edit("editcolor0"), "time+2");
+    QVERIFY(stage.InputOf("Red").HasExpression());
+    QCOMPARE(stage.ValueOf("Red"), 2.0);
+    QCOMPARE(stage.Edit("editcolor0").palette().color(QPalette::Text),
+             LookColor("Controls.ExpressionColour"));
+    // What follows an expression is not written by the others.
+    const int entries = stage.UndoEntries();
+    type(stage.Edit("editcolor2"), "0.75");
+    QVERIFY(stage.InputOf("Red").HasExpression());
+    QCOMPARE(stage.ValueOf("Blue"), 0.75);
+    QCOMPARE(stage.UndoEntries(), entries + 1);
+    stage.document->Undo().Stack().undo();
+    QCOMPARE(stage.ValueOf("Blue"), 0.125);
+    QCOMPARE(stage.Edit("editcolor2").GetValue(), 0.125);
+    // The field's numbers.
+    stage.InputOf("Red").SetExpression({});
+    stage.Set(1.0, 0.5, 0.5);
+    type(stage.Edit("editsaturation"), "1");
+    QCOMPARE(stage.Rgb(), QString("1 0 0"));
+    type(stage.Edit("edithue"), "1/3");
+    QCOMPARE(stage.Rgb(), QString("0 1 0"));
+    type(stage.Edit("editvalue"), "4");
+    QCOMPARE(stage.Rgb(), QString("0 4 0"));
+    QCOMPARE(stage.UndoEntries(), 3);
+    type(stage.Edit("edithue"), "time");
+    QVERIFY(stage.Edit("edithue").IsUnreadable() && stage.UndoEntries() == 3);
+}
+
+void ColorControlTest::DragsTheField()
+{
+    ColorStage stage;
+    CustomColorField& field = stage.Field();
+    Pointer::Press(field, inSquare(field, 0.0, 0.5));
+    QCOMPARE(stage.ValueOf("Red"), stage.ValueOf("Blue"));
+    Pointer::Move(field, inSquare(field, -1.0, -1.0));
+    QCOMPARE(stage.Rgb(), QString("0 0 0"));
+    QVERIFY(stage.document->IsAutoProxy());
+    Pointer::Move(field, inSquare(field, 1.0, 1.0));
+    const double hue = stage.Control().Record().hue;
+    QVERIFY(std::abs(hue - 1.0 / 18.0) < 1e-6); // of the colour it began with
+    Pointer::Release(field, inSquare(field, 1.0, 1.0));
+    QCOMPARE(stage.ValueOf("Red"), 1.0);
+    QCOMPARE(stage.ValueOf("Blue"), 0.0);
+    QVERIFY(stage.HasUndo({"Adjust Saturation/Value"}));
+    Pointer::Press(field, onHue(field, 0.5));
+    Pointer::Move(field, onHue(field, 0.6));
+    Pointer::Release(field, onHue(field, 0.6));
+    QVERIFY(stage.HasUndo({"Adjust Saturation/Value", "Adjust Hue"}));
+    QCOMPARE(stage.Control().Color()[2], 1.0);
+    const QPoint alpha(field.width() - 7, field.height() / 2);
+    Pointer::Press(field, alpha);
+    Pointer::Release(field, alpha);
+    QVERIFY(std::abs(stage.ValueOf("Alpha") - 0.5) < 0.02);
+    QVERIFY(stage.HasUndo({"Adjust Saturation/Value", "Adjust Hue", "Adjust Alpha"}));
+    for (int i = 0; i < 3; ++i)
+        stage.document->Undo().Stack().undo();
+    QCOMPARE(stage.Rgb(), QString("0.5 0.25 0.125"));
+    QCOMPARE(stage.ValueOf("Alpha"), 1.0);
+    // A press that moves nothing leaves no entry; Escape gives a drag up.
+    stage.Set(1.0, 0.0, 0.0);
+    Pointer::Click(field, onHue(field, 0.0));
+    QVERIFY(stage.HasUndo({}));
+    Pointer::Press(field, onHue(field, 0.5));
+    Pointer::Stroke(field, Qt::Key_Escape);
+    QCOMPARE(stage.Rgb(), QString("1 0 0"));
+    QVERIFY(stage.HasUndo({}));
+}
+
+void ColorControlTest::KeepsHueAndSaturation()
+{
+    ColorStage stage;
+    const auto shows = [&](double h, double s, double v) {
+        const ColorRecord& record = stage.Field().Record();
+        return std::abs(record.hue - h) < 1e-6 && std::abs(record.saturation - s) < 1e-6 &&
+               std::abs(record.value - v) < 1e-6;
+    };
+    stage.Set(0.0, 0.5, 0.25);
+    QVERIFY(shows(5.0 / 12.0, 1.0, 0.5));
+    type(stage.Edit("editsaturation"), "0");
+    QCOMPARE(stage.Rgb(), QString("0.5 0.5 0.5"));
+    QVERIFY(shows(5.0 / 12.0, 0.0, 0.5));
+    type(stage.Edit("editsaturation"), "0.5");
+    QCOMPARE(stage.Rgb(), QString("0.25 0.5 0.375"));
+    stage.Set(0.0, 0.5, 0.25);
+    stage.InputOf("Green").SetValue(Number(0.0), 0.0); // (0, 0, 0.25): blue
+    QVERIFY(shows(2.0 / 3.0, 1.0, 0.25));
+    stage.InputOf("Blue").SetValue(Number(0.0), 0.0);
+    QVERIFY(shows(2.0 / 3.0, 1.0, 0.0));
+    // The bottom of the strip is the top's red, and stays the bottom.
+    stage.Set(0.0, 1.0, 0.0);
+    Pointer::Press(stage.Field(), onHue(stage.Field(), 1.0));
+    Pointer::Release(stage.Field(), onHue(stage.Field(), 1.0));
+    QCOMPARE(stage.Rgb(), QString("1 0 0"));
+    QVERIFY(shows(1.0, 1.0, 1.0));
+    stage.Set(0.5, 0.0, 0.0);
+    QVERIFY(shows(1.0, 1.0, 0.5));
+    // Bright light stays as bright as it is.
+    stage.Set(8.0, 4.0, 4.0);
+    Pointer::Press(stage.Field(), onHue(stage.Field(), 0.5));
+    Pointer::Release(stage.Field(), onHue(stage.Field(), 0.5));
+    QCOMPARE(stage.Control().Color()[2], 8.0);
+}
+
+void ColorControlTest::DragsSlidersAndNumbers()
+{
+    ColorStage stage;
+    CustomSlider& green = *stage.PartOf<CustomSlider>("slidercolor1");
+    DragKnob(green, {10, 20, 30});
+    Pointer::Release(green, KnobOf(green));
+    QVERIFY(stage.ValueOf("Green") > 0.3);
+    QVERIFY(stage.HasUndo({"Adjust Green"}));
+    QCOMPARE(stage.Edit("editcolor1").GetValue(), stage.ValueOf("Green"));
+    TimeCodeEdit& hue = stage.Edit("edithue");
+    Pointer::Press(hue, {10, 10}, {}, Qt::MiddleButton);
+    for (int x : {30, 50, 90})
+        Pointer::Move(hue, {double(x), 10.0}, {}, Qt::MiddleButton);
+    Pointer::Release(hue, {90, 10}, {}, Qt::MiddleButton);
+    QVERIFY(stage.HasUndo({"Adjust Green", "Adjust Hue"}));
+    // Back to the defaults: one channel, then all.
+    stage.PartOf<CustomButton>("resetcolor1")->click();
+    QCOMPARE(stage.ValueOf("Green"), 0.25);
+    stage.PartOf<CustomButton>("reset")->click();
+    QCOMPARE(stage.Rgb(), QString("0.5 0.25 0.125"));
+    QVERIFY(!stage.PartOf<CustomButton>("resetcolor1")->isEnabled());
+    QVERIFY(stage.HasUndo({"Adjust Green", "Adjust Hue", "Reset Green", "Reset Colour"}));
+}
+
+void ColorControlTest::AsksTheColorDialog()
+{
+    ColorStage stage;
+    auto& swatch = *stage.PartOf<CustomSwatch>("swatch");
+    ColorDialog dialog;
+    swatch.click(); // cancelled
+    QVERIFY(dialog.asked == MxColor(128, 64, 32));
+    QVERIFY(stage.HasUndo({}));
+    dialog.keeps = true;
+    stage.Set(0.3337, 7.0, -0.5);
+    swatch.click();
+    QCOMPARE(stage.Rgb(), QString("0.3337 7 -0.5"));
+    QVERIFY(stage.HasUndo({}));
+    dialog.keeps = false;
+    dialog.answer = MxColor(85, 255, 51);
+    stage.InputOf("Red").SetExpression("0.25");
+    stage.document->Undo().Clear();
+    swatch.click();
+    QCOMPARE(stage.Rgb(), QString("0.25 7 0.2"));
+    QVERIFY(stage.HasUndo({"Select Color"}));
+    stage.InputOf("Red").SetExpression({});
+    stage.Set(0.0, 0.0, 0.0);
+    const PreferenceGuard on(PREF_GammaCorrectControls, true);
+    const PreferenceGuard gamma(PREF_GammaCorrectDisplayGamma, 2.0);
+    dialog.answer = MxColor(51, 0, 255);
+    swatch.click();
+    QCOMPARE(stage.Rgb(), QString("0.04 0 1"));
+    stage.Set(0.25, 0.0, 0.0);
+    swatch.click();
+    QVERIFY(dialog.asked == MxColor(128, 0, 0));
+    for (const char* id : {"Red", "Green", "Blue"})
+        stage.InputOf(id).SetAttrsTagList({{IA_ReadOnly, 1}});
+    dialog.asked.reset();
+    swatch.click();
+    QVERIFY(!dialog.asked);
+}
+
+void ColorControlTest::CopiesToOthers()
+{
+    std::vector<StagedInput> inputs = staged(rgba);
+    inputs.push_back({"Other", {{IA_Channel, 2}}, "ColorControl"});
+    inputs.push_back({"Third", {{IA_Channel, 0}, {IAS_SharedWith, "Other"}}, "ColorControl"});
+    inputs.push_back({"Depth", {{IA_Channel, 12}, {IAS_SharedWith, "Other"}}, "ColorControl"});
+    const InspectorStage stage(inputs);
+    CopyColorEvent event(
+        {&stage.InputOf("Other"), &stage.InputOf("Third"), &stage.InputOf("Depth")});
+    QCoreApplication::sendEvent(&stage.ControlOf(), &event);
+    QCOMPARE(stage.ValueOf("Other"), 0.125);
+    QCOMPARE(stage.ValueOf("Third"), 0.5);
+    QCOMPARE(stage.ValueOf("Depth"), 0.0); // there is no such channel to copy
+    QCOMPARE(stage.UndoTexts(), QStringList{"Copy Color"});
+    QCOMPARE(stage.ControlOf<ColorControl>("Other").Color()[2], 0.125);
+}
+
+void ColorControlTest::ShowsWhatTagsSay()
+{
+    const char* parts[] = {"buttonpick", "swatch", "buttonexpand", "slidercolor0"};
+    const u32 without[] = {CLRC_NoPick, CLRC_NoSwatch, CLRC_NoWheel, CLRC_NoSliders};
+    for (std::size_t i = 0; i < std::size(parts); ++i) {
+        const ColorStage stage(rgba, {{without[i], 1}, {CLRC_ShowWheel, 1}});
+        for (std::size_t k = 0; k < std::size(parts); ++k) {
+            const auto* part = stage.PartOf<QWidget>(parts[k]);
+            QVERIFY2((part && part->isVisible()) == (k != i), parts[k]);
+        }
+        const auto* field = stage.PartOf<QWidget>("field");
+        QCOMPARE(field && field->isVisible(), without[i] != CLRC_NoWheel);
+    }
+    const ColorStage stage(rgba, {});
+    ColorControl& control = stage.Control();
+    QVERIFY(!control.IsExpanded() && !stage.PartOf<QWidget>("field"));
+    const int folded = control.height();
+    stage.PartOf<CustomButton>("buttonexpand")->click();
+    QCoreApplication::processEvents();
+    QVERIFY(control.IsExpanded() && stage.Field().isVisible() && control.height() > folded + 100);
+    type(stage.Edit("editcolor0"), "0.75"); // the rows were built anew
+    QCOMPARE(stage.ValueOf("Red"), 0.75);
+    stage.InputOf().SetAttrsTagList({{CLRC_ColorSpace, 2}});
+    QCOMPARE(stage.PartOf<ElideLabel>("huelabel")->Text(), QString("Y"));
+    QVERIFY(std::abs(stage.Edit("edithue").GetValue() -
+                     (0.2126 * 0.75 + 0.7152 * 0.25 + 0.0722 * 0.125)) < 1e-6);
+    int64 space = 0;
+    QVERIFY(control.CopyAttr(CLRC_ColorSpace, &space) && space == 2);
+    stage.PartOf<CustomButton>("buttonexpand")->click();
+    QVERIFY(!control.IsExpanded() && !stage.Field().isVisible());
+    // Without a colour's components there is nothing to show of one.
+    const ColorStage depth({{"Z", 12, 0.5}});
+    for (const char* part : {"swatch", "buttonpick", "buttonexpand"})
+        QVERIFY2(!depth.PartOf<QWidget>(part)->isVisible(), part);
+}
+
+void ColorControlTest::SetsKeysOfAll()
+{
+    const ColorStage stage;
+    auto* keys = stage.window->findChild<QAbstractButton*>(QString(), Qt::FindChildrenRecursively);
+    for (QAbstractButton* button : stage.window->findChildren<QAbstractButton*>()) {
+        if (button->inherits("Marlox::KeyFrameIndicator"))
+            keys = button;
+    }
+    QVERIFY(keys);
+    keys->click();
+    for (const ChannelInput& channel : rgba)
+        QVERIFY2(stage.InputOf(channel.id).IsKeyAt(0.0), channel.id);
+    QCOMPARE(stage.UndoTexts(), QStringList{"Set Keys"});
+    keys->click();
+    QVERIFY(!stage.InputOf("Blue").IsAnimated());
+    QCOMPARE(stage.UndoEntries(), 2);
+}
+
+void ColorControlTest::SurvivesBadInput()
+{
+    ColorStage stage;
+    const double bad[] = {std::nan(""), std::numeric_limits<double>::infinity(), -1e30, 1e30,
+                          -std::numeric_limits<double>::infinity()};
+    for (const double a : bad) {
+        for (const double b : bad) {
+            stage.Set(a, b, 0.5);
+            stage.window->grab();
+            for (double at : {0.0, 0.4, 1.0}) {
+                Pointer::Press(stage.Field(), inSquare(stage.Field(), at, 1.0 - at));
+                Pointer::Release(stage.Field(), inSquare(stage.Field(), at, 1.0 - at));
+                Pointer::Click(stage.Field(), onHue(stage.Field(), at));
+            }
+            QVERIFY(stage.IsIdle());
+            for (const double component : stage.Control().Color())
+                QVERIFY(std::isfinite(component));
+        }
+    }
+    // An input that goes in mid-drag, and then the tool with the whole page.
+    stage.Set(0.5, 0.25, 0.125);
+    CustomColorField& field = stage.Field();
+    Pointer::Press(field, inSquare(field, 0.5, 0.5));
+    stage.Control().RemoveInput(&stage.InputOf("Green"), nullptr);
+    QVERIFY(stage.IsIdle());
+    Pointer::Press(field, inSquare(field, 0.25, 0.75));
+    Pointer::Move(field, inSquare(field, 0.75, 0.75));
+    stage.document->RemoveTool(*stage.tool);
+    QVERIFY(stage.document->Undo().Depth() == 0 && !stage.document->IsAutoProxy());
+}
+
+QTEST_MAIN(ColorControlTest)
+
+#include "color_control_test.moc"

@@ -1,0 +1,181 @@
+#include "widgets/CustomColorWheel.h"
+
+#include "system/color/DisplayColors.h"
+#include "system/resources/Resources.h"
+#include "widgets/PartsAccessible.h"
+
+#include <utility>
+
+#include <QMouseEvent>
+
+namespace Marlox {
+
+namespace {
+
+constexpr int discNarrower = 48; // than its bitmap
+constexpr int margin = 4;        // around the wheel
+
+const char* undoTextOf(ColorWheelModel::Part part)
+{
+    return part == ColorWheelModel::Part::Ring ? "Adjust Hue/Saturation" : "Adjust Tint";
+}
+
+} // namespace
+
+CustomColorWheel::CustomColorWheel(QWidget* parent) : CustomControl(parent)
+{
+    MakePartsAccessible();
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    SetHelp({});
+    FollowLook();
+    connect(&DisplayColors::Global(), &DisplayColors::Changed, this, [this] {
+        picture_ = QImage();
+        update();
+    });
+}
+
+CustomColorWheel::~CustomColorWheel() = default;
+
+void CustomColorWheel::FollowLook()
+{
+    look_ = LookPack::Global().Generation();
+    model_.widget = rect();
+    model_.diameter = ResDIB::SizeOf("Controls.ColorWheel.Wheel.1").width();
+    const int inner = ResDIB::SizeOf("Controls.ColorWheel.Wheel.2").width() - discNarrower;
+    model_.disc = model_.diameter > 0 ? double(std::max(inner, 0)) / model_.diameter : 0.0;
+    model_.tintKnob = ResDIB::SizeOf("Controls.ColorWheel.Knob.1");
+    picture_ = QImage();
+}
+
+void CustomColorWheel::SetMode(int mode)
+{
+    if (mode == mode_ || mode < 0 || mode >= modes)
+        return;
+    const QPointer<CustomColorWheel> alive(this);
+    LoseGesture();
+    if (!alive)
+        return;
+    mode_ = mode;
+    update();
+}
+
+void CustomColorWheel::SetRecord(int mode, const WheelRecord& record)
+{
+    if (mode < 0 || mode >= modes || records_[std::size_t(mode)] == record)
+        return;
+    records_[std::size_t(mode)] = record;
+    if (mode == mode_)
+        update();
+}
+
+void CustomColorWheel::SetSquaredTint(bool on)
+{
+    if (std::exchange(model_.squaredTint, on) != on)
+        update();
+}
+
+void CustomColorWheel::SetHelp(const QString& help)
+{
+    const QString use =
+        tr("Drag the ring around to turn hues, away from the centre for more saturation, and the "
+           "disc to tint. With Ctrl finely, with Shift along one of the two. Alt+click resets. "
+           "Page Up and Page Down go between disc and ring, the arrow keys move.");
+    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
+}
+
+QString CustomColorWheel::DescribePart(int part) const
+{
+    const auto number = [](double value) { return QString::number(value, 'g', 4); };
+    return part == int(Part::Tint)
+               ? tr("Tint angle %1, strength %2").arg(number(TintAngle()), number(TintLength()))
+               : tr("Hue %1, saturation %2").arg(number(Hue()), number(Saturation()));
+}
+
+// Drags ------------------------------------------------------------------------------------------
+
+void CustomColorWheel::mousePressEvent(QMouseEvent* event)
+{
+    const bool reset = event->button() == Qt::LeftButton && event->modifiers() & Qt::AltModifier;
+    if (!reset)
+        return CustomControl::mousePressEvent(event);
+    const Part part = model_.HitTest(event->pos(), Shown());
+    if (part != Part::None && !IsLocked())
+        emit resetPart(int(part));
+}
+
+bool CustomColorWheel::Grab(QPoint at)
+{
+    drag_ = {model_.HitTest(at, Shown()), Shown()};
+    if (drag_.part == Part::None)
+        return false;
+    SetActivePart(int(drag_.part));
+    update();
+    return true;
+}
+
+bool CustomColorWheel::DragTo(const PointerDrag::Step& step)
+{
+    if (drag_.part == Part::None)
+        return false;
+    const ColorWheelModel::Dragged dragged = model_.DragTo(drag_, Shown(), step);
+    axes_ = dragged.axes;
+    Change(drag_.part, dragged.record);
+    return true;
+}
+
+void CustomColorWheel::Drop()
+{
+    drag_ = {};
+    axes_ = {};
+}
+
+void CustomColorWheel::Change(Part part, const WheelRecord& record)
+{
+    update();
+    if (record == Shown())
+        return;
+    records_[std::size_t(mode_)] = record;
+    OpenUndo(undoTextOf(part));
+    emit dragWheel();
+}
+
+void CustomColorWheel::Nudge(int part, QPoint way, int level)
+{
+    Change(Part(part), model_.Nudged(Part(part), Shown(), way, level));
+}
+
+void CustomColorWheel::HoverAt(std::optional<QPoint> at)
+{
+    const Part part = at && !IsLocked() ? model_.HitTest(*at, Shown()) : Part::None;
+    if (std::exchange(hovered_, part) != part)
+        update();
+}
+
+// Layout -----------------------------------------------------------------------------------------
+
+void CustomColorWheel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::EnabledChange || event->type() == QEvent::StyleChange)
+        update();
+    CustomControl::changeEvent(event);
+}
+
+void CustomColorWheel::resizeEvent(QResizeEvent* event)
+{
+    model_.widget = rect();
+    CustomControl::resizeEvent(event);
+}
+
+QSize CustomColorWheel::sizeHint() const
+{
+    return minimumSizeHint();
+}
+
+QSize CustomColorWheel::minimumSizeHint() const
+{
+    const int side = model_.diameter + 2 * margin;
+    return {side, side};
+}
+
+} // namespace Marlox
