@@ -29,6 +29,7 @@ inline constexpr char documentName[] = "dusk.marlox";
 /// A picture cropped, on a curved path over a backdrop, with a shadow: values to drag in the
 /// viewer.
 inline constexpr char overlaysName[] = "overlays.marlox";
+inline constexpr char gradeName[] = "grade.marlox"; // the lake with its colours corrected
 inline constexpr char sequencePattern[] = "balloon.####.exr";
 
 /// The folder with the samples: beside the program in a build, else where they are installed; empty

@@ -91,6 +91,36 @@ bool writeOverlays(const QString& path, QString* error)
     return save(document, path, error);
 }
 
+constexpr Setting gradeSettings[] = {
+    {"ColorCorrector", "MasterSaturation", 1.15},
+    {"ColorCorrector", "ShadowsTintAngle", 0.58},
+    {"ColorCorrector", "ShadowsTintLength", 0.35},
+    {"ColorCorrector", "HighlightsTintAngle", 0.07},
+    {"ColorCorrector", "HighlightsTintLength", 0.25},
+    {"ColorCorrector", "MasterKeepMagenta", 0.4},
+    {"ColorGain", "Red", 1.1},
+    {"ColorGain", "Blue", 0.95},
+};
+
+/// The landscape, graded.
+bool writeGrade(const QString& path, QString* error)
+{
+    MarloxDoc document;
+    std::map<std::string, Operator*> tools;
+    for (const char* type : {"ImageSource", "ColorGain", "ColorCorrector"}) {
+        tools[type] = document.AddTool(type, -1, error);
+        if (!tools[type])
+            return false;
+    }
+    tools["ImageSource"]->FindInput("File")->SetValue(Text("dusk.exr"), TimeNone,
+                                                      Input::ReplaceAll);
+    for (const Setting& setting : gradeSettings)
+        tools[setting.tool]
+            ->FindInput(setting.input)
+            ->SetValue(Number(setting.value), TimeNone, Input::ReplaceAll);
+    return save(document, path, error);
+}
+
 } // namespace
 
 bool WriteAll(const QString& folder, bool anew, const std::function<void(const QString&)>& tell,
@@ -119,7 +149,9 @@ bool WriteAll(const QString& folder, bool anew, const std::function<void(const Q
     }
     return write(documentName,
                  [error](const QString& path) { return writeDocument(path, error); }) &&
-           write(overlaysName, [error](const QString& path) { return writeOverlays(path, error); });
+           write(overlaysName,
+                 [error](const QString& path) { return writeOverlays(path, error); }) &&
+           write(gradeName, [error](const QString& path) { return writeGrade(path, error); });
 }
 
 QString Folder()

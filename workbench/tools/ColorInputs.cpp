@@ -1,7 +1,5 @@
 #include "workbench/tools/ColorInputs.h"
 
-#include "workbench/tools/ToolInputs.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -15,23 +13,39 @@ constexpr double brightest = 1e9; // sums of such values stay finite in 32 bits
 
 } // namespace
 
+Input& AddChannel(Operator& tool, const ChannelSpec& channel, const SliderSpec& spec,
+                  const TagList& further)
+{
+    TagList tags{{IAS_Name, spec.name},          {IAS_Help, spec.help},
+                 {IAS_Control, channel.control}, {IAS_DataType, CLSID_DataType_Number},
+                 {IA_Channel, channel.channel},  {IA_Range, channel.range},
+                 {IAD_LowScale, spec.low},       {IAD_HighScale, spec.high},
+                 {IAD_Default, spec.normal}};
+    if (channel.with)
+        tags.Add(IAS_SharedWith, channel.with);
+    for (const TagPair* pair = further.First(); pair; pair = further.Next(pair))
+        tags.Add(u32(pair->tag), pair->value);
+    return tool.AddInput(spec.id, tags);
+}
+
 void AddColor(Operator& tool, const ColorSpec& spec)
 {
     const std::size_t count = spec.hasAlpha ? channels.size() : alpha;
-    AddNest(tool, (std::string(spec.id) + "Colour").c_str(),
-            (std::string(spec.name) + "Colour").c_str(), int(count), true,
-            "Red, green and blue in linear light");
+    const std::string first = std::string(spec.id) + channels[0];
     for (std::size_t i = 0; i < count; ++i) {
         const std::string id = std::string(spec.id) + channels[i];
         const std::string name = std::string(spec.name) + channels[i];
+        const ChannelSpec channel{CLSID_InputControl_Color, i > 0 ? first.c_str() : nullptr,
+                                  int(i)};
         if (i == alpha)
-            AddSlider(tool,
-                      {id.c_str(), name.c_str(), 0.0, 1.0, spec.normal[i],
-                       "Cover: 0 leaves the picture as it is, 1 hides it"},
-                      {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
+            AddChannel(tool, channel,
+                       {id.c_str(), name.c_str(), 0.0, 1.0, spec.normal[i],
+                        "Cover: 0 leaves the picture as it is, 1 hides it"},
+                       {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
         else
-            AddSlider(tool, {id.c_str(), name.c_str(), 0.0, 1.0, spec.normal[i],
-                             "Linear light; 1 is white, more is brighter"});
+            AddChannel(tool, channel,
+                       {id.c_str(), name.c_str(), 0.0, 1.0, spec.normal[i],
+                        "Linear light; 1 is white, more is brighter"});
     }
 }
 

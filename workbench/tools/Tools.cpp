@@ -3,8 +3,11 @@
 #include "system/base/Registry.h"
 #include "system/shapes/PathModifier.h"
 #include "system/viewer/ToolGroup.h"
+#include "workbench/tools/Background.h"
 #include "workbench/tools/Blur.h"
 #include "workbench/tools/BrightnessContrast.h"
+#include "workbench/tools/ColorCorrector.h"
+#include "workbench/tools/ColorGain.h"
 #include "workbench/tools/ColorGradient.h"
 #include "workbench/tools/Crop.h"
 #include "workbench/tools/DropShadow.h"
@@ -64,8 +67,11 @@ public:
 void RegisterTools()
 {
     static const ToolClass<ImageSource> imageSource("ImageSource", "Image Source", "Input");
+    static const ToolClass<Background> background("Background", "Background", "Input");
     static const ToolClass<BrightnessContrast> grade("BrightnessContrast", "Brightness Contrast",
                                                      "Colour");
+    static const ToolClass<ColorCorrector> corrector("ColorCorrector", "Colour Corrector", "Colour");
+    static const ToolClass<ColorGain> gain("ColorGain", "Colour Gain", "Colour");
     static const ToolClass<Blur> blur("Blur", "Blur", "Filter");
     static const ToolClass<ColorGradient> gradient("ColorGradient", "Gradient", "Input");
     static const ToolClass<DropShadow> shadow("DropShadow", "Drop Shadow", "Filter");

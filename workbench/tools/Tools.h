@@ -3,8 +3,9 @@
 namespace Marlox {
 
 /// Registers the workbench's tools with the host (ClassKind::Tool): "ImageSource",
-/// "ColorGradient", "BrightnessContrast", "Blur", "DropShadow", "Crop", "CropRegion", "Transform",
-/// "PolygonMask", "BSplineMask", "Path", "Tracker". Call once at start-up; they stay until the end.
+/// "Background", "ColorGradient", "BrightnessContrast", "ColorCorrector", "ColorGain", "Blur",
+/// "DropShadow", "Crop", "CropRegion", "Transform", "PolygonMask", "BSplineMask", "Path", "Tracker".
+/// Call once at start-up; they stay until the end.
 void RegisterTools();
 
 } // namespace Marlox
