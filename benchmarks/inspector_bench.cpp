@@ -1,6 +1,7 @@
 // An inspector page of 200 slider controls against a page of 200 rows of Qt's own widgets: opening,
-// and following a change of time in which every value becomes another. Both stand in a shown window
-// of the offscreen platform, in the product's look. Besides what a page pays for each control.
+// and following a change of time in which every value becomes another. The latter too for a colour
+// of eight channels. All stand in a shown window of the offscreen platform, in the product's look.
+// Besides what a page pays for each control.
 
 #include "script/ScriptSystem.h"
 #include "system/base/HostClassIds.h"
@@ -25,7 +26,8 @@ using namespace Marlox;
 
 namespace {
 
-constexpr int rows = 200;
+constexpr int sliders = 200;
+constexpr int channels = 8;           // of a colour
 constexpr QSize panel(400, 900);      // what is seen of a page, as in the workbench
 constexpr int seenRows = 25;          // at least
 constexpr QSize wholePage(400, 7200); // room for all rows
@@ -34,7 +36,7 @@ constexpr double sliderTicks = 1000.0;
 /// The value of a row: another one at time 0 than at time 1, and in each row.
 double ValueAt(int row, double time)
 {
-    return (row + 1) / (rows + 2.0) * (time > 0.0 ? 0.7 : 1.0);
+    return (row + 1) / (sliders + 2.0) * (time > 0.0 ? 0.7 : 1.0);
 }
 
 // Ours -------------------------------------------------------------------------------------------
@@ -47,19 +49,24 @@ public:
     }
 };
 
-/// A tool with 200 animated numbers.
-class SliderTool : public Operator {
+/// A tool with animated numbers: each with a slider, or all the channels of one colour.
+template <int rows, bool isColor>
+class NumbersTool : public Operator {
 public:
-    explicit SliderTool(const Registry* record) : Operator(record)
+    explicit NumbersTool(const Registry* record) : Operator(record)
     {
         for (int row = 0; row < rows; ++row) {
             const std::string name = "Value " + std::to_string(row);
-            Input& input = AddInput(MxID(("value" + std::to_string(row)).c_str()),
-                                    {{IAS_Name, name.c_str()},
-                                     {IAS_Control, CLSID_InputControl_Slider},
-                                     {IAD_Minimum, 0.0},
-                                     {IAD_Maximum, 1.0},
-                                     {IAD_Default, 0.5}});
+            TagList tags({{IAS_Name, name.c_str()},
+                          {IAS_Control, isColor ? "ColorControl" : CLSID_InputControl_Slider},
+                          {IAD_Minimum, 0.0},
+                          {IAD_Maximum, 1.0},
+                          {IAD_Default, 0.5}});
+            if (isColor)
+                tags.Set(IA_Channel, row);
+            if (isColor && row > 0)
+                tags.Set(IAS_SharedWith, "value0");
+            Input& input = AddInput(MxID(("value" + std::to_string(row)).c_str()), tags);
             for (const double time : {0.0, 1.0}) {
                 input.AddKey(time);
                 input.SetValue(*MakeRef<Number>(ValueAt(row, time)), time);
@@ -73,20 +80,27 @@ public:
     }
 };
 
+template <class Tool>
 Object* MakeTool(const Registry* record, const ScriptVal&, const TagList&)
 {
-    return new SliderTool(record);
+    return new Tool(record);
 }
 
+template <class Tool>
 const TagPair toolTags[] = {
-    {REG_Kind, int(ClassKind::Tool)}, {REG_Create, CreateFunction(MakeTool)}, {}};
-const Registry toolRecord("BenchSliderTool", toolTags);
+    {REG_Kind, int(ClassKind::Tool)}, {REG_Create, CreateFunction(MakeTool<Tool>)}, {}};
+constexpr char sliderTool[] = "BenchSliderTool";
+constexpr char colorTool[] = "BenchColorTool";
+const Registry sliderRecord(sliderTool, toolTags<NumbersTool<sliders, false>>);
+const Registry colorRecord(colorTool, toolTags<NumbersTool<channels, true>>);
 
 /// The page stays in its panel, as in the workbench, and gets a tool to show.
+template <const char* tool, int rowCount>
 class OurPage {
 public:
-    explicit OurPage(QScrollArea& panel)
-        : tool_(document_.AddTool("BenchSliderTool")), page_(new ControlWnd)
+    static constexpr int rows = rowCount;
+
+    explicit OurPage(QScrollArea& panel) : tool_(document_.AddTool(tool)), page_(new ControlWnd)
     {
         panel.setWidget(page_);
     }
@@ -102,8 +116,11 @@ private:
 
 // The peer ---------------------------------------------------------------------------------------
 
+template <int rowCount>
 class PlainPage {
 public:
+    static constexpr int rows = rowCount;
+
     explicit PlainPage(QScrollArea& panel) : panel_(panel) {}
     void Open()
     {
@@ -235,7 +252,7 @@ void Redisplay(benchmark::State& state)
         page.SetTime(time = 1.0 - time);
         QCoreApplication::sendPostedEvents();
     };
-    if (!Paints(state, 2 * rows, change))
+    if (!Paints(state, 2 * Page::rows, change))
         return;
     for (auto _ : state)
         change();
@@ -283,10 +300,15 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s\n", dlerror());
         return EXIT_FAILURE;
     }
-    benchmark::RegisterBenchmark("inspector/open", Open<OurPage>);
-    benchmark::RegisterBenchmark("inspector/open-qt-rows", Open<PlainPage>);
-    benchmark::RegisterBenchmark("inspector/redisplay", Redisplay<OurPage>);
-    benchmark::RegisterBenchmark("inspector/redisplay-qt-rows", Redisplay<PlainPage>);
+    using OurSliders = OurPage<sliderTool, sliders>;
+    using OurColor = OurPage<colorTool, channels>;
+    benchmark::RegisterBenchmark("inspector/open", Open<OurSliders>);
+    benchmark::RegisterBenchmark("inspector/open-qt-rows", Open<PlainPage<sliders>>);
+    benchmark::RegisterBenchmark("inspector/redisplay", Redisplay<OurSliders>);
+    benchmark::RegisterBenchmark("inspector/redisplay-qt-rows", Redisplay<PlainPage<sliders>>);
+    benchmark::RegisterBenchmark("inspector/redisplay-color", Redisplay<OurColor>);
+    benchmark::RegisterBenchmark("inspector/redisplay-color-qt-rows",
+                                 Redisplay<PlainPage<channels>>);
     benchmark::RegisterBenchmark("inspector/create-slider", CreateControl);
     benchmark::RegisterBenchmark("taglist/ten-tags", TenTags);
     benchmark::Initialize(&argc, argv);
