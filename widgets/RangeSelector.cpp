@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numeric>
 #include <utility>
+#include <vector>
 
 #include <QAccessibleWidget>
 #include <QHelpEvent>
@@ -141,33 +142,47 @@ int RangeSelector::WidthFor(int range) const
     return fontMetrics().horizontalAdvance(NameOf(range)) + 2 * padding;
 }
 
-/// Room that is left over is shared evenly; where there is too little, in the proportion of what
-/// the names want.
+/// Room that is left over is shared evenly. Where there is too little, first the room beside the
+/// names goes, then the longest of them are cut, all to the same width.
+std::array<double, RangeSelector::count> RangeSelector::Widths() const
+{
+    std::vector<double*> byWidth;
+    std::array<double, count> widths{};
+    double left = width() - 2;
+    for (int range = 0; range < count; ++range) {
+        if (IsOffered(range)) {
+            widths[std::size_t(range)] = WidthFor(range);
+            byWidth.push_back(&widths[std::size_t(range)]);
+            left -= WidthFor(range);
+        }
+    }
+    const double share = left / double(std::max<std::size_t>(byWidth.size(), 1));
+    const double padded = 2.0 * (padding - smallestPadding);
+    if (-share <= padded) {
+        for (double* own : byWidth)
+            *own += share;
+        return widths;
+    }
+    const auto narrower = [](const double* a, const double* b) { return *a < *b; };
+    std::sort(byWidth.begin(), byWidth.end(), narrower);
+    double room = width() - 2;
+    for (std::size_t i = 0; i < byWidth.size(); ++i) {
+        double& own = *byWidth[i];
+        own = std::min(own - padded, room / double(byWidth.size() - i));
+        room -= own;
+    }
+    return widths;
+}
+
 QRect RangeSelector::SegmentOf(int range) const
 {
-    std::array<double, count> widths{};
-    int offered = 0;
-    for (int i = 0; i < count; ++i) {
-        if (!IsOffered(i))
-            continue;
-        ++offered;
-        widths[std::size_t(i)] = WidthFor(i);
-    }
     if (range < 0 || range >= count || !IsOffered(range))
         return {};
-    const int room = width() - 2;
-    const double wanted = std::accumulate(widths.begin(), widths.end(), 0.0);
-    const auto end = [&](int last) { // of the segments up to there
-        double sum = 0.0;
-        for (int i = 0; i <= last; ++i) {
-            const double own = widths[std::size_t(i)];
-            if (IsOffered(i))
-                sum += wanted <= room ? own + (room - wanted) / offered : own * room / wanted;
-        }
-        return 1 + int(std::lround(sum));
-    };
-    const int left = end(range - 1);
-    return {left, 1, end(range) - left, height() - 2};
+    const std::array<double, count> widths = Widths();
+    const double start = std::accumulate(widths.begin(), widths.begin() + range, 1.0);
+    const int left = int(std::lround(start));
+    const int end = int(std::lround(start + widths[std::size_t(range)]));
+    return {left, 1, end - left, height() - 2};
 }
 
 std::optional<int> RangeSelector::RangeAt(QPoint at) const

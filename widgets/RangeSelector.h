@@ -57,6 +57,7 @@ private:
     std::optional<int> RangeAt(QPoint at) const;
     int NextOffered(int from, int by) const;
     int WidthFor(int range) const;
+    std::array<double, count> Widths() const;
     void Choose(int range);
     void SetHovered(std::optional<int> range);
     void PaintSegment(QPainter& painter, int range) const;

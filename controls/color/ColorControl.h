@@ -54,6 +54,7 @@ public:
     bool SetAttrsTagList(Input* input, const TagList& tags) override;
     bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
     void Close(TagList* tags) override;
+    void ResetUndo(TagList* tags) override; // gives up a pick, which ends by itself otherwise
 
 public slots:
     void OnField();      // the field's colour was dragged

@@ -183,6 +183,14 @@ void ColorControl::OnPickEnded(bool kept)
     }
 }
 
+void ColorControl::ResetUndo(TagList* tags)
+{
+    if (pick_ && pick_->IsPicking())
+        pick_->Cancel();
+    else
+        ChannelControl::ResetUndo(tags);
+}
+
 void ColorControl::OnPickColor(QWidget* viewer, const MxPoint&)
 {
     ColorSource* source = ColorSource::Of(viewer);

@@ -56,8 +56,10 @@ void ColorControl::Depopulate()
         row->Slider().SetOwner(nullptr); // ends a gesture
         row->Slider().disconnect(this);
         row->hide();
-        row->setParent(nullptr); // the container it stands in goes
-        row->deleteLater();      // perhaps from within one of its own handlers
+        row->setParent(this); // the container it stands in goes
+        for (QWidget* part : row->findChildren<QWidget*>())
+            part->setObjectName({}); // the next row has these names
+        row->deleteLater(); // perhaps from within one of its own handlers
     }
 }
 

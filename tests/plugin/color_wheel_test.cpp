@@ -221,7 +221,7 @@ void ColorWheelTest::WritesItsInputs()
     QCOMPARE(wheel.TintAngle(), 0.125);
     Pointer::Click(wheel, stage.At(2.0, 0.3)); // only the length is free
     QCOMPARE(wheel.TintAngle(), 0.125);
-    QCOMPARE(wheel.TintLength(), 0.51);
+    QCOMPARE(wheel.TintLength(), 0.5);
     stage.InputOf().SetAttrsTagList({{IC_Disabled, 1}});
     QVERIFY(!wheel.isEnabled() && !saturation.isEnabled());
 }

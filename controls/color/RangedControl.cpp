@@ -1,0 +1,227 @@
+#include "controls/color/RangedControl.h"
+
+#include "system/widgets/ElideLabel.h"
+#include "system/widgets/TimeCodeEdit.h"
+#include "widgets/CustomControl.h"
+#include "widgets/RangeSelector.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Marlox {
+
+namespace {
+
+constexpr int besideGap = 8; // between wheel and edits
+
+int minimumWidthOf(const LayoutObj* object)
+{
+    int width = 0;
+    int height = 0;
+    if (object)
+        object->MinimumSize(width, height);
+    return width;
+}
+
+} // namespace
+
+RangedControl::RangedControl(const Registry* record, const ScriptVal& creator,
+                             const TagList& attributes, std::span<const Place> places,
+                             const std::array<u32, 3>& names)
+    : ChannelControl(record, creator, attributes, ranges * int(places.size())),
+      places_(places), nameTags_{0, names[0], names[1], names[2]}, channels_(int(places.size())),
+      selector_(new RangeSelector(this))
+{
+    selector_->setObjectName(QStringLiteral("ranges"));
+    for (const Place& place : places_) {
+        labels_.push_back(new ElideLabel(this));
+        labels_.back()->setObjectName(QLatin1String(place.label));
+        labels_.back()->SetText(tr(place.text));
+        edits_.push_back(new TimeCodeEdit(this));
+        edits_.back()->setObjectName(QLatin1String(place.edit));
+        labels_.back()->setFocusProxy(edits_.back());
+    }
+    connect(selector_, &RangeSelector::RangeChanged, this, &RangedControl::OnRangeChanged);
+}
+
+RangedControl::~RangedControl()
+{
+    wheel_->SetOwner(nullptr);
+}
+
+void RangedControl::SetWheel(CustomControl& wheel)
+{
+    wheel_ = &wheel;
+    wheel.setObjectName(QStringLiteral("wheel"));
+}
+
+// Attributes -------------------------------------------------------------------------------------
+
+bool RangedControl::CopyAttr(u64 tag, void* out)
+{
+    const auto found = std::find(nameTags_.begin() + 1, nameTags_.end(), u32(tag));
+    if (found == nameTags_.end())
+        return ChannelControl::CopyAttr(tag, out);
+    *static_cast<const char**>(out) = names_[std::size_t(found - nameTags_.begin())].c_str();
+    return true;
+}
+
+void RangedControl::ReadTags(const TagList& tags)
+{
+    const std::array<QString, ranges> usual{tr("Master"), tr("Shadows"), tr("Midtones"),
+                                            tr("Highlights")};
+    QStringList shown;
+    for (std::size_t i = 0; i < ranges; ++i) {
+        names_[i] = i > 0 ? tags.GetString(nameTags_[i], "") : "";
+        shown += names_[i].empty() ? usual[i] : QString::fromStdString(names_[i]);
+    }
+    selector_->SetNames(shown);
+    wheel_->SetLocked(tags.GetBool(IC_EditDisabled));
+}
+
+int RangedControl::SlotOf(const Input& input) const
+{
+    const int64 range = input.GetAttr(IA_Range, 0);
+    const int64 channel = input.GetAttr(IA_Channel, input.GetAttr(IA_ControlIndex, 0) % channels_);
+    const bool known = range >= 0 && range < ranges && channel >= 0 && channel < channels_;
+    return known ? SlotFor(int(range), int(channel)) : -1;
+}
+
+// Life cycle -------------------------------------------------------------------------------------
+
+bool RangedControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
+{
+    for (int range = ranges; range-- > 0;) {
+        if (HasRange(range) && !HasRange(ShownRange()))
+            selector_->SetRange(range);
+    }
+    return ChannelControl::Open(window, rect, tags);
+}
+
+void RangedControl::Close(TagList* tags)
+{
+    wheel_->SetOwner(nullptr); // ends a gesture
+    ChannelControl::Close(tags);
+}
+
+const char* RangedControl::ExpressionPlace(int slot) const
+{
+    return slot / channels_ == ShownRange() ? places_[std::size_t(slot % channels_)].expression
+                                            : nullptr;
+}
+
+bool RangedControl::HasRange(int range) const
+{
+    for (int channel = 0; channel < channels_; ++channel) {
+        if (InputOf(SlotFor(range, channel)))
+            return true;
+    }
+    return false;
+}
+
+int RangedControl::ShownRange() const
+{
+    return selector_->Range();
+}
+
+void RangedControl::Populate()
+{
+    std::array<bool, ranges> offered{};
+    for (int range = 0; range < ranges; ++range)
+        offered[std::size_t(range)] = HasRange(range);
+    selector_->SetOffered(offered);
+    selector_->setVisible(std::count(offered.begin(), offered.end(), true) > 1);
+    wheel_->SetOwner(this);
+    SetMode(ShownRange());
+    wheel_->setAccessibleName(Inputs().empty() ? QString() : Inputs().front()->GetName());
+    for (int channel = 0; channel < channels_; ++channel) {
+        const auto at = std::size_t(channel);
+        const int slot = SlotFor(ShownRange(), channel);
+        const Input* input = InputOf(slot);
+        AttachEdit(*edits_[at], slot);
+        edits_[at]->setAccessibleName(input ? input->GetName() : QString());
+        edits_[at]->setVisible(input != nullptr);
+        labels_[at]->setVisible(input != nullptr);
+    }
+    Arrange();
+}
+
+void RangedControl::OnRangeChanged(int)
+{
+    Rebuild();
+}
+
+// Sizes ------------------------------------------------------------------------------------------
+
+/// The wheel has two places in the layout: beside the edits and above them.
+void RangedControl::Arrange()
+{
+    LayoutObj* beside = FindLayoutObj("wheel");
+    LayoutObj* above = FindLayoutObj("wheelabove");
+    if (!beside || !above)
+        return; // a look that arranges it otherwise
+    (stacked_ ? beside : above)->SetWidget(nullptr);
+    (stacked_ ? above : beside)->SetWidget(wheel_);
+}
+
+bool RangedControl::GetMinSize(int& width, int& height, TagList* tags)
+{
+    const bool known = ChannelControl::GetMinSize(width, height, tags);
+    // Beside each other they take more, but need not.
+    if (FindLayoutObj("wheelabove") && Fault().isEmpty())
+        width = std::max({wheel_->minimumSizeHint().width(), minimumWidthOf(FindLayoutObj("edits")),
+                          selector_->isHidden() ? 0 : selector_->minimumSizeHint().width()});
+    return known;
+}
+
+bool RangedControl::SetSize(int& width, int& height, TagList* tags)
+{
+    const int both =
+        wheel_->minimumSizeHint().width() + besideGap + minimumWidthOf(FindLayoutObj("edits"));
+    const bool stacked = FindLayoutObj("wheelabove") && width < both;
+    if (std::exchange(stacked_, stacked) != stacked) {
+        Arrange();
+        RecalcControlSize();
+    }
+    return ChannelControl::SetSize(width, height, tags);
+}
+
+// Values -----------------------------------------------------------------------------------------
+
+int RangedControl::SlotAt(const QWidget* widget) const
+{
+    const auto found = std::find(labels_.begin(), labels_.end(), widget);
+    return found != labels_.end() ? SlotFor(ShownRange(), int(found - labels_.begin())) : -1;
+}
+
+void RangedControl::Show()
+{
+    ShowEdits();
+    for (int range = 0; range < ranges; ++range)
+        ShowWheel(range);
+}
+
+void RangedControl::ShowSlot(int slot)
+{
+    ShowEditsOf(slot);
+    ShowWheel(slot / channels_);
+}
+
+void RangedControl::ResetChannels(std::span<const int> channels, const QString& undoText)
+{
+    const auto alive = Ref<RangedControl>::Share(this); // what follows may close the page
+    StartUndo(undoText.toUtf8().constData());
+    {
+        const Writing writing(*this);
+        for (const int channel : channels) {
+            const int slot = SlotFor(ShownRange(), channel);
+            const double value = SettingsOf(slot).defaultValue;
+            if (IsEditable(slot) && value != SliderModel::none)
+                Write(slot, value);
+        }
+    }
+    ResetUndo(nullptr);
+    UpdateDisplay(nullptr, nullptr);
+}
+
+} // namespace Marlox
