@@ -126,12 +126,12 @@ void CustomColorField::paintEvent(QPaintEvent*)
         painter.setOpacity(dimmed);
     PaintPictures(painter);
     PaintFrames(painter);
+    if (hasFocus())
+        PaintFocusRing(painter, rect());
     painter.setRenderHint(QPainter::Antialiasing);
     PaintStripKnob(painter, Zone::Hue, "Controls.ColorField.HueKnob", Hue());
     PaintStripKnob(painter, Zone::Alpha, "Controls.ColorField.AlphaKnob", Alpha());
     PaintSquareKnob(painter);
-    if (hasFocus())
-        PaintFocusRing(painter, rect());
 }
 
 void CustomColorField::PaintPictures(QPainter& painter)

@@ -24,14 +24,15 @@ constexpr double nameRadius = 0.082;
 
 constexpr double dimmed = 0.38;
 constexpr double ringLight = 0.42;
-constexpr double discLight = 0.075;
+constexpr double discLight = 0.055;
 constexpr double discStrength = 0.8; // of the hue on the disc's rim
 constexpr double areaLight = 0.3;
 constexpr double areaStrength = 0.85;
 constexpr double knobLight = 0.8;
+constexpr double knobStrength = 0.88;
 constexpr int ticks = 4; // on a spoke
 constexpr double tickLength = 5.0;
-constexpr int areaSteps = 30; // of a sixth turn: less than a pixel off the curve
+constexpr int areaSteps = 12; // of a sixth turn: a tenth of a pixel off the curve
 constexpr double stateRadius = 9.25;
 
 QColor lookColor(const char* name, MxColor fallback)
@@ -61,7 +62,7 @@ double partOf(double turns)
 
 QColor CustomColorSuppression::ColorOf(int knob) const
 {
-    const RgbColor rgb = MutedHue(double(knob) / knobs, 1.0, knobLight);
+    const RgbColor rgb = MutedHue(double(knob) / knobs, knobStrength, knobLight);
     return DisplayColors::Global().Shown(rgb[0], rgb[1], rgb[2]);
 }
 
@@ -163,11 +164,11 @@ void CustomColorSuppression::PaintArea(QPainter& painter) const
     brush.setTransform(QTransform::fromTranslate(model_.Square().x(), model_.Square().y())
                            .scale(1.0 / ratio, 1.0 / ratio));
     painter.setBrush(brush);
-    painter.setPen(QPen(QColor(0, 0, 0, 110), 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(QColor(0, 0, 0, 110), 3.0, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
     painter.drawPolygon(outline);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(
-        QPen(QColor(236, 236, 236, 215), 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        QPen(QColor(236, 236, 236, 215), 1.3, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
     painter.drawPolygon(outline);
 }
 

@@ -179,13 +179,26 @@ void CustomControl::PaintFocusRing(QPainter& painter, const QRectF& around, doub
 {
     const double ratio = painter.device()->devicePixelRatioF();
     const double line = std::max(1.0, std::round(ratio)) / ratio;
+    const QColor color = LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor();
+    const double width = around.width() - 2.0 * radius;
+    const double height = around.height() - 2.0 * radius;
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing, radius > 0.0);
-    painter.setPen(
-        QPen(LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor(), line));
-    painter.setBrush(Qt::NoBrush);
-    const double half = 0.5 * line;
-    painter.drawRoundedRect(around.adjusted(half, half, -half, -half), radius, radius);
+    // Piece by piece: a large rounded rectangle costs more than most widgets.
+    for (const double y : {around.top(), around.bottom() - line})
+        painter.fillRect(QRectF(around.left() + radius, y, width, line), color);
+    for (const double x : {around.left(), around.right() - line})
+        painter.fillRect(QRectF(x, around.top() + radius, line, height), color);
+    if (radius > 0.0) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(color, line, Qt::SolidLine, Qt::FlatCap));
+        const double reach = 2.0 * radius - line;
+        const double right = around.right() - 0.5 * line - reach;
+        const double bottom = around.bottom() - 0.5 * line - reach;
+        const QPointF first = around.topLeft() + 0.5 * QPointF(line, line);
+        const QPointF corners[] = {{right, first.y()}, first, {first.x(), bottom}, {right, bottom}};
+        for (int i = 0; i < 4; ++i) // counter-clockwise from the right
+            painter.drawArc(QRectF(corners[i], QSizeF(reach, reach)), i * 90 * 16, 90 * 16);
+    }
     painter.restore();
 }
 

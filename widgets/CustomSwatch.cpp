@@ -17,7 +17,7 @@ namespace {
 
 constexpr QSize usual(40, 20);
 constexpr double dimmed = 0.38;
-constexpr int arrowSize = 6;
+constexpr int arrowSize = 8;
 
 QColor lookColor(const char* name, MxColor fallback)
 {
@@ -32,7 +32,7 @@ void paintArrow(QPainter& painter, QPointF tip, double way)
     arrow.lineTo(tip.x() - half, tip.y() + way * half);
     arrow.lineTo(tip.x() + half, tip.y() + way * half);
     arrow.closeSubpath();
-    painter.setPen(QPen(QColor(0, 0, 0, 200), 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(QColor(0, 0, 0, 220), 1.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(QColor(255, 255, 255));
     painter.drawPath(arrow);
 }

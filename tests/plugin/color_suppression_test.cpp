@@ -346,7 +346,7 @@ void ColorSuppressionTest::ShowsOneRange()
 {
     SuppressionStage stage({{CSCCD_AngleMaster, 0.25}});
     QVERIFY(stage.Ranges().isHidden());
-    QCOMPARE(stage.Knob(0).x(), stage.Knob(0).x());
+    QVERIFY(std::abs(stage.Knob(0).x() - stage.wheel.Model().Centre().x()) <= 0.5); // upwards
     QVERIFY(stage.Knob(0).y() < stage.wheel.Model().Centre().y() - 30.0);
     double angle = 0.0;
     QVERIFY(stage.Control().CopyAttr(CSCCD_AngleMaster, &angle));

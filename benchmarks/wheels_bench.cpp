@@ -1,0 +1,84 @@
+// What one step of a drag in the drawn wheels costs, from the event to the repaint, in one shown
+// window of the offscreen platform.
+
+#include "script/ScriptSystem.h"
+#include "widgets/CustomColorSuppression.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QMouseEvent>
+
+using namespace Marlox;
+
+namespace {
+
+constexpr QRect place(10, 10, 220, 220);
+constexpr double reach = 40.0; // pixels of the way there and back
+constexpr double step = 3.0;
+
+/// In pixels of the wheel.
+void send(QWidget& wheel, QEvent::Type type, QPointF at)
+{
+    const bool moves = type == QEvent::MouseMove;
+    const bool released = type == QEvent::MouseButtonRelease;
+    QMouseEvent event(type, at, at + QPointF(place.topLeft()),
+                      moves ? Qt::NoButton : Qt::LeftButton,
+                      released ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&wheel, &event);
+}
+
+/// Drags what lies at `from` to and fro, in steps to the right and back.
+void drag(benchmark::State& state, QWidget& wheel, QPointF from)
+{
+    send(wheel, QEvent::MouseButtonPress, from);
+    QCoreApplication::processEvents();
+    double way = 0.0;
+    double next = step;
+    for (auto _ : state) {
+        if (way + next < 0.0 || way + next > reach)
+            next = -next;
+        way += next;
+        send(wheel, QEvent::MouseMove, from + QPointF(way, 0.0));
+        QCoreApplication::sendPostedEvents();
+    }
+    send(wheel, QEvent::MouseButtonRelease, from);
+    QCoreApplication::processEvents();
+}
+
+/// A window with one wheel.
+template <class Wheel>
+struct Stage {
+    Stage() : wheel(*new Wheel(&window))
+    {
+        window.resize(240, 240);
+        wheel.setGeometry(place);
+        window.show();
+        window.activateWindow();
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+    }
+    QWidget window;
+    Wheel& wheel;
+};
+
+void DragSuppression(benchmark::State& state)
+{
+    const Stage<CustomColorSuppression> stage;
+    stage.wheel.SetRecord(0, {0.0, {0.3, 0.8, 0.6, 1.0, 0.4, 0.7}});
+    drag(state, stage.wheel, stage.wheel.Model().KnobPosition(0));
+}
+
+BENCHMARK(DragSuppression)->Name("color/suppression-drag");
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    InstallScripting();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
