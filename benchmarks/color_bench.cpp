@@ -145,9 +145,9 @@ bool isExact(int pixels)
         square.Paint(image, 0, hue, DisplayColors::Global());
         for (int y = 0; y < pixels; ++y) {
             for (int x = 0; x < pixels; ++x)
-                plain.setPixelColor(x, y,
-                                    QColor::fromHsvF(hue, saturations[std::size_t(x)],
-                                                     values[std::size_t(y)]));
+                plain.setPixelColor(
+                    x, y,
+                    QColor::fromHsvF(hue, saturations[std::size_t(x)], values[std::size_t(y)]));
         }
         if (image != plain)
             return false;

@@ -3,6 +3,7 @@
 
 #include "script/ScriptSystem.h"
 #include "widgets/CustomColorSuppression.h"
+#include "widgets/CustomColorWheel.h"
 
 #include <benchmark/benchmark.h>
 
@@ -69,7 +70,35 @@ void DragSuppression(benchmark::State& state)
     drag(state, stage.wheel, stage.wheel.Model().KnobPosition(0));
 }
 
+void DragRing(benchmark::State& state)
+{
+    const Stage<CustomColorWheel> stage;
+    drag(state, stage.wheel, stage.wheel.Model().PlaceOf(0.5 * M_PI, 0.8));
+}
+
+void DragTint(benchmark::State& state)
+{
+    const Stage<CustomColorWheel> stage;
+    drag(state, stage.wheel, stage.wheel.Model().PlaceOf(1.2 * M_PI, 0.3));
+}
+
+/// A wheel that is shown for the first time: its colours are computed.
+template <class Wheel>
+void Show(benchmark::State& state)
+{
+    QImage image(place.size(), QImage::Format_ARGB32_Premultiplied);
+    for (auto _ : state) {
+        Wheel wheel;
+        wheel.resize(place.size());
+        wheel.render(&image);
+    }
+}
+
 BENCHMARK(DragSuppression)->Name("color/suppression-drag");
+BENCHMARK(DragRing)->Name("color/wheel-drag-ring");
+BENCHMARK(DragTint)->Name("color/wheel-drag-tint");
+BENCHMARK(Show<CustomColorWheel>)->Name("color/wheel-show");
+BENCHMARK(Show<CustomColorSuppression>)->Name("color/suppression-show");
 
 } // namespace
 

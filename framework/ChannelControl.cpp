@@ -1,5 +1,6 @@
 #include "framework/ChannelControl.h"
 
+#include "framework/NamedPlaces.h"
 #include "system/document/MarloxDoc.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/TimeCodeEdit.h"
@@ -8,22 +9,6 @@
 #include <cmath>
 
 namespace Marlox {
-
-namespace {
-
-void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
-{
-    const QString name = object.Name().ToString();
-    if (name.isEmpty() || object.IsContainer())
-        return;
-    if (auto* widget = static_cast<ChannelControl*>(control)->findChild<QWidget*>(
-            name, Qt::FindDirectChildrenOnly)) {
-        object.SetWidget(widget);
-        widget->show();
-    }
-}
-
-} // namespace
 
 ChannelControl::ChannelControl(const Registry* record, const ScriptVal& creator,
                                const TagList& attributes, int count)
@@ -66,8 +51,8 @@ unsigned int ChannelControl::IndexOf(int slot) const
 bool ChannelControl::IsEditable(int slot) const
 {
     const Input* input = InputOf(slot);
-    return input && !ControlDisabled() && input->IsChangeable() && !input->HasExpression() &&
-           input->GetState().source.empty();
+    return input && !ControlDisabled() && !SettingsOf(slot).editDisabled && input->IsChangeable() &&
+           !input->HasExpression() && input->GetState().source.empty();
 }
 
 bool ChannelControl::SetAttrsTagList(const TagList& tags)
@@ -85,6 +70,8 @@ bool ChannelControl::SetAttrsTagList(Input* input, const TagList& tags)
         return false;
     TagList all(creation_);
     all.Merge(tags);
+    if (Inputs().empty() || input == Inputs().front())
+        GetDisabledTags(all, false); // one that is read-only leaves the others be
     if (Inputs().empty() || input == Inputs().front())
         ReadTags(all);
     if (const int slot = SlotOf(*input); HasSlot(slot)) {
@@ -183,7 +170,7 @@ bool ChannelControl::Build()
 {
     for (QWidget* child : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
         child->hide(); // unless the layout has a place for it
-    if (!LoadLayout(LayoutName(), false, attachWidget, this))
+    if (!LoadLayout(LayoutName(), false, PlaceNamedChild, static_cast<QWidget*>(this)))
         return false; // the line that tells the fault has the place
     Populate();
     for (int slot = 0; slot < SlotCount(); ++slot) {
@@ -254,6 +241,22 @@ void ChannelControl::OnDisconnect(Input* input, TagList* tags)
     InputControl::OnDisconnect(input, tags);
 }
 
+QString ChannelControl::CommonName(const InputList& inputs)
+{
+    QString common = inputs.empty() ? QString() : inputs.front()->GetName();
+    const auto isWhole = [&common](const Input* input) {
+        const QString name = input->GetName();
+        return name.size() == common.size() || name.at(common.size()).isSpace();
+    };
+    for (const Input* input : inputs) {
+        while (!input->GetName().startsWith(common))
+            common.chop(1);
+    }
+    if (!std::all_of(inputs.begin(), inputs.end(), isWhole))
+        common.truncate(common.lastIndexOf(QLatin1Char(' ')) + 1);
+    return common.trimmed();
+}
+
 // Edits ------------------------------------------------------------------------------------------
 
 void ChannelControl::AttachEdit(TimeCodeEdit& edit, int slot)
@@ -321,10 +324,12 @@ void ChannelControl::ShowEdit(const Edit& edit)
                         SettingsOf(edit.slot).precision);
     QPalette colors = palette();
     if (input->HasExpression())
-        colors.setColor(
-            QPalette::Text,
-            LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor());
-    if (edit.edit->palette().color(QPalette::Text) != colors.color(QPalette::Text))
+        for (const auto group : {QPalette::Active, QPalette::Inactive})
+            colors.setColor(
+                group, QPalette::Text,
+                LookPack::Global().Color("Controls.ExpressionColour", {230, 215, 135}).ToQColor());
+    if (edit.edit->palette().color(QPalette::Active, QPalette::Text) !=
+        colors.color(QPalette::Active, QPalette::Text))
         edit.edit->setPalette(colors);
 }
 

@@ -26,8 +26,8 @@ public:
     Input* InputOf(int slot) const; // null: none is attached
     double ValueOf(int slot) const; // as last told; 0 without an input
     const SliderSettings& SettingsOf(int slot) const { return slots_[std::size_t(slot)].settings; }
-    /// Whether the user can set it: attached, changeable, and neither connected nor following an
-    /// expression.
+    /// Whether the user can set it: attached, changeable, not excepted from editing
+    /// (IC_EditDisabled), and neither connected nor following an expression.
     bool IsEditable(int slot) const;
 
     bool SetAttrsTagList(const TagList& tags) override;
@@ -80,6 +80,8 @@ protected:
     virtual int SlotAt(const QWidget*) const { return -1; }
 
     const TagList& CreationTags() const { return creation_; }
+    /// What the names of these inputs begin with alike, in whole words; empty: nothing.
+    static QString CommonName(const InputList& inputs);
     /// Builds the layout anew, from LayoutName as it is now.
     void Rebuild();
     unsigned int IndexOf(int slot) const; // IA_ControlIndex of its input; 0 without one

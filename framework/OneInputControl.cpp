@@ -1,26 +1,11 @@
 #include "framework/OneInputControl.h"
 
+#include "framework/NamedPlaces.h"
 #include "system/resources/Resources.h"
 
 #include <QColor>
 
 namespace Marlox {
-
-namespace {
-
-void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* control)
-{
-    const QString name = object.Name().ToString();
-    if (name.isEmpty() || object.IsContainer())
-        return;
-    if (auto* widget = static_cast<OneInputControl*>(control)->findChild<QWidget*>(
-            name, Qt::FindDirectChildrenOnly)) {
-        object.SetWidget(widget);
-        widget->show();
-    }
-}
-
-} // namespace
 
 OneInputControl::OneInputControl(const Registry* record, const ScriptVal& creator,
                                  const TagList& attributes)
@@ -70,7 +55,7 @@ bool OneInputControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
         value_ = input->GetValue(CurrentTime());
     for (QWidget* child : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
         child->hide(); // unless the layout has a place for it
-    if (!LoadLayout(LayoutName(), false, attachWidget, this))
+    if (!LoadLayout(LayoutName(), false, PlaceNamedChild, static_cast<QWidget*>(this)))
         return true; // the line that tells the fault has the place
     if (LayoutObj* place = FindLayoutObj("expression"))
         CreateExpressionEdit(int(Index()), place, nullptr);

@@ -98,7 +98,7 @@ public:
         const bool black = extent.most == 0.0;
         const bool grey = extent.Spread() == 0.0;
         if (!black)
-            record.saturation = grey ? 0.0 : extent.Spread() / extent.most;
+            record.saturation = grey ? 0.0 : usable(extent.Spread() / extent.most);
         record.hue = continued(grey ? 0.0 : hueOf(rgb, extent.most, extent.Spread()),
                                !black && !grey, previous);
         return record;
@@ -132,7 +132,7 @@ public:
             record.value = std::nextafter(1.0, 2.0); // at 1 itself there is white only
         const double widest = WidestSpread(record.value);
         if (widest != 0.0 && !(grey && IsEnd(record.value)))
-            record.saturation = grey ? 0.0 : extent.Spread() / widest;
+            record.saturation = grey ? 0.0 : usable(extent.Spread() / widest);
         record.hue =
             continued(grey ? 0.0 : hueOf(rgb, extent.most, extent.Spread()), !grey, previous);
         return record;

@@ -9,7 +9,7 @@ namespace {
 // Pixels, from the edges of the widget and between the zones.
 constexpr int margin = 3;
 constexpr int stripWidth = 10;
-constexpr int stripRoom = 17;       // what a strip takes, with the gap before it
+constexpr int gap = 7;
 constexpr double furtherSteps = 100; // to each at most, where the value axis is flat
 
 constexpr double nudges[] = {0.001, 0.01, 0.1};
@@ -46,7 +46,7 @@ double nudged(double value, double by)
 
 QRect ColorFieldModel::Square() const
 {
-    const int right = HueStrip().right() - stripRoom;
+    const int right = HueStrip().left() - gap;
     const int left = widget.left() + margin;
     return {left, widget.top() + margin, std::max(right - left, 0),
             std::max(widget.height() - 2 * margin, 0)};
@@ -54,7 +54,7 @@ QRect ColorFieldModel::Square() const
 
 QRect ColorFieldModel::HueStrip() const
 {
-    const int right = widget.right() - 2 - (showsAlpha ? stripRoom : 0);
+    const int right = widget.right() - 2 - (showsAlpha ? stripWidth + gap : 0);
     return {right - stripWidth, widget.top() + margin, stripWidth,
             std::max(widget.height() - 2 * margin, 0)};
 }
@@ -69,9 +69,8 @@ QRect ColorFieldModel::AlphaStrip() const
 
 QRect ColorFieldModel::ZoneRect(Zone zone) const
 {
-    static constexpr QRect (ColorFieldModel::*rects[])() const = {
-        &ColorFieldModel::Square, &ColorFieldModel::HueStrip, &ColorFieldModel::AlphaStrip};
-    return zone == Zone::None ? QRect() : (this->*rects[int(zone)])();
+    const QRect rects[] = {Square(), HueStrip(), AlphaStrip()};
+    return zone == Zone::None ? QRect() : rects[int(zone)];
 }
 
 ColorFieldModel::Zone ColorFieldModel::HitTest(QPoint at) const

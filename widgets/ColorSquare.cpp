@@ -12,8 +12,8 @@ namespace {
 
 using Curves = DisplayColors::Curves;
 
-/// Kept to 0 to 1, in a form that the compiler makes no branches of; for numbers up to
-/// some millions.
+/// Kept to 0 to 1, in a form that the compiler makes no branches of; for numbers up to some
+/// millions.
 float unit(float light)
 {
     return 0.5f * (std::abs(light) - std::abs(light - 1.0f)) + 0.5f;
@@ -108,7 +108,7 @@ bool ColorSquareRow::LeavesLight() const
 {
     static constexpr float rounding = 1e-5f;
     for (std::size_t i = 0; i < 3; ++i) {
-        const auto [least, most] = std::minmax(first[i], first[i] + way[i]);
+        const auto [least, most] = std::minmax({first[i], first[i] + way[i]});
         if (least < -rounding || most > 1.0f + rounding)
             return true;
     }

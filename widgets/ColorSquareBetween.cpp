@@ -85,9 +85,7 @@ public:
         Codes codes;
         codes.reserve(3 * columns_.size());
         for (const int shift : {16, 8, 0}) {
-            const auto codeOf = [&](int i) {
-                return float(shown[std::size_t(i)] >> shift & 0xff);
-            };
+            const auto codeOf = [&](int i) { return float(shown[std::size_t(i)] >> shift & 0xff); };
             for (const Between& column : columns_) {
                 const float low = codeOf(column.cell);
                 codes.push_back(low + column.share * (codeOf(column.cell + 1) - low));

@@ -17,11 +17,14 @@ namespace {
 // found below and left to QColor.
 //
 // Codes have 16 binary places. A number of a row is QColor's 16 bits of the value, exact. With
-// those, the column's rounding, the product's and the sum's are off by half a unit of the last place
-// each at most, and the truncation by 1; `slack` puts all of it on one side of the half.
+// those, the column's rounding, the product's and the sum's are off by half a unit of the last
+// place each at most, and the truncation by 1; `slack` puts all of it on one side of the half.
 constexpr float half = 32768.0f;
 constexpr float slack = 2.5f;
 constexpr quint32 doubtful = 4; // units above a half
+
+constexpr double sixteenBits = 65535.0;
+constexpr int turn = 36000; // QColor's hues
 
 constexpr int block = 64; // pixels that are checked together
 constexpr int group = 8;  // the same once there is a doubt
@@ -92,8 +95,7 @@ template <Place middle, Place least>
 }
 
 template <Place middle, Place least>
-void shadePlainly(QRgb* pixels, ColumnNumbers columns, int count, Row row,
-                  std::vector<int>& doubts)
+void shadePlainly(QRgb* pixels, ColumnNumbers columns, int count, Row row, std::vector<int>& doubts)
 {
     shadeBlocks<middle, least>(pixels, columns, count, row, doubts);
 }
@@ -147,37 +149,41 @@ void settle(QRgb* pixels, ColumnNumbers columns, int count, float value, ExactCo
     }
 }
 
+/// The numbers of all columns: those of the middle component, then those of the least. `share`: of
+/// the saturation, that the middle one loses.
+std::vector<float> columnsOf(const std::vector<double>& saturations, double share)
+{
+    constexpr double unit = 255.0 * 65536.0 / sixteenBits;
+    const std::size_t count = saturations.size();
+    std::vector<float> numbers(2 * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double saturation = std::lround(saturations[i] * sixteenBits) / sixteenBits;
+        numbers[i] = float(unit * (1.0 - saturation * share));
+        numbers[count + i] = float(unit * (1.0 - saturation));
+    }
+    return numbers;
+}
+
 } // namespace
 
 void ColorSquare::PaintHsv(QImage& image, double hue) const
 {
-    constexpr int turn = 36000; // QColor's hues
-    constexpr double most = 65535.0;
     const int wrapped =
         std::isfinite(hue) ? int(std::lround((hue - std::floor(hue)) * turn)) % turn : 0;
     const int sixth = wrapped / (turn / 6);
     const double along = double(wrapped % (turn / 6)) / (turn / 6);
-    const double share = sixth % 2 ? along : 1.0 - along; // of the saturation, off the middle one
-    const Sector& sector = sectors[sixth];
-
-    const auto count = saturations_.size();
-    constexpr double unit = 255.0 * 65536.0 / most;
-    std::vector<float> numbers(2 * count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const double saturation = std::lround(saturations_[i] * most) / most;
-        numbers[i] = float(unit * (1.0 - saturation * share));
-        numbers[count + i] = float(unit * (1.0 - saturation));
-    }
-    const ColumnNumbers columns{numbers.data(), numbers.data() + count};
+    const std::vector<float> numbers = columnsOf(saturations_, sixth % 2 ? along : 1.0 - along);
+    const ColumnNumbers columns{numbers.data(), numbers.data() + Columns()};
 
     static const bool wide = isWide();
+    const Sector& sector = sectors[sixth];
     const ShadeRow shadeRow = wide ? sector.widely : sector.plainly;
     std::vector<int> doubts;
     uchar* line = image.bits();
     for (int y = 0; y < Rows(); ++y, line += image.bytesPerLine()) {
         auto* pixels = reinterpret_cast<QRgb*>(line);
         const double value = values_[std::size_t(y)];
-        const auto level = quint32(value * most + 0.5);
+        const auto level = quint32(value * sixteenBits + 0.5);
         const QRgb full = (level + 128) / 257;
         const Row row{float(level), 0xff000000u | full << (Blue - sector.full)};
         doubts.clear();

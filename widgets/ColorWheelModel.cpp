@@ -15,6 +15,16 @@ double finite(double value, double otherwise)
     return std::isfinite(value) ? value : otherwise;
 }
 
+/// A part that is no number starts from what it is without a correction.
+WheelRecord mended(const WheelRecord& record)
+{
+    const WheelRecord neutral;
+    WheelRecord whole = record;
+    whole.hue = finite(whole.hue, neutral.hue);
+    whole.saturation = finite(whole.saturation, neutral.saturation);
+    return whole;
+}
+
 double signedSquare(double value)
 {
     return std::copysign(value * value, value);
@@ -107,7 +117,8 @@ ColorWheelModel::Dragged ColorWheelModel::DragTo(const Drag& drag, const WheelRe
 {
     switch (drag.part) {
     case Part::Ring:
-        return DragRing(drag.start, present, PolarOf(step.press), PolarOf(step.at), step.oneAxis);
+        return DragRing(mended(drag.start), present, PolarOf(step.press), PolarOf(step.at),
+                        step.oneAxis);
     case Part::Tint:
         return DragTint(drag.start, present, PolarOf(step.at), step);
     case Part::None:

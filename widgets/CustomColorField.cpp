@@ -73,11 +73,10 @@ void CustomColorField::SetAlpha(double alpha)
     Show({values_.record, usable(alpha)}, true);
 }
 
-/// False: it is shown already.
-bool CustomColorField::Show(const ColorFieldValues& values, bool redraw)
+void CustomColorField::Show(const ColorFieldValues& values, bool redraw)
 {
     if (values == values_)
-        return false;
+        return;
     if (std::abs(values.record.hue - squareHue_) > sameHue)
         square_.Discard();
     if (values.record != values_.record)
@@ -86,7 +85,6 @@ bool CustomColorField::Show(const ColorFieldValues& values, bool redraw)
     if (redraw)
         update();
     TellActivePart(*this);
-    return true;
 }
 
 void CustomColorField::SetShowsAlpha(bool on)

@@ -101,7 +101,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    bool Show(const ColorFieldValues& values, bool redraw);
+    void Show(const ColorFieldValues& values, bool redraw);
     void Change(Zone zone, const ColorFieldValues& values);
     void DiscardPictures();
     void PaintPictures(QPainter& painter);

@@ -40,8 +40,8 @@ QRect devicePixels(const QRect& zone, double ratio)
 {
     const auto pixel = [ratio](int edge) { return int(std::lround(edge * ratio)); };
     const QPoint topLeft(pixel(zone.left()), pixel(zone.top()));
-    return {topLeft, QPoint(pixel(zone.left() + zone.width()) - 1,
-                            pixel(zone.top() + zone.height()) - 1)};
+    return {topLeft,
+            QPoint(pixel(zone.left() + zone.width()) - 1, pixel(zone.top() + zone.height()) - 1)};
 }
 
 /// The middle of a pixel of the screen, in pixels of the widget as the model counts them.
@@ -81,8 +81,8 @@ void drawArrow(QPainter& painter, QPointF middle, double radius, QPoint way)
     arrow.lineTo(tail + arrowLength * ahead);
     arrow.lineTo(tail - arrowHalf * aside);
     arrow.closeSubpath();
-    painter.strokePath(arrow, QPen(QColor(0, 0, 0, 200), 2.0, Qt::SolidLine, Qt::RoundCap,
-                                   Qt::RoundJoin));
+    painter.strokePath(arrow,
+                       QPen(QColor(0, 0, 0, 200), 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.fillPath(arrow, Qt::white);
 }
 

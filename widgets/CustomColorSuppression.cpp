@@ -59,9 +59,11 @@ void CustomColorSuppression::SetMode(int mode)
     LoseGesture();
     if (!alive)
         return;
+    const double before = model_.RotationOf(Mode());
     model_.SetMode(mode);
     hovered_ = none;
-    wheel_ = QImage(); // may be rotated
+    if (model_.RotationOf(mode) != before)
+        wheel_ = QImage();
     update();
 }
 
@@ -123,9 +125,13 @@ int CustomColorSuppression::KnobAt(QPoint at) const
     int found = none;
     if (!model_.Square().contains(at))
         return found;
+    bool movable = false;
     for (int knob = 0; knob < knobs; ++knob) {
-        if (knobs_[std::size_t(knob)].shown && model_.Hits(knob, at))
-            found = knob; // of several the last
+        const Knob& state = knobs_[std::size_t(knob)];
+        if (!state.shown || !model_.Hits(knob, at) || (movable && !state.movable))
+            continue;
+        found = knob; // of several the last, but one that moves before one that does not
+        movable = state.movable;
     }
     return found;
 }

@@ -97,11 +97,18 @@ QString CustomColorWheel::DescribePart(int part) const
 void CustomColorWheel::mousePressEvent(QMouseEvent* event)
 {
     const bool reset = event->button() == Qt::LeftButton && event->modifiers() & Qt::AltModifier;
-    if (!reset)
+    if (!reset || IsLocked())
         return CustomControl::mousePressEvent(event);
-    const Part part = model_.HitTest(event->pos(), Shown());
-    if (part != Part::None && !IsLocked())
+    const QPointer<CustomColorWheel> alive(this);
+    setFocus(Qt::MouseFocusReason);
+    if (alive)
+        LoseGesture(); // held keys
+    if (!alive)
+        return;
+    if (const Part part = model_.HitTest(event->pos(), Shown()); part != Part::None) {
+        SetActivePart(int(part));
         emit resetPart(int(part));
+    }
 }
 
 bool CustomColorWheel::Grab(QPoint at)
@@ -137,7 +144,10 @@ void CustomColorWheel::Change(Part part, const WheelRecord& record)
         return;
     records_[std::size_t(mode_)] = record;
     OpenUndo(undoTextOf(part));
+    const QPointer<CustomColorWheel> alive(this);
     emit dragWheel();
+    if (alive && int(part) == ActivePart())
+        TellActivePart(*this);
 }
 
 void CustomColorWheel::Nudge(int part, QPoint way, int level)

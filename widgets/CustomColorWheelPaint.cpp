@@ -20,6 +20,7 @@ constexpr double ringLight = 0.42;
 constexpr double discLight = 0.3;
 constexpr double discStrength = 0.75; // of the hue on the disc's rim
 constexpr int labelSize = 10;         // pixels
+constexpr double stemGap = 6.5;       // of the tint's stem, to its knob's middle
 
 const char* const knobs[] = {"Controls.ColorWheel.Knob.1", "Controls.ColorWheel.Knob.2",
                              "Controls.ColorWheel.Knob.3", "Controls.ColorWheel.Knob.4"};
@@ -72,10 +73,14 @@ void CustomColorWheel::PaintKnobs(QPainter& painter) const
     const QPointF tint = model_.TintPlace(Shown());
     const QPointF ring = model_.RingPlace(Shown());
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(0, 0, 0, 140), 3.0));
-    painter.drawLine(model_.Centre() + half, tint + half);
-    painter.setPen(QPen(QColor(255, 255, 255, 210), 1.2));
-    painter.drawLine(model_.Centre() + half, tint + half);
+    QLineF stem(model_.Centre() + half, tint + half);
+    if (stem.length() > 2.0 * stemGap) {
+        stem.setLength(stem.length() - stemGap); // the knob is hollow
+        painter.setPen(QPen(QColor(0, 0, 0, 140), 3.0));
+        painter.drawLine(stem);
+        painter.setPen(QPen(QColor(255, 255, 255, 210), 1.2));
+        painter.drawLine(stem);
+    }
     if (IsDragged())
         paintCentred(painter, startMark,
                      drag_.part == Part::Tint ? model_.TintPlace(drag_.start)
@@ -123,7 +128,8 @@ void CustomColorWheel::paintEvent(QPaintEvent*)
     PaintLabels(painter);
     PaintKnobs(painter);
     if (hasFocus())
-        PaintFocusRing(painter, model_.Square().adjusted(-3, -3, 3, 3).intersected(rect()), 4.0);
+        PaintFocusRing(painter, model_.Square().adjusted(-3, -3, 3, 3),
+                       model_.diameter / 2.0 + 3.0);
 }
 
 } // namespace Marlox

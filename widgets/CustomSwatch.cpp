@@ -116,14 +116,17 @@ QPixmap CustomSwatch::DragPicture() const
 void CustomSwatch::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    if (!isEnabled())
-        painter.setOpacity(dimmed);
     const bool marked = hasFocus() || (isEnabled() && underMouse());
     painter.fillRect(rect(), hasFocus() ? lookColor("System.AccentColour", {92, 158, 220})
                              : marked   ? lookColor("System.ScrollHoverColour", {116, 116, 116})
                                         : lookColor("Controls.Other.BorderColour", {9, 9, 9}));
     const QRect inner = rect().adjusted(1, 1, -1, -1);
     PaintPatch(painter, inner);
+    if (!isEnabled()) {
+        QColor veil = palette().color(QPalette::Window);
+        veil.setAlphaF(1.0 - dimmed);
+        painter.fillRect(rect(), veil);
+    }
     painter.setRenderHint(QPainter::Antialiasing);
     const double x = inner.right() - 0.5 * arrowSize - 1.0;
     if (*std::max_element(rgb_.begin(), rgb_.end()) > 1.0)

@@ -139,7 +139,7 @@ void RangeSelector::TellRange()
 /// With all of its name and the usual room beside it.
 int RangeSelector::WidthFor(int range) const
 {
-    return fontMetrics().horizontalAdvance(NameOf(range)) + 2 * padding;
+    return fontMetrics().horizontalAdvance(NameOf(range)) + 1 + 2 * padding; // as it is rounded
 }
 
 /// Room that is left over is shared evenly. Where there is too little, first the room beside the

@@ -11,7 +11,27 @@ namespace Marlox {
 namespace {
 
 constexpr double screenGamma = 2.2;
-constexpr double grey = 0.35; // of no strength, as a share of the brightest
+constexpr double grey = 0.35;      // of no strength, as a share of the brightest
+constexpr int hueSteps = 6 * 1024; // a quarter of a code apart
+
+struct PureHue {
+    RgbColor rgb; // light
+    double lift;  // of dark hues, halfway to the brightness of the others: the wheel is even
+};
+
+/// Between the six hues the screen's codes run evenly, not the light: equal steps for the eye.
+std::vector<PureHue> pureHues()
+{
+    std::vector<PureHue> hues;
+    for (int i = 0; i < hueSteps; ++i) {
+        RgbColor rgb = ColorAxes::Of(0).ToRgb({double(i) / hueSteps, 1.0, {}, 1.0});
+        for (double& component : rgb)
+            component = std::pow(component, screenGamma);
+        const double luma = 0.2126 * rgb[0] + 0.7152 * rgb[1] + 0.0722 * rgb[2];
+        hues.push_back({rgb, 1.0 / (0.5 + 0.5 * luma)});
+    }
+    return hues;
+}
 
 } // namespace
 
@@ -55,15 +75,13 @@ QImage PaintWheel(int diameter, double devicePixelRatio, double inner, double ou
 
 RgbColor MutedHue(double turn, double strength, double most)
 {
-    // Between the six hues the screen's codes run evenly, not the light: equal steps for the eye.
-    RgbColor rgb = ColorAxes::Of(0).ToRgb({turn, 1.0, {}, 1.0});
-    for (double& component : rgb)
-        component = std::pow(component, screenGamma);
-    const double luma = 0.2126 * rgb[0] + 0.7152 * rgb[1] + 0.0722 * rgb[2];
-    // Dark hues are lifted halfway to the brightness of the others, so that the wheel is even.
-    const double gain = most / (0.5 + 0.5 * luma);
-    for (double& component : rgb)
-        component = std::min(most, (grey + (component - grey) * strength) * gain);
+    static const std::vector<PureHue> hues = pureHues();
+    const PureHue& hue =
+        hues[std::size_t(std::clamp(turn, 0.0, 1.0) * hueSteps + 0.5) % hues.size()];
+    const double gain = most * hue.lift;
+    RgbColor rgb;
+    for (std::size_t i = 0; i < 3; ++i)
+        rgb[i] = std::min(most, (grey + (hue.rgb[i] - grey) * strength) * gain);
     return rgb;
 }
 

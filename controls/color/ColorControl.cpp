@@ -15,6 +15,8 @@
 #include "widgets/CustomSlider.h"
 #include "widgets/CustomSwatch.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace Marlox {
@@ -28,6 +30,8 @@ constexpr int axisPrecision = 9; // decimals of the field's numbers
 constexpr int axisDecimals = 4;  // of which so many are drawn
 constexpr double axisStep = 0.01;
 
+constexpr int yuvSpace = 2; // whose first axis is no hue
+
 const char* const colorSpaces[] = {"HSV", "HLS", "YUV", nullptr};
 const TagEnumeration colorSpace{"ColorSpace", colorSpaces};
 
@@ -36,22 +40,6 @@ constexpr struct {
     const char* highlighted;
 } arrows[] = {{"Controls.Color.Arrow.1.1", "Controls.Color.Arrow.1.2"},
               {"Controls.Color.Arrow.2.1", "Controls.Color.Arrow.2.2"}}; // closed, open
-
-/// Its first characters that all names share, up to the end of a word.
-QString commonBeginning(const QStringList& names)
-{
-    QString common = names.value(0);
-    for (const QString& name : names) {
-        while (!name.startsWith(common))
-            common.chop(1);
-    }
-    const bool whole = std::all_of(names.begin(), names.end(), [&common](const QString& name) {
-        return name.size() == common.size() || name.at(common.size()).isSpace();
-    });
-    if (!whole)
-        common.truncate(common.lastIndexOf(QLatin1Char(' ')) + 1);
-    return common.trimmed();
-}
 
 } // namespace
 
@@ -130,6 +118,13 @@ void ColorControl::ReadTags(const TagList& tags)
         expanded_ = show; // else it stays as the user has it
 }
 
+bool ColorControl::SetAttrsTagList(const TagList& tags)
+{
+    if (tags.FindQuery(CLRC_ShowWheel)) // whatever the user made of it since
+        expandedByTag_ = !tags.GetBool(CLRC_ShowWheel);
+    return ChannelControl::SetAttrsTagList(tags);
+}
+
 bool ColorControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
     const auto before = std::pair(parts_, expanded_);
@@ -158,10 +153,7 @@ QString ColorControl::SpaceName(int space)
 
 QString ColorControl::Label() const
 {
-    QStringList names;
-    for (const Input* input : Inputs())
-        names += input->GetName();
-    const QString common = commonBeginning(names);
+    const QString common = CommonName(Inputs());
     return common.isEmpty() ? tr("Colour") : common;
 }
 
@@ -240,6 +232,9 @@ void ColorControl::LabelAxes()
     name(hue_, axes.HueAxis());
     name(saturation_, axes.SaturationAxis());
     name(value_, axes.ValueAxis());
+    const bool isYuv = parts_.colorSpace == yuvSpace;
+    saturation_.edit->SetRange(isYuv ? -SliderSettings::unbounded : 0.0,
+                               isYuv ? SliderSettings::unbounded : 1.0);
     field_->SetColorSpace(parts_.colorSpace);
     field_->setAccessibleName(Label());
 }
@@ -289,7 +284,7 @@ void ColorControl::Populate()
     expand_->setAccessibleName(expand_->toolTip());
     label_->SetText(Label());
     label_->setVisible(Inputs().empty() || !Inputs().front()->GetAttrB(IC_NoLabel));
-    sampled_->setVisible(!sampled_->Text().isEmpty() && shown);
+    sampled_->setVisible(shown);
     if (swatch_) {
         swatch_->setVisible(HasColor());
         swatch_->setAccessibleName(Label());
@@ -381,7 +376,35 @@ void ColorControl::ShowColor()
 {
     if (swatch_)
         swatch_->SetColor(Color(), Alpha());
+    if (!sampled_->Text().isEmpty() && Color() != sampledColor_)
+        ShowSampled({});
     ShowRecord();
+    ShowEditable();
+}
+
+/// What can't be set neither takes a press nor looks as if it did.
+void ColorControl::ShowEditable()
+{
+    const bool editable = IsColorEditable();
+    for (QWidget* part : std::initializer_list<QWidget*>{swatch_, pick_, sample_}) {
+        if (part)
+            part->setEnabled(editable);
+    }
+    const bool resets = std::any_of(rows_.begin(), rows_.end(), [](const ColorChannelRow* row) {
+        return row->Reset().isEnabled();
+    });
+    reset_->setEnabled(rows_.empty() ? editable : resets);
+    if (!field_)
+        return;
+    field_->SetLocked(!editable && !IsEditable(ColorChannels::alpha));
+    for (const FieldEdit& axis : {hue_, saturation_, value_})
+        axis.edit->SetEditDisabled(!editable);
+}
+
+void ColorControl::ShowSampled(const QString& note)
+{
+    sampledColor_ = Color();
+    sampled_->SetText(note);
 }
 
 /// Whether it is the shown colour: then its hue and saturation, which a grey has none of, stay.
@@ -415,8 +438,6 @@ void ColorControl::ShowRecord()
     field_->SetRecord(record_);
     field_->SetShowsAlpha(Alpha().has_value());
     field_->SetAlpha(Alpha().value_or(1.0));
-    for (const FieldEdit& axis : {hue_, saturation_, value_})
-        axis.edit->SetEditDisabled(!IsColorEditable());
 }
 
 // Values out -------------------------------------------------------------------------------------
@@ -484,6 +505,8 @@ void ColorControl::TakeRecordEdits()
     const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
     const bool gesture = UndoDepth() > 0;
     record_.hue = hue_.edit->GetValue() + axes.HueAxis().zero;
+    if (parts_.colorSpace != yuvSpace && (record_.hue < 0.0 || record_.hue > 1.0))
+        record_.hue -= std::floor(record_.hue);
     record_.saturation = saturation_.edit->GetValue() + axes.SaturationAxis().zero;
     record_.value = value_.edit->GetValue() + axes.ValueAxis().zero;
     if (!gesture)

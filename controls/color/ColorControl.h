@@ -50,7 +50,7 @@ public:
     void AddToMenu(Menu* menu, TagList& tags) override;
     using ChannelControl::HandleMenu;
     bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
-    using ChannelControl::SetAttrsTagList;
+    bool SetAttrsTagList(const TagList& tags) override;
     bool SetAttrsTagList(Input* input, const TagList& tags) override;
     bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
     void Close(TagList* tags) override;
@@ -109,6 +109,8 @@ private:
     void AddRow(int channel, LayoutObj& place);
     void ShowRow(const ColorChannelRow& row);
     void ShowColor();
+    void ShowEditable();
+    void ShowSampled(const QString& note);
     bool HasColor() const; // red, green or blue is attached
     bool IsFieldShown() const;
     bool IsColorEditable() const; // and one of them can be set
@@ -131,6 +133,7 @@ private:
     bool expanded_ = false;
     bool expandedByTag_ = false; // CLRC_ShowWheel, as last read
     ColorRecord record_;
+    RgbColor sampledColor_{};            // that the note on the last pick is of
     Ref<Operator> pickTool_;             // whose proxy rendering a pick switched on
     ColorChannelRow* dragged_ = nullptr; // whose edit is being dragged
     std::vector<ColorChannelRow*> rows_; // by channel; children

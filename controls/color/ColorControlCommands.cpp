@@ -164,7 +164,7 @@ void ColorControl::ConnectPick()
 
 void ColorControl::OnPickStarted()
 {
-    StartUndo(UndoText(tr("Pick Color")).toUtf8().constData());
+    StartUndo(UndoText(tr("Pick Colour")).toUtf8().constData());
     MarloxDoc* document = GetDoc();
     if (!document || IsAllPassive(nullptr))
         return;
@@ -209,9 +209,8 @@ void ColorControl::OnPickColor(QWidget* viewer, const MxPoint&)
             sample.rgba[i] /= alpha;
     }
     TakeSample(sample.rgba);
-    sampled_->SetText(sample.pixels == 1 ? tr("Picked one pixel")
-                                         : tr("Picked %1 pixels").arg(sample.pixels));
-    sampled_->setVisible(IsFieldShown());
+    ShowSampled(sample.pixels == 1 ? tr("Picked one pixel")
+                                   : tr("Picked %1 pixels").arg(sample.pixels));
 }
 
 void ColorControl::TakeSample(const std::array<double, 4>& rgba)
@@ -239,7 +238,7 @@ void ColorControl::AddToMenu(Menu* menu, TagList& tags)
     menu->Add(resetEntry, tr("&Reset %1").arg(Label()), IsColorEditable());
     if (!parts_.field)
         return;
-    Menu spaces = menu->AddSubmenu(tr("Color &Space"));
+    Menu spaces = menu->AddSubmenu(tr("Colour &Space"));
     for (unsigned int space = 0; space < 3; ++space)
         spaces.AddRadio(firstSpaceEntry + space, SpaceName(int(space)),
                         int(space) == parts_.colorSpace);

@@ -59,7 +59,7 @@ void ColorControl::Depopulate()
         row->setParent(this); // the container it stands in goes
         for (QWidget* part : row->findChildren<QWidget*>())
             part->setObjectName({}); // the next row has these names
-        row->deleteLater(); // perhaps from within one of its own handlers
+        row->deleteLater();          // perhaps from within one of its own handlers
     }
 }
 

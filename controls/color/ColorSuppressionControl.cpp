@@ -64,7 +64,6 @@ void ColorSuppressionControl::ReadTags(const TagList& tags)
         angles_[i] = tags.GetDouble(angleTags[i], 0.0);
         wheel_->SetRotation(int(i), angles_[i]);
     }
-    wheel_->SetHelp(QString::fromUtf8(tags.GetString(IAS_Help, "")));
 }
 
 int ColorSuppressionControl::SlotAt(const QWidget* widget) const

@@ -44,12 +44,6 @@ const char* ColorWheelControl::LayoutName() const
     return wheelLayout;
 }
 
-void ColorWheelControl::ReadTags(const TagList& tags)
-{
-    RangedControl::ReadTags(tags);
-    wheel_->SetHelp(QString::fromUtf8(tags.GetString(IAS_Help, "")));
-}
-
 void ColorWheelControl::SetMode(int range)
 {
     wheel_->SetMode(range);

@@ -30,7 +30,6 @@ public slots:
 
 protected:
     const char* LayoutName() const override;
-    void ReadTags(const TagList& tags) override;
     void ShowWheel(int range) override;
     void SetMode(int range) override;
 

@@ -53,6 +53,11 @@ void RangedControl::SetWheel(CustomControl& wheel)
 {
     wheel_ = &wheel;
     wheel.setObjectName(QStringLiteral("wheel"));
+    QWidget::setTabOrder(selector_, &wheel);
+    for (QWidget* before = &wheel; TimeCodeEdit * edit : edits_) {
+        QWidget::setTabOrder(before, edit);
+        before = edit;
+    }
 }
 
 // Attributes -------------------------------------------------------------------------------------
@@ -76,7 +81,6 @@ void RangedControl::ReadTags(const TagList& tags)
         shown += names_[i].empty() ? usual[i] : QString::fromStdString(names_[i]);
     }
     selector_->SetNames(shown);
-    wheel_->SetLocked(tags.GetBool(IC_EditDisabled));
 }
 
 int RangedControl::SlotOf(const Input& input) const
@@ -89,15 +93,6 @@ int RangedControl::SlotOf(const Input& input) const
 
 // Life cycle -------------------------------------------------------------------------------------
 
-bool RangedControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
-{
-    for (int range = ranges; range-- > 0;) {
-        if (HasRange(range) && !HasRange(ShownRange()))
-            selector_->SetRange(range);
-    }
-    return ChannelControl::Open(window, rect, tags);
-}
-
 void RangedControl::Close(TagList* tags)
 {
     wheel_->SetOwner(nullptr); // ends a gesture
@@ -106,8 +101,15 @@ void RangedControl::Close(TagList* tags)
 
 const char* RangedControl::ExpressionPlace(int slot) const
 {
-    return slot / channels_ == ShownRange() ? places_[std::size_t(slot % channels_)].expression
-                                            : nullptr;
+    return places_[std::size_t(slot % channels_)].expression;
+}
+
+/// The ranges share the places of lines: those of the others stay hidden.
+void RangedControl::AddExpressionEdit(Input* input, TagList* tags)
+{
+    const int slot = input ? SlotOf(*input) : -1;
+    if (slot < 0 || InputOf(slot) != input || slot / channels_ == ShownRange())
+        ChannelControl::AddExpressionEdit(input, tags);
 }
 
 bool RangedControl::HasRange(int range) const
@@ -126,14 +128,29 @@ int RangedControl::ShownRange() const
 
 void RangedControl::Populate()
 {
+    OfferRanges();
+    wheel_->SetOwner(this);
+    ShowRange();
+    Arrange();
+}
+
+/// Those that have inputs; of those the lowest, where the chosen one has none.
+void RangedControl::OfferRanges()
+{
     std::array<bool, ranges> offered{};
     for (int range = 0; range < ranges; ++range)
         offered[std::size_t(range)] = HasRange(range);
+    const auto lowest = std::find(offered.begin(), offered.end(), true);
+    if (!HasRange(ShownRange()) && lowest != offered.end())
+        selector_->SetRange(int(lowest - offered.begin()));
     selector_->SetOffered(offered);
     selector_->setVisible(std::count(offered.begin(), offered.end(), true) > 1);
-    wheel_->SetOwner(this);
+}
+
+void RangedControl::ShowRange()
+{
     SetMode(ShownRange());
-    wheel_->setAccessibleName(Inputs().empty() ? QString() : Inputs().front()->GetName());
+    InputList shown;
     for (int channel = 0; channel < channels_; ++channel) {
         const auto at = std::size_t(channel);
         const int slot = SlotFor(ShownRange(), channel);
@@ -142,13 +159,41 @@ void RangedControl::Populate()
         edits_[at]->setAccessibleName(input ? input->GetName() : QString());
         edits_[at]->setVisible(input != nullptr);
         labels_[at]->setVisible(input != nullptr);
+        if (input)
+            shown.push_back(InputOf(slot));
     }
-    Arrange();
+    wheel_->setAccessibleName(CommonName(shown));
 }
 
+void RangedControl::ShowLines()
+{
+    for (int slot = 0; slot < SlotCount(); ++slot) {
+        Input* input = InputOf(slot);
+        auto* line =
+            input ? static_cast<QWidget*>(GetExpressionData(int(IndexOf(slot)), nullptr)) : nullptr;
+        if (line && slot / channels_ != ShownRange())
+            line->hide();
+        else if (input)
+            ExpressionChanged(input, nullptr);
+    }
+}
+
+/// Nothing is built anew: whoever chose the range keeps the keyboard.
 void RangedControl::OnRangeChanged(int)
 {
-    Rebuild();
+    const auto alive = Ref<RangedControl>::Share(this); // what is typed may close the page
+    for (TimeCodeEdit* edit : edits_) {
+        edit->CancelDrag();
+        if (!edit->Commit()) // what can't be read is the other range's
+            edit->Restore();
+    }
+    EndGesture();
+    if (!IsOpen())
+        return;
+    ShowRange();
+    Show();
+    ShowLines();
+    RecalcControlSize();
 }
 
 // Sizes ------------------------------------------------------------------------------------------
@@ -187,6 +232,15 @@ bool RangedControl::SetSize(int& width, int& height, TagList* tags)
 }
 
 // Values -----------------------------------------------------------------------------------------
+
+/// Where no one channel is, all of the shown range.
+void RangedControl::GetInputsAt(InputList& out, int x, int y, TagList* tags)
+{
+    ChannelControl::GetInputsAt(out, x, y, tags);
+    if (out.size() > 1)
+        std::erase_if(out,
+                      [this](Input* input) { return SlotOf(*input) / channels_ != ShownRange(); });
+}
 
 int RangedControl::SlotAt(const QWidget* widget) const
 {

@@ -32,10 +32,11 @@ public:
     int ShownRange() const;
 
     bool CopyAttr(u64 tag, void* out) override;
-    bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
+    void GetInputsAt(InputList& out, int x, int y, TagList* tags) override;
     void Close(TagList* tags) override;
     bool GetMinSize(int& width, int& height, TagList* tags) override;
     bool SetSize(int& width, int& height, TagList* tags) override;
+    void AddExpressionEdit(Input* input, TagList* tags) override;
 
 public slots:
     void OnRangeChanged(int range); // another one is to be shown
@@ -71,6 +72,9 @@ protected:
 
 private:
     bool HasRange(int range) const;
+    void OfferRanges();
+    void ShowRange();
+    void ShowLines();
     void Arrange();
 
     std::span<const Place> places_;

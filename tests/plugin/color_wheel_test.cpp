@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include <QLineEdit>
 #include <QtTest>
 
 using namespace Marlox;
@@ -31,7 +32,7 @@ PointerDrag::Step stepTo(const ColorWheelModel& model, double angle, double leng
     return {model.PlaceOf(angle, length), press, false, false};
 }
 
-std::vector<StagedInput> staged(int ranges)
+std::vector<StagedInput> staged(int ranges, int first = 0)
 {
     struct Row {
         const char* id;
@@ -42,13 +43,13 @@ std::vector<StagedInput> staged(int ranges)
     ids.clear();
     ids.reserve(16);
     std::vector<StagedInput> inputs;
-    for (int range = 0; range < ranges; ++range) {
+    for (int range = first; range < first + ranges; ++range) {
         for (int channel = 0; channel < 4; ++channel) {
             ids.push_back(std::string(rows[channel].id) + (range ? std::to_string(range) : ""));
             std::vector<TagPair> tags{
                 {IA_Channel, channel}, {IA_Range, range}, {IAD_Default, rows[channel].value}};
-            if (range + channel > 0)
-                tags.push_back({IAS_SharedWith, "Hue"});
+            if (ids.size() > 1)
+                tags.push_back({IAS_SharedWith, ids.front().c_str()});
             inputs.push_back({ids.back().c_str(), tags, "ColorWheelControl"});
         }
     }
@@ -56,7 +57,18 @@ std::vector<StagedInput> staged(int ranges)
 }
 
 struct WheelStage : InspectorStage {
-    explicit WheelStage(int ranges = 1) : InspectorStage(staged(ranges), 420) {}
+    explicit WheelStage(int ranges = 1, int first = 0) : InspectorStage(staged(ranges, first), 420)
+    {
+    }
+    QStringList ExpressionLines() const
+    {
+        QStringList texts;
+        for (const QLineEdit* line : window->findChildren<QLineEdit*>("expression")) {
+            if (line->isVisible())
+                texts += line->text() + (ControlOf().isAncestorOf(line) ? "" : " below");
+        }
+        return texts;
+    }
     CustomColorWheel& Wheel() const { return *PartOf<CustomColorWheel>("wheel"); }
     TimeCodeEdit& Edit(const char* name) const { return *PartOf<TimeCodeEdit>(name); }
     QPointF At(double angle, double length) const { return Wheel().Model().PlaceOf(angle, length); }
@@ -75,6 +87,7 @@ private slots:
     void KeepsToOneOfTwo();
     void WritesItsInputs();
     void ChoosesRanges();
+    void ChangesRangesInPlace();
     void SurvivesBadInput();
 };
 
@@ -246,6 +259,33 @@ void ColorWheelTest::ChoosesRanges()
     QCOMPARE(control.GetInputFrom(&stage.Edit("edithue"), nullptr), &stage.InputOf("Hue2"));
     selector.SetNames({"All", "Dark", "Mid", "Light"});
     QCOMPARE(selector.NameOf(3), QString("Light"));
+}
+
+void ColorWheelTest::ChangesRangesInPlace()
+{
+    const WheelStage stage(2);
+    auto& selector = *stage.PartOf<RangeSelector>("ranges");
+    stage.InputOf("Hue1").SetExpression("0.25");
+    stage.InputOf("Angle").SetExpression("0.5");
+    QCOMPARE(stage.ExpressionLines(), QStringList("0.5"));
+    TimeCodeEdit& edit = stage.Edit("editsaturation");
+    edit.setFocus();
+    edit.setText("1.5"); // of the range that is left
+    selector.setFocus();
+    Pointer::Stroke(selector, Qt::Key_Right);
+    QVERIFY(stage.Wheel().Mode() == 1 && selector.hasFocus());
+    QVERIFY(stage.ValueOf("Saturation") == 1.5 && stage.ValueOf("Saturation1") == 1.0);
+    QCOMPARE(edit.GetValue(), 1.0);
+    QCOMPARE(stage.ExpressionLines(), QStringList("0.25"));
+    InputList inputs;
+    const QPoint ring = stage.At(0.0, 0.8).toPoint() + stage.Wheel().pos();
+    stage.ControlOf().GetInputsAt(inputs, ring.x(), ring.y(), nullptr);
+    QVERIFY(inputs.size() == 4 && inputs.front() == &stage.InputOf("Hue1"));
+    for (const char* id : {"Hue1", "Saturation1", "Angle1", "Length1"})
+        stage.ControlOf().RemoveInput(&stage.InputOf(id), nullptr);
+    QVERIFY(stage.Wheel().Mode() == 0 && !selector.isVisible());
+    QCOMPARE(stage.ExpressionLines(), QStringList("0.5"));
+    QCOMPARE(WheelStage(2, 1).Wheel().Mode(), 1); // the lowest that there is
 }
 
 void ColorWheelTest::SurvivesBadInput()

@@ -92,6 +92,8 @@ MxLineEdit* InputControl::MakeExpressionLine(const Input& input)
     auto* line = new MxLineEdit(QString::fromStdString(input.GetExpression()));
     line->setObjectName(QStringLiteral("expression"));
     line->setAccessibleName(tr("Expression of %1").arg(input.GetName()));
+    if (inputs_.list.size() > 1)
+        line->SetCaption(input.GetName()); // lines of several may stand together
     const auto showTrue = [this, index](const Test& isShown) {
         const Input* shown = FindInputByIndex(index);
         const auto* place = d_->PlaceOf(index);

@@ -4,8 +4,15 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QPainter>
 
 namespace Marlox {
+
+namespace {
+
+constexpr int captionIndent = 6; // pixels before a caption, and behind it
+
+} // namespace
 
 MxLineEdit::MxLineEdit(QWidget* parent) : MxLineEdit(QString(), parent) {}
 
@@ -50,6 +57,27 @@ void MxLineEdit::SetError(const QString& reason)
     setPalette(colours);
     setToolTip(reason.isEmpty() ? plainToolTip_ : reason);
     setAccessibleDescription(reason);
+}
+
+void MxLineEdit::SetCaption(const QString& caption)
+{
+    caption_ = caption;
+    const int room =
+        caption.isEmpty() ? 0 : fontMetrics().horizontalAdvance(caption) + 2 * captionIndent;
+    setTextMargins(room, 0, 0, 0);
+    update();
+}
+
+void MxLineEdit::paintEvent(QPaintEvent* event)
+{
+    QLineEdit::paintEvent(event);
+    if (caption_.isEmpty())
+        return;
+    QPainter painter(this);
+    painter.setPen(
+        LookPack::Global().Color("System.PlaceholderTextColour", {138, 138, 138}).ToQColor());
+    painter.drawText(rect().adjusted(captionIndent, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                     caption_);
 }
 
 bool MxLineEdit::event(QEvent* event)

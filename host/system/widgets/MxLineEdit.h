@@ -22,6 +22,10 @@ public:
     /// Puts the committed text back; true if the text was another.
     bool Restore();
 
+    /// What the text is of, written before it in the field; empty: nothing.
+    void SetCaption(const QString& caption);
+    QString Caption() const { return caption_; }
+
     /// Marks the text as wrong; `reason` is shown in the tooltip and to screen readers. An empty
     /// reason, and any change of the text, clears the mark.
     void SetError(const QString& reason);
@@ -35,11 +39,13 @@ protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     void OnTextChanged(const QString& text);
 
     QString committed_;
+    QString caption_;
     QString error_;
     QString plainToolTip_;
 };
