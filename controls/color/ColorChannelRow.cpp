@@ -1,6 +1,7 @@
 #include "controls/color/ColorChannelRow.h"
 
 #include "controls/color/ColorChannels.h"
+#include "framework/NamedPlaces.h"
 #include "framework/SliderParts.h"
 #include "system/base/ScriptServices.h"
 #include "system/resources/Resources.h"
@@ -20,17 +21,19 @@ namespace {
 constexpr char rowLayout[] = "Controls.Color.Layout.Slider";
 constexpr int firstColoredKnob = 6; // of red; green, blue and alpha follow
 
-void attachWidget(void*, LayoutObj& object, const ScriptVal&, void* context)
+/// The description with a number behind each name.
+ScriptVal numbered(const ScriptVal& description, const std::string& number)
 {
-    auto* row = static_cast<ColorChannelRow*>(context);
-    const QString name = object.Name().ToString();
-    if (name.isEmpty() || object.IsContainer())
-        return;
-    if (auto* widget = row->findChild<QWidget*>(name + QString::number(row->Channel()),
-                                                Qt::FindDirectChildrenOnly)) {
-        object.SetWidget(widget);
-        widget->show();
+    if (!description.IsTable())
+        return description;
+    ScriptVal made = ScriptVal::MakeTable();
+    for (const ScriptVal& element : description.Elements())
+        made.Append(numbered(element, number));
+    for (const auto& [field, value] : description.Fields()) {
+        const bool isName = field == "Name" || field == "name";
+        made.Set(field, isName ? ScriptVal(value.ToString() + number) : numbered(value, number));
     }
+    return made;
 }
 
 } // namespace
@@ -65,7 +68,8 @@ bool ColorChannelRow::Build()
     if (!services || !description.IsTable())
         return false;
     QString error;
-    layout_ = services->BuildLayout(description, this, attachWidget, this, &error);
+    layout_ = services->BuildLayout(numbered(description, std::to_string(channel_)), this,
+                                    PlaceNamedChild, static_cast<QWidget*>(this), &error);
     return layout_ != nullptr;
 }
 

@@ -14,8 +14,8 @@ class TimeCodeEdit;
 struct SliderSettings;
 
 /// The row of one channel in a colour control: name, slider, button to the default, and edit, in a
-/// layout of its own. The widgets are named after their places with the number of the channel
-/// appended, from 0 ("slidercolor2").
+/// layout of its own. Widgets and their places have the number of the channel behind their names,
+/// from 0 ("slidercolor2").
 class ColorChannelRow : public QWidget {
     Q_OBJECT
 public:
@@ -27,6 +27,7 @@ public:
     void Apply(const SliderSettings& settings, const Input& input);
 
     int Channel() const { return channel_; }
+    LayoutObj* Layout() const { return layout_; } // null before Build
     ElideLabel& Label() const { return *label_; }
     CustomSlider& Slider() const { return *slider_; }
     TimeCodeEdit& Edit() const { return *edit_; }

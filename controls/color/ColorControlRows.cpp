@@ -31,6 +31,7 @@ void ColorControl::AddRow(int channel, LayoutObj& place)
         row->hide();
         return Report(tr("The look pack's layout of a colour's channel is missing or broken"));
     }
+    AddPartLayout(row->Layout());
     const char* known = ColorChannels::names[std::size_t(channel)];
     const QString name = known ? tr(known) : InputOf(channel)->GetName();
     const QString full = InputOf(channel)->GetName();

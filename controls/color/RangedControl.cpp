@@ -163,6 +163,7 @@ void RangedControl::ShowRange()
             shown.push_back(InputOf(slot));
     }
     wheel_->setAccessibleName(CommonName(shown));
+    SetShownInputs(std::move(shown));
 }
 
 void RangedControl::ShowLines()

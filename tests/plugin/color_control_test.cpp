@@ -176,6 +176,7 @@ void ColorControlTest::KnowsItsChannels()
     QCOMPARE(control.GetInputFrom(u64(1)), &stage.InputOf("Gain Depth"));
     QVERIFY(!control.GetInputFrom(u64(5)) && !control.GetInputFrom(u64(77)));
     auto* slider = stage.PartOf<CustomSlider>("slidercolor16");
+    QVERIFY(slider && stage.Control().FindLayoutObj("slidercolor16")->Widget() == slider);
     QCOMPARE(stage.Control().GetInputFrom(slider, nullptr), &stage.InputOf("Gain Id"));
     // Without channels of their own, inputs are red, green and blue in turn.
     const InspectorStage plain(

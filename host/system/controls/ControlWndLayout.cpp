@@ -137,31 +137,33 @@ QRect ControlWnd::Private::MarkOf(const Row& row) const
 
 void ControlWnd::Private::UpdateState(Row& row)
 {
-    const InputList& inputs = row.control->Inputs();
     State state = State::Plain;
-    bool animated = false;
-    bool allKeyed = true; // of those without an expression, which the keyframe button sets keys of
-    bool allExpressions = true;
     const double time = row.control->CurrentTime();
-    for (const Input* input : inputs) {
-        const bool keyed = input->IsAnimated() && input->IsKeyAt(time);
+    for (const Input* input : row.control->Inputs()) {
         const State own = input->HasExpression() ? State::Expression
-                          : keyed                ? State::Keyed
-                          : input->IsAnimated()  ? State::Animated
-                                                 : State::Plain;
+                          : !input->IsAnimated() ? State::Plain
+                          : input->IsKeyAt(time) ? State::Keyed
+                                                 : State::Animated;
         state = std::max(state, own);
-        if (own == State::Expression)
+    }
+    // The keyframe button sets keys of those that are shown and follow no expression.
+    const InputList& shown = row.control->ShownInputs();
+    bool animated = false;
+    bool allKeyed = true;
+    bool allExpressions = true;
+    for (const Input* input : shown) {
+        if (input->HasExpression())
             continue;
         allExpressions = false;
         animated = animated || input->IsAnimated();
-        allKeyed = allKeyed && keyed;
+        allKeyed = allKeyed && input->IsAnimated() && input->IsKeyAt(time);
     }
     if (row.keys) {
         using Keys = KeyFrameIndicator::State;
-        row.keys->SetState(allExpressions && !inputs.empty() ? Keys::Expression
-                           : !animated                       ? Keys::None
-                           : allKeyed                        ? Keys::Keyed
-                                                             : Keys::Animated);
+        row.keys->SetState(allExpressions && !shown.empty() ? Keys::Expression
+                           : !animated                      ? Keys::None
+                           : allKeyed                       ? Keys::Keyed
+                                                            : Keys::Animated);
         if (row.keys->isEnabled() != row.control->isEnabled())
             row.keys->setEnabled(row.control->isEnabled());
     }

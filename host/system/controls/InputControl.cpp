@@ -202,6 +202,7 @@ bool InputControl::RemoveInput(Input* input, TagList*)
     if (found == inputs_.list.end())
         return false;
     d_->seen.erase(d_->seen.begin() + (found - inputs_.list.begin()));
+    std::erase(shown_, input);
     {
         const WriteLock lock(inputs_);
         inputs_.list.erase(found);
@@ -218,6 +219,13 @@ Input* InputControl::FindInputByIndex(unsigned int index) const
             return input;
     }
     return nullptr;
+}
+
+void InputControl::SetShownInputs(InputList inputs)
+{
+    shown_ = std::move(inputs);
+    if (window_)
+        window_->UpdateState(*this);
 }
 
 double InputControl::CurrentTime() const

@@ -136,6 +136,9 @@ public:
     /// Takes the layout away again, with its expression lines, so that another one can be built.
     /// Widgets that stood in it stay, where they are.
     void RemoveLayout();
+    /// The layout of a part that arranges its widgets by itself: FindLayoutObj looks there too, in
+    /// the order of the calls, until RemoveLayout. Not owned; the part outlives that.
+    void AddPartLayout(LayoutObj* layout);
     /// The same as the CreateExpressionEdit above for a place in the layout, which then costs
     /// nothing until the input has an expression. Controls that name no place get it in the layout
     /// object "expression" if that is a container, else below themselves.
@@ -167,9 +170,9 @@ public:
 
     /// Ids of a control's own menu entries start here; those below are the base's.
     static constexpr unsigned int FirstOwnMenuId = 0x4000;
-    /// Fills the context menu: the base's entries for `only` (null: for every input, in submenus if
-    /// there are several), then those of AddToMenu. HandleMenu runs an entry by its id.
-    void BuildMenu(Menu& menu, Input* only = nullptr);
+    /// Fills the context menu: the base's entries for the inputs `only` (none: all of them; in
+    /// submenus if there are several), then those of AddToMenu. HandleMenu runs an entry by its id.
+    void BuildMenu(Menu& menu, const InputList& only = {});
     /// Closes the undo group and the proxy rendering of a gesture whose end got lost.
     void EndGesture();
     /// Tells the user something through the window's status line.
@@ -184,6 +187,10 @@ public:
     const InputList& Inputs() const { return inputs_.list; } // under InputsLock()'s read lock
     const LockableObject& InputsLock() const { return inputs_; }
     Input* FindInputByIndex(unsigned int index) const;
+    /// Those that are on show, and that the keyframe button beside the control sets keys of: all,
+    /// unless a control that shows some of its inputs at a time says which.
+    const InputList& ShownInputs() const { return shown_.empty() ? inputs_.list : shown_; }
+    void SetShownInputs(InputList inputs);
     bool IsOpen() const { return window_ != nullptr; }
     ControlWnd* Window() const { return window_; }
     bool TabStop() const { return tabStop_; }
@@ -218,6 +225,7 @@ private:
     const Registry* record_;
     Operator* owner_ = nullptr;
     AttachedInputs inputs_;
+    InputList shown_; // empty: all
     ControlWnd* window_ = nullptr;
     LayoutObj* layout_ = nullptr;
     bool tabStop_ = true;

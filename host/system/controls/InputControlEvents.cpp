@@ -190,7 +190,7 @@ bool InputControl::HandleMenu(unsigned int id, u64*, TagList&)
     return id < FirstOwnMenuId && InputMenu::Run(*this, id);
 }
 
-void InputControl::BuildMenu(Menu& menu, Input* only)
+void InputControl::BuildMenu(Menu& menu, const InputList& only)
 {
     InputMenu::Build(*this, menu, only);
     menu.AddSeparator();
@@ -203,7 +203,7 @@ void InputControl::contextMenuEvent(QContextMenuEvent* event)
     InputList inputs;
     GetInputsAt(inputs, event->x(), event->y(), nullptr);
     Menu entries;
-    BuildMenu(entries, inputs.size() == 1 ? inputs.front() : nullptr);
+    BuildMenu(entries, inputs);
     auto* menu = new QMenu(this);
     connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     entries.Fill(*menu);

@@ -37,6 +37,7 @@ void InputControl::RemoveLayout()
         }
     }
     d_->places.clear();
+    d_->partLayouts.clear();
     delete std::exchange(layout_, nullptr);
     d_->fault.clear();
 }
@@ -124,9 +125,17 @@ LayoutObj* InputControl::LoadLayout(const char* resourceName, bool stretch, Layo
     return CreateLayout(description, stretch, callback, context);
 }
 
+void InputControl::AddPartLayout(LayoutObj* layout)
+{
+    d_->partLayouts.push_back(layout);
+}
+
 LayoutObj* InputControl::FindLayoutObj(const MxID& name) const
 {
-    return FindLayoutObj(layout_, name);
+    LayoutObj* found = FindLayoutObj(layout_, name);
+    for (std::size_t i = 0; !found && i < d_->partLayouts.size(); ++i)
+        found = FindLayoutObj(d_->partLayouts[i], name);
+    return found;
 }
 
 LayoutObj* InputControl::FindLayoutObj(LayoutObj* root, const MxID& name)

@@ -46,6 +46,7 @@ public:
     Ref<Operator> owner;    // keeps the tool and its inputs while they are attached
     std::vector<Seen> seen; // one for each attached input
     std::vector<ExpressionPlace> places;
+    std::vector<LayoutObj*> partLayouts;
     QString layoutName; // the resource that the layout is from
     QString fault;
     bool hidden = false;

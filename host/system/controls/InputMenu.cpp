@@ -280,15 +280,16 @@ void AddEntries(Menu& menu, const Context& at, unsigned int base)
 
 } // namespace
 
-void Build(InputControl& control, Menu& menu, Input* only)
+void Build(InputControl& control, Menu& menu, const InputList& only)
 {
     const InputList& inputs = control.Inputs();
+    const InputList& wanted = only.empty() ? inputs : only;
     const std::size_t count = std::min(inputs.size(), maximumInputs);
     for (std::size_t i = 0; i < count; ++i) {
         const auto base = unsigned(i) * commandsPerInput;
-        if (only && inputs[i] != only)
+        if (std::find(wanted.begin(), wanted.end(), inputs[i]) == wanted.end())
             continue;
-        if (only || count == 1) {
+        if (wanted.size() == 1) {
             AddEntries(menu, *ContextOf(control, i), base);
         } else {
             Menu submenu = menu.AddSubmenu(inputs[i]->GetName());
@@ -314,10 +315,10 @@ bool Run(InputControl& control, unsigned int id)
 bool ToggleKeys(InputControl& control)
 {
     std::vector<Context> keyable;
-    for (std::size_t i = 0; i < control.Inputs().size(); ++i) {
-        const std::optional<Context> at = ContextOf(control, i);
-        if (at && CanAnimate(*at) && !at->input.HasExpression())
-            keyable.push_back(*at);
+    for (Input* input : control.ShownInputs()) {
+        const Context at{control, *input, control.GetDoc(), control.CurrentTime()};
+        if (CanAnimate(at) && !input->HasExpression())
+            keyable.push_back(at);
     }
     if (keyable.size() <= 1)
         return !keyable.empty() &&

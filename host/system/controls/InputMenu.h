@@ -9,13 +9,14 @@
 /// on have no entries.
 namespace Marlox::InputMenu {
 
-void Build(InputControl& control, Menu& menu, Input* only);
+/// `only`: the inputs that get entries; none: all.
+void Build(InputControl& control, Menu& menu, const InputList& only);
 /// Runs an entry, enabled or not in the menu that was shown: what is impossible now is refused.
 bool Run(InputControl& control, unsigned int id);
 
-/// Sets a key at the current time for each of the control's inputs that has none, or, where all have
-/// one, removes these: one undo step. Inputs that can't have keys or follow an expression are left
-/// alone.
+/// Sets a key at the current time for each of the control's shown inputs that has none, or, where
+/// all have one, removes these: one undo step. Inputs that can't have keys or follow an expression
+/// are left alone.
 bool ToggleKeys(InputControl& control);
 
 } // namespace Marlox::InputMenu

@@ -40,7 +40,7 @@ class ControlMenuTest : public ProbePage {
     QStringList Texts(Input* only = nullptr)
     {
         Menu menu;
-        a_->BuildMenu(menu, only);
+        a_->BuildMenu(menu, only ? InputList{only} : InputList());
         ids_.clear();
         return TextsOf(menu.Entries(), ids_);
     }
