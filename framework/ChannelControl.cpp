@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QApplication>
+
 namespace Marlox {
 
 ChannelControl::ChannelControl(const Registry* record, const ScriptVal& creator,
@@ -66,12 +68,12 @@ bool ChannelControl::SetAttrsTagList(const TagList& tags)
 
 bool ChannelControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
-    if (!InputControl::SetAttrsTagList(input, tags))
+    TagList common(tags);
+    common.Remove(IA_ReadOnly); // one that is read-only leaves the others be
+    if (!InputControl::SetAttrsTagList(input, common))
         return false;
     TagList all(creation_);
     all.Merge(tags);
-    if (Inputs().empty() || input == Inputs().front())
-        GetDisabledTags(all, false); // one that is read-only leaves the others be
     if (Inputs().empty() || input == Inputs().front())
         ReadTags(all);
     if (const int slot = SlotOf(*input); HasSlot(slot)) {
@@ -187,14 +189,25 @@ void ChannelControl::Rebuild()
     if (!IsOpen())
         return;
     EndGesture();
+    const QWidget* focus = QApplication::focusWidget();
+    const QString focused = focus && isAncestorOf(focus) ? focus->objectName() : QString();
     Depopulate();
     RemoveLayout();
     if (Build()) {
         for (Input* input : InputList(Inputs()))
             ExpressionChanged(input, nullptr); // which opens the lines of those that have one
     }
+    RestoreFocus(focused);
     RecalcControlSize();
     update();
+}
+
+/// What is hidden meanwhile loses the keyboard: the widget that has its name gets it back.
+void ChannelControl::RestoreFocus(const QString& name)
+{
+    auto* widget = name.isEmpty() ? nullptr : findChild<QWidget*>(name);
+    if (widget && widget->isVisibleTo(this))
+        widget->setFocus(Qt::OtherFocusReason);
 }
 
 void ChannelControl::Close(TagList* tags)
@@ -268,7 +281,7 @@ void ChannelControl::AttachEdit(TimeCodeEdit& edit, int slot)
         connect(&edit, SIGNAL(valueChanged()), this, SLOT(ValueChanged()));
         connect(&edit, &TimeCodeEdit::StartDrag, this, &ChannelControl::OnEditStartDrag);
         connect(&edit, &TimeCodeEdit::EndDrag, this, &ChannelControl::OnEditEndDrag);
-        found = edits_.insert(found, {&edit, slot});
+        found = edits_.insert(found, {&edit, slot, edit.GetValue()});
     }
     found->slot = slot;
     ApplySettings(*found);
@@ -303,25 +316,26 @@ void ChannelControl::ApplySettings(const Edit& edit)
 
 void ChannelControl::ShowEdits()
 {
-    for (const Edit& edit : edits_)
+    for (Edit& edit : edits_)
         ShowEdit(edit);
 }
 
 void ChannelControl::ShowEditsOf(int slot)
 {
-    for (const Edit& edit : edits_) {
+    for (Edit& edit : edits_) {
         if (edit.slot == slot)
             ShowEdit(edit);
     }
 }
 
-void ChannelControl::ShowEdit(const Edit& edit)
+void ChannelControl::ShowEdit(Edit& edit)
 {
     const Input* input = InputOf(edit.slot);
     if (!input)
         return;
     edit.edit->SetValue(ValueOf(edit.slot) * ShownScale(edit.slot),
                         SettingsOf(edit.slot).precision);
+    edit.shown = edit.edit->GetValue();
     QPalette colors = palette();
     if (input->HasExpression())
         for (const auto group : {QPalette::Active, QPalette::Inactive})
@@ -352,7 +366,8 @@ void ChannelControl::TakeNumbers()
     const bool gesture = UndoDepth() > 0;
     const Writing writing(*this);
     for (const Edit& edit : std::vector<Edit>(edits_)) {
-        if (!IsEditable(edit.slot) || edit.edit->IsUnreadable())
+        if (!IsEditable(edit.slot) || edit.edit->IsUnreadable() ||
+            edit.edit->GetValue() == edit.shown)
             continue;
         const SliderSettings& settings = SettingsOf(edit.slot);
         const double typed = std::clamp(edit.edit->GetValue() / ShownScale(edit.slot),

@@ -119,13 +119,15 @@ private:
     struct Edit {
         TimeCodeEdit* edit;
         int slot;
+        double shown = 0.0; // as it was last told; another number is the user's
     };
     bool HasSlot(int slot) const { return slot >= 0 && slot < SlotCount(); }
     int SlotHolding(const Input* input) const;
     int SlotUnder(const QWidget* widget) const;
     bool Build();
     void ApplySettings(const Edit& edit);
-    void ShowEdit(const Edit& edit);
+    void ShowEdit(Edit& edit);
+    void RestoreFocus(const QString& name);
     bool TakeExpression(const Edit& edit);
     void TakeNumbers();
 

@@ -160,11 +160,24 @@ QSize CustomColorField::minimumSizeHint() const
 
 // What the user does -----------------------------------------------------------------------------
 
+void CustomColorField::SetMovable(bool color, bool alpha)
+{
+    colorMoves_ = color;
+    alphaMoves_ = alpha;
+    if (!IsMovable(hovered_))
+        hovered_ = Zone::None;
+}
+
+bool CustomColorField::IsMovable(Zone zone) const
+{
+    return zone != Zone::None && (zone == Zone::Alpha ? alphaMoves_ : colorMoves_);
+}
+
 bool CustomColorField::Grab(QPoint at)
 {
     drag_ = {model_.HitTest(at), values_};
     active_ = {};
-    if (drag_.zone == Zone::None)
+    if (!IsMovable(drag_.zone))
         return false;
     SetActivePart(int(drag_.zone));
     return true;
@@ -206,7 +219,9 @@ void CustomColorField::Change(Zone zone, const ColorFieldValues& values)
 
 void CustomColorField::HoverAt(std::optional<QPoint> at)
 {
-    const Zone zone = at && !IsLocked() ? model_.HitTest(*at) : Zone::None;
+    Zone zone = at && !IsLocked() ? model_.HitTest(*at) : Zone::None;
+    if (!IsMovable(zone))
+        zone = Zone::None;
     if (std::exchange(hovered_, zone) != zone)
         update();
 }

@@ -59,6 +59,8 @@ public:
     /// are ignored.
     double ValueExponent() const { return model_.exponent; }
     void SetValueExponent(double exponent);
+    /// Whether the colour and the alpha can be dragged; what can't takes no press and no keys.
+    void SetMovable(bool color, bool alpha);
     /// 0 HSV, 1 HLS, 2 YUV. The record stays: it is for the caller to convert.
     int ColorSpace() const { return colorSpace_; }
     void SetColorSpace(int colorSpace);
@@ -104,6 +106,7 @@ private:
     void Show(const ColorFieldValues& values, bool redraw);
     void Change(Zone zone, const ColorFieldValues& values);
     void DiscardPictures();
+    bool IsMovable(Zone zone) const;
     void PaintPictures(QPainter& painter);
     void PaintFrames(QPainter& painter) const;
     void PaintStripKnob(QPainter& painter, Zone zone, const char* name, double number) const;
@@ -115,6 +118,8 @@ private:
     ColorFieldModel model_;
     ColorFieldValues values_;
     int colorSpace_ = 0;
+    bool colorMoves_ = true;
+    bool alphaMoves_ = true;
     ColorFieldModel::Drag drag_;
     ColorFieldModel::Active active_;
     Zone hovered_ = Zone::None;

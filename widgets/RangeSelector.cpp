@@ -291,9 +291,9 @@ void RangeSelector::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Right:
         return ChooseNext(1);
     case Qt::Key_Home:
-        return Choose(NextOffered(-1, 1));
+        return Choose(std::max(NextOffered(-1, 1), 0));
     case Qt::Key_End:
-        return Choose(NextOffered(count, -1));
+        return Choose(std::min(NextOffered(count, -1), count - 1));
     default:
         QWidget::keyPressEvent(event);
     }

@@ -70,6 +70,8 @@ ColorControl::~ColorControl()
         field_->SetOwner(nullptr);
     for (const ColorChannelRow* row : rows_)
         row->Slider().SetOwner(nullptr);
+    if (pick_)
+        pick_->disconnect(this);
     for (const FieldEdit& axis : {hue_, saturation_, value_}) {
         if (axis.edit)
             axis.edit->disconnect(this);
@@ -396,7 +398,7 @@ void ColorControl::ShowEditable()
     reset_->setEnabled(rows_.empty() ? editable : resets);
     if (!field_)
         return;
-    field_->SetLocked(!editable && !IsEditable(ColorChannels::alpha));
+    field_->SetMovable(editable, IsEditable(ColorChannels::alpha));
     for (const FieldEdit& axis : {hue_, saturation_, value_})
         axis.edit->SetEditDisabled(!editable);
 }

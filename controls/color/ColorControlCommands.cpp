@@ -103,7 +103,10 @@ void ColorControl::OnDragAway()
 void ColorControl::dragEnterEvent(QDragEnterEvent* event)
 {
     const InputControl* source = ColorDrag::SourceOf(event->mimeData());
-    if (source && source != this && !ControlDisabled())
+    bool takes = false;
+    for (int channel = 0; channel < ColorChannels::count; ++channel)
+        takes = takes || IsEditable(channel);
+    if (source && source != this && takes)
         event->acceptProposedAction();
 }
 
@@ -141,6 +144,9 @@ bool ColorControl::CopyValueTo(Input& target)
             return gradient->SetSelectedColor({rgb[0], rgb[1], rgb[2], Alpha().value_or(1.0)},
                                               CurrentTime());
         }
+        auto* control = dynamic_cast<ColorControl*>(shownBy);
+        if (control && !control->IsEditable(control->SlotOf(target)))
+            return false;
     }
     const Input* source = InputOf(SlotOf(target));
     if (!source || source == &target || target.HasExpression() || !target.GetState().source.empty())
@@ -177,6 +183,8 @@ void ColorControl::OnPickEnded(bool kept)
     const auto alive = Ref<ColorControl>::Share(this);
     MarloxDoc* document = GetDoc();
     EndUndo(kept);
+    if (!kept)
+        ShowSampled({});
     if (const Ref<Operator> tool = std::move(pickTool_); tool && document) {
         document->SetAutoProxy(tool.Get(), false);
         document->SyncRender();
@@ -193,6 +201,7 @@ void ColorControl::ResetUndo(TagList* tags)
 
 void ColorControl::OnPickColor(QWidget* viewer, const MxPoint&)
 {
+    const auto alive = Ref<ColorControl>::Share(this); // what follows may close the page
     ColorSource* source = ColorSource::Of(viewer);
     if (!source)
         return;

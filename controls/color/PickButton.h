@@ -17,10 +17,9 @@ namespace Marlox {
 ///
 /// - Pressed and dragged onto a viewer, it picks what is under the pointer with every move. A
 ///   release over a viewer keeps the colour, one elsewhere gives it up.
-/// - Clicked, or pressed with Space, it is armed: the next press in a viewer picks, and dragged
-/// from
-///   there it picks the mean of a rectangle, until the release. A second click, a press elsewhere
-///   and a button that hides disarm it.
+/// - Clicked, or pressed with Space, it is armed: the next press in a viewer picks, and dragged on
+///   it picks the mean of a rectangle, until the release. A second click, a press elsewhere and a
+///   button that hides disarm it.
 ///
 /// While Ctrl is held, what flows into the tool is wanted rather than what is on view. Escape, and
 /// whatever else ends a pick without its release, gives up the colour. The viewer shows what is

@@ -254,12 +254,23 @@ void RangedControl::Show()
     ShowEdits();
     for (int range = 0; range < ranges; ++range)
         ShowWheel(range);
+    LockWheel();
+}
+
+/// Where nothing can be set it takes neither presses nor keys.
+void RangedControl::LockWheel()
+{
+    bool editable = false;
+    for (int channel = 0; channel < channels_; ++channel)
+        editable = editable || IsEditable(SlotFor(ShownRange(), channel));
+    wheel_->SetLocked(!editable);
 }
 
 void RangedControl::ShowSlot(int slot)
 {
     ShowEditsOf(slot);
     ShowWheel(slot / channels_);
+    LockWheel();
 }
 
 void RangedControl::ResetChannels(std::span<const int> channels, const QString& undoText)

@@ -76,6 +76,7 @@ private:
     void ShowRange();
     void ShowLines();
     void Arrange();
+    void LockWheel();
 
     std::span<const Place> places_;
     std::array<u32, ranges> nameTags_; // of the ranges; the master has none

@@ -146,6 +146,7 @@ private slots:
     void CopiesToOthers();
     void ShowsWhatTagsSay();
     void SetsKeysOfAll();
+    void LeavesAloneWhatIsFixed();
     void SurvivesBadInput();
 };
 
@@ -437,7 +438,7 @@ void ColorControlTest::ShowsWhatTagsSay()
 void ColorControlTest::SetsKeysOfAll()
 {
     const ColorStage stage;
-    auto* keys = stage.window->findChild<QAbstractButton*>(QString(), Qt::FindChildrenRecursively);
+    QAbstractButton* keys = nullptr;
     for (QAbstractButton* button : stage.window->findChildren<QAbstractButton*>()) {
         if (button->inherits("Marlox::KeyFrameIndicator"))
             keys = button;
@@ -450,6 +451,46 @@ void ColorControlTest::SetsKeysOfAll()
     keys->click();
     QVERIFY(!stage.InputOf("Blue").IsAnimated());
     QCOMPARE(stage.UndoEntries(), 2);
+}
+
+void ColorControlTest::LeavesAloneWhatIsFixed()
+{
+    std::vector<StagedInput> inputs = staged(rgba, {{CLRC_ShowWheel, 1}});
+    inputs[0].attributes.push_back({IA_ReadOnly, 1});
+    inputs[2].attributes.push_back({IC_EditDisabled, 1});
+    inputs.push_back({"Other", {{IA_Channel, 2}, {IAD_Default, 0.75}}, "ColorControl"});
+    const InspectorStage stage(inputs);
+    auto& field = *stage.PartOf<CustomColorField>("field");
+    QVERIFY(stage.ControlOf().isEnabled() && stage.PartOf<CustomSwatch>("swatch")->isEnabled());
+    Pointer::Click(field, inSquare(field, 0.5, 0.5));
+    QVERIFY(stage.ValueOf("Red") == 0.5 && stage.ValueOf("Blue") == 0.125);
+    QVERIFY(stage.ValueOf("Green") != 0.25 && stage.UndoEntries() == 1);
+    CopyColorEvent dropped({&stage.InputOf("Blue")});
+    QCoreApplication::sendEvent(&stage.ControlOf("Other"), &dropped);
+    QCOMPARE(stage.ValueOf("Blue"), 0.125);
+    // With nothing of the colour left to set, the field takes alpha only.
+    stage.InputOf("Green").SetExpression("0.5");
+    stage.document->Undo().Clear();
+    QVERIFY(!stage.PartOf<CustomSwatch>("swatch")->isEnabled());
+    Pointer::Press(field, onHue(field, 0.5));
+    QVERIFY(!field.IsDragged() && stage.IsIdle());
+    Pointer::Release(field, onHue(field, 0.5));
+    Pointer::Click(field, QPoint(field.width() - 7, field.height() / 2));
+    QVERIFY(stage.ValueOf("Alpha") < 0.6);
+    // What another value is moved to while one is typed is not what stood in its edit.
+    ColorStage linked;
+    connect(linked.document.get(), &MarloxDoc::InputChanged, this, [&linked](Input* input) {
+        if (input == &linked.InputOf("Red"))
+            linked.InputOf("Green").SetValue(Number(2.0 * linked.ValueOf("Red")), 0.0);
+    });
+    type(linked.Edit("editcolor0"), "0.75");
+    QCOMPARE(linked.ValueOf("Green"), 1.5);
+    QCOMPARE(linked.Edit("editcolor1").GetValue(), 1.5);
+    // A layout that is built anew leaves the keyboard where it was.
+    auto& expand = *linked.PartOf<CustomButton>("buttonexpand");
+    expand.setFocus();
+    expand.click();
+    QVERIFY(expand.hasFocus());
 }
 
 void ColorControlTest::SurvivesBadInput()

@@ -150,20 +150,25 @@ void ControlWnd::Private::UpdateState(Row& row)
     const InputList& shown = row.control->ShownInputs();
     bool animated = false;
     bool allKeyed = true;
+    bool expressions = false;
     bool allExpressions = true;
     for (const Input* input : shown) {
-        if (input->HasExpression())
+        if (!input->GetAttrB(IA_Animatable, true))
             continue;
+        if (input->HasExpression()) {
+            expressions = true;
+            continue;
+        }
         allExpressions = false;
         animated = animated || input->IsAnimated();
         allKeyed = allKeyed && input->IsAnimated() && input->IsKeyAt(time);
     }
     if (row.keys) {
         using Keys = KeyFrameIndicator::State;
-        row.keys->SetState(allExpressions && !shown.empty() ? Keys::Expression
-                           : !animated                      ? Keys::None
-                           : allKeyed                       ? Keys::Keyed
-                                                            : Keys::Animated);
+        row.keys->SetState(allExpressions && expressions ? Keys::Expression
+                           : !animated                   ? Keys::None
+                           : allKeyed                    ? Keys::Keyed
+                                                         : Keys::Animated);
         if (row.keys->isEnabled() != row.control->isEnabled())
             row.keys->setEnabled(row.control->isEnabled());
     }
