@@ -92,7 +92,10 @@ QPointF ColorWheelModel::TintPlace(const WheelRecord& record) const
 QPointF ColorWheelModel::RingPlace(const WheelRecord& record) const
 {
     const double factor = std::clamp(finite(record.saturation, 1.0), 0.0, 2.0);
-    return PlaceOf(M_PI / 2.0 - finite(record.hue, 0.0) * turn, disc + (1.0 - disc) * 0.5 * factor);
+    const double knob = 0.5 * tintKnob.width() + discMargin; // clear of the disc's presses
+    const double inner = diameter > 0 ? disc + 2.0 * knob / diameter : disc;
+    return PlaceOf(M_PI / 2.0 - finite(record.hue, 0.0) * turn,
+                   inner + (1.0 - inner) * 0.5 * factor);
 }
 
 ColorWheelModel::Part ColorWheelModel::HitTest(QPoint at, const WheelRecord& record) const

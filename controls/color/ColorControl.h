@@ -35,6 +35,9 @@ inline constexpr u32 CLRC_NoSliders = 0x10050005;  // no rows of channels
 class ColorControl final : public ChannelControl {
     Q_OBJECT
 public:
+    static constexpr char collapsedLayout[] = "Controls.Color.Layout.Collapsed";
+    static constexpr char expandedLayout[] = "Controls.Color.Layout.Expanded"; // with the field
+
     ColorControl(const Registry* record, const ScriptVal& creator, const TagList& attributes);
     ~ColorControl() override;
 
@@ -87,6 +90,8 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    static constexpr int yuvSpace = 2; // the colour space whose first axis is no hue
+
     struct Parts {
         int colorSpace = 0;
         bool pick = true;

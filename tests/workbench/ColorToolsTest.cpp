@@ -156,7 +156,7 @@ private slots:
             for (int h = 0; h < 6; ++h) {
                 const Rgba color = pure(h);
                 const Rgba seen = correctedBy(bench, color);
-                const double wanted = h + 6.0 * turns;
+                const double wanted = h - 6.0 * turns; // clockwise
                 QVERIFY(std::abs(std::remainder(hue(seen) - wanted, 6.0)) < 1e-4);
                 QVERIFY(std::abs(luminance(seen) - luminance(color)) < 1e-6);
             }

@@ -119,8 +119,8 @@ Corrector::Step Corrector::StepOf(const RangeCorrection& range)
     step.isIdentity = range.IsIdentity();
     step.suppresses = range.Suppresses();
     const double saturation = finite(range.saturation, 1.0);
-    const Rgb ofBlue = turned(chroma(saturation, 0.0), finite(range.hue, 0.0));
-    const Rgb ofRed = turned(chroma(0.0, saturation), finite(range.hue, 0.0));
+    const Rgb ofBlue = turned(chroma(saturation, 0.0), -finite(range.hue, 0.0));
+    const Rgb ofRed = turned(chroma(0.0, saturation), -finite(range.hue, 0.0));
     step.turn = {float(ofBlue[2]), float(ofRed[2]), float(ofBlue[0]), float(ofRed[0])};
     const Rgb tint = turned(chroma(-redLuminance, 1.0 - redLuminance), // of pure red
                             finite(range.tintAngle, 0.0));

@@ -9,7 +9,7 @@ namespace Marlox {
 
 /// What is done to the colours of one tonal range.
 struct RangeCorrection {
-    double hue = 0.0;        // turns; a third makes red green
+    double hue = 0.0;        // turns, clockwise on the wheel; a third makes green red
     double saturation = 1.0; // factor
     double tintAngle = 0.0;  // turns: the hue of the tint, 0 red, a third green
     double tintLength = 0.0; // 0 none; 1 gives white as much chroma as pure red, or green ..., has

@@ -26,7 +26,7 @@ struct Wheel {
     double RangeCorrection::*value;
 };
 constexpr std::array<Wheel, 4> wheels{
-    {{"Hue", "Hue", -1.0, 1.0, 0.0, "Turns all hues; 1 is a whole turn, a third makes red green",
+    {{"Hue", "Hue", -1.0, 1.0, 0.0, "Turns all hues; 1 is a whole turn, a third makes green red",
       false, &RangeCorrection::hue},
      {"Saturation", "Saturation", 0.0, 2.0, 1.0,
       "Strength of the colours; 0 is grey, 1 as it is, more is stronger", true,
