@@ -419,4 +419,20 @@ bool ChannelControl::Write(int slot, double value)
                      nullptr);
 }
 
+void ChannelControl::WriteDefaults(std::span<const int> which, const QString& undoText)
+{
+    const auto alive = Ref<ChannelControl>::Share(this); // what follows may close the page
+    StartUndo(undoText.toUtf8().constData());
+    {
+        const Writing writing(*this);
+        for (const int slot : which) {
+            const double value = SettingsOf(slot).defaultValue;
+            if (IsEditable(slot) && value != SliderModel::none)
+                Write(slot, value);
+        }
+    }
+    ResetUndo(nullptr);
+    UpdateDisplay(nullptr, nullptr);
+}
+
 } // namespace Marlox

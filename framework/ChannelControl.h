@@ -3,6 +3,7 @@
 #include "system/controls/InputControl.h"
 #include "widgets/SliderSettings.h"
 
+#include <span>
 #include <vector>
 
 namespace Marlox {
@@ -94,6 +95,8 @@ protected:
     /// Writes a value at the current time if it differs from the present one by more than half of
     /// the slot's comparison step. Within an open undo group it becomes part of that.
     bool Write(int slot, double value);
+    /// Writes the defaults of those that can be set, as one undo entry.
+    void WriteDefaults(std::span<const int> which, const QString& undoText);
     /// While one lives, UpdateDisplay does nothing: several values are being written.
     class Writing {
     public:

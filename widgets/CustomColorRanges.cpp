@@ -7,7 +7,7 @@
 
 #include <utility>
 
-#include <QMouseEvent>
+#include <QEvent>
 
 namespace Marlox {
 
@@ -182,17 +182,10 @@ void CustomColorRanges::Nudge(int part, QPoint way, int level)
     MoveNode(*curves_, part, to, takesHandles_);
 }
 
-void CustomColorRanges::mousePressEvent(QMouseEvent* event)
+bool CustomColorRanges::ResetAt(QPoint at)
 {
-    const bool resets = event->button() == Qt::LeftButton && event->modifiers() & Qt::AltModifier;
-    if (!resets || IsLocked())
-        return CustomControl::mousePressEvent(event);
-    const QPointer<CustomColorRanges> alive(this);
-    setFocus(Qt::MouseFocusReason);
-    if (alive)
-        LoseGesture(); // held keys
-    if (alive)
-        ResetNode(NodeAt(event->pos()));
+    ResetNode(NodeAt(at));
+    return true;
 }
 
 void CustomColorRanges::ResetNode(int node)

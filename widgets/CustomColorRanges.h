@@ -78,10 +78,10 @@ protected:
     void PressOn(const PointerDrag::Step& step) override;
     bool DragTo(const PointerDrag::Step& step) override;
     void Drop() override;
+    bool ResetAt(QPoint at) override;
     void HoverAt(std::optional<QPoint> at) override;
     void Nudge(int part, QPoint way, int level) override;
 
-    void mousePressEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-#include <QMouseEvent>
+#include <QEvent>
 
 namespace Marlox {
 
@@ -190,21 +190,13 @@ void CustomColorSuppression::HoverAt(std::optional<QPoint> at)
         Repaint();
 }
 
-void CustomColorSuppression::mousePressEvent(QMouseEvent* event)
+bool CustomColorSuppression::ResetAt(QPoint at)
 {
-    const bool reset = event->button() == Qt::LeftButton && event->modifiers() & Qt::AltModifier;
-    if (!reset || IsLocked())
-        return CustomControl::mousePressEvent(event);
-    const QPointer<CustomColorSuppression> alive(this);
-    setFocus(Qt::MouseFocusReason);
-    if (alive)
-        LoseGesture(); // held keys
-    if (!alive)
-        return;
-    if (const int knob = KnobAt(event->pos()); knob != none) {
+    if (const int knob = KnobAt(at); knob != none) {
         SetActivePart(knob);
         emit resetKnob(knob);
     }
+    return true;
 }
 
 // Layout -----------------------------------------------------------------------------------------

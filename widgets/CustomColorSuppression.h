@@ -75,10 +75,10 @@ protected:
     void PressOn(const PointerDrag::Step&) override {}
     bool DragTo(const PointerDrag::Step& step) override;
     void Drop() override;
+    bool ResetAt(QPoint at) override;
     void HoverAt(std::optional<QPoint> at) override;
     void Nudge(int knob, QPoint way, int level) override;
 
-    void mousePressEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

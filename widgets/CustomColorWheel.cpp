@@ -6,7 +6,7 @@
 
 #include <utility>
 
-#include <QMouseEvent>
+#include <QEvent>
 
 namespace Marlox {
 
@@ -94,21 +94,13 @@ QString CustomColorWheel::DescribePart(int part) const
 
 // Drags ------------------------------------------------------------------------------------------
 
-void CustomColorWheel::mousePressEvent(QMouseEvent* event)
+bool CustomColorWheel::ResetAt(QPoint at)
 {
-    const bool reset = event->button() == Qt::LeftButton && event->modifiers() & Qt::AltModifier;
-    if (!reset || IsLocked())
-        return CustomControl::mousePressEvent(event);
-    const QPointer<CustomColorWheel> alive(this);
-    setFocus(Qt::MouseFocusReason);
-    if (alive)
-        LoseGesture(); // held keys
-    if (!alive)
-        return;
-    if (const Part part = model_.HitTest(event->pos(), Shown()); part != Part::None) {
+    if (const Part part = model_.HitTest(at, Shown()); part != Part::None) {
         SetActivePart(int(part));
         emit resetPart(int(part));
     }
+    return true;
 }
 
 bool CustomColorWheel::Grab(QPoint at)

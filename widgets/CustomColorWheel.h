@@ -69,11 +69,11 @@ protected:
     bool Grab(QPoint at) override;
     bool DragTo(const PointerDrag::Step& step) override;
     void Drop() override;
+    bool ResetAt(QPoint at) override;
     void HoverAt(std::optional<QPoint> at) override;
     double FineShare() const override { return ColorWheelModel::fineShare; }
     void Nudge(int part, QPoint way, int level) override;
 
-    void mousePressEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

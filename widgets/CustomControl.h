@@ -99,6 +99,9 @@ protected:
     virtual void Drop() {}
     /// The pointer moves without dragging; without a value it has left.
     virtual void HoverAt(std::optional<QPoint>) {}
+    /// An Alt+click: what is there goes back to its default. False: the widget knows no defaults,
+    /// and the press is like any other.
+    virtual bool ResetAt(QPoint) { return false; }
     /// Of the pointer's way in fine mode.
     virtual double FineShare() const { return 0.1; }
 

@@ -52,7 +52,9 @@ void CustomControl::mousePressEvent(QMouseEvent* event)
     setFocus(Qt::MouseFocusReason); // what had it may commit a value
     if (alive)
         LoseGesture(); // held keys
-    if (alive && Grab(event->pos()))
+    if (!alive || (event->modifiers() & Qt::AltModifier && ResetAt(event->pos())))
+        return;
+    if (Grab(event->pos()))
         Press(event->pos(), event->modifiers());
 }
 

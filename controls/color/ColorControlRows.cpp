@@ -10,6 +10,7 @@
 #include "widgets/CustomSlider.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace Marlox {
@@ -132,22 +133,14 @@ void ColorControl::OnEditEndDrag()
 
 void ColorControl::ButtonPressed(uint64 channel)
 {
-    const auto alive = Ref<ColorControl>::Share(this);
-    const bool all = channel >= uint64(ColorChannels::count);
-    const int first = all ? 0 : int(channel);
-    const int last = all ? ColorChannels::count : first + 1;
-    const QString what = all ? Label() : InputOf(first) ? InputOf(first)->GetName() : QString();
-    StartUndo(tr("Reset %1").arg(what).toUtf8().constData());
-    {
-        const Writing writing(*this);
-        for (int i = first; i < last; ++i) {
-            const double value = SettingsOf(i).defaultValue;
-            if (IsEditable(i) && value != SliderModel::none)
-                Write(i, value);
-        }
+    std::vector<int> which(std::size_t(ColorChannels::count));
+    std::iota(which.begin(), which.end(), 0);
+    QString what = Label();
+    if (channel < which.size()) {
+        which = {int(channel)};
+        what = InputOf(int(channel)) ? InputOf(int(channel))->GetName() : QString();
     }
-    ResetUndo(nullptr);
-    UpdateDisplay(nullptr, nullptr);
+    WriteDefaults(which, tr("Reset %1").arg(what));
 }
 
 } // namespace Marlox

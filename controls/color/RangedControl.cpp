@@ -275,19 +275,10 @@ void RangedControl::ShowSlot(int slot)
 
 void RangedControl::ResetChannels(std::span<const int> channels, const QString& undoText)
 {
-    const auto alive = Ref<RangedControl>::Share(this); // what follows may close the page
-    StartUndo(undoText.toUtf8().constData());
-    {
-        const Writing writing(*this);
-        for (const int channel : channels) {
-            const int slot = SlotFor(ShownRange(), channel);
-            const double value = SettingsOf(slot).defaultValue;
-            if (IsEditable(slot) && value != SliderModel::none)
-                Write(slot, value);
-        }
-    }
-    ResetUndo(nullptr);
-    UpdateDisplay(nullptr, nullptr);
+    std::vector<int> shown;
+    for (const int channel : channels)
+        shown.push_back(SlotFor(ShownRange(), channel));
+    WriteDefaults(shown, undoText);
 }
 
 } // namespace Marlox
