@@ -88,11 +88,7 @@ void InputControl::OnEditStartDrag()
     if (d_->editDragging)
         return;
     d_->editDragging = true;
-    MarloxDoc* document = GetDoc();
-    if (document && !IsAllPassive(nullptr)) {
-        document->SetAutoProxy(owner_, true);
-        d_->proxyOn = true;
-    }
+    d_->proxy.Begin(*this);
     const Input* input = GetInputFrom(qobject_cast<QWidget*>(sender()), nullptr);
     if (!input && !inputs_.list.empty())
         input = inputs_.list.front();
@@ -105,11 +101,7 @@ void InputControl::OnEditEndDrag()
         return;
     d_->editDragging = false;
     ResetUndo(nullptr);
-    MarloxDoc* document = GetDoc();
-    if (!std::exchange(d_->proxyOn, false) || !document)
-        return;
-    document->SetAutoProxy(owner_, false);
-    document->SyncRender();
+    d_->proxy.End();
 }
 
 // Modifiers --------------------------------------------------------------------------------------

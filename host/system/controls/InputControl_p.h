@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/controls/InputControl.h"
+#include "system/controls/ProxyGesture.h"
 #include "system/document/MarloxDoc.h"
 #include "system/widgets/Container.h"
 #include "system/widgets/MxLineEdit.h"
@@ -53,7 +54,7 @@ public:
     bool stretch = false;
 
     bool editDragging = false;
-    bool proxyOn = false;
+    ProxyGesture proxy; // while an edit is dragged
 };
 
 /// An undo group for as long as it lives; without a document it does nothing.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/controls/ProxyGesture.h"
 #include "system/viewer/PreviewControl.h"
 
 #include <array>
@@ -186,8 +187,8 @@ private:
     bool pressed_ = false;
     bool pointerInside_ = false;
     bool released_ = false; // by ReleaseAll
-    Ref<Operator> proxied_; // renders at proxy resolution for this drag
-    MxPoint at_;            // of the pointer
+    ProxyGesture proxy_;
+    MxPoint at_; // of the pointer
     MxPoint pressedAt_;
     bool moved_ = false;                  // since the press
     TagList pointer_;                     // what came with the last move or release

@@ -196,12 +196,9 @@ void OverlayStage::StartProxy()
 {
     Operator* tool = dragged_->GetOperator(nullptr);
     const std::vector<Input*>& inputs = dragged_->Inputs();
-    if (proxied_ || !tool || std::all_of(inputs.begin(), inputs.end(), [](const Input* input) {
-            return input->GetAttrB(IA_Passive);
-        }))
-        return;
-    proxied_ = Ref<Operator>::Share(tool);
-    document_.SetAutoProxy(tool, true);
+    if (!std::all_of(inputs.begin(), inputs.end(),
+                     [](const Input* input) { return input->GetAttrB(IA_Passive); }))
+        proxy_.Begin(&document_, tool);
 }
 
 void OverlayStage::Release(const MxPoint& at, u32 modifiers, const TagList& more)
@@ -267,10 +264,7 @@ void OverlayStage::FinishDrag(bool keep)
     view_.currentControl = nullptr;
     if (IsShown())
         view_.drawMode = DrawIdle;
-    if (const Ref<Operator> tool = std::exchange(proxied_, nullptr)) {
-        document_.SetAutoProxy(tool.Get(), false);
-        document_.SyncRender();
-    }
+    proxy_.End();
     emit Changed();
 }
 
