@@ -1,6 +1,7 @@
 #include "controls/color/PickButton.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <QApplication>
@@ -103,7 +104,7 @@ void PickButton::OnViewerGone()
 
 // Picking ----------------------------------------------------------------------------------------
 
-void PickButton::PickAt(QWidget& viewer, QPoint at)
+void PickButton::PickAt(QWidget& viewer, QPointF at)
 {
     ColorSource* source = ColorSource::Of(&viewer);
     if (std::find(held_.begin(), held_.end(), &viewer) == held_.end()) {
@@ -126,7 +127,8 @@ void PickButton::PickAt(QWidget& viewer, QPoint at)
 void PickButton::PickAgain()
 {
     if (started_ && viewer_)
-        emit PickColor(viewer_, ToMxPoint(footprint_.at));
+        emit PickColor(viewer_, MxPoint(int(std::floor(footprint_.at.x())),
+                                        int(std::floor(footprint_.at.y()))));
 }
 
 /// Shows the footprint in a viewer, and in no other; null: in none.
@@ -204,7 +206,8 @@ void PickButton::DragTo(const QMouseEvent& event)
     const bool there = ColorSource::At(event.globalPos(), &viewer);
     inputWanted_ = event.modifiers() & Qt::ControlModifier;
     if (there)
-        PickAt(*viewer, viewer->mapFromGlobal(event.globalPos()));
+        PickAt(*viewer, ColorSource::PositionOf(event) + mapToGlobal(QPoint()) -
+                            viewer->mapToGlobal(QPoint()));
     else
         ShowOver(nullptr);
 }
@@ -294,13 +297,13 @@ bool PickButton::FilterArmed(QWidget& widget, QEvent& event)
         }
         Enter(State::Taken);
         inputWanted_ = press.modifiers() & Qt::ControlModifier;
-        PickAt(widget, press.pos());
+        PickAt(widget, ColorSource::PositionOf(press));
         return true;
     }
     case QEvent::MouseMove: {
         const auto& move = static_cast<const QMouseEvent&>(event);
         const bool isFree = inViewer && move.buttons() == Qt::NoButton;
-        footprint_ = PickArea(move.pos(), false).Taken(size_);
+        footprint_ = PickArea(ColorSource::PositionOf(move), false).Taken(size_);
         ShowOver(isFree ? &widget : nullptr);
         return isFree;
     }
@@ -328,7 +331,7 @@ bool PickButton::FilterTaken(QWidget& widget, QEvent& event)
             return true;
         const QPointer<PickButton> alive(this);
         inputWanted_ = mouse.modifiers() & Qt::ControlModifier;
-        PickAt(widget, mouse.pos());
+        PickAt(widget, ColorSource::PositionOf(mouse));
         if (alive && !isMove)
             End(true);
         return true;

@@ -52,7 +52,8 @@ public:
 
 signals:
     void PickStarted();
-    /// With each move: what is to be taken is another one, or is to be taken from elsewhere.
+    /// With each move: what is to be taken is another one, or is to be taken from elsewhere. `at`
+    /// is the viewer's pixel that holds LastFootprint's position.
     void PickColor(QWidget* viewer, const MxPoint& at);
     /// The last signal of a pick; `kept`: else its colour is to be as before the pick.
     void PickEnded(bool kept);
@@ -72,7 +73,7 @@ private:
     void Enter(State state);
     void End(bool kept);
     void DragTo(const QMouseEvent& event);
-    void PickAt(QWidget& viewer, QPoint at);
+    void PickAt(QWidget& viewer, QPointF at);
     void PickAgain();
     void ShowOver(QWidget* viewer);
     void WantInput(bool wanted);

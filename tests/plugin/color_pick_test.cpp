@@ -18,9 +18,9 @@ namespace {
 
 QString placeOf(const ColorSource::Footprint& taken)
 {
-    const auto text = [](QPoint at) { return QString("%1,%2").arg(at.x()).arg(at.y()); };
-    return taken.area.isNull() ? text(taken.at) + QString(" (%1)").arg(taken.size)
-                               : text(taken.area.topLeft()) + ".." + text(taken.area.bottomRight());
+    const auto text = [](QPointF at) { return QString("%1,%2").arg(at.x()).arg(at.y()); };
+    return taken.area ? text(taken.area->topLeft()) + ".." + text(taken.area->bottomRight())
+                      : text(taken.at) + QString(" (%1)").arg(taken.size);
 }
 
 /// A viewer that counts the events of the pointer that reach it.
@@ -49,6 +49,7 @@ protected:
 };
 
 const QPointF onIt(5, 5);
+const QPointF half(0.5, 0.5); // as on a dense screen
 
 void send(QObject* to, QEvent::Type type)
 {
@@ -77,7 +78,8 @@ private slots:
 public slots:
     void OnPick(QWidget* viewer, const MxPoint& at)
     {
-        QCOMPARE(at, ToMxPoint(button_->LastFootprint().at));
+        const QPointF exact = button_->LastFootprint().at;
+        QCOMPARE(at, MxPoint(int(exact.x()), int(exact.y())));
         log_ += (viewer == viewer_ ? "pick " : "other ") + placeOf(button_->LastFootprint()) +
                 (button_->IsInputWanted() ? " of the input" : "");
     }
@@ -138,13 +140,13 @@ void ColorPickTest::DragsOntoViewers()
 {
     StartDrag();
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::CrossCursor);
-    Pointer::Move(*button_, From(*viewer_, {60, 4})); // never a rectangle
-    QVERIFY(viewer_->held && viewer_->shown == "60,4 (1)");
+    Pointer::Move(*button_, From(*viewer_, {60, 4}) + half); // never a rectangle
+    QVERIFY(viewer_->held && viewer_->shown == "60.5,4.5 (1)");
     Pointer::Move(*button_, From(*window_, {145, 4}));
     QVERIFY(viewer_->shown.isEmpty() && !QApplication::overrideCursor());
     Pointer::Release(*button_, From(*other_, {9, 8}));
-    QCOMPARE(Taken(),
-             QStringList({"started", "pick 50,20 (1)", "pick 60,4 (1)", "other 9,8 (1)", "kept"}));
+    QCOMPARE(Taken(), QStringList({"started", "pick 50,20 (1)", "pick 60.5,4.5 (1)",
+                                   "other 9,8 (1)", "kept"}));
     QVERIFY(IsAtRest() && !other_->held && other_->shown.isEmpty());
     StartDrag();
     Pointer::Release(*button_, onIt); // back on it: no click either
@@ -168,11 +170,11 @@ void ColorPickTest::ArmsWithAClick()
     Pointer::Press(*viewer_, {8, 9});
     QVERIFY(viewer_->held && !button_->IsArmed() && button_->isChecked());
     Pointer::Move(*viewer_, {10, 6}); // as a hand shakes
-    Pointer::Move(*viewer_, {4, 12});
-    QCOMPARE(viewer_->shown, QString("4,9..8,12"));
+    Pointer::Move(*viewer_, QPointF(3, 12) + half);
+    QCOMPARE(viewer_->shown, QString("3.5,9..8,12.5"));
     Pointer::Move(*viewer_, {8, 10}); // it stays a rectangle
     Pointer::Release(*viewer_, {150, 30});
-    QCOMPARE(Taken(), QStringList({"started", "pick 8,9 (3)", "pick 10,6 (3)", "pick 4,9..8,12",
+    QCOMPARE(Taken(), QStringList({"started", "pick 8,9 (3)", "pick 10,6 (3)", "pick 3.5,9..8,12.5",
                                    "pick 8,9..8,10", "pick 8,9..150,30", "kept"}));
     QVERIFY(IsAtRest());
 }

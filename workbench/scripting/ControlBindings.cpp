@@ -58,12 +58,13 @@ void listLayout(const LayoutObj* object, ScriptVal& names)
         listLayout(child, names);
 }
 
+/// The widget of that place, also while another place of the layout has it.
 QWidget* layoutWidget(const InputControl& control, const MxID& name)
 {
     const LayoutObj* object = control.FindLayoutObj(name);
     if (!object)
         throw ScriptError(std::string("the layout has no object \"") + name.c_str() + "\"");
-    return object->Widget();
+    return object->Widget() ? object->Widget() : control.findChild<QWidget*>(name.ToString());
 }
 
 void addControlClass(ScriptContext& context)

@@ -120,17 +120,17 @@ void addGrab(ScriptEngine& engine)
     });
 }
 
-/// Pixels of the viewer's widget. The third argument: so many pixels of the picture across and
-/// down, or the width and height of a rectangle of the widget.
+/// An exact place of the viewer's widget. The third argument: so many pixels of the picture across
+/// and down, or the width and height of a rectangle of the widget.
 ColorSource::Footprint footprintOf(const ScriptCall& call)
 {
-    ColorSource::Footprint footprint{pixelAt(call)};
+    ColorSource::Footprint footprint{{call.Number(1), call.Number(2)}};
     if (call.IsTable(3)) {
         const ScriptVal extent = call.Table(3);
-        footprint.area =
-            QRect(footprint.at, QSize(int(extent.At(1).ToNumber()), int(extent.At(2).ToNumber())));
-        if (footprint.area.isEmpty())
+        const QSizeF size(extent.At(1).ToNumber(), extent.At(2).ToNumber());
+        if (!(size.width() >= 0.0 && size.height() >= 0.0))
             throw ScriptError("sample: a rectangle is {width, height}");
+        footprint.area = QRectF(footprint.at, size);
     } else {
         footprint.size = call.Integer(3, 1);
         if (footprint.size < 1 || footprint.size % 2 == 0)
@@ -150,7 +150,8 @@ void addViewer(ScriptEngine& engine)
     });
     viewer.Method("sample", [](ScriptCall& call) {
         ColorSource::Sample sample;
-        if (!call.Self<ViewerWidget>().SampleColor(footprintOf(call), sample))
+        constexpr int patience = int(renderPatience * 1000.0);
+        if (!call.Self<ViewerWidget>().SampleColor(footprintOf(call), sample, patience))
             return call.Return(ScriptVal());
         const auto& [red, green, blue, alpha] = sample.rgba;
         ScriptVal list = colorTable(red, green, blue);

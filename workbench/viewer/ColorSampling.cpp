@@ -147,18 +147,20 @@ Sums sumsOf(const Image& image, const MxRect& pixels)
 MxRect ColorSampling::PixelsOf(const ColorSource::Footprint& footprint, const ViewTransform& view,
                                double devicePixelRatio)
 {
-    const auto place = [&](QPoint at) { return view.ToImage(QPointF(at) * devicePixelRatio); };
-    if (footprint.area.isNull()) {
-        const QPointF at = place(footprint.at);
-        const int left = wholePixels(std::floor(at.x())) - footprint.size / 2;
-        const int top = wholePixels(std::floor(at.y())) - footprint.size / 2;
-        return {left, top, left + footprint.size, top + footprint.size};
+    // The pixel that a position lies in, one across and down.
+    const auto pixelAt = [&](QPointF position) {
+        const QPointF at = view.ToImage(position * devicePixelRatio);
+        const int left = wholePixels(std::floor(at.x()));
+        const int top = wholePixels(std::floor(at.y()));
+        return MxRect(left, top, left + 1, top + 1);
+    };
+    if (footprint.area) {
+        const QRectF area = footprint.area->normalized();
+        return united(pixelAt(area.topLeft()), pixelAt(area.bottomRight()));
     }
-    const QRect area = footprint.area.normalized();
-    const QPointF first = place(area.topLeft());
-    const QPointF last = place(area.bottomRight() + QPoint(1, 1));
-    return {wholePixels(std::floor(first.x())), wholePixels(std::floor(first.y())),
-            wholePixels(std::ceil(last.x())), wholePixels(std::ceil(last.y()))};
+    const MxRect middle = pixelAt(footprint.at);
+    const int reach = footprint.size / 2;
+    return {middle.left - reach, middle.top - reach, middle.right + reach, middle.bottom + reach};
 }
 
 MxRect ColorSampling::PixelsIn(const Image& image, const MxRect& pixels)

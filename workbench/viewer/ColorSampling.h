@@ -10,7 +10,8 @@ namespace Marlox {
 /// whole ones at full resolution, y down.
 namespace ColorSampling {
 
-/// The pixels that a footprint asks for, in the picture or beside it.
+/// The pixels that a footprint asks for, in the picture or beside it: of each position the one that
+/// it lies in.
 MxRect PixelsOf(const ColorSource::Footprint& footprint, const ViewTransform& view,
                 double devicePixelRatio);
 /// Those of them that the picture has, within its data or display window; of a proxy all that its

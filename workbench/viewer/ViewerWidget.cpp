@@ -120,7 +120,7 @@ void ViewerWidget::DropImage()
     wanted_ = nullptr;
     converter_.Cancel();
     if (held_)
-        held_.emplace();
+        held_.emplace(); // of none
     overlays_.EndDrag(); // its values are measured by the picture
     overlays_.KeyUpAll();
     overlays_.Leave();

@@ -47,7 +47,8 @@ struct Probe {
 /// drag. The right button opens the menu of what is under it.
 ///
 /// Colours are picked from the image's floats, also where channels, exposure and display show it
-/// otherwise. What flows into a tool is sampled at the same place of its own picture.
+/// otherwise: from that of the present values, also while it is not on show yet. What flows into a
+/// tool is sampled at the same place of its own picture.
 class ViewerWidget : public QOpenGLWidget, public ColorSource {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
@@ -99,6 +100,8 @@ public:
 
     // ColorSource
     bool SampleColor(const Footprint& footprint, Sample& sample) override;
+    /// The same, but waits so many ms for the picture if it has to be rendered.
+    bool SampleColor(const Footprint& footprint, Sample& sample, int patience);
     void ShowFootprint(const Footprint* footprint) override;
     void HoldPicture(bool held) override;
 
@@ -151,7 +154,8 @@ private:
     void ReleasePainter();
     void DrawOverlays();
     void DrawFootprint();
-    Ref<Image> PictureToSample(const Operator* inputOf);
+    SideRender::Result PresentPicture() const;
+    SideRender::Result PictureToSample(const Operator* inputOf);
     QPointF ToDevice(QPointF position) const { return position * devicePixelRatioF(); }
 
     MarloxDoc& document_;
@@ -177,11 +181,11 @@ private:
     TagList pen_{{PVD_Pressure, 1.0}}; // of the mouse event that comes next
     QPointer<QMenu> menu_;             // while it is open
     std::optional<Footprint> footprint_;
-    /// What is sampled while the picture is held; null: was not asked for yet.
+    /// What is sampled while the picture is held.
     struct Held {
-        Ref<Image> shown;
-        const Operator* tool = nullptr; // whose input it is
-        Ref<Image> input;
+        SideRender::Result shown;
+        const Operator* tool = nullptr; // whose input it is; null: was not asked for yet
+        SideRender::Result input{};
     };
     std::optional<Held> held_;
 };

@@ -12,42 +12,56 @@ namespace Marlox {
 
 namespace {
 
-/// How long a pick waits for what flows into a tool, ms. It is nearly always kept from the render
-/// of the picture on view.
-constexpr int patience = 200;
+/// How long a pick waits for a picture that is not on view, ms. It is nearly always kept from the
+/// render of one that was. What takes longer is there for a later move, or for the release.
+constexpr int usualPatience = 200;
 
 } // namespace
 
 bool ViewerWidget::SampleColor(const Footprint& footprint, Sample& sample)
 {
-    const Ref<Image> picture = PictureToSample(footprint.inputOf);
+    return SampleColor(footprint, sample, usualPatience);
+}
+
+bool ViewerWidget::SampleColor(const Footprint& footprint, Sample& sample, int patience)
+{
+    if (!shown_.image)
+        return false;
+    const Ref<Image> picture = PictureToSample(footprint.inputOf).Within(patience);
     return picture &&
            ColorSampling::MeanOf(
                *picture, ColorSampling::PixelsOf(footprint, view_, devicePixelRatioF()), sample);
 }
 
-/// Null: there is none, or what flows into the tool is not done yet.
-Ref<Image> ViewerWidget::PictureToSample(const Operator* inputOf)
+/// That of the present values: while a render is under way, the last one may be of values that a
+/// pick gave up.
+SideRender::Result ViewerWidget::PresentPicture() const
 {
-    if (!shown_.image)
-        return nullptr;
-    Held now;
-    Held& held = held_ ? *held_ : now;
+    if (!wanted_)
+        return {};
+    Renderer& renderer = document_.GetRenderer();
+    return renderer.IsBusy() ? renderer.ResultOf() : wanted_;
+}
+
+SideRender::Result ViewerWidget::PictureToSample(const Operator* inputOf)
+{
     if (!inputOf) {
-        if (!held.shown)
-            held.shown = shown_.image;
-        return held.shown;
+        if (held_ && !held_->shown)
+            held_->shown = PresentPicture();
+        return held_ ? held_->shown : PresentPicture();
     }
+    if (held_ && held_->tool == inputOf)
+        return held_->input;
     const Input* input = inputOf->ImageInput();
     const Operator* feed = input ? document_.FeedOf(*input) : nullptr;
     if (!feed)
-        return nullptr;
-    const bool waited = held.tool == inputOf;
-    if (!waited || !held.input) {
-        held.tool = inputOf;
-        held.input = document_.GetRenderer().ResultOf(*feed, waited ? 0 : patience);
+        return {};
+    const SideRender::Result result = document_.GetRenderer().ResultOf(feed);
+    if (held_) {
+        held_->tool = inputOf;
+        held_->input = result;
     }
-    return held.input;
+    return result;
 }
 
 void ViewerWidget::HoldPicture(bool held)
@@ -55,7 +69,7 @@ void ViewerWidget::HoldPicture(bool held)
     if (!held)
         held_.reset();
     else if (!held_)
-        held_.emplace();
+        held_ = Held{PresentPicture()};
 }
 
 void ViewerWidget::ShowFootprint(const Footprint* footprint)

@@ -160,7 +160,7 @@ void ViewerWidget::mouseMoveEvent(QMouseEvent* event)
     if (shown_.image)
         overlays_.Move(ToOverlays(event->localPos()), OverlayModifiers(event->modifiers()),
                        PointerTags(*event));
-    TrackPointer(event->localPos());
+    TrackPointer(PositionOf(*event));
 }
 
 void ViewerWidget::mouseReleaseEvent(QMouseEvent* event)
@@ -168,7 +168,7 @@ void ViewerWidget::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() == Qt::LeftButton && overlays_.IsPressed()) {
         overlays_.Release(ToOverlays(event->localPos()), OverlayModifiers(event->modifiers()),
                           PointerTags(*event));
-        TrackPointer(event->localPos());
+        TrackPointer(PositionOf(*event));
     } else if (event->button() == Qt::MiddleButton || event->button() == Qt::LeftButton) {
         EndPan();
     }

@@ -1,6 +1,7 @@
 #include "system/color/ColorSource.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QWidget>
 
 namespace Marlox {
@@ -33,6 +34,11 @@ ColorSource* ColorSource::At(QPoint global, QWidget** widget)
 ColorSource* ColorSource::Of(QWidget* widget)
 {
     return dynamic_cast<ColorSource*>(widget);
+}
+
+QPointF ColorSource::PositionOf(const QMouseEvent& event)
+{
+    return event.pos() + (event.windowPos() - event.windowPos().toPoint());
 }
 
 } // namespace Marlox

@@ -6,7 +6,8 @@ namespace Marlox {
 
 /// The dialogs that are used unless another service is installed. Scripts find them and their
 /// fields by name: "message", "question", "asktext" with "text", "asknumber" with "number", "file",
-/// "color".
+/// "color" with "hue" (degrees), "saturation", "value", "red", "green", "blue", "alpha" (0 to 255)
+/// and "html" ("#rrggbb").
 class QtHostDialogs final : public HostDialogs {
 public:
     void Message(Kind kind, const QString& text, const QString& details) override;

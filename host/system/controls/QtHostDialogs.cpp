@@ -6,6 +6,7 @@
 #include "system/widgets/TimeCodeEdit.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <QApplication>
 #include <QColorDialog>
@@ -18,6 +19,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace Marlox {
@@ -153,6 +155,22 @@ QString run(QFileDialog& dialog, const HostDialogs::FileRequest& request)
     return path;
 }
 
+/// Names the fields for scripts, as QColorDialog does not. It makes them in this order.
+void nameFields(const QColorDialog& dialog)
+{
+    static constexpr const char* names[] = {"hue",   "saturation", "value", "red",
+                                            "green", "blue",       "alpha"};
+    const QList<QSpinBox*> numbers = dialog.findChildren<QSpinBox*>();
+    const bool withAlpha = dialog.testOption(QColorDialog::ShowAlphaChannel);
+    const int count = int(std::size(names)) - (withAlpha ? 0 : 1);
+    for (int i = 0; i < std::min(numbers.size(), count); ++i)
+        numbers[i]->setObjectName(names[i]);
+    for (QLineEdit* line : dialog.findChildren<QLineEdit*>()) {
+        if (line->objectName().isEmpty()) // those of the numbers have one
+            line->setObjectName("html");
+    }
+}
+
 MxColor toMxColor(const QColor& color)
 {
     return {color.red(), color.green(), color.blue(), color.alpha()};
@@ -257,6 +275,7 @@ std::optional<MxColor> QtHostDialogs::ChooseColor(const ColorRequest& request)
     if (!request.title.isEmpty())
         dialog.setWindowTitle(request.title);
     dialog.setOption(QColorDialog::ShowAlphaChannel, request.alpha);
+    nameFields(dialog);
     if (request.preview)
         QObject::connect(&dialog, &QColorDialog::currentColorChanged, &dialog,
                          [&](const QColor& color) { request.preview(toMxColor(color)); });

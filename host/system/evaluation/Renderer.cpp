@@ -3,7 +3,6 @@
 #include "system/document/MarloxDoc.h"
 #include "system/evaluation/ProxyChoice.h"
 #include "system/evaluation/RenderCache.h"
-#include "system/evaluation/SideRender.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -321,11 +320,12 @@ bool Renderer::WaitUntilIdle(int timeout)
     return true;
 }
 
-Ref<Image> Renderer::ResultOf(const Operator& tool, int timeout)
+SideRender::Result Renderer::ResultOf(const Operator* tool)
 {
     const MarloxDoc& document = d_->document_;
-    return d_->side_.ResultOf(RenderJob::Take(document, document.CurrentTime(), 1.0, &tool),
-                              d_->cache_, timeout);
+    return d_->side_.Start(
+        RenderJob::Take(document, document.CurrentTime(), 1.0, tool ? tool : d_->viewed_),
+        d_->cache_);
 }
 
 void Renderer::SetCacheLimit(std::size_t bytes)

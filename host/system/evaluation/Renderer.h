@@ -1,6 +1,7 @@
 #pragma once
 
 #include "system/evaluation/RenderJob.h"
+#include "system/evaluation/SideRender.h"
 
 #include <memory>
 
@@ -43,11 +44,10 @@ public:
     /// Waits, running the event loop, until nothing is left to render; false after `timeout` ms.
     /// For scripts and tests; the interface never calls it.
     bool WaitUntilIdle(int timeout);
-    /// The output of a tool at full resolution for the present values and time, whatever is viewed:
-    /// for those who look at its pixels. As it was kept, or rendered beside the requests, which it
-    /// leaves alone; that is waited for, without running the event loop, for `timeout` ms at most.
-    /// Null after that, and on failure. What takes longer goes on meanwhile: ask again.
-    Ref<Image> ResultOf(const Operator& tool, int timeout);
+    /// The output of a tool (null: what is viewed) at full resolution for the present values and
+    /// time, for those who look at its pixels: as it was kept, or rendered beside the requests,
+    /// which it leaves alone. Null on failure.
+    SideRender::Result ResultOf(const Operator* tool = nullptr);
     /// The memory for kept results (by default a quarter of the machine's, at most 2 GiB).
     void SetCacheLimit(std::size_t bytes);
     std::size_t CacheSize() const; // bytes

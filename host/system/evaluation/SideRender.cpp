@@ -2,13 +2,16 @@
 
 #include "system/evaluation/RenderCache.h"
 
+#include <algorithm>
 #include <chrono>
 #include <future>
+
+#include <QElapsedTimer>
 
 namespace Marlox {
 
 struct SideRender::Task {
-    explicit Task(std::unique_ptr<RenderJob> taken) : job(std::move(taken)), key(job->Key()) {}
+    explicit Task(std::unique_ptr<RenderJob> taken) : job(std::move(taken)) {}
 
     void Run(RenderCache& cache)
     {
@@ -16,11 +19,48 @@ struct SideRender::Task {
         result.set_value(job->Run(&cache).image);
     }
 
-    std::unique_ptr<RenderJob> job;
-    const std::string key;
+    const std::unique_ptr<RenderJob> job;
     std::promise<Ref<Image>> result;
-    std::shared_future<Ref<Image>> done = result.get_future();
 };
+
+/// What the copies of a result share; the render has its task besides.
+struct SideRender::Result::Share {
+    explicit Share(Ref<Image> image) : finished(std::move(image)) {}
+    explicit Share(std::shared_ptr<Task> started)
+        : task(std::move(started)), done(task->result.get_future())
+    {
+        asked.start();
+    }
+    ~Share()
+    {
+        if (task)
+            task->job->Context().Cancel();
+    }
+
+    Ref<Image> finished;
+    const std::shared_ptr<Task> task;
+    std::future<Ref<Image>> done;
+    QElapsedTimer asked;
+};
+
+SideRender::Result::Result(Ref<Image> finished)
+    : share_(std::make_shared<Share>(std::move(finished)))
+{
+}
+
+Ref<Image> SideRender::Result::Within(int timeout) const
+{
+    if (!share_)
+        return nullptr;
+    if (share_->done.valid()) {
+        const std::chrono::milliseconds left(
+            std::max<qint64>(0, timeout - share_->asked.elapsed()));
+        if (share_->done.wait_for(left) != std::future_status::ready)
+            return nullptr;
+        share_->finished = share_->done.get();
+    }
+    return share_->finished;
+}
 
 SideRender::SideRender()
 {
@@ -29,31 +69,24 @@ SideRender::SideRender()
 
 SideRender::~SideRender()
 {
-    GiveUp();
+    for (const std::weak_ptr<Task>& task : tasks_) {
+        if (const std::shared_ptr<Task> left = task.lock())
+            left->job->Context().Cancel();
+    }
     pool_.waitForDone();
 }
 
-void SideRender::GiveUp()
-{
-    if (running_)
-        running_->job->Context().Cancel();
-    running_.reset();
-}
-
-Ref<Image> SideRender::ResultOf(std::unique_ptr<RenderJob> job, RenderCache& cache, int timeout)
+SideRender::Result SideRender::Start(std::unique_ptr<RenderJob> job, RenderCache& cache)
 {
     if (Ref<Image> kept = cache.Find(job->Key()))
         return kept;
-    if (!running_ || running_->key.empty() || running_->key != job->Key()) {
-        GiveUp();
-        running_ = std::make_shared<Task>(std::move(job));
-        pool_.start([task = running_, &cache] { task->Run(cache); });
-    }
-    if (running_->done.wait_for(std::chrono::milliseconds(timeout)) != std::future_status::ready)
-        return nullptr;
-    const Ref<Image> image = running_->done.get();
-    running_.reset();
-    return image;
+    const auto task = std::make_shared<Task>(std::move(job));
+    std::erase_if(tasks_, [](const std::weak_ptr<Task>& old) { return old.expired(); });
+    tasks_.push_back(task);
+    Result result;
+    result.share_ = std::make_shared<Result::Share>(task);
+    pool_.start([task, &cache] { task->Run(cache); });
+    return result;
 }
 
 } // namespace Marlox

@@ -409,15 +409,15 @@ private slots:
         add(TestTools::gainClass, 3);
         QVERIFY(idle());
         QSignalSpy finished(&renderer(), &Renderer::Finished);
-        const auto valueOf = [this](const Operator* tool, int timeout) {
-            const Ref<Image> image = renderer().ResultOf(*tool, timeout);
+        const auto valueOf = [](const SideRender::Result& result, int timeout) {
+            const Ref<Image> image = result.Within(timeout);
             return image ? image->Row(0)[0] : -1.0f;
         };
         work().runs = 0;
-        QCOMPARE(valueOf(gain_, 0), 1.0f); // kept
+        QCOMPARE(valueOf(renderer().ResultOf(gain_), 0), 1.0f); // kept
         QCOMPARE(work().runs.load(), 0);
         renderer().SetCacheLimit(0);
-        QCOMPARE(valueOf(gain_, 5000), 1.0f);
+        QCOMPARE(valueOf(renderer().ResultOf(gain_), 5000), 1.0f);
         QCOMPARE(work().runs.load(), 1);
 
         std::atomic<bool> go{false};
@@ -425,21 +425,26 @@ private slots:
             while (!go && !context.IsCancelled())
                 std::this_thread::sleep_for(1ms);
         };
-        QCOMPARE(valueOf(gain_, 5), -1.0f);
-        QCOMPARE(valueOf(gain_, 5), -1.0f); // the same one goes on
+        SideRender::Result slow = renderer().ResultOf(gain_);
+        QCOMPARE(valueOf(slow, 5), -1.0f);
+        set(gain_, "Gain", 8.0); // after it was asked for
         go = true;
-        QCOMPARE(valueOf(gain_, 5000), 1.0f);
+        QCOMPARE(valueOf(slow, 5000), 1.0f);
+        QCOMPARE(valueOf(slow, 0), 1.0f);
         QCOMPARE(work().runs.load(), 2);
+        set(gain_, "Gain", 2.0);
         set(source_, "Width", 0);
-        QCOMPARE(valueOf(source_, 5000), -1.0f);
+        QCOMPARE(valueOf(renderer().ResultOf(source_), 5000), -1.0f);
         QVERIFY(idle());
         set(source_, "Width", 64);
 
         go = false; // what is requested goes on meanwhile
         QTRY_COMPARE(work().runs.load(), 3);
-        QCOMPARE(valueOf(source_, 5000), 0.5f);
-        QCOMPARE(valueOf(gain_, 5), -1.0f);
-        QCOMPARE(valueOf(source_, 5000), 0.5f); // another one gives it up
+        QCOMPARE(valueOf(renderer().ResultOf(source_), 5000), 0.5f);
+        slow = renderer().ResultOf(gain_);
+        QCOMPARE(valueOf(slow, 5), -1.0f);
+        slow = {}; // gives it up
+        QCOMPARE(valueOf(renderer().ResultOf(source_), 5000), 0.5f);
         QVERIFY(renderer().IsBusy());
         finished.clear();
         go = true;
@@ -447,8 +452,9 @@ private slots:
         QCOMPARE(finished.count(), 1);
         QCOMPARE(pixelOf(renderer().LastResult()), 3.0f);
         go = false;
-        QCOMPARE(valueOf(gain_, 5), -1.0f);
+        slow = renderer().ResultOf();
         document_.reset(); // ends it
+        QCOMPARE(valueOf(slow, 5000), -1.0f);
     }
 
     void viewedToolIsRendered()

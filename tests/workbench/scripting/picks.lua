@@ -59,9 +59,12 @@ begin()
 pick:press(8, 8)
 view:move(x, y)
 assert(same(values(), view:sample(x, y)) and undo.depth() == 1)
-view:move(x + 60, y + 40)
-view:release(x + 60, y + 40)
-wrote(view:sample(x + 60, y + 40), 1)
+local ex, ey = view:image(640.96, 360.04) -- corners of pixels: nothing rounds
+view:move(ex, ey)
+local last = view:sample(ex, ey)
+assert(same(last, view:color(640, 360)))
+view:release(ex, ey)
+wrote(last, 1)
 assert(undo.undo() and same(values(), {0, 0, 0, 1}))
 assert(#log.values() > 0)
 
@@ -83,12 +86,14 @@ assert(sample:property("sampleSize") == 5 and preferences.get("Color.SampleSize"
 begin()
 pick:click(8, 8)
 assert(pick:property("armed"))
+local mean = view:sample(x, y, 5)
 view:click(x, y)
-wrote(view:sample(x, y, 5), 1)
+wrote(mean, 1)
 begin()
 pick:key("Space")
+local taken = view:sample(x - 40, y, {40, 20})
 view:drag{{x, y}, {x - 20, y + 8}, {x - 40, y + 20}}
-wrote(view:sample(x - 40, y, {41, 21}), 1)
+wrote(taken, 1)
 assert(not pick:property("armed"))
 
 -- With Ctrl from what flows into the tool: without a gain on top of it.
@@ -107,6 +112,34 @@ assert(same(values(), result), "what is picked changes what is on view, but not 
 view:move(x, y, {ctrl = true})
 view:release(x, y, {ctrl = true})
 wrote(input, 1)
+
+-- Given up and at once picked again: from the picture of before, not that of the colour given up.
+waitrender()
+result = view:sample(x, y, 5)
+begin()
+pick:press(8, 8)
+view:move(x + 200, y + 100)
+waitrender()
+pick:key("Escape")
+view:release(x, y)
+wrote(input, 0)
+pick:press(8, 8)
+view:move(x, y)
+assert(same(values(), result), "picked from a picture that was given up")
+pick:key("Escape")
+view:release(x, y)
+wrote(input, 0)
+
+-- The colour dialog changes what is changed in it, and nothing else.
+begin()
+answer(function(dialog)
+    assert(dialog:name() == "color" and dialog:title() == "Select Color")
+    dialog:fill("green", 51)
+    dialog:accept()
+end)
+c:widget("swatch"):click(8, 8)
+wrote({input[1], 0.2, input[3], input[4]}, 1)
+undo.undo()
 
 -- The viewer's own settings show in the control, its channels don't.
 local swatch = c:widget("swatch")
@@ -143,4 +176,12 @@ assert(mode == 2 and corrects and math.abs(gamma - 2.4) < 1e-9)
 mode, corrects, gamma = settings("0 to 1", false, 2.2)
 assert(mode == 0 and not corrects)
 preferences.set("Color.SampleSize", nil)
+
+-- A widget has its name wherever the layout has put it.
+document.select(document.add("ColorCorrector"))
+for _, wide in ipairs{1240, 700} do
+    window():size(wide, 760)
+    wait(0.2)
+    assert(control("MasterHue"):widget("wheel"):visible())
+end
 print("picks done")
