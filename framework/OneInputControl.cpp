@@ -2,6 +2,7 @@
 
 #include "framework/NamedPlaces.h"
 #include "system/resources/Resources.h"
+#include "widgets/CustomControl.h"
 
 #include <QColor>
 
@@ -45,6 +46,16 @@ bool OneInputControl::AddInput(Input* input, TagList* tags)
     if (first)
         value_ = input->GetValue(CurrentTime());
     return true;
+}
+
+bool OneInputControl::RemoveInput(Input* input, TagList* tags)
+{
+    if (input && input == ShownInput()) {
+        for (CustomControl* part : findChildren<CustomControl*>())
+            part->EndGesture();
+        EndGesture();
+    }
+    return InputControl::RemoveInput(input, tags);
 }
 
 bool OneInputControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)

@@ -22,6 +22,7 @@ public:
     bool SetAttrsTagList(Input* input, const TagList& tags) override;
     bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
     bool AddInput(Input* input, TagList* tags) override;
+    bool RemoveInput(Input* input, TagList* tags) override;
     void NotifyChanged(Input* input, Parameter* value, TagList* tags) override;
     void UpdateDisplay(Input* input, TagList* tags) override;
     using InputControl::OnDisconnect;

@@ -234,7 +234,7 @@ void CustomColorField::mousePressEvent(QMouseEvent* event)
 
 void CustomColorField::keyPressEvent(QKeyEvent* event)
 {
-    const bool own = IsOwnKey(*event) && !IsLocked();
+    const bool own = IsOwnKey(*event);
     if (own && event->key() == Qt::Key_Escape)
         Show(drag_.start, true); // before the owner shows it, which asks what was shown
     if (own && !IsDragged() && !std::exchange(byKeys_, true))

@@ -47,12 +47,8 @@ void CustomControl::BeginGesture(bool withProxy)
     if (!inGesture_)
         changes_ = true; // unless it is a drag, which tells
     inGesture_ = true;
-    MarloxDoc* document = GetDoc();
-    if (!withProxy || proxyTool_ || !document || !owner_->Owner() || owner_->IsAllPassive(nullptr))
-        return;
-    proxyDoc_ = document;
-    proxyTool_ = Ref<Operator>::Share(owner_->Owner());
-    document->SetAutoProxy(proxyTool_.Get(), true);
+    if (withProxy && owner_)
+        proxy_.Begin(*owner_);
 }
 
 void CustomControl::FinishGesture()
@@ -60,19 +56,10 @@ void CustomControl::FinishGesture()
     if (!inGesture_)
         return;
     inGesture_ = false;
-    StopProxy(changes_);
-    if (owner_)
-        owner_->ResetUndo(nullptr);
-}
-
-void CustomControl::StopProxy(bool render)
-{
-    const Ref<Operator> tool = std::move(proxyTool_);
-    if (!tool || !proxyDoc_)
-        return;
-    proxyDoc_->SetAutoProxy(tool.Get(), false);
-    if (render)
-        proxyDoc_->SyncRender();
+    const QPointer<InputControl> owner = owner_; // listeners to a render may delete the widget
+    proxy_.End(changes_);
+    if (owner)
+        owner->ResetUndo(nullptr);
 }
 
 void CustomControl::GiveUpGesture()
@@ -83,7 +70,7 @@ void CustomControl::GiveUpGesture()
     if (owner_)
         owner_->EndUndo(false);
     if (alive)
-        StopProxy(changes_);
+        proxy_.End(changes_);
 }
 
 void CustomControl::LoseGesture()

@@ -2,7 +2,7 @@
 
 #include "system/base/MxColor.h"
 #include "system/base/Object.h"
-#include "system/document/MarloxDoc.h"
+#include "system/controls/ProxyGesture.h"
 #include "widgets/PointerDrag.h"
 
 #include <optional>
@@ -57,6 +57,8 @@ public:
     bool IsLocked() const { return locked_; }
     virtual void SetLocked(bool locked);
     bool InGesture() const { return inGesture_; }
+    /// Ends what the user is doing to it, and keeps what it wrote: there is nothing left to edit.
+    void EndGesture() { LoseGesture(); }
     bool IsDragged() const { return drag_.has_value(); }
     /// Parts that keys move and screen readers tell; without any, neither does anything.
     virtual int PartCount() const { return 0; }
@@ -108,7 +110,7 @@ protected:
     /// Keys: moves the active part: x to the right and y upwards, -1 to 1; level 0 fine, 1 plain, 2
     /// coarse.
     virtual void Nudge(int, QPoint, int) {}
-    /// Whether it is a key of the parts or of the drag that is going on.
+    /// Whether it is a key of the parts or of the drag that is going on; none is while locked.
     bool IsOwnKey(const QKeyEvent& event) const;
     /// The ring that tells the keyboard focus, just inside `around`, one crisp line wide.
     void PaintFocusRing(QPainter& painter, const QRectF& around, double radius = 2.0) const;
@@ -134,7 +136,6 @@ private:
     bool EndsGesture(const QEvent& event) const;
     void Press(QPoint at, Qt::KeyboardModifiers modifiers);
     void EndDrag();
-    void StopProxy(bool render);
 
     QPointer<InputControl> owner_;
     bool locked_ = false;
@@ -142,8 +143,7 @@ private:
     bool changes_ = true; // what the gesture did has to be rendered at its end
     std::optional<PointerDrag> drag_;
     int activePart_ = 0;
-    QPointer<MarloxDoc> proxyDoc_; // where proxy rendering was switched on
-    Ref<Operator> proxyTool_;
+    ProxyGesture proxy_;
 };
 
 } // namespace Marlox

@@ -118,7 +118,7 @@ void ColorRangesControl::Show()
             ranges_->SetDefaultCurves(*curves);
     }
     ranges_->SetStateColor(ColorOf(InputMotion()));
-    ranges_->SetLocked(editDisabled_);
+    ranges_->SetLocked(editDisabled_ || InputMotion() == Motion::Expression);
 }
 
 void ColorRangesControl::OnRanges(int)

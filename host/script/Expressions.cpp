@@ -58,6 +58,25 @@ std::optional<double> ReadComponent(lua_State* state, int table, int position, c
     return value;
 }
 
+/// A table as the kind of value that `input` holds, or else as a point.
+Ref<Parameter> ReadTable(lua_State* state, int at, const Input& input, QString& error)
+{
+    const MxID kind = input.GetDataType();
+    const bool simple = kind == MxID(CLSID_DataType_Number) || kind == MxID(CLSID_DataType_Text) ||
+                        kind == MxID(CLSID_DataType_Point);
+    ScriptVal table;
+    std::string ignored;
+    if (!simple && ReadScriptVal(state, at, table, nullptr, ignored))
+        if (Ref<Parameter> value = Parameter::FromScriptVal(kind, table))
+            return value;
+    const auto x = ReadComponent(state, at, 1, "X");
+    const auto y = ReadComponent(state, at, 2, "Y");
+    if (x && y)
+        return MakeRef<Point>(*x, *y);
+    error = QStringLiteral("a point is two finite numbers: {x, y}");
+    return nullptr;
+}
+
 /// The value at a stack position as a parameter for `input`; null and `error` if it is none.
 Ref<Parameter> ReadResult(lua_State* state, int at, const Input& input, QString& error)
 {
@@ -73,14 +92,8 @@ Ref<Parameter> ReadResult(lua_State* state, int at, const Input& input, QString&
         return nullptr;
     case LUA_TSTRING:
         return MakeRef<Text>(MessageAt(state, at));
-    case LUA_TTABLE: {
-        const auto x = ReadComponent(state, at, 1, "X");
-        const auto y = ReadComponent(state, at, 2, "Y");
-        if (x && y)
-            return MakeRef<Point>(*x, *y);
-        error = QStringLiteral("a point is two finite numbers: {x, y}");
-        return nullptr;
-    }
+    case LUA_TTABLE:
+        return ReadTable(state, at, input, error);
     case LUA_TNIL:
         error = QStringLiteral("no value results");
         return nullptr;
