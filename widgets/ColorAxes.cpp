@@ -1,5 +1,7 @@
 #include "widgets/ColorAxes.h"
 
+#include "system/color/Luminance.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -169,7 +171,7 @@ public:
     {
         const auto [r, g, b] = usable(given);
         ColorRecord record = previous;
-        record.hue = redShare * r + greenShare * g + blueShare * b;
+        record.hue = Luminance::Of(r, g, b);
         record.saturation = middle + (b - record.hue) / blueSpan;
         record.value = middle + (r - record.hue) / redSpan;
         return record;
@@ -180,7 +182,9 @@ public:
         const double luma = usable(record.hue);
         const double blue = luma + (usable(record.saturation) - middle) * blueSpan;
         const double red = luma + (usable(record.value) - middle) * redSpan;
-        return {red, (luma - redShare * red - blueShare * blue) / greenShare, blue};
+        const double green =
+            (luma - Luminance::red * red - Luminance::blue * blue) / Luminance::green;
+        return {red, green, blue};
     }
 
     Axis HueAxis() const override { return {"Y", 0.0}; }
@@ -188,12 +192,9 @@ public:
     Axis ValueAxis() const override { return {"V", middle}; }
 
 private:
-    // ITU-R BT.709: shares of the luma, and the spans of the differences from it.
-    static constexpr double redShare = 0.2126;
-    static constexpr double greenShare = 0.7152;
-    static constexpr double blueShare = 0.0722;
-    static constexpr double blueSpan = 2.0 * (1.0 - blueShare);
-    static constexpr double redSpan = 2.0 * (1.0 - redShare);
+    // Of the differences from the luma (ITU-R BT.709).
+    static constexpr double blueSpan = 2.0 * (1.0 - Luminance::blue);
+    static constexpr double redSpan = 2.0 * (1.0 - Luminance::red);
     static constexpr double middle = 0.5; // where a difference of 0 stands on its axis
 };
 

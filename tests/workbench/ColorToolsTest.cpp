@@ -332,6 +332,9 @@ private slots:
         bench.Set("Red", 2.0).Set("Alpha", 0.5).Set("Coverage", 1.0).Set("U", 2.0);
         QCOMPARE(At(*bench.Run(Plain(1, 1, {3.0f, 1e30f, 0.0f, 0.0f})), 0, 0),
                  (Rgba{3.0f, 1e30f, 0.0f, 0.0f})); // covers nothing
+        bench.Set("Alpha", 1.0);
+        QCOMPARE(At(*bench.Run(Plain(1, 1, {3.0f, 0.5f, 0.0f, INFINITY})), 0, 0),
+                 (Rgba{6.0f, 0.5f, 0.0f, INFINITY}));
         // Beyond the frame the gain falls to nothing, not below.
         Image::Format format;
         format.dataWindow = {-20, 0, 4, 2};

@@ -1,3 +1,4 @@
+#include "system/color/Luminance.h"
 #include "workbench/samples/SampleMath.h"
 #include "workbench/samples/Samples.h"
 
@@ -26,18 +27,13 @@ Rgb hue(float turn)
     return {channel(0.0f), channel(2.0f / 3.0f), channel(1.0f / 3.0f)};
 }
 
-float luma(Rgb color)
-{
-    return 0.2126f * color.r + 0.7152f * color.g + 0.0722f * color.b;
-}
-
 // One painter for each band; t runs from 0 to 1 across, down from 0 to 1 within the band.
 
 /// Hues, greyer towards the band's lower edge.
 Pixel hues(float t, float down)
 {
     const Rgb full = hue(t);
-    return {Mix(full, Rgb{1, 1, 1} * luma(full), down)};
+    return {Mix(full, Rgb{1, 1, 1} * Luminance::Of(full.r, full.g, full.b), down)};
 }
 
 Pixel ramp(float t, float)

@@ -1,5 +1,6 @@
 #include "workbench/tools/BrightnessContrast.h"
 
+#include "system/color/Luminance.h"
 #include "workbench/tools/ToolInputs.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ public:
         std::array<float, 3> rgb{};
         for (std::size_t i = 0; i < 3; ++i)
             rgb[i] = Tone(from[i] / alpha);
-        const float luma = 0.2126f * rgb[0] + 0.7152f * rgb[1] + 0.0722f * rgb[2];
+        const float luma = Luminance::Of(rgb[0], rgb[1], rgb[2]);
         for (std::size_t i = 0; i < 3; ++i)
             to[i] =
                 Finish(saturation_ == 1.0f ? rgb[i] : luma + (rgb[i] - luma) * saturation_) * alpha;

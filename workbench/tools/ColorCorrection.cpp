@@ -1,7 +1,10 @@
 #include "workbench/tools/ColorCorrection.h"
 
+#include "system/color/Luminance.h"
+
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 namespace Marlox {
@@ -14,13 +17,9 @@ constexpr int blockSize = 256;     // pixels at a time: their planes stay in the
 constexpr int weightSteps = 1024;  // of the square root of the luminance, 0 to 1
 constexpr float smallest = 1e-37f; // keeps a division by no difference harmless
 
-constexpr double redLuminance = 0.2126;
-constexpr double greenLuminance = 0.7152;
-constexpr double blueLuminance = 0.0722;
-
 double luminanceOf(const Rgb& rgb)
 {
-    return redLuminance * rgb[0] + greenLuminance * rgb[1] + blueLuminance * rgb[2];
+    return Luminance::Of(rgb[0], rgb[1], rgb[2]);
 }
 
 /// A colour turned about the grey axis, red towards green, and moved along it to where it has the
@@ -49,7 +48,7 @@ Rgb turned(const Rgb& rgb, double turns)
 /// The colour without luminance whose blue and red are these.
 Rgb chroma(double blue, double red)
 {
-    return {red, -(blueLuminance * blue + redLuminance * red) / greenLuminance, blue};
+    return {red, -(Luminance::blue * blue + Luminance::red * red) / Luminance::green, blue};
 }
 
 double finite(double value, double otherwise)
@@ -122,7 +121,7 @@ Corrector::Step Corrector::StepOf(const RangeCorrection& range)
     const Rgb ofBlue = turned(chroma(saturation, 0.0), -finite(range.hue, 0.0));
     const Rgb ofRed = turned(chroma(0.0, saturation), -finite(range.hue, 0.0));
     step.turn = {float(ofBlue[2]), float(ofRed[2]), float(ofBlue[0]), float(ofRed[0])};
-    const Rgb tint = turned(chroma(-redLuminance, 1.0 - redLuminance), // of pure red
+    const Rgb tint = turned(chroma(-Luminance::red, 1.0 - Luminance::red), // of pure red
                             finite(range.tintAngle, 0.0));
     const double length = finite(range.tintLength, 0.0);
     step.tint = {float(tint[2] * length), float(tint[0] * length)};
@@ -157,9 +156,7 @@ void Corrector::Split(const float* from, int count, Planes& planes)
     for (int i = 0; i < count; ++i) {
         const float red = from[4 * i];
         const float blue = from[4 * i + 2];
-        const float luminance = float(redLuminance) * red +
-                                float(greenLuminance) * from[4 * i + 1] +
-                                float(blueLuminance) * blue;
+        const float luminance = Luminance::Of(red, from[4 * i + 1], blue);
         planes.luminance[i] = luminance;
         planes.blue[i] = blue - luminance;
         planes.red[i] = red - luminance;
@@ -237,7 +234,8 @@ void Corrector::Weigh(const float* from, int count, Planes& planes) const
 {
     for (int i = 0; i < count; ++i) {
         const float alpha = from[4 * i + 3];
-        const float luminance = planes.luminance[i] / (alpha > 0.0f ? alpha : 1.0f);
+        const bool divides = alpha > 0.0f && alpha <= std::numeric_limits<float>::max();
+        const float luminance = planes.luminance[i] / (divides ? alpha : 1.0f);
         // Written so that what is no number is black.
         const float root = std::sqrt(luminance > 0.0f ? luminance : 0.0f);
         planes.place[i] = (root < 1.0f ? root : 1.0f) * float(weightSteps);
@@ -254,8 +252,8 @@ void Corrector::Weigh(const float* from, int count, Planes& planes) const
 
 void Corrector::Join(const float* from, float* to, int count, const Planes& planes) const
 {
-    constexpr float perBlue = float(blueLuminance / greenLuminance);
-    constexpr float perRed = float(redLuminance / greenLuminance);
+    constexpr float perBlue = float(Luminance::blue / Luminance::green);
+    constexpr float perRed = float(Luminance::red / Luminance::green);
     const float mix = mix_;
     for (int i = 0; i < count; ++i) {
         const float red = from[4 * i];

@@ -46,8 +46,8 @@ struct Correction {
 /// is that of the hexcone (A. R. Smith, Color Gamut Transform Pairs, 1978), of the pixel as it
 /// comes; amounts between two of the six hues are interpolated linearly.
 ///
-/// A pixel that isn't finite, or would not be, stays as it is; so do pixels that nothing touches,
-/// to the last bit. Without alpha the colour counts as it is.
+/// A colour that isn't finite, or would not be, stays as it is, and so does one that nothing
+/// touches. Without alpha, and where that is no number, the colour counts as it is.
 class Corrector {
 public:
     explicit Corrector(const Correction& correction);

@@ -63,6 +63,47 @@ std::string nameOf(std::size_t range, const char* name)
     return std::string(ranges[range]) + ' ' + name;
 }
 
+/// For the inputs that one control edits together: the id of the first of them; that one has none.
+const char* sharedBy(const std::string& firstId, std::size_t range, std::size_t channel)
+{
+    return range == 0 && channel == 0 ? nullptr : firstId.c_str();
+}
+
+void addWheels(Operator& tool)
+{
+    const std::string firstId = idOf(0, wheels[0].id);
+    for (std::size_t range = 0; range < ranges.size(); ++range) {
+        for (std::size_t i = 0; i < wheels.size(); ++i) {
+            const Wheel& wheel = wheels[i];
+            TagList bounds;
+            if (wheel.isBounded)
+                bounds.Add(IAD_Minimum, wheel.low);
+            if (wheel.isBounded && wheel.high == 1.0)
+                bounds.Add(IAD_Maximum, wheel.high);
+            AddChannel(
+                tool,
+                {CLSID_InputControl_ColorWheel, sharedBy(firstId, range, i), int(i), int(range)},
+                {idOf(range, wheel.id).c_str(), nameOf(range, wheel.name).c_str(), wheel.low,
+                 wheel.high, wheel.normal, wheel.help},
+                bounds);
+        }
+    }
+}
+
+void addSectors(Operator& tool)
+{
+    const std::string firstId = idOf(0, sectors[0].id);
+    for (std::size_t range = 0; range < ranges.size(); ++range) {
+        for (std::size_t i = 0; i < sectors.size(); ++i)
+            AddChannel(tool,
+                       {CLSID_InputControl_ColorSuppression, sharedBy(firstId, range, i), int(i),
+                        int(range)},
+                       {idOf(range, sectors[i].id).c_str(), nameOf(range, sectors[i].name).c_str(),
+                        0.0, 1.0, 1.0, sectors[i].help},
+                       {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
+    }
+}
+
 class CorrectionProcess final : public ToolProcess {
 public:
     explicit CorrectionProcess(const Correction& correction) : correction_(correction) {}
@@ -106,38 +147,10 @@ private:
 ColorCorrector::ColorCorrector(const Registry* record) : Operator(record)
 {
     AddImageInput(*this);
-    const std::string firstWheel = idOf(0, wheels[0].id);
-    const std::string firstSector = idOf(0, sectors[0].id);
-    const auto first = [](const std::string& id, std::size_t range, std::size_t channel) {
-        return range == 0 && channel == 0 ? nullptr : id.c_str();
-    };
-    for (std::size_t range = 0; range < ranges.size(); ++range) {
-        for (std::size_t i = 0; i < wheels.size(); ++i) {
-            const Wheel& wheel = wheels[i];
-            TagList bounds;
-            if (wheel.isBounded)
-                bounds.Add(IAD_Minimum, wheel.low);
-            if (wheel.isBounded && wheel.high == 1.0)
-                bounds.Add(IAD_Maximum, wheel.high);
-            AddChannel(
-                *this,
-                {CLSID_InputControl_ColorWheel, first(firstWheel, range, i), int(i), int(range)},
-                {idOf(range, wheel.id).c_str(), nameOf(range, wheel.name).c_str(), wheel.low,
-                 wheel.high, wheel.normal, wheel.help},
-                bounds);
-        }
-    }
+    addWheels(*this);
     AddNest(*this, "Suppression", "Suppression", int(ranges.size() * sectors.size()), true,
             "How much stays of the saturation of six hues");
-    for (std::size_t range = 0; range < ranges.size(); ++range) {
-        for (std::size_t i = 0; i < sectors.size(); ++i)
-            AddChannel(*this,
-                       {CLSID_InputControl_ColorSuppression, first(firstSector, range, i), int(i),
-                        int(range)},
-                       {idOf(range, sectors[i].id).c_str(), nameOf(range, sectors[i].name).c_str(),
-                        0.0, 1.0, 1.0, sectors[i].help},
-                       {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
-    }
+    addSectors(*this);
     AddInput(curvesId,
              {{IAS_Name, "Ranges"},
               {IAS_Help, "What counts as shadows, midtones and highlights, by brightness"},

@@ -74,13 +74,17 @@ private:
         const std::array<float, 4> gains{float(gain_.channels[0]), float(gain_.channels[1]),
                                          float(gain_.channels[2]), float(gain_.channels[3])};
         for (const float factor : across) {
-            const float alpha = from[3];
+            // An alpha that is no number covers, and is left as it is.
+            const bool covers = std::isfinite(from[3]);
+            const float alpha = covers ? from[3] : 1.0f;
             const float share = 1.0f - coverage + coverage * std::clamp(alpha, 0.0f, 1.0f);
             const float gained = alpha * (1.0f + (gains[3] - 1.0f) * share);
             to[3] = std::min(gained, std::max(alpha, 1.0f));
             const float cover = alpha > 0.0f ? to[3] / alpha : 1.0f;
             for (std::size_t i = 0; i < 3; ++i)
                 to[i] = from[i] * cover * (1.0f + (gains[i] * factor * up - 1.0f) * share);
+            if (!covers)
+                to[3] = from[3];
             from += 4;
             to += 4;
         }

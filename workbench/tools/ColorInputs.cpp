@@ -40,7 +40,7 @@ void AddColor(Operator& tool, const ColorSpec& spec)
         if (i == alpha)
             AddChannel(tool, channel,
                        {id.c_str(), name.c_str(), 0.0, 1.0, spec.normal[i],
-                        "Cover: 0 leaves the picture as it is, 1 hides it"},
+                        "How much the colour covers: 0 nothing, 1 all"},
                        {{IAD_Minimum, 0.0}, {IAD_Maximum, 1.0}});
         else
             AddChannel(tool, channel,
