@@ -17,7 +17,7 @@ class ElideLabel;
 /// A subclass makes its widgets as children named after their places in the layout, attaches an
 /// edit to each slot that has one (an edit may be given to another slot later), shows what it is
 /// told in Show, and hands what the user did to Write. Typing, expressions typed, drags of edits,
-/// expression lines and lost connections are dealt with here.
+/// expression lines, lost connections and locks are dealt with here.
 class ChannelControl : public InputControl {
     Q_OBJECT
 public:
@@ -73,12 +73,19 @@ protected:
     virtual void ShowSlot(int) { Show(); }
     /// Name of the layout object where a slot's expression line goes; null: it has none.
     virtual const char* ExpressionPlace(int) const { return nullptr; }
+    /// The limits that a slot has besides those of its input.
+    virtual SliderSettings::Range LimitsOf(int) const
+    {
+        return {-SliderSettings::unbounded, SliderSettings::unbounded};
+    }
     /// What an edit shows for each 1 of the slot's value.
     virtual double ShownScale(int) const { return 1.0; }
     /// Opens the undo entry of typed values, the first of them for this slot.
     virtual void StartTypedUndo(int slot);
     /// The slot that a widget of the control edits, besides the edits; negative: none.
     virtual int SlotAt(const QWidget*) const { return -1; }
+    /// A direct child that chooses what is shown: it works while the tool is locked.
+    virtual bool IsViewPart(const QWidget*) const { return false; }
 
     const TagList& CreationTags() const { return creation_; }
     /// What the names of these inputs begin with alike, in whole words; empty: nothing.
@@ -113,6 +120,9 @@ protected:
     };
     bool IsWriting() const { return writing_ > 0; }
 
+    void EnableEditing(bool usable) override;
+    void childEvent(QChildEvent* event) override;
+
 private:
     struct Slot {
         Input* input = nullptr;
@@ -138,6 +148,7 @@ private:
     std::vector<Slot> slots_;
     std::vector<Edit> edits_;
     int writing_ = 0;
+    bool onlyViewed_ = false; // the tool is locked: all but the view parts is disabled
 };
 
 } // namespace Marlox

@@ -16,14 +16,11 @@
 #include "widgets/CustomSwatch.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace Marlox {
 
 namespace {
-
-constexpr int axisPrecision = 9; // decimals of the field's numbers
 
 const char* const colorSpaces[] = {"HSV", "HLS", "YUV", nullptr};
 const TagEnumeration colorSpace{"ColorSpace", colorSpaces};
@@ -102,16 +99,7 @@ void ColorControl::ReadTags(const TagList& tags)
     parts_ = {space >= 0 && space < 3 ? int(space) : 0, !tags.GetBool(CLRC_NoPick),
               !tags.GetBool(CLRC_NoSwatch), !tags.GetBool(CLRC_NoWheel),
               !tags.GetBool(CLRC_NoSliders)};
-    const bool show = tags.GetBool(CLRC_ShowWheel);
-    if (std::exchange(expandedByTag_, show) != show)
-        expanded_ = show; // else it stays as the user has it
-}
-
-bool ColorControl::SetAttrsTagList(const TagList& tags)
-{
-    if (tags.FindQuery(CLRC_ShowWheel)) // whatever the user made of it since
-        expandedByTag_ = !tags.GetBool(CLRC_ShowWheel);
-    return ChannelControl::SetAttrsTagList(tags);
+    expanded_ = tags.GetBool(CLRC_ShowWheel);
 }
 
 bool ColorControl::SetAttrsTagList(Input* input, const TagList& tags)
@@ -257,39 +245,6 @@ void ColorControl::ShowSampled(const QString& note)
     sampled_->SetText(note);
 }
 
-/// Whether it is the shown colour: then its hue and saturation, which a grey has none of, stay.
-bool ColorControl::Describes(const ColorRecord& record) const
-{
-    const RgbColor rgb = ColorAxes::Of(parts_.colorSpace).ToRgb(record);
-    const RgbColor shown = Color();
-    for (int i = 0; i < 3; ++i) {
-        const auto at = std::size_t(i);
-        if (HasValueChanged(false, rgb[at], shown[at], SettingsOf(i).Tolerance()))
-            return false;
-    }
-    return true;
-}
-
-void ColorControl::ShowRecord()
-{
-    const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
-    if (!Describes(record_))
-        record_ = axes.FromRgb(Color(), record_);
-    if (!field_)
-        return;
-    // The record holds what the numbers can tell.
-    const auto show = [](TimeCodeEdit& edit, const ColorAxes::Axis& axis, double value) {
-        edit.SetValue(value - axis.zero, axisPrecision);
-        return edit.GetValue() + axis.zero;
-    };
-    record_.hue = show(*hue_.edit, axes.HueAxis(), record_.hue);
-    record_.saturation = show(*saturation_.edit, axes.SaturationAxis(), record_.saturation);
-    record_.value = show(*value_.edit, axes.ValueAxis(), record_.value);
-    field_->SetRecord(record_);
-    field_->SetShowsAlpha(Alpha().has_value());
-    field_->SetAlpha(Alpha().value_or(1.0));
-}
-
 // Values out -------------------------------------------------------------------------------------
 
 QString ColorControl::UndoText(const QString& what) const
@@ -316,28 +271,9 @@ void ColorControl::WriteColor(const RgbColor& rgb)
     UpdateDisplay(nullptr, nullptr);
 }
 
-void ColorControl::OnField()
-{
-    record_ = field_->Record();
-    WriteColor(ColorAxes::Of(parts_.colorSpace).ToRgb(record_));
-}
-
-void ColorControl::OnFieldAlpha()
-{
-    const auto alive = Ref<ColorControl>::Share(this);
-    {
-        const Writing writing(*this);
-        if (IsEditable(ColorChannels::alpha))
-            Write(ColorChannels::alpha, field_->Alpha());
-    }
-    UpdateDisplay(nullptr, nullptr);
-}
-
 void ColorControl::OnExpand()
 {
-    expanded_ = !expanded_;
-    MakeParts();
-    Rebuild();
+    ChooseView(CLRC_ShowWheel, !expanded_);
 }
 
 void ColorControl::ValueChanged()
@@ -347,23 +283,6 @@ void ColorControl::ValueChanged()
         TakeRecordEdits();
     else
         ChannelControl::ValueChanged();
-}
-
-void ColorControl::TakeRecordEdits()
-{
-    const auto alive = Ref<ColorControl>::Share(this);
-    const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
-    const bool gesture = UndoDepth() > 0;
-    record_.hue = hue_.edit->GetValue() + axes.HueAxis().zero;
-    if (parts_.colorSpace != yuvSpace && (record_.hue < 0.0 || record_.hue > 1.0))
-        record_.hue -= std::floor(record_.hue);
-    record_.saturation = saturation_.edit->GetValue() + axes.SaturationAxis().zero;
-    record_.value = value_.edit->GetValue() + axes.ValueAxis().zero;
-    if (!gesture)
-        StartTypedUndo(ColorChannels::red);
-    WriteColor(axes.ToRgb(record_));
-    if (!gesture)
-        ResetUndo(nullptr);
 }
 
 // Registration -----------------------------------------------------------------------------------

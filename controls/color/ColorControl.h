@@ -2,6 +2,7 @@
 
 #include "controls/color/ColorChannels.h"
 #include "framework/ChannelControl.h"
+#include "system/controls/ProxyGesture.h"
 #include "widgets/ColorAxes.h"
 
 #include <optional>
@@ -18,7 +19,7 @@ class SampleButton;
 
 // Creation tags of the colour control's own.
 inline constexpr u32 CLRC_ColorSpace = 0x10050000; // of the field: 0 HSV, 1 HLS, 2 YUV
-inline constexpr u32 CLRC_ShowWheel = 0x10050001;  // starts with the field shown
+inline constexpr u32 CLRC_ShowWheel = 0x10050001;  // the field is shown, until the user folds it
 inline constexpr u32 CLRC_NoPick = 0x10050002;     // no pick button
 inline constexpr u32 CLRC_NoSwatch = 0x10050003;   // no swatch
 inline constexpr u32 CLRC_NoWheel = 0x10050004;    // no field at all
@@ -53,7 +54,7 @@ public:
     void AddToMenu(Menu* menu, TagList& tags) override;
     using ChannelControl::HandleMenu;
     bool HandleMenu(unsigned int id, u64* data, TagList& tags) override;
-    bool SetAttrsTagList(const TagList& tags) override;
+    using ChannelControl::SetAttrsTagList;
     bool SetAttrsTagList(Input* input, const TagList& tags) override;
     bool Open(ControlWnd* window, MxRect& rect, TagList* tags) override;
     void Close(TagList* tags) override;
@@ -75,6 +76,7 @@ public slots:
 protected:
     int SlotOf(const Input& input) const override;
     int SlotAt(const QWidget* widget) const override;
+    bool IsViewPart(const QWidget* part) const override;
     const char* LayoutName() const override;
     void ReadTags(const TagList& tags) override;
     void Populate() override;
@@ -136,10 +138,9 @@ private:
 
     Parts parts_;
     bool expanded_ = false;
-    bool expandedByTag_ = false; // CLRC_ShowWheel, as last read
     ColorRecord record_;
-    RgbColor sampledColor_{};            // that the note on the last pick is of
-    Ref<Operator> pickTool_;             // whose proxy rendering a pick switched on
+    RgbColor sampledColor_{}; // that the note on the last pick is of
+    ProxyGesture pickProxy_;
     ColorChannelRow* dragged_ = nullptr; // whose edit is being dragged
     std::vector<ColorChannelRow*> rows_; // by channel; children
 

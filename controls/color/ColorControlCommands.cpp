@@ -9,7 +9,6 @@
 #include "system/color/ColorSource.h"
 #include "system/controls/ColorDrag.h"
 #include "system/controls/HostDialogs.h"
-#include "system/document/MarloxDoc.h"
 #include "system/document/Preferences.h"
 #include "system/widgets/ElideLabel.h"
 #include "widgets/CustomSwatch.h"
@@ -171,24 +170,16 @@ void ColorControl::ConnectPick()
 void ColorControl::OnPickStarted()
 {
     StartUndo(UndoText(tr("Pick Colour")).toUtf8().constData());
-    MarloxDoc* document = GetDoc();
-    if (!document || IsAllPassive(nullptr))
-        return;
-    pickTool_ = Ref<Operator>::Share(Owner());
-    document->SetAutoProxy(Owner(), true);
+    pickProxy_.Begin(*this);
 }
 
 void ColorControl::OnPickEnded(bool kept)
 {
     const auto alive = Ref<ColorControl>::Share(this);
-    MarloxDoc* document = GetDoc();
     EndUndo(kept);
     if (!kept)
         ShowSampled({});
-    if (const Ref<Operator> tool = std::move(pickTool_); tool && document) {
-        document->SetAutoProxy(tool.Get(), false);
-        document->SyncRender();
-    }
+    pickProxy_.End();
 }
 
 void ColorControl::ResetUndo(TagList* tags)
@@ -261,7 +252,8 @@ bool ColorControl::HandleMenu(unsigned int id, u64* data, TagList& tags)
     }
     if (id < firstSpaceEntry || id >= resetEntry)
         return ChannelControl::HandleMenu(id, data, tags);
-    return InputControl::SetAttrsTagList({{CLRC_ColorSpace, int(id - firstSpaceEntry)}});
+    ChooseView(CLRC_ColorSpace, int(id - firstSpaceEntry));
+    return true;
 }
 
 } // namespace Marlox

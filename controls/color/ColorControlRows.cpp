@@ -91,6 +91,11 @@ int ColorControl::SlotAt(const QWidget* widget) const
     return row ? row->Channel() : -1;
 }
 
+bool ColorControl::IsViewPart(const QWidget* part) const
+{
+    return part == expand_;
+}
+
 void ColorControl::OnColorSlider(float64 v)
 {
     const auto alive = Ref<ColorControl>::Share(this); // what follows may close the page

@@ -33,12 +33,12 @@ ColorSuppressionControl::ColorSuppressionControl(const Registry* record, const S
 std::span<const RangedControl::Place> ColorSuppressionControl::Places()
 {
     static constexpr std::array<Place, channels> places{{
-        {"Red", "editredlabel", "editred", "expressionred"},
-        {"Yellow", "edityellowlabel", "edityellow", "expressionyellow"},
-        {"Green", "editgreenlabel", "editgreen", "expressiongreen"},
-        {"Cyan", "editcyanlabel", "editcyan", "expressioncyan"},
-        {"Blue", "editbluelabel", "editblue", "expressionblue"},
-        {"Magenta", "editmagentalabel", "editmagenta", "expressionmagenta"},
+        {"Red", "editredlabel", "editred", "expressionred", true},
+        {"Yellow", "edityellowlabel", "edityellow", "expressionyellow", true},
+        {"Green", "editgreenlabel", "editgreen", "expressiongreen", true},
+        {"Cyan", "editcyanlabel", "editcyan", "expressioncyan", true},
+        {"Blue", "editbluelabel", "editblue", "expressionblue", true},
+        {"Magenta", "editmagentalabel", "editmagenta", "expressionmagenta", true},
     }};
     return places;
 }

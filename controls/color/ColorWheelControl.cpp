@@ -29,7 +29,7 @@ std::span<const RangedControl::Place> ColorWheelControl::Places()
         {"Hue", "huelabel", "edithue", "expressionhue"},
         {"Saturation", "saturationlabel", "editsaturation", "expressionsaturation"},
         {"Tint Angle", "tintanglelabel", "edittintangle", "expressiontintangle"},
-        {"Strength", "tintlengthlabel", "edittintlength", "expressiontintlength"},
+        {"Strength", "tintlengthlabel", "edittintlength", "expressiontintlength", true},
     }};
     return places;
 }

@@ -13,6 +13,8 @@ namespace Marlox {
 namespace {
 
 constexpr int besideGap = 8; // between wheel and edits
+// What the selector was set to. Scripts have no name for it.
+constexpr u32 shownRangeTag = 0x100500ff;
 
 int minimumWidthOf(const LayoutObj* object)
 {
@@ -77,10 +79,13 @@ void RangedControl::ReadTags(const TagList& tags)
                                             tr("Highlights")};
     QStringList shown;
     for (std::size_t i = 0; i < ranges; ++i) {
-        names_[i] = i > 0 ? tags.GetString(nameTags_[i], "") : "";
-        shown += names_[i].empty() ? usual[i] : QString::fromStdString(names_[i]);
+        const char* given = i > 0 ? tags.GetString(nameTags_[i], "") : "";
+        names_[i] = *given ? given : usual[i].toStdString();
+        shown += QString::fromStdString(names_[i]);
     }
     selector_->SetNames(shown);
+    if (!IsOpen())
+        selector_->SetRange(int(tags.GetLong(shownRangeTag, ShownRange())));
 }
 
 int RangedControl::SlotOf(const Input& input) const
@@ -102,6 +107,12 @@ void RangedControl::Close(TagList* tags)
 const char* RangedControl::ExpressionPlace(int slot) const
 {
     return places_[std::size_t(slot % channels_)].expression;
+}
+
+SliderSettings::Range RangedControl::LimitsOf(int slot) const
+{
+    return places_[std::size_t(slot % channels_)].isShare ? SliderSettings::Range{0.0, 1.0}
+                                                          : ChannelControl::LimitsOf(slot);
 }
 
 /// The ranges share the places of lines: those of the others stay hidden.
@@ -180,7 +191,7 @@ void RangedControl::ShowLines()
 }
 
 /// Nothing is built anew: whoever chose the range keeps the keyboard.
-void RangedControl::OnRangeChanged(int)
+void RangedControl::OnRangeChanged(int range)
 {
     const auto alive = Ref<RangedControl>::Share(this); // what is typed may close the page
     for (TimeCodeEdit* edit : edits_) {
@@ -189,6 +200,7 @@ void RangedControl::OnRangeChanged(int)
             edit->Restore();
     }
     EndGesture();
+    ChooseView(shownRangeTag, range);
     if (!IsOpen())
         return;
     ShowRange();
@@ -247,6 +259,11 @@ int RangedControl::SlotAt(const QWidget* widget) const
 {
     const auto found = std::find(labels_.begin(), labels_.end(), widget);
     return found != labels_.end() ? SlotFor(ShownRange(), int(found - labels_.begin())) : -1;
+}
+
+bool RangedControl::IsViewPart(const QWidget* part) const
+{
+    return part == selector_;
 }
 
 void RangedControl::Show()

@@ -48,6 +48,7 @@ protected:
         const char* label;
         const char* edit;
         const char* expression;
+        bool isShare = false; // 0 to 1, whatever its input allows
     };
     /// `places`: one for each channel; `names`: tags with the names of the low, middle and high
     /// range. Both are constant data.
@@ -64,11 +65,13 @@ protected:
 
     int SlotOf(const Input& input) const override;
     int SlotAt(const QWidget* widget) const override;
+    bool IsViewPart(const QWidget* part) const override;
     void ReadTags(const TagList& tags) override;
     void Populate() override;
     void Show() override;
     void ShowSlot(int slot) override;
     const char* ExpressionPlace(int slot) const override;
+    SliderSettings::Range LimitsOf(int slot) const override;
 
 private:
     bool HasRange(int range) const;
@@ -85,7 +88,7 @@ private:
     RangeSelector* selector_;
     std::vector<ElideLabel*> labels_;
     std::vector<TimeCodeEdit*> edits_;
-    std::array<std::string, ranges> names_; // as the tags tell; empty: the usual ones
+    std::array<std::string, ranges> names_; // as the tags tell, or the usual ones
     bool stacked_ = false;                  // the edits stand below
 };
 

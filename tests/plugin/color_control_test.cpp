@@ -1,136 +1,15 @@
-#include "controls/color/ColorControl.h"
-
-#include "plugin/InspectorStage.h"
-#include "script/FFI.h"
+#include "plugin/ColorStage.h"
 #include "system/color/ColorPreferences.h"
 #include "system/controls/ColorDrag.h"
-#include "system/controls/HostDialogs.h"
-#include "system/document/Preferences.h"
 #include "system/widgets/CustomButton.h"
 #include "system/widgets/ElideLabel.h"
-#include "widgets/CustomColorField.h"
 #include "widgets/CustomSwatch.h"
 
-#include <cmath>
 #include <limits>
 
 #include <QtTest>
 
 using namespace Marlox;
-
-namespace {
-
-struct ChannelInput {
-    const char* id;
-    int channel;
-    double value;
-};
-
-const std::vector<ChannelInput> rgba{
-    {"Red", 0, 0.5}, {"Green", 1, 0.25}, {"Blue", 2, 0.125}, {"Alpha", 3, 1.0}};
-
-/// A page with one colour control, whose inputs join the first.
-std::vector<StagedInput> staged(const std::vector<ChannelInput>& channels,
-                                const std::vector<TagPair>& tags = {})
-{
-    std::vector<StagedInput> inputs;
-    for (const ChannelInput& channel : channels) {
-        std::vector<TagPair> attributes{{IA_Channel, channel.channel},
-                                        {IAD_Default, channel.value}};
-        if (inputs.empty())
-            attributes.insert(attributes.end(), tags.begin(), tags.end());
-        else
-            attributes.push_back({IAS_SharedWith, channels.front().id});
-        inputs.push_back({channel.id, attributes, "ColorControl"});
-    }
-    return inputs;
-}
-
-struct ColorStage : InspectorStage {
-    explicit ColorStage(const std::vector<ChannelInput>& channels = rgba,
-                        const std::vector<TagPair>& tags = {{CLRC_ShowWheel, 1}}, int width = 380)
-        : InspectorStage(staged(channels, tags), width)
-    {
-    }
-    ColorControl& Control() const { return ControlOf<ColorControl>(); }
-    CustomColorField& Field() const { return *PartOf<CustomColorField>("field"); }
-    TimeCodeEdit& Edit(const char* name) const { return *PartOf<TimeCodeEdit>(name); }
-    void Set(double r, double g, double b)
-    {
-        InputOf("Red").SetValue(Number(r), 0.0);
-        InputOf("Green").SetValue(Number(g), 0.0);
-        InputOf("Blue").SetValue(Number(b), 0.0);
-        document->Undo().Clear();
-    }
-    QString Rgb() const
-    {
-        return QStringLiteral("%1 %2 %3")
-            .arg(ValueOf("Red"), 0, 'g', 6)
-            .arg(ValueOf("Green"), 0, 'g', 6)
-            .arg(ValueOf("Blue"), 0, 'g', 6);
-    }
-    bool HasUndo(const QStringList& texts) const { return UndoTexts() == texts && IsIdle(); }
-};
-
-void type(TimeCodeEdit& edit, const QString& text)
-{
-    edit.setFocus();
-    edit.setText(text);
-    edit.Commit();
-}
-
-/// In the square, from its left and lower edge, 0 to 1.
-QPoint inSquare(const CustomColorField& field, double s, double v)
-{
-    const QRect r = field.rect();
-    const int a = field.ShowsAlpha() ? 17 : 0;
-    const double width = (r.right() - 1 - a - 18) - 3 - 1;
-    return {int(std::lround(3 + s * width)),
-            int(std::lround((r.bottom() - 2) - v * (r.bottom() - 2 - 3 - 1)))};
-}
-
-/// On the hue strip, from its top.
-QPoint onHue(const CustomColorField& field, double hue)
-{
-    const QRect r = field.rect();
-    const int a = field.ShowsAlpha() ? 17 : 0;
-    return {r.right() - 1 - a - 6, int(std::lround(4 + hue * (r.bottom() - 3 - 4 - 1)))};
-}
-
-/// Answers the question for a colour.
-class ColorDialog final : public HostDialogs {
-public:
-    ColorDialog() : before_(Install(this)) {}
-    ~ColorDialog() override { Install(before_); }
-    void Message(Kind, const QString&, const QString&) override {}
-    Answer Ask(const QString&, const QString&, bool) override { return Answer::No; }
-    std::optional<QString> AskText(const TextRequest&) override { return {}; }
-    std::optional<double> AskNumber(const NumberRequest&) override { return {}; }
-    QString OpenFile(const FileRequest&) override { return {}; }
-    QString SaveFile(const FileRequest&) override { return {}; }
-    std::optional<MxColor> ChooseColor(const ColorRequest& request) override
-    {
-        asked = request.preset;
-        return keeps ? std::optional(request.preset) : answer;
-    }
-    std::optional<MxColor> asked;
-    std::optional<MxColor> answer;
-    bool keeps = false;
-
-private:
-    HostDialogs* before_;
-};
-
-struct PreferenceGuard {
-    PreferenceGuard(const char* name, const QVariant& value) : name(name)
-    {
-        Preferences::Global().Set(name, value);
-    }
-    ~PreferenceGuard() { Preferences::Global().Remove(name); }
-    const char* name;
-};
-
-} // namespace
 
 /// The colour control on an inspector page, from its channels to the undo history.
 class ColorControlTest : public QObject {
@@ -142,10 +21,6 @@ private slots:
     void DragsTheField();
     void KeepsHueAndSaturation();
     void DragsSlidersAndNumbers();
-    void AsksTheColorDialog();
-    void CopiesToOthers();
-    void ShowsWhatTagsSay();
-    void SetsKeysOfAll();
     void LeavesAloneWhatIsFixed();
     void SurvivesBadInput();
 };
@@ -343,114 +218,6 @@ void ColorControlTest::DragsSlidersAndNumbers()
     QCOMPARE(stage.Rgb(), QString("0.5 0.25 0.125"));
     QVERIFY(!stage.PartOf<CustomButton>("resetcolor1")->isEnabled());
     QVERIFY(stage.HasUndo({"Adjust Green", "Adjust Hue", "Reset Green", "Reset Colour"}));
-}
-
-void ColorControlTest::AsksTheColorDialog()
-{
-    ColorStage stage;
-    auto& swatch = *stage.PartOf<CustomSwatch>("swatch");
-    ColorDialog dialog;
-    swatch.click(); // cancelled
-    QVERIFY(dialog.asked == MxColor(128, 64, 32));
-    QVERIFY(stage.HasUndo({}));
-    dialog.keeps = true;
-    stage.Set(0.3337, 7.0, -0.5);
-    swatch.click();
-    QCOMPARE(stage.Rgb(), QString("0.3337 7 -0.5"));
-    QVERIFY(stage.HasUndo({}));
-    dialog.keeps = false;
-    dialog.answer = MxColor(85, 255, 51);
-    stage.InputOf("Red").SetExpression("0.25");
-    stage.document->Undo().Clear();
-    swatch.click();
-    QCOMPARE(stage.Rgb(), QString("0.25 7 0.2"));
-    QVERIFY(stage.HasUndo({"Select Color"}));
-    stage.InputOf("Red").SetExpression({});
-    stage.Set(0.0, 0.0, 0.0);
-    const PreferenceGuard on(PREF_GammaCorrectControls, true);
-    const PreferenceGuard gamma(PREF_GammaCorrectDisplayGamma, 2.0);
-    dialog.answer = MxColor(51, 0, 255);
-    swatch.click();
-    QCOMPARE(stage.Rgb(), QString("0.04 0 1"));
-    stage.Set(0.25, 0.0, 0.0);
-    swatch.click();
-    QVERIFY(dialog.asked == MxColor(128, 0, 0));
-    for (const char* id : {"Red", "Green", "Blue"})
-        stage.InputOf(id).SetAttrsTagList({{IA_ReadOnly, 1}});
-    dialog.asked.reset();
-    swatch.click();
-    QVERIFY(!dialog.asked);
-}
-
-void ColorControlTest::CopiesToOthers()
-{
-    std::vector<StagedInput> inputs = staged(rgba);
-    inputs.push_back({"Other", {{IA_Channel, 2}}, "ColorControl"});
-    inputs.push_back({"Third", {{IA_Channel, 0}, {IAS_SharedWith, "Other"}}, "ColorControl"});
-    inputs.push_back({"Depth", {{IA_Channel, 12}, {IAS_SharedWith, "Other"}}, "ColorControl"});
-    const InspectorStage stage(inputs);
-    CopyColorEvent event(
-        {&stage.InputOf("Other"), &stage.InputOf("Third"), &stage.InputOf("Depth")});
-    QCoreApplication::sendEvent(&stage.ControlOf(), &event);
-    QCOMPARE(stage.ValueOf("Other"), 0.125);
-    QCOMPARE(stage.ValueOf("Third"), 0.5);
-    QCOMPARE(stage.ValueOf("Depth"), 0.0); // there is no such channel to copy
-    QCOMPARE(stage.UndoTexts(), QStringList{"Copy Color"});
-    QCOMPARE(stage.ControlOf<ColorControl>("Other").Color()[2], 0.125);
-}
-
-void ColorControlTest::ShowsWhatTagsSay()
-{
-    const char* parts[] = {"buttonpick", "swatch", "buttonexpand", "slidercolor0"};
-    const u32 without[] = {CLRC_NoPick, CLRC_NoSwatch, CLRC_NoWheel, CLRC_NoSliders};
-    for (std::size_t i = 0; i < std::size(parts); ++i) {
-        const ColorStage stage(rgba, {{without[i], 1}, {CLRC_ShowWheel, 1}});
-        for (std::size_t k = 0; k < std::size(parts); ++k) {
-            const auto* part = stage.PartOf<QWidget>(parts[k]);
-            QVERIFY2((part && part->isVisible()) == (k != i), parts[k]);
-        }
-        const auto* field = stage.PartOf<QWidget>("field");
-        QCOMPARE(field && field->isVisible(), without[i] != CLRC_NoWheel);
-    }
-    const ColorStage stage(rgba, {});
-    ColorControl& control = stage.Control();
-    QVERIFY(!control.IsExpanded() && !stage.PartOf<QWidget>("field"));
-    const int folded = control.height();
-    stage.PartOf<CustomButton>("buttonexpand")->click();
-    QCoreApplication::processEvents();
-    QVERIFY(control.IsExpanded() && stage.Field().isVisible() && control.height() > folded + 100);
-    type(stage.Edit("editcolor0"), "0.75"); // the rows were built anew
-    QCOMPARE(stage.ValueOf("Red"), 0.75);
-    stage.InputOf().SetAttrsTagList({{CLRC_ColorSpace, 2}});
-    QCOMPARE(stage.PartOf<ElideLabel>("huelabel")->Text(), QString("Y"));
-    QVERIFY(std::abs(stage.Edit("edithue").GetValue() -
-                     (0.2126 * 0.75 + 0.7152 * 0.25 + 0.0722 * 0.125)) < 1e-6);
-    int64 space = 0;
-    QVERIFY(control.CopyAttr(CLRC_ColorSpace, &space) && space == 2);
-    stage.PartOf<CustomButton>("buttonexpand")->click();
-    QVERIFY(!control.IsExpanded() && !stage.Field().isVisible());
-    // Without a colour's components there is nothing to show of one.
-    const ColorStage depth({{"Z", 12, 0.5}});
-    for (const char* part : {"swatch", "buttonpick", "buttonexpand"})
-        QVERIFY2(!depth.PartOf<QWidget>(part)->isVisible(), part);
-}
-
-void ColorControlTest::SetsKeysOfAll()
-{
-    const ColorStage stage;
-    QAbstractButton* keys = nullptr;
-    for (QAbstractButton* button : stage.window->findChildren<QAbstractButton*>()) {
-        if (button->inherits("Marlox::KeyFrameIndicator"))
-            keys = button;
-    }
-    QVERIFY(keys);
-    keys->click();
-    for (const ChannelInput& channel : rgba)
-        QVERIFY2(stage.InputOf(channel.id).IsKeyAt(0.0), channel.id);
-    QCOMPARE(stage.UndoTexts(), QStringList{"Set Keys"});
-    keys->click();
-    QVERIFY(!stage.InputOf("Blue").IsAnimated());
-    QCOMPARE(stage.UndoEntries(), 2);
 }
 
 void ColorControlTest::LeavesAloneWhatIsFixed()

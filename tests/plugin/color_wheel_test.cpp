@@ -85,6 +85,7 @@ private slots:
     void TurnsAround();
     void PlacesTheTint();
     void KeepsToOneOfTwo();
+    void ShowsWhatHuesBecome();
     void WritesItsInputs();
     void ChoosesRanges();
     void ChangesRangesInPlace();
@@ -197,6 +198,32 @@ void ColorWheelTest::KeepsToOneOfTwo()
     QVERIFY(drag(Part::Tint, 0.4 * turn, 0.3).record.tintLength == 0.5);
 }
 
+void ColorWheelTest::ShowsWhatHuesBecome()
+{
+    CustomColorWheel wheel;
+    wheel.resize(wheel.sizeHint());
+    const auto colorAt = [&](double turns, double length) {
+        return wheel.grab().toImage().pixelColor(
+            wheel.Model().PlaceOf(turns * turn, length).toPoint());
+    };
+    constexpr double band = 0.655; // the middle of it
+    constexpr double ring = 0.9;
+    constexpr double first = 0.05; // clear of knobs and marks
+    const auto unlike = [](const QColor& a, const QColor& b) {
+        return std::max({std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
+                         std::abs(a.blue() - b.blue())});
+    };
+    const QColor hue = colorAt(first, ring);
+    const QColor next = colorAt(first + 0.2, band);
+    QVERIFY(unlike(hue, colorAt(first, band)) < 4 && unlike(hue, next) > 60);
+    wheel.SetRecord(0, {-0.2, 1.0, 0.0, 0.0, 1.0}); // a fifth of a turn counter-clockwise
+    QVERIFY(unlike(hue, colorAt(first + 0.2, ring)) < 4);
+    QCOMPARE(colorAt(first + 0.2, band), next);
+    wheel.SetRecord(0, {-0.2, 0.0, 0.0, 0.0, 1.0});
+    QVERIFY(colorAt(first + 0.2, band).saturation() < 4);
+    QVERIFY(unlike(hue, colorAt(first + 0.2, ring)) < 4);
+}
+
 void ColorWheelTest::WritesItsInputs()
 {
     const WheelStage stage;
@@ -259,6 +286,13 @@ void ColorWheelTest::ChoosesRanges()
     QCOMPARE(control.GetInputFrom(&stage.Edit("edithue"), nullptr), &stage.InputOf("Hue2"));
     selector.SetNames({"All", "Dark", "Mid", "Light"});
     QCOMPARE(selector.NameOf(3), QString("Light"));
+    // A locked tool can be looked at, and a page made anew shows what was chosen last.
+    stage.tool->SetLocked(true);
+    Pointer::Click(selector, selector.SegmentOf(1).center());
+    QVERIFY(stage.Wheel().Mode() == 1 && !stage.Wheel().isEnabled());
+    stage.page->SetOperator(nullptr);
+    stage.page->SetOperator(stage.tool);
+    QCOMPARE(stage.Wheel().Mode(), 1);
 }
 
 void ColorWheelTest::ChangesRangesInPlace()
@@ -307,6 +341,9 @@ void ColorWheelTest::SurvivesBadInput()
         stage.window->grab();
     }
     WheelStage stage;
+    stage.Edit("edittintlength").setText("2.5");
+    stage.Edit("edittintlength").Commit();
+    QCOMPARE(stage.ValueOf("Length"), 1.0);
     Pointer::Press(stage.Wheel(), stage.At(0.5, 0.3));
     stage.ControlOf().RemoveInput(&stage.InputOf("Length"), nullptr);
     QVERIFY(stage.IsIdle());

@@ -169,8 +169,8 @@ void ControlWnd::Private::UpdateState(Row& row)
                            : !animated                   ? Keys::None
                            : allKeyed                    ? Keys::Keyed
                                                          : Keys::Animated);
-        if (row.keys->isEnabled() != row.control->isEnabled())
-            row.keys->setEnabled(row.control->isEnabled());
+        if (row.keys->isEnabled() != row.control->IsUsable())
+            row.keys->setEnabled(row.control->IsUsable());
     }
     if (std::exchange(row.state, state) != state)
         page.update(MarkOf(row));

@@ -98,7 +98,7 @@ void ControlWnd::Private::ConnectDocument()
                 continue;
             row.control->ApplyEnabled();
             if (row.keys)
-                row.keys->setEnabled(row.control->isEnabled());
+                row.keys->setEnabled(row.control->IsUsable());
         }
     });
     QObject::connect(document, &MarloxDoc::CurrentTimeChanged, &page, [this] { RefreshMoving(); });
@@ -251,7 +251,7 @@ void ControlWnd::Private::AddKeys(Row& row, Input& first)
     row.keys = new KeyFrameIndicator(&page);
     row.keys->setAttribute(Qt::WA_Resized); // by Layout
     row.keys->setAccessibleName(ControlWnd::tr("Key of %1").arg(first.GetName()));
-    row.keys->setEnabled(row.control->isEnabled());
+    row.keys->setEnabled(row.control->IsUsable());
     InputControl* control = row.control;
     QObject::connect(row.keys, &KeyFrameIndicator::Toggled, control, [control] {
         if (control->Inputs().empty())

@@ -121,9 +121,24 @@ void InputControl::ApplyEnabled()
 {
     // What is passive is not the tool's result, which a lock keeps: a locked tool can be looked at.
     const bool locked = owner_ && owner_->IsLocked() && !IsAllPassive(nullptr);
-    const bool enabled = !disabled_ && !locked;
-    if (enabled == testAttribute(Qt::WA_ForceDisabled))
-        setEnabled(enabled);
+    usable_ = !disabled_ && !locked;
+    EnableEditing(usable_);
+}
+
+void InputControl::EnableEditing(bool usable)
+{
+    if (usable == testAttribute(Qt::WA_ForceDisabled))
+        setEnabled(usable);
+}
+
+void InputControl::ChooseView(u32 tag, TagValue value)
+{
+    d_->laterChanges.Remove(tag); // what was set last counts
+    const TagList chosen{{tag, value}};
+    if (inputs_.list.empty())
+        SetAttrsTagList(chosen);
+    else
+        inputs_.list.front()->SetAttrsTagList(chosen);
 }
 
 bool InputControl::IsRowHidden() const

@@ -166,6 +166,10 @@ public:
     /// passive.
     bool GetDisabledTags(const TagList& tags, bool ofInput);
     bool IsAllPassive(TagList* tags) const;
+    /// The user chose how the control shows its inputs: sets that attribute of its main input,
+    /// where controls made for the input later find it. Documents do not keep it, and it works
+    /// while the tool is locked. Without inputs the control has it alone.
+    void ChooseView(u32 tag, TagValue value);
     MxColor GetBackgroundColor() const;
 
     /// Ids of a control's own menu entries start here; those below are the base's.
@@ -195,10 +199,16 @@ public:
     ControlWnd* Window() const { return window_; }
     bool TabStop() const { return tabStop_; }
     bool ControlDisabled() const { return disabled_; }
+    /// Neither disabled nor of a locked tool.
+    bool IsUsable() const { return usable_; }
     bool IsRowHidden() const; // IC_Hidden: takes no room (folded rows: ControlWnd::IsFolded)
     int UndoDepth() const { return undo_.IsOpen() ? 1 : 0; }
 
 protected:
+    /// Follows IsUsable. By default the widget is enabled or not; a control with parts that only
+    /// choose what is shown can leave those be while its tool is locked.
+    virtual void EnableEditing(bool usable);
+
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void childEvent(QChildEvent* event) override;
@@ -230,6 +240,7 @@ private:
     LayoutObj* layout_ = nullptr;
     bool tabStop_ = true;
     bool disabled_ = false;
+    bool usable_ = true;
     UndoGesture undo_;
     std::unique_ptr<Private> d_;
 
