@@ -59,7 +59,8 @@ bool CustomController::event(QEvent* event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto& key = static_cast<QKeyEvent&>(*event);
-        if (WayOf(key.key()) && !(key.modifiers() & (Qt::AltModifier | Qt::MetaModifier))) {
+        const bool own = WayOf(key.key()) || GivesUp(key);
+        if (own && !(key.modifiers() & (Qt::AltModifier | Qt::MetaModifier))) {
             event->accept();
             return true;
         }
@@ -67,10 +68,22 @@ bool CustomController::event(QEvent* event)
     return CustomControl::event(event);
 }
 
+bool CustomController::GivesUp(const QKeyEvent& event) const
+{
+    return event.key() == Qt::Key_Escape && IsHeld() && InGesture();
+}
+
 void CustomController::keyPressEvent(QKeyEvent* event)
 {
     if (IsLocked())
         return; // goes to nobody
+    if (GivesUp(*event)) {
+        const QPointer<CustomController> alive(this);
+        GiveUpGesture();
+        if (alive)
+            LoseGesture();
+        return;
+    }
     if (const auto way = WayOf(event->key())) {
         if (IsHeld())
             return;

@@ -224,6 +224,12 @@ void SliderControlTest::NothingChangedNoEntry()
     DragKnob(slider, {30, 0});                          // there and back
     Pointer::Release(slider, knob);
     Pointer::Click(slider, knob, Qt::AltModifier); // is the default already
+    DragKnob(slider, {30});
+    QVERIFY(Pointer::IsWanted(slider, Qt::Key_Escape));
+    Pointer::Stroke(slider, Qt::Key_Escape); // gives it up
+    QVERIFY(slider.Value() == 0.123456 && stage.IsIdle());
+    Pointer::Move(slider, knob + QPointF(50, 0));
+    QVERIFY(!Pointer::IsWanted(slider, Qt::Key_Escape));
     QCOMPARE(stage.Outcome(), QString("0.123456 (0)"));
     // Driven by an expression, it can't be dragged away.
     stage.InputOf("Sum").SetExpression("0.25 + 0.5");
