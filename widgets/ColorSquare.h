@@ -17,7 +17,8 @@ namespace Marlox {
 ///   are those of QColor::fromHsvF set one by one;
 /// - a display that treats each component by itself: its tables;
 /// - any other: it is asked for a grid of colours, dense where the axes are dark or pure, and what
-///   lies between is interpolated.
+///   lies between is interpolated, but for the cells where the display clips or bends too much,
+///   whose pixels it is asked for one by one.
 ///
 /// Colours that no light has, with a component below 0 or above 1, are muted.
 class ColorSquare {

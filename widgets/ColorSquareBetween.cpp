@@ -61,46 +61,98 @@ struct Between {
     float share; // of the node above
 };
 
-/// The codes of one row of nodes, spread over the square's columns: red, then green, then blue.
-using Codes = std::vector<float>;
+constexpr int shifts[] = {16, 8, 0}; // of red, green and blue in a pixel
 
-class NodeRows {
+int codeOf(QRgb pixel, int shift)
+{
+    return int(pixel >> shift & 0xff);
+}
+
+/// What the display makes of the nodes, and in which cells it is too bent for straight lines:
+/// where it clips, and where it is steep.
+class Grid {
 public:
-    NodeRows(const Spacing& spacing, const std::vector<double>& saturations, const ColorAxes& axes,
-             double hue, const DisplayColors& display)
-        : spacing_(spacing), axes_(axes), hue_(hue), display_(display)
+    Grid(const Spacing& spacing, const ColorAxes& axes, double hue, const DisplayColors& display)
     {
-        for (const double saturation : saturations)
-            columns_.emplace_back(spacing.across, saturation);
-    }
-
-    Codes Row(int node) const
-    {
-        const ColorSquareRow row(axes_, hue_, spacing_.up[std::size_t(node)]);
-        std::array<float, 3 * (acrossCells + 1)> light;
-        std::array<QRgb, acrossCells + 1> shown;
-        for (std::size_t i = 0; i < light.size(); ++i)
-            light[i] = row.first[i % 3] + row.way[i % 3] * float(spacing_.across[i / 3]);
-        display_.Show(light.data(), int(shown.size()), shown.data());
-        Codes codes;
-        codes.reserve(3 * columns_.size());
-        for (const int shift : {16, 8, 0}) {
-            const auto codeOf = [&](int i) { return float(shown[std::size_t(i)] >> shift & 0xff); };
-            for (const Between& column : columns_) {
-                const float low = codeOf(column.cell);
-                codes.push_back(low + column.share * (codeOf(column.cell + 1) - low));
+        std::vector<float> light;
+        light.reserve(3 * rowSize * (upCells + 1));
+        for (const double value : spacing.up) {
+            const ColorSquareRow row(axes, hue, value);
+            for (const double saturation : spacing.across) {
+                for (std::size_t i = 0; i < 3; ++i)
+                    light.push_back(row.first[i] + row.way[i] * float(saturation));
             }
         }
-        return codes;
+        nodes_.resize(light.size() / 3);
+        display.Show(light.data(), int(nodes_.size()), nodes_.data());
+        FindBends(1, rowSize);
+        FindBends(rowSize, 1);
+    }
+
+    const QRgb* Row(int node) const { return &nodes_[std::size_t(node) * rowSize]; }
+    bool IsBent(int across, int up) const
+    {
+        return bent_[std::size_t(up) * rowSize + std::size_t(across)];
     }
 
 private:
-    const Spacing& spacing_;
-    const ColorAxes& axes_;
-    double hue_;
-    const DisplayColors& display_;
-    std::vector<Between> columns_;
+    static constexpr std::size_t rowSize = acrossCells + 1;
+    /// How far a node may lie off the line between its neighbours, in halves of a code. What lies
+    /// between nodes is then off by an eighth of that, or by a fourth where the display has an
+    /// edge.
+    static constexpr int bend = 4;
+
+    /// Marks the cells around the nodes that lie off the line through those beside them. `along`:
+    /// from one node to the next on that line; `aside`: across it.
+    void FindBends(std::size_t along, std::size_t aside)
+    {
+        bent_.resize(nodes_.size());
+        const auto isBent = [this, along](std::size_t node) {
+            for (const int shift : shifts) {
+                const int off = codeOf(nodes_[node - along], shift) +
+                                codeOf(nodes_[node + along], shift) -
+                                2 * codeOf(nodes_[node], shift);
+                if (off > bend || off < -bend)
+                    return true;
+            }
+            return false;
+        };
+        const std::size_t last = (along == 1 ? acrossCells : upCells) - 1;
+        const std::size_t count = (along == 1 ? upCells : acrossCells) + 1;
+        for (std::size_t line = 0; line < count; ++line) {
+            for (std::size_t i = 1; i <= last; ++i) {
+                const std::size_t node = line * aside + i * along;
+                if (!isBent(node))
+                    continue;
+                for (const std::size_t cell : {node, node - along}) {
+                    bent_[cell] = true;
+                    if (line > 0)
+                        bent_[cell - aside] = true;
+                }
+            }
+        }
+    }
+
+    std::vector<QRgb> nodes_;
+    std::vector<char> bent_; // by the cell's first node
 };
+
+/// The codes of one row of nodes, spread over the square's columns: red, then green, then blue.
+using Codes = std::vector<float>;
+
+Codes spread(const QRgb* nodes, const std::vector<Between>& columns)
+{
+    Codes codes;
+    codes.reserve(3 * columns.size());
+    for (const int shift : shifts) {
+        for (const Between& column : columns) {
+            const auto low = float(codeOf(nodes[column.cell], shift));
+            const auto high = float(codeOf(nodes[column.cell + 1], shift));
+            codes.push_back(low + column.share * (high - low));
+        }
+    }
+    return codes;
+}
 
 void blendRow(QRgb* pixels, const Codes& low, const Codes& high, float share)
 {
@@ -115,24 +167,82 @@ void blendRow(QRgb* pixels, const Codes& low, const Codes& high, float share)
         pixels[i] = 0xff000000u | code(0, i) << 16 | code(1, i) << 8 | code(2, i);
 }
 
+/// Pixels that the display is asked for one by one, many at a time.
+class Asked {
+public:
+    explicit Asked(const DisplayColors& display) : display_(display) {}
+    ~Asked() { Show(); }
+
+    void Add(QRgb* pixel, const std::array<float, 3>& light)
+    {
+        pixels_.push_back(pixel);
+        light_.insert(light_.end(), light.begin(), light.end());
+        if (pixels_.size() == most)
+            Show();
+    }
+
+private:
+    static constexpr std::size_t most = 4096;
+
+    void Show()
+    {
+        codes_.resize(pixels_.size());
+        display_.Show(light_.data(), int(pixels_.size()), codes_.data());
+        for (std::size_t i = 0; i < pixels_.size(); ++i)
+            *pixels_[i] = codes_[i];
+        pixels_.clear();
+        light_.clear();
+    }
+
+    const DisplayColors& display_;
+    std::vector<QRgb*> pixels_;
+    std::vector<float> light_;
+    std::vector<QRgb> codes_;
+};
+
+bool isLight(const std::array<float, 3>& rgb)
+{
+    static constexpr float rounding = 1e-5f;
+    return std::all_of(rgb.begin(), rgb.end(), [](float component) {
+        return component >= -rounding && component <= 1.0f + rounding;
+    });
+}
+
 } // namespace
 
 void ColorSquare::PaintBetween(QImage& image, const ColorAxes& axes, double hue,
                                const DisplayColors& display) const
 {
     const Spacing& spacing = spacingOf(axes);
-    const NodeRows rows(spacing, saturations_, axes, hue, display);
+    const Grid grid(spacing, axes, hue, display);
+    std::vector<Between> columns;
+    columns.reserve(saturations_.size());
+    for (const double saturation : saturations_)
+        columns.emplace_back(spacing.across, saturation);
+    Asked asked(display);
     int cell = -1; // whose rows of nodes are there
     Codes low;
     Codes high;
     for (int y = 0; y < Rows(); ++y) {
         const Between place(spacing.up, values_[std::size_t(y)]);
         if (place.cell != cell) {
-            high = place.cell + 1 == cell ? std::move(low) : rows.Row(place.cell + 1);
-            low = rows.Row(place.cell);
+            high =
+                place.cell + 1 == cell ? std::move(low) : spread(grid.Row(place.cell + 1), columns);
+            low = spread(grid.Row(place.cell), columns);
             cell = place.cell;
         }
-        blendRow(reinterpret_cast<QRgb*>(image.scanLine(y)), low, high, place.share);
+        auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(y));
+        blendRow(pixels, low, high, place.share);
+        const ColorSquareRow row(axes, hue, values_[std::size_t(y)]);
+        for (std::size_t x = 0; x < columns.size(); ++x) {
+            if (!grid.IsBent(columns[x].cell, cell))
+                continue;
+            std::array<float, 3> light;
+            for (std::size_t i = 0; i < 3; ++i)
+                light[i] = row.first[i] + row.way[i] * across_[x];
+            if (isLight(light))
+                asked.Add(pixels + x, light);
+        }
     }
 }
 

@@ -1,7 +1,7 @@
 #include "widgets/ComboPopup.h"
 
-#include "system/resources/Resources.h"
 #include "widgets/CustomComboAccessible.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 
@@ -21,11 +21,6 @@ constexpr int tickColumn = 24; // left of the texts, pixels
 constexpr int textMargin = 12; // right of them
 constexpr int mostWidth = 480; // unless the field is wider
 constexpr int wheelRow = 40;   // eighths of a degree: three rows a notch
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 void drawTick(QPainter& painter, const QPoint& centre, const QColor& color)
 {
@@ -271,9 +266,9 @@ void ComboPopup::PaintRow(QPainter& painter, int row) const
     const QRect rect = RowRect(row);
     const bool lit = row == list_.Lit();
     if (lit)
-        painter.fillRect(rect, lookColor("System.SelectionColour", {44, 84, 122}));
-    const QColor ink = lit ? lookColor("System.SelectionTextColour", {255, 255, 255})
-                           : lookColor("System.BrightTextColour", {228, 228, 228});
+        painter.fillRect(rect, LookColor("System.SelectionColour", {44, 84, 122}));
+    const QColor ink = lit ? LookColor("System.SelectionTextColour", {255, 255, 255})
+                           : LookColor("System.BrightTextColour", {228, 228, 228});
     const auto part = [&](int x, int width) {
         return QStyle::visualRect(layoutDirection(), rect,
                                   {rect.left() + x, rect.top(), width, rect.height()});
@@ -289,15 +284,10 @@ void ComboPopup::PaintRow(QPainter& painter, int row) const
 void ComboPopup::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), lookColor("System.PopupColour", {34, 34, 34}));
+    painter.fillRect(rect(), LookColor("System.PopupColour", {34, 34, 34}));
     for (int row = list_.First(); row < list_.First() + list_.Shown(); ++row)
         PaintRow(painter, row);
-    const QColor line = lookColor("System.LineColour", {72, 72, 72});
-    const QRect all = rect();
-    painter.fillRect(all.left(), all.top(), all.width(), 1, line);
-    painter.fillRect(all.left(), all.bottom(), all.width(), 1, line);
-    painter.fillRect(all.left(), all.top(), 1, all.height(), line);
-    painter.fillRect(all.right(), all.top(), 1, all.height(), line);
+    PaintCrispFrame(painter, rect(), LookColor("System.LineColour", {72, 72, 72}));
 }
 
 } // namespace Marlox

@@ -4,6 +4,7 @@
 #include "system/resources/Resources.h"
 #include "widgets/ColorSquare.h"
 #include "widgets/CustomColorField.h"
+#include "widgets/DrawnLook.h"
 
 #include <cmath>
 
@@ -16,7 +17,6 @@ namespace {
 
 using Zone = ColorFieldModel::Zone;
 
-constexpr double dimmed = 0.38;
 constexpr double ringRadius = 5.0; // of the square's knob, with its light line
 constexpr double barRadius = 2.5;  // of a strip's, half its height
 constexpr double arrowLength = 4.0;
@@ -29,11 +29,6 @@ struct StripColors {
 };
 /// What each hue is shown with, by colour space: pure hues, and in YUV the greys of a luma.
 constexpr StripColors stripColors[] = {{1.0, 1.0}, {1.0, 0.5}, {0.5, 0.5}};
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 /// The screen's own pixels of a zone.
 QRect devicePixels(const QRect& zone, double ratio)
@@ -53,11 +48,6 @@ double middleOf(int pixel, double ratio)
 void drawAt(QPainter& painter, const QRect& pixels, const QImage& picture, double ratio)
 {
     painter.drawImage(QPointF(pixels.topLeft()) / ratio, picture);
-}
-
-double linePixels(double ratio)
-{
-    return std::max(1.0, std::round(ratio)) / ratio;
 }
 
 /// -1 and 1: the number is beyond 0 or 1, whatever its last decimals.
@@ -126,7 +116,7 @@ void CustomColorField::paintEvent(QPaintEvent*)
         painter.setOpacity(dimmed);
     PaintPictures(painter);
     PaintFrames(painter);
-    if (hasFocus())
+    if (hasFocus() && !byKeys_) // or else it is the active frame that tells
         PaintFocusRing(painter, rect());
     painter.setRenderHint(QPainter::Antialiasing);
     PaintStripKnob(painter, Zone::Hue, "Controls.ColorField.HueKnob", Hue());
@@ -217,22 +207,17 @@ QImage CustomColorField::MakeAlphaStrip() const
 
 void CustomColorField::PaintFrames(QPainter& painter) const
 {
-    const QColor plain = lookColor("System.BorderColour", {20, 20, 20});
-    const QColor lit = lookColor("System.ScrollHoverColour", {116, 116, 116});
-    const QColor active = lookColor("System.AccentColour", {92, 158, 220});
-    const double line = linePixels(picturesRatio_);
+    const QColor plain = LookColor("System.BorderColour", {20, 20, 20});
+    const QColor lit = LookColor("System.ScrollHoverColour", {116, 116, 116});
+    const double line = CrispLine(picturesRatio_);
     for (int part = 0; part < PartCount(); ++part) {
         const QRect zone = model_.ZoneRect(Zone(part));
         if (zone.isEmpty())
             continue;
         QColor color = Zone(part) == hovered_ || Zone(part) == drag_.zone ? lit : plain;
         if (byKeys_ && hasFocus() && part == ActivePart())
-            color = active;
-        const QRectF outer = QRectF(zone).adjusted(-line, -line, line, line);
-        painter.fillRect(QRectF(outer.left(), outer.top(), outer.width(), line), color);
-        painter.fillRect(QRectF(outer.left(), outer.bottom() - line, outer.width(), line), color);
-        painter.fillRect(QRectF(outer.left(), outer.top(), line, outer.height()), color);
-        painter.fillRect(QRectF(outer.right() - line, outer.top(), line, outer.height()), color);
+            color = AccentColor();
+        PaintCrispFrame(painter, QRectF(zone).adjusted(-line, -line, line, line), color);
     }
 }
 

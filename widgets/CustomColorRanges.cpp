@@ -202,23 +202,9 @@ void CustomColorRanges::ResetNode(int node)
 
 void CustomColorRanges::changeEvent(QEvent* event)
 {
-    if (event->type() == QEvent::EnabledChange || event->type() == QEvent::PaletteChange)
-        update();
-    else if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::FontChange)
         FollowSize();
     CustomControl::changeEvent(event);
-}
-
-void CustomColorRanges::focusInEvent(QFocusEvent* event)
-{
-    update();
-    CustomControl::focusInEvent(event);
-}
-
-void CustomColorRanges::focusOutEvent(QFocusEvent* event)
-{
-    update();
-    CustomControl::focusOutEvent(event);
 }
 
 void CustomColorRanges::resizeEvent(QResizeEvent* event)

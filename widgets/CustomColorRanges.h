@@ -50,7 +50,8 @@ public:
     void SetTakesHandles(bool on) { takesHandles_ = on; }
     void SetNames(const Names& names);
     const Names& RangeNames() const { return names_; }
-    /// A frame that tells of an expression or keys; an invalid colour takes it away.
+    /// Of the frame, unless that tells the keyboard focus: there are keys or an expression.
+    /// Invalid: neither.
     void SetStateColor(const QColor& color);
     void SetHelp(const QString& help); // the first line of the tooltip; empty: none
 
@@ -83,8 +84,6 @@ protected:
     void Nudge(int part, QPoint way, int level) override;
 
     void changeEvent(QEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

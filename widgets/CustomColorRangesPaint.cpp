@@ -4,6 +4,7 @@
 
 #include "system/color/DisplayColors.h"
 #include "system/resources/Resources.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +27,7 @@ constexpr int namesOverhang = 5; // over the ramp, at either end
 constexpr QSize usualSize(320, 150);
 constexpr QSize smallestSize(96, 80);
 constexpr int gridParts = 4;
-constexpr double dimmed = 0.38;
+constexpr int bedMargin = 2; // around the plot, so that curves on its edge stand off the frame
 constexpr double curveWidth = 1.5;
 constexpr double handleWidth = 1.0;
 constexpr double ringRadius = 6.25;
@@ -38,11 +39,6 @@ constexpr std::size_t low = 0;
 constexpr std::size_t mid = 1;
 constexpr std::size_t high = 2;
 constexpr double fillStrength[] = {0.22, 0.22, 0.34};
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 QColor mixed(const QColor& a, const QColor& b, double share)
 {
@@ -92,11 +88,11 @@ void addThinned(const std::vector<QPointF>& points, std::size_t from, std::size_
 
 QColor CustomColorRanges::ToneOf(std::size_t range)
 {
-    const QColor bright = lookColor("System.BrightTextColour", {228, 228, 228});
+    const QColor bright = LookColor("System.BrightTextColour", {228, 228, 228});
     if (range == mid)
-        return mixed(lookColor("Controls.ColorRanges.HandleColour", {51, 153, 179}), bright, 0.15);
+        return mixed(LookColor("Controls.ColorRanges.HandleColour", {51, 153, 179}), bright, 0.15);
     return range == high ? bright
-                         : mixed(lookColor("System.TextColour", {190, 190, 190}), Qt::black, 0.16);
+                         : mixed(LookColor("System.TextColour", {190, 190, 190}), Qt::black, 0.16);
 }
 
 void CustomColorRanges::FollowSize()
@@ -147,33 +143,28 @@ void CustomColorRanges::paintEvent(QPaintEvent* event)
     PaintRanges(painter);
     PaintHandles(painter);
     painter.translate(-0.5, -0.5);
-    if (hasFocus())
-        PaintFocusRing(painter, Plot().adjusted(-2, -2, 2, 2));
-    if (!isEnabled())
-        return;
     PaintNodes(painter);
     if (node_ != none)
         PaintReadout(painter);
 }
 
+/// The frame tells the keyboard focus, or without it of keys and expressions.
 void CustomColorRanges::PaintGround(QPainter& painter) const
 {
     const QRect plot = Plot();
-    painter.fillRect(plot, lookColor("System.FieldColour", {29, 29, 29}));
-    const QColor grid = faint(lookColor("Controls.ColorRanges.BaseColour", {80, 80, 80}), 0.45);
-    const double line = std::max(1.0, std::floor(devicePixelRatioF())) / devicePixelRatioF();
+    const QRect bed = plot.adjusted(-bedMargin, -bedMargin, bedMargin, bedMargin);
+    painter.fillRect(bed, LookColor("System.FieldColour", {29, 29, 29}));
+    const QColor grid = faint(LookColor("Controls.ColorRanges.BaseColour", {80, 80, 80}), 0.45);
+    const double line = CrispLine(devicePixelRatioF());
     for (int i = 1; i < gridParts; ++i) {
         const QPointF at = model_.ToPixel({double(i) / gridParts, double(i) / gridParts});
         painter.fillRect(QRectF(std::round(at.x()), plot.top(), line, plot.height()), grid);
         painter.fillRect(QRectF(plot.left(), std::round(at.y()), plot.width(), line), grid);
     }
-    const QColor frame =
-        stateColor_.isValid() ? stateColor_ : lookColor("System.BorderColour", {20, 20, 20});
-    for (const QRectF& side : {QRectF(plot.left() - 1, plot.top() - 1, plot.width() + 2, 1),
-                               QRectF(plot.left() - 1, plot.bottom() + 1, plot.width() + 2, 1),
-                               QRectF(plot.left() - 1, plot.top(), 1, plot.height()),
-                               QRectF(plot.right() + 1, plot.top(), 1, plot.height())})
-        painter.fillRect(side, frame);
+    PaintCrispFrame(painter, QRectF(bed).adjusted(-line, -line, line, line),
+                    hasFocus()              ? AccentColor()
+                    : stateColor_.isValid() ? stateColor_
+                                            : LookColor("System.BorderColour", {20, 20, 20}));
 }
 
 void CustomColorRanges::PaintRamp(QPainter& painter)
@@ -278,7 +269,7 @@ QPainterPath CustomColorRanges::MidtonesPath() const
 
 void CustomColorRanges::PaintHandles(QPainter& painter) const
 {
-    const QColor color = lookColor("Controls.ColorRanges.HandleColour", {51, 153, 179});
+    const QColor color = LookColor("Controls.ColorRanges.HandleColour", {51, 153, 179});
     painter.setPen(QPen(color, handleWidth));
     for (const int end : {0, 3, 4, 7}) {
         const int handle = end % 4 == 0 ? end + 1 : end - 1;
@@ -291,12 +282,12 @@ void CustomColorRanges::PaintNodes(QPainter& painter) const
     const QPixmap& bitmap = ResDIB::PixmapOf(nodeBitmap, devicePixelRatioF());
     const QSize size = ResDIB::SizeOf(nodeBitmap);
     const QPoint middle(size.width() / 2, size.height() / 2);
-    const QColor accent = lookColor("System.AccentColour", {92, 158, 220});
+    const QColor accent = AccentColor();
     // What is pressed first lies on top.
     for (const int node : {7, 4, 3, 0, 6, 5, 2, 1}) {
         const QPoint at = NodePixel(node);
         const bool held = node == node_;
-        const bool lit = held || (node == hovered_ && node_ == none);
+        const bool lit = held || (node == hovered_ && node_ == none && isEnabled());
         const bool active = hasFocus() && node == ActivePart();
         if (lit || active) {
             painter.setPen(QPen(accent, ringWidth, active ? Qt::SolidLine : Qt::NoPen));
@@ -323,9 +314,9 @@ void CustomColorRanges::PaintReadout(QPainter& painter) const
                             std::max(plot.right() + 1.0 - box.width(), double(plot.left()))));
     box.moveTop(std::round(above ? node.y() - away - box.height() : node.y() + away));
     painter.setPen(Qt::NoPen);
-    painter.setBrush(faint(lookColor("System.BorderColour", {20, 20, 20}), 0.85));
+    painter.setBrush(faint(LookColor("System.BorderColour", {20, 20, 20}), 0.85));
     painter.drawRoundedRect(box, 3.0, 3.0);
-    painter.setPen(lookColor("System.BrightTextColour", {228, 228, 228}));
+    painter.setPen(LookColor("System.BrightTextColour", {228, 228, 228}));
     painter.setFont(font());
     painter.drawText(box, Qt::AlignCenter, text);
 }

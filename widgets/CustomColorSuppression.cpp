@@ -1,18 +1,12 @@
 #include "widgets/CustomColorSuppression.h"
 
-#include "system/color/DisplayColors.h"
-#include "system/resources/Resources.h"
 #include "widgets/PartsAccessible.h"
 
 #include <utility>
 
-#include <QEvent>
-
 namespace Marlox {
 
 namespace {
-
-constexpr int margin = 4; // around the wheel
 
 constexpr std::array<const char*, CustomColorSuppression::knobs> names{
     QT_TRANSLATE_NOOP("Marlox::CustomColorSuppression", "Red"),
@@ -24,24 +18,18 @@ constexpr std::array<const char*, CustomColorSuppression::knobs> names{
 
 } // namespace
 
-CustomColorSuppression::CustomColorSuppression(QWidget* parent) : CustomControl(parent)
+CustomColorSuppression::CustomColorSuppression(QWidget* parent)
+    : CustomWheel(parent, "Controls.ColorSuppression.Wheel",
+                  tr("Drag a knob along its spoke, with Ctrl finely. Page Up and Page Down choose "
+                     "one, arrow keys move it, with Shift coarsely, with Ctrl finely. Alt+click "
+                     "resets it."))
 {
-    MakePartsAccessible();
-    setFocusPolicy(Qt::StrongFocus);
-    setMouseTracking(true);
-    SetHelp({});
-    FollowLook();
-    connect(&DisplayColors::Global(), &DisplayColors::Changed, this, [this] {
-        wheel_ = QImage();
-        update();
-    });
+    Arrange();
 }
 
-void CustomColorSuppression::FollowLook()
+void CustomColorSuppression::Arrange()
 {
-    look_ = LookPack::Global().Generation();
-    model_.SetPlace(ResDIB::SizeOf("Controls.ColorSuppression.Wheel").width(), size());
-    wheel_ = QImage();
+    model_.SetPlace(Diameter(), size());
 }
 
 QString CustomColorSuppression::NameOf(int knob)
@@ -51,20 +39,13 @@ QString CustomColorSuppression::NameOf(int knob)
 
 // What is shown ----------------------------------------------------------------------------------
 
-void CustomColorSuppression::SetMode(int mode)
+void CustomColorSuppression::FollowMode()
 {
-    if (mode == Mode() || mode < 0 || mode >= modes)
-        return;
-    const QPointer<CustomColorSuppression> alive(this);
-    LoseGesture();
-    if (!alive)
-        return;
-    const double before = model_.RotationOf(Mode());
-    model_.SetMode(mode);
+    const double before = model_.RotationOf(model_.Mode());
+    model_.SetMode(Mode());
     hovered_ = none;
-    if (model_.RotationOf(mode) != before)
-        wheel_ = QImage();
-    update();
+    if (model_.RotationOf(Mode()) != before)
+        DiscardPicture();
 }
 
 void CustomColorSuppression::SetRecord(int mode, const Record& record)
@@ -84,7 +65,7 @@ void CustomColorSuppression::SetRotation(int mode, double turns)
     model_.SetRotation(mode, turns);
     if (mode != Mode() || model_.RotationOf(mode) == before)
         return;
-    wheel_ = QImage();
+    DiscardPicture();
     update();
 }
 
@@ -96,16 +77,8 @@ void CustomColorSuppression::SetKnob(int knob, const Knob& state)
     if (knob == dragged_ && !(state.shown && state.movable))
         dragged_ = none; // the next move ends the drag
     if (before.shown != state.shown)
-        wheel_ = QImage(); // with its spoke
+        DiscardPicture(); // with its spoke
     update();
-}
-
-void CustomColorSuppression::SetHelp(const QString& help)
-{
-    const QString use =
-        tr("Drag a knob along its spoke, with Ctrl finely. Page Up and Page Down choose one, arrow "
-           "keys move it, with Shift coarsely, with Ctrl finely. Alt+click resets it.");
-    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 
 QString CustomColorSuppression::DescribePart(int knob) const
@@ -115,7 +88,7 @@ QString CustomColorSuppression::DescribePart(int knob) const
 
 void CustomColorSuppression::Repaint()
 {
-    update(model_.Square().adjusted(-margin, -margin, margin, margin));
+    update(Square());
 }
 
 // What the user does -----------------------------------------------------------------------------
@@ -197,34 +170,6 @@ bool CustomColorSuppression::ResetAt(QPoint at)
         emit resetKnob(knob);
     }
     return true;
-}
-
-// Layout -----------------------------------------------------------------------------------------
-
-void CustomColorSuppression::changeEvent(QEvent* event)
-{
-    if (event->type() == QEvent::EnabledChange || event->type() == QEvent::StyleChange)
-        update();
-    else if (event->type() == QEvent::FontChange)
-        FollowLook();
-    CustomControl::changeEvent(event);
-}
-
-void CustomColorSuppression::resizeEvent(QResizeEvent* event)
-{
-    model_.SetPlace(model_.Square().width(), size());
-    CustomControl::resizeEvent(event);
-}
-
-QSize CustomColorSuppression::sizeHint() const
-{
-    return minimumSizeHint();
-}
-
-QSize CustomColorSuppression::minimumSizeHint() const
-{
-    const int side = model_.Square().width() + 2 * margin;
-    return {side, side};
 }
 
 } // namespace Marlox

@@ -1,18 +1,17 @@
 #pragma once
 
 #include "widgets/ColorSuppressionModel.h"
-#include "widgets/CustomControl.h"
+#include "widgets/CustomWheel.h"
 
 #include <array>
 
 #include <QColor>
-#include <QImage>
 
 namespace Marlox {
 
 /// The drawn wheel of six amounts of colours: a dark disc of the hues with a knob on each of six
 /// spokes, and the area of the amounts between them. It holds a record and a rotation for each
-/// tonal range and shows and edits those of its mode: 0 master, 1 low, 2 middle, 3 high.
+/// tonal range.
 ///
 /// A press on a knob picks it and moves nothing; of knobs that overlap it picks the one with the
 /// highest index. The drag then moves it along its spoke. Ctrl goes a tenth of the way. Page Up and
@@ -22,16 +21,13 @@ namespace Marlox {
 ///
 /// The wheel is as wide as the bitmap "Controls.ColorSuppression.Wheel", which is drawn over
 /// computed colours as frame and marks.
-class CustomColorSuppression : public CustomControl {
+class CustomColorSuppression : public CustomWheel {
     Q_OBJECT
-    Q_PROPERTY(int mode READ Mode WRITE SetMode)
     Q_PROPERTY(int draggedKnob READ DraggedKnob)
     Q_PROPERTY(int hoveredKnob READ HoveredKnob)
-    Q_PROPERTY(bool dragging READ IsDragged)
 public:
     static constexpr int none = ColorSuppressionModel::none;
     static constexpr int knobs = ColorSuppressionModel::knobCount;
-    static constexpr int modes = ColorSuppressionModel::modeCount;
     using Record = ColorSuppressionModel::Record;
     struct Knob {
         bool shown = true;
@@ -43,8 +39,6 @@ public:
     explicit CustomColorSuppression(QWidget* parent = nullptr);
 
     const ColorSuppressionModel& Model() const { return model_; }
-    int Mode() const { return model_.Mode(); }
-    void SetMode(int mode); // others than 0 to 3 are ignored
     /// What is shown in a mode; sends nothing.
     void SetRecord(int mode, const Record& record);
     /// Of a mode's wheel, in turns, counter-clockwise.
@@ -53,16 +47,12 @@ public:
     double Amount(int knob) const { return model_.Amount(knob); }
     int DraggedKnob() const { return dragged_; }
     int HoveredKnob() const { return hovered_; }
-    /// One sentence on what is edited, for the tooltip, above how the wheel is used.
-    void SetHelp(const QString& help);
     /// "Red" and so on, for people.
     static QString NameOf(int knob);
 
     int PartCount() const override { return knobs; }
     QString DescribePart(int knob) const override;
     std::size_t SizeOf() const override { return sizeof(*this); }
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
 
 signals:
     /// The user has given this knob of the shown record another amount.
@@ -79,17 +69,17 @@ protected:
     void HoverAt(std::optional<QPoint> at) override;
     void Nudge(int knob, QPoint way, int level) override;
 
-    void changeEvent(QEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
+    // CustomWheel
+    void Arrange() override;
+    void FollowMode() override;
+    QImage MakePicture(double ratio) override;
+    void PaintParts(QPainter& painter) override;
 
 private:
-    void FollowLook();
     void Repaint();
     int KnobAt(QPoint at) const;
     void Change(int knob, double amount);
 
-    void MakePictures(double ratio);
     void PaintSpokes(QPainter& painter) const;
     void PaintNames(QPainter& painter) const;
     void PaintArea(QPainter& painter) const;
@@ -101,9 +91,7 @@ private:
     std::array<Knob, knobs> knobs_;
     int dragged_ = none;
     int hovered_ = none;
-    QImage wheel_; // without amounts and knobs; null: to be made, both
-    QImage area_;  // what fills the area of the amounts, as wide as the wheel
-    unsigned look_ = 0;
+    QImage area_; // what fills the area of the amounts, made with the picture and as wide
 };
 
 } // namespace Marlox

@@ -3,6 +3,7 @@
 #include "system/color/DisplayColors.h"
 #include "system/resources/Resources.h"
 #include "widgets/CustomColorSuppression.h"
+#include "widgets/DrawnLook.h"
 #include "widgets/WheelPicture.h"
 
 #include <algorithm>
@@ -19,10 +20,9 @@ using Model = ColorSuppressionModel;
 
 // Lengths from the wheel's centre, 1 on the rim.
 constexpr double ringStart = 0.885; // beyond a knob of the amount 1
-constexpr double namesAt = 0.925;
-constexpr double nameRadius = 0.082;
+constexpr double namesAt = 0.943;   // beside a lit knob of the amount 1
+constexpr double nameRadius = 0.064;
 
-constexpr double dimmed = 0.38;
 constexpr double ringLight = 0.42;
 constexpr double discLight = 0.055;
 constexpr double discStrength = 0.8; // of the hue on the disc's rim
@@ -34,11 +34,6 @@ constexpr int ticks = 4; // on a spoke
 constexpr double tickLength = 5.0;
 constexpr int areaSteps = 12; // of a sixth turn: a tenth of a pixel off the curve
 constexpr double stateRadius = 9.25;
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 QPointF way(double turn)
 {
@@ -74,29 +69,31 @@ bool CustomColorSuppression::IsLit(int knob) const
                        : knob == hovered_ || (hasFocus() && knob == ActivePart());
 }
 
-// Kept pictures ----------------------------------------------------------------------------------
+// Kept picture ----------------------------------------------------------------------------------
 
-void CustomColorSuppression::MakePictures(double ratio)
+QImage CustomColorSuppression::MakePicture(double ratio)
 {
     const double rotation = model_.RotationOf(Mode());
     const int diameter = model_.Square().width();
     // The marks cover the seam of ring and disc.
-    wheel_ = PaintWheel(diameter, ratio, 0.0, 1.0, [rotation](double turn, double length) {
+    QImage wheel = PaintDisc(diameter, ratio, 1.0, [rotation](double turn, double length) {
         const double hue = partOf(turn - rotation);
         return length > ringStart ? MutedHue(hue, 1.0, ringLight)
                                   : MutedHue(hue, discStrength * length, discLight);
     });
-    area_ = PaintWheel(diameter, ratio, 0.0, 1.0, [rotation](double turn, double length) {
+    area_ = PaintDisc(diameter, ratio, 1.0, [rotation](double turn, double length) {
         return MutedHue(partOf(turn - rotation), areaStrength * std::min(length * 1.4, 1.0),
                         areaLight);
     });
     area_.setDevicePixelRatio(1.0); // a brush, in pixels of the screen
-    QPainter painter(&wheel_);
+    QPainter painter(&wheel);
     painter.drawPixmap(0, 0, ResDIB::PixmapOf("Controls.ColorSuppression.Wheel", ratio));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(model_.Radius(), model_.Radius());
     PaintSpokes(painter);
     PaintNames(painter);
+    painter.end();
+    return wheel;
 }
 
 void CustomColorSuppression::PaintSpokes(QPainter& painter) const
@@ -133,9 +130,9 @@ void CustomColorSuppression::PaintNames(QPainter& painter) const
         const QPointF at = way(model_.TurnOf(knob)) * (namesAt * radius);
         const double half = nameRadius * radius;
         painter.setPen(Qt::NoPen);
-        painter.setBrush(lookColor("System.BorderColour", {20, 20, 20}));
+        painter.setBrush(LookColor("System.BorderColour", {20, 20, 20}));
         painter.drawEllipse(at, half, half);
-        painter.setPen(lookColor("Controls.Other.TextColour", {220, 220, 220}));
+        painter.setPen(LookColor("Controls.Other.TextColour", {220, 220, 220}));
         painter.drawText(QRectF(at - QPointF(half, half), QSizeF(2.0 * half, 2.0 * half)),
                          Qt::AlignCenter, NameOf(knob).left(1));
     }
@@ -159,7 +156,7 @@ void CustomColorSuppression::PaintArea(QPainter& painter) const
     }
     if (empty)
         return;
-    const double ratio = wheel_.devicePixelRatioF();
+    const double ratio = devicePixelRatioF();
     QBrush brush(area_);
     brush.setTransform(QTransform::fromTranslate(model_.Square().x(), model_.Square().y())
                            .scale(1.0 / ratio, 1.0 / ratio));
@@ -199,8 +196,7 @@ void CustomColorSuppression::PaintKnob(QPainter& painter, int knob) const
     }
     paintCentred(painter, bitmap, at);
     const bool keys = isEnabled() && hasFocus() && knob == ActivePart() && !IsDragged();
-    const QColor around =
-        keys ? lookColor("System.AccentColour", {92, 158, 220}) : state.stateColor;
+    const QColor around = keys ? AccentColor() : state.stateColor;
     if (!around.isValid())
         return;
     painter.setBrush(Qt::NoBrush);
@@ -208,23 +204,11 @@ void CustomColorSuppression::PaintKnob(QPainter& painter, int knob) const
     painter.drawEllipse(at, stateRadius, stateRadius);
 }
 
-void CustomColorSuppression::paintEvent(QPaintEvent*)
+void CustomColorSuppression::PaintParts(QPainter& painter)
 {
-    const double ratio = devicePixelRatioF();
-    if (look_ != LookPack::Global().Generation())
-        FollowLook();
-    if (wheel_.isNull() || wheel_.devicePixelRatioF() != ratio)
-        MakePictures(ratio);
-    QPainter painter(this);
-    if (!isEnabled())
-        painter.setOpacity(dimmed);
-    painter.drawImage(model_.Square().topLeft(), wheel_);
-    painter.setRenderHint(QPainter::Antialiasing);
     PaintArea(painter);
     for (int knob = 0; knob < knobs; ++knob)
         PaintKnob(painter, knob);
-    if (hasFocus())
-        PaintFocusRing(painter, model_.Square().adjusted(-3, -3, 3, 3), model_.Radius() + 3.0);
 }
 
 } // namespace Marlox

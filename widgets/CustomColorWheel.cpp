@@ -1,19 +1,15 @@
 #include "widgets/CustomColorWheel.h"
 
-#include "system/color/DisplayColors.h"
 #include "system/resources/Resources.h"
 #include "widgets/PartsAccessible.h"
 
 #include <utility>
-
-#include <QEvent>
 
 namespace Marlox {
 
 namespace {
 
 constexpr int discNarrower = 48; // than its bitmap
-constexpr int margin = 4;        // around the wheel
 
 const char* undoTextOf(ColorWheelModel::Part part)
 {
@@ -22,42 +18,25 @@ const char* undoTextOf(ColorWheelModel::Part part)
 
 } // namespace
 
-CustomColorWheel::CustomColorWheel(QWidget* parent) : CustomControl(parent)
+CustomColorWheel::CustomColorWheel(QWidget* parent)
+    : CustomWheel(
+          parent, "Controls.ColorWheel.Wheel.1",
+          tr("Drag the ring around to turn hues, away from the centre for more saturation, and the "
+             "disc to tint. With Ctrl finely, with Shift along one of the two. Alt+click resets. "
+             "Page Up and Page Down go between disc and ring, the arrow keys move."))
 {
-    MakePartsAccessible();
-    setFocusPolicy(Qt::StrongFocus);
-    setMouseTracking(true);
-    SetHelp({});
-    FollowLook();
-    connect(&DisplayColors::Global(), &DisplayColors::Changed, this, [this] {
-        picture_ = QImage();
-        update();
-    });
+    Arrange();
 }
 
 CustomColorWheel::~CustomColorWheel() = default;
 
-void CustomColorWheel::FollowLook()
+void CustomColorWheel::Arrange()
 {
-    look_ = LookPack::Global().Generation();
     model_.widget = rect();
-    model_.diameter = ResDIB::SizeOf("Controls.ColorWheel.Wheel.1").width();
+    model_.diameter = Diameter();
     const int inner = ResDIB::SizeOf("Controls.ColorWheel.Wheel.2").width() - discNarrower;
     model_.disc = model_.diameter > 0 ? double(std::max(inner, 0)) / model_.diameter : 0.0;
     model_.tintKnob = ResDIB::SizeOf("Controls.ColorWheel.Knob.1");
-    picture_ = QImage();
-}
-
-void CustomColorWheel::SetMode(int mode)
-{
-    if (mode == mode_ || mode < 0 || mode >= modes)
-        return;
-    const QPointer<CustomColorWheel> alive(this);
-    LoseGesture();
-    if (!alive)
-        return;
-    mode_ = mode;
-    update();
 }
 
 void CustomColorWheel::SetRecord(int mode, const WheelRecord& record)
@@ -65,7 +44,7 @@ void CustomColorWheel::SetRecord(int mode, const WheelRecord& record)
     if (mode < 0 || mode >= modes || records_[std::size_t(mode)] == record)
         return;
     records_[std::size_t(mode)] = record;
-    if (mode == mode_)
+    if (mode == Mode())
         update();
 }
 
@@ -73,15 +52,6 @@ void CustomColorWheel::SetSquaredTint(bool on)
 {
     if (std::exchange(model_.squaredTint, on) != on)
         update();
-}
-
-void CustomColorWheel::SetHelp(const QString& help)
-{
-    const QString use =
-        tr("Drag the ring around to turn hues, away from the centre for more saturation, and the "
-           "disc to tint. With Ctrl finely, with Shift along one of the two. Alt+click resets. "
-           "Page Up and Page Down go between disc and ring, the arrow keys move.");
-    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 
 QString CustomColorWheel::DescribePart(int part) const
@@ -134,7 +104,7 @@ void CustomColorWheel::Change(Part part, const WheelRecord& record)
     update();
     if (record == Shown())
         return;
-    records_[std::size_t(mode_)] = record;
+    records_[std::size_t(Mode())] = record;
     OpenUndo(undoTextOf(part));
     const QPointer<CustomColorWheel> alive(this);
     emit dragWheel();
@@ -152,32 +122,6 @@ void CustomColorWheel::HoverAt(std::optional<QPoint> at)
     const Part part = at && !IsLocked() ? model_.HitTest(*at, Shown()) : Part::None;
     if (std::exchange(hovered_, part) != part)
         update();
-}
-
-// Layout -----------------------------------------------------------------------------------------
-
-void CustomColorWheel::changeEvent(QEvent* event)
-{
-    if (event->type() == QEvent::EnabledChange || event->type() == QEvent::StyleChange)
-        update();
-    CustomControl::changeEvent(event);
-}
-
-void CustomColorWheel::resizeEvent(QResizeEvent* event)
-{
-    model_.widget = rect();
-    CustomControl::resizeEvent(event);
-}
-
-QSize CustomColorWheel::sizeHint() const
-{
-    return minimumSizeHint();
-}
-
-QSize CustomColorWheel::minimumSizeHint() const
-{
-    const int side = model_.diameter + 2 * margin;
-    return {side, side};
 }
 
 } // namespace Marlox

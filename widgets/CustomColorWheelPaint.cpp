@@ -3,6 +3,7 @@
 #include "system/color/DisplayColors.h"
 #include "system/resources/Resources.h"
 #include "widgets/CustomColorWheel.h"
+#include "widgets/DrawnLook.h"
 #include "widgets/WheelPicture.h"
 
 #include <algorithm>
@@ -14,8 +15,10 @@ namespace Marlox {
 
 namespace {
 
-constexpr double dimmed = 0.38;
-constexpr double ringGap = 2.0; // pixels between disc and ring
+// From the disc outwards, in pixels.
+constexpr double discGap = 2.0;
+constexpr double bandWidth = 7.0;
+constexpr double bandGap = 1.5;
 constexpr double ringLight = 0.42;
 constexpr double discLight = 0.3;
 constexpr double discStrength = 0.75; // of the hue on the disc's rim
@@ -26,11 +29,6 @@ const char* const knobs[] = {"Controls.ColorWheel.Knob.1", "Controls.ColorWheel.
                              "Controls.ColorWheel.Knob.3", "Controls.ColorWheel.Knob.4"};
 constexpr char startMark[] = "Controls.ColorWheel.Knob.5";
 
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
-
 void paintCentred(QPainter& painter, const char* bitmap, QPointF at)
 {
     const QSize size = ResDIB::SizeOf(bitmap);
@@ -40,17 +38,19 @@ void paintCentred(QPainter& painter, const char* bitmap, QPointF at)
 
 } // namespace
 
-void CustomColorWheel::MakePicture(double ratio)
+QImage CustomColorWheel::MakePicture(double ratio)
 {
-    const double gap = model_.diameter > 0 ? 2.0 * ringGap / model_.diameter : 0.0;
-    picture_ = PaintWheel(model_.diameter, ratio, model_.disc + gap, 1.0,
-                          [](double turn, double) { return MutedHue(turn, 1.0, ringLight); });
     const double disc = std::max(model_.disc, 1e-6);
+    const double pixel = model_.diameter > 0 ? 2.0 / model_.diameter : 0.0;
+    const double band = disc + discGap * pixel;
+    const double bandEnd = band + bandWidth * pixel;
+    ring_ = HueRing(model_.diameter, ratio, bandEnd + bandGap * pixel, 1.0, ringLight);
+    QImage picture = HueRing(model_.diameter, ratio, band, bandEnd, ringLight).Turned(0.0);
     const QImage inside =
-        PaintWheel(model_.diameter, ratio, 0.0, model_.disc, [disc](double turn, double length) {
+        PaintDisc(model_.diameter, ratio, model_.disc, [disc](double turn, double length) {
             return MutedHue(turn, discStrength * std::min(length / disc, 1.0), discLight);
         });
-    QPainter painter(&picture_);
+    QPainter painter(&picture);
     painter.drawImage(0, 0, inside);
     for (const char* marks : {"Controls.ColorWheel.Wheel.1", "Controls.ColorWheel.Wheel.2"}) {
         const QSize size = ResDIB::SizeOf(marks);
@@ -58,6 +58,27 @@ void CustomColorWheel::MakePicture(double ratio)
                                    0.5 * (model_.diameter - size.height())),
                            ResDIB::PixmapOf(marks, ratio));
     }
+    painter.end();
+    return picture;
+}
+
+void CustomColorWheel::PaintGround(QPainter& painter)
+{
+    painter.drawImage(Square().topLeft(), ring_.Turned(-Hue()));
+}
+
+/// Of the band, as the saturation is lowered.
+void CustomColorWheel::PaintPallor(QPainter& painter) const
+{
+    if (!(Saturation() < 1.0))
+        return;
+    const RgbColor rgb = MutedHue(1.0 / 3.0, 0.0, ringLight);
+    QColor grey = DisplayColors::Global().Shown(rgb[0], rgb[1], rgb[2]);
+    grey.setAlphaF(1.0 - std::max(Saturation(), 0.0));
+    const double radius = model_.diameter * model_.disc / 2.0 + discGap + bandWidth / 2.0;
+    painter.setPen(QPen(grey, bandWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(model_.Centre() + QPointF(0.5, 0.5), radius, radius);
 }
 
 bool CustomColorWheel::IsLit(Part part) const
@@ -72,7 +93,6 @@ void CustomColorWheel::PaintKnobs(QPainter& painter) const
     const QPointF half(0.5, 0.5); // a place is the middle of its pixel
     const QPointF tint = model_.TintPlace(Shown());
     const QPointF ring = model_.RingPlace(Shown());
-    painter.setRenderHint(QPainter::Antialiasing);
     QLineF stem(model_.Centre() + half, tint + half);
     if (stem.length() > 2.0 * stemGap) {
         stem.setLength(stem.length() - stemGap); // the knob is hollow
@@ -95,7 +115,7 @@ void CustomColorWheel::PaintLabels(QPainter& painter) const
     QFont small = font();
     small.setPixelSize(labelSize);
     painter.setFont(small);
-    const QColor color = lookColor("Controls.ColorWheel.TextColour", {208, 208, 208});
+    const QColor color = LookColor("Controls.ColorWheel.TextColour", {208, 208, 208});
     const QRect square = model_.Square().toAlignedRect();
     const QRect text(QPoint(std::max(square.left() - 2, 0), square.top() - 2),
                      QPoint(std::min(square.right() + 2, width() - 1), square.bottom() + 2));
@@ -114,22 +134,11 @@ void CustomColorWheel::PaintLabels(QPainter& painter) const
     label(Qt::AlignBottom | Qt::AlignRight, tr("Strength"), tint && axes_.second);
 }
 
-void CustomColorWheel::paintEvent(QPaintEvent*)
+void CustomColorWheel::PaintParts(QPainter& painter)
 {
-    const double ratio = devicePixelRatioF();
-    if (look_ != LookPack::Global().Generation())
-        FollowLook();
-    if (picture_.isNull() || picture_.devicePixelRatioF() != ratio)
-        MakePicture(ratio);
-    QPainter painter(this);
-    if (!isEnabled())
-        painter.setOpacity(dimmed);
-    painter.drawImage(model_.Square().topLeft(), picture_);
+    PaintPallor(painter);
     PaintLabels(painter);
     PaintKnobs(painter);
-    if (hasFocus())
-        PaintFocusRing(painter, model_.Square().adjusted(-3, -3, 3, 3),
-                       model_.diameter / 2.0 + 3.0);
 }
 
 } // namespace Marlox

@@ -1,8 +1,8 @@
 #include "widgets/CustomCombo.h"
 
-#include "system/resources/Resources.h"
 #include "widgets/ComboPopup.h"
 #include "widgets/CustomComboAccessible.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 #include <utility>
@@ -287,7 +287,7 @@ QColor CustomCombo::TextColor() const
     if (!isEnabled())
         return palette().color(QPalette::Disabled, QPalette::ButtonText);
     if (IsStranger())
-        return LookPack::Global().Color("System.ErrorTextColour", {255, 140, 140}).ToQColor();
+        return LookColor("System.ErrorTextColour", {255, 140, 140});
     return stateText_.isValid() ? stateText_
                                 : palette().color(QPalette::Active, QPalette::ButtonText);
 }
@@ -325,7 +325,7 @@ void CustomCombo::paintEvent(QPaintEvent*)
     if (stateGround_.isValid() && isEnabled())
         painter.fillRect(inner, stateGround_);
     if (stateLine_.isValid()) {
-        painter.setOpacity(isEnabled() ? 1.0 : 0.38);
+        painter.setOpacity(isEnabled() ? 1.0 : dimmed);
         painter.fillRect(inner.left(), inner.bottom() - 1, inner.width(), 2, stateLine_);
         painter.setOpacity(1.0);
     }

@@ -1,5 +1,6 @@
 #include "widgets/CustomComboAccessible.h"
 
+#include "widgets/AccessibleFactory.h"
 #include "widgets/ComboPopup.h"
 #include "widgets/CustomCombo.h"
 
@@ -171,16 +172,11 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     return popup ? new ListAccessible(popup) : nullptr;
 }
 
-struct Factory {
-    Factory() { QAccessible::installFactory(makeAccessible); }
-    ~Factory() { QAccessible::removeFactory(makeAccessible); }
-};
-
 } // namespace
 
 void MakeCombosAccessible()
 {
-    static const Factory factory;
+    static const AccessibleFactory<makeAccessible> factory;
 }
 
 void TellListState(CustomCombo& combo)

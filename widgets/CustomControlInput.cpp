@@ -2,7 +2,7 @@
 
 #include "widgets/CustomControl.h"
 
-#include "system/resources/Resources.h"
+#include "widgets/DrawnLook.h"
 #include "widgets/PartsAccessible.h"
 
 #include <algorithm>
@@ -52,7 +52,7 @@ void CustomControl::mousePressEvent(QMouseEvent* event)
     setFocus(Qt::MouseFocusReason); // what had it may commit a value
     if (alive)
         LoseGesture(); // held keys
-    if (!alive || (event->modifiers() & Qt::AltModifier && ResetAt(event->pos())))
+    if (!alive || IsLocked() || (event->modifiers() & Qt::AltModifier && ResetAt(event->pos())))
         return;
     if (Grab(event->pos()))
         Press(event->pos(), event->modifiers());
@@ -140,7 +140,7 @@ void CustomControl::NudgeActivePart(QPoint way)
 
 bool CustomControl::IsOwnKey(const QKeyEvent& event) const
 {
-    if (PartCount() == 0 || event.modifiers() & (Qt::AltModifier | Qt::MetaModifier))
+    if (PartCount() == 0 || IsLocked() || event.modifiers() & (Qt::AltModifier | Qt::MetaModifier))
         return false;
     const int key = event.key();
     return arrowOf(key) || key == Qt::Key_PageUp || key == Qt::Key_PageDown ||
@@ -179,9 +179,8 @@ void CustomControl::keyReleaseEvent(QKeyEvent* event)
 
 void CustomControl::PaintFocusRing(QPainter& painter, const QRectF& around, double radius) const
 {
-    const double ratio = painter.device()->devicePixelRatioF();
-    const double line = std::max(1.0, std::round(ratio)) / ratio;
-    const QColor color = LookPack::Global().Color("System.AccentColour", {92, 158, 220}).ToQColor();
+    const double line = CrispLine(painter.device()->devicePixelRatioF());
+    const QColor color = AccentColor();
     const double width = around.width() - 2.0 * radius;
     const double height = around.height() - 2.0 * radius;
     painter.save();

@@ -1,6 +1,6 @@
 #include "widgets/CustomSeparator.h"
 
-#include "system/resources/Resources.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,7 +18,7 @@ void CustomSeparator::paintEvent(QPaintEvent*)
     const double top = std::round(all.center().y() - thickness / 2);
     const QRectF line(all.left(), top, all.width(), thickness);
     painter.fillRect(toDevice.inverted().mapRect(line),
-                     LookPack::Global().Color("System.LineColour", {72, 72, 72}).ToQColor());
+                     LookColor("System.LineColour", {72, 72, 72}));
 }
 
 } // namespace Marlox

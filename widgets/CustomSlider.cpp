@@ -1,6 +1,7 @@
 #include "widgets/CustomSlider.h"
 
 #include "widgets/CustomSliderAccessible.h"
+#include "widgets/DrawnLook.h"
 #include "widgets/PixelCopy.h"
 
 #include <cmath>
@@ -13,7 +14,6 @@ namespace Marlox {
 namespace {
 
 constexpr double tickMarksApart = 4.0;
-constexpr double dimmed = 0.38;
 constexpr int usualWidth = 160;
 
 } // namespace
@@ -245,7 +245,7 @@ void CustomSlider::FollowLayout()
 void CustomSlider::SetHelp(const QString& help)
 {
     const QString use = tr("Drag the knob, with Ctrl finely. Arrow keys and wheel step, with Shift "
-                           "coarsely, with Ctrl finely. Alt+click resets.");
+                           "coarsely, with Ctrl finely. Escape gives a drag up. Alt+click resets.");
     setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 

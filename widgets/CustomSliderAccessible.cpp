@@ -1,5 +1,6 @@
 #include "widgets/CustomSliderAccessible.h"
 
+#include "widgets/AccessibleFactory.h"
 #include "widgets/CustomSlider.h"
 
 #include <QAccessibleWidget>
@@ -71,26 +72,12 @@ private:
     CustomSlider& Slider() const { return *static_cast<CustomSlider*>(widget()); }
 };
 
-QAccessibleInterface* makeAccessible(const QString&, QObject* object)
-{
-    auto* slider = qobject_cast<CustomSlider*>(object);
-    return slider ? new CustomSliderAccessible(slider) : nullptr;
-}
-
-struct Factory {
-    Factory()
-    {
-        QAccessible::installFactory(makeAccessible);
-        qRegisterMetaType<float64>("float64"); // of the signal ValueChanged
-    }
-    ~Factory() { QAccessible::removeFactory(makeAccessible); }
-};
-
 } // namespace
 
 void MakeSlidersAccessible()
 {
-    static const Factory factory;
+    static const AccessibleFactory<MakeAccessible<CustomSlider, CustomSliderAccessible>> factory;
+    [[maybe_unused]] static const int ofValueChanged = qRegisterMetaType<float64>("float64");
 }
 
 } // namespace Marlox

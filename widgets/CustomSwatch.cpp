@@ -2,6 +2,7 @@
 
 #include "system/color/DisplayColors.h"
 #include "system/resources/Resources.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,13 +17,7 @@ namespace Marlox {
 namespace {
 
 constexpr QSize usual(40, 20);
-constexpr double dimmed = 0.38;
 constexpr int arrowSize = 8;
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 /// An arrow head in a corner, light on a dark rim so that any colour shows it.
 void paintArrow(QPainter& painter, QPointF tip, double way)
@@ -117,9 +112,9 @@ void CustomSwatch::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const bool marked = hasFocus() || (isEnabled() && underMouse());
-    painter.fillRect(rect(), hasFocus() ? lookColor("System.AccentColour", {92, 158, 220})
-                             : marked   ? lookColor("System.ScrollHoverColour", {116, 116, 116})
-                                        : lookColor("Controls.Other.BorderColour", {9, 9, 9}));
+    painter.fillRect(rect(), hasFocus() ? AccentColor()
+                             : marked   ? LookColor("System.ScrollHoverColour", {116, 116, 116})
+                                        : LookColor("Controls.Other.BorderColour", {9, 9, 9}));
     const QRect inner = rect().adjusted(1, 1, -1, -1);
     PaintPatch(painter, inner);
     if (!isEnabled()) {

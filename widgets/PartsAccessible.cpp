@@ -1,5 +1,6 @@
 #include "widgets/PartsAccessible.h"
 
+#include "widgets/AccessibleFactory.h"
 #include "widgets/CustomControl.h"
 
 #include <array>
@@ -115,16 +116,11 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     return control && control->PartCount() > 0 ? new PartsAccessible(control) : nullptr;
 }
 
-struct Factory {
-    Factory() { QAccessible::installFactory(makeAccessible); }
-    ~Factory() { QAccessible::removeFactory(makeAccessible); }
-};
-
 } // namespace
 
 void MakePartsAccessible()
 {
-    static const Factory factory;
+    static const AccessibleFactory<makeAccessible> factory;
 }
 
 void TellActivePart(CustomControl& control)

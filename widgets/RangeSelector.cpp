@@ -1,6 +1,7 @@
 #include "widgets/RangeSelector.h"
 
-#include "system/resources/Resources.h"
+#include "widgets/AccessibleFactory.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,12 +24,6 @@ constexpr int padding = 8; // beside a name, where there is room
 constexpr int smallestPadding = 3;
 constexpr int smallestWidth = 24; // of a segment
 constexpr double corner = 3.0;
-constexpr double dimmed = 0.38;
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 /// The choice as screen readers and test tools have it. What they choose, the user chose.
 class SelectorAccessible final : public QAccessibleWidget {
@@ -65,22 +60,12 @@ private:
     RangeSelector& Selector() const { return *static_cast<RangeSelector*>(widget()); }
 };
 
-QAccessibleInterface* makeAccessible(const QString&, QObject* object)
-{
-    auto* selector = qobject_cast<RangeSelector*>(object);
-    return selector ? new SelectorAccessible(selector) : nullptr;
-}
-
-struct Factory {
-    Factory() { QAccessible::installFactory(makeAccessible); }
-    ~Factory() { QAccessible::removeFactory(makeAccessible); }
-};
-
 } // namespace
 
 RangeSelector::RangeSelector(QWidget* parent) : QWidget(parent)
 {
-    static const Factory factory; // until the library is unloaded
+    static const AccessibleFactory<MakeAccessible<RangeSelector, SelectorAccessible>>
+        factory; // until the library is unloaded
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -307,13 +292,11 @@ void RangeSelector::paintEvent(QPaintEvent*)
     if (!isEnabled())
         painter.setOpacity(dimmed);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double ratio = devicePixelRatioF();
-    const double line = std::max(1.0, std::round(ratio)) / ratio;
+    const double line = CrispLine(devicePixelRatioF());
     const double half = 0.5 * line;
-    const QColor edge = hasFocus() ? lookColor("System.AccentColour", {92, 158, 220})
-                                   : lookColor("System.BorderColour", {20, 20, 20});
+    const QColor edge = hasFocus() ? AccentColor() : LookColor("System.BorderColour", {20, 20, 20});
     painter.setPen(QPen(edge, line));
-    painter.setBrush(lookColor("System.FieldColour", {29, 29, 29}));
+    painter.setBrush(LookColor("System.FieldColour", {29, 29, 29}));
     painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), corner, corner);
     for (int range = 0; range < count; ++range) {
         if (IsOffered(range))
@@ -329,18 +312,18 @@ void RangeSelector::PaintSegment(QPainter& painter, int range) const
     const QRectF plate = QRectF(segment).adjusted(1.0, 1.0, -1.0, -1.0);
     painter.setPen(Qt::NoPen);
     if (chosen || lit || pressed_ == range) {
-        painter.setBrush(pressed_ == range ? lookColor("System.ButtonPressedColour", {34, 34, 34})
-                         : chosen          ? lookColor("System.ButtonHoverColour", {74, 74, 74})
-                                           : lookColor("System.HeaderColour", {48, 48, 48}));
+        painter.setBrush(pressed_ == range ? LookColor("System.ButtonPressedColour", {34, 34, 34})
+                         : chosen          ? LookColor("System.ButtonHoverColour", {74, 74, 74})
+                                           : LookColor("System.HeaderColour", {48, 48, 48}));
         painter.drawRoundedRect(plate, corner - 1.0, corner - 1.0);
     }
     const int next = NextOffered(range, 1);
     if (!chosen && !lit && next != range && next != range_ && hovered_ != next)
         painter.fillRect(
             QRectF(segment.right() + 0.5, segment.top() + 6.0, 1.0, segment.height() - 12.0),
-            lookColor("System.LineColour", {72, 72, 72}));
-    painter.setPen(chosen || lit ? lookColor("System.BrightTextColour", {228, 228, 228})
-                                 : lookColor("System.TextColour", {190, 190, 190}));
+            LookColor("System.LineColour", {72, 72, 72}));
+    painter.setPen(chosen || lit ? LookColor("System.BrightTextColour", {228, 228, 228})
+                                 : LookColor("System.TextColour", {190, 190, 190}));
     const QRect room = segment.adjusted(smallestPadding, 0, -smallestPadding, 0);
     painter.drawText(room, Qt::AlignCenter | Qt::TextSingleLine,
                      fontMetrics().elidedText(NameOf(range), Qt::ElideRight, room.width()));

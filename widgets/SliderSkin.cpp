@@ -1,6 +1,7 @@
 #include "widgets/SliderSkin.h"
 
 #include "system/resources/Resources.h"
+#include "widgets/DrawnLook.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,14 +16,8 @@ constexpr int sideMargin = 1;
 constexpr int tickLength = 3;
 constexpr int smallestTravel = 32;
 constexpr QMargins usualMargins(3, 3, 3, 3);
-constexpr double dimmed = 0.38;
 constexpr double restingReset = 0.55;
 constexpr int darkGround = 88; // grey level below which marks are light
-
-QColor lookColor(const char* name, MxColor fallback)
-{
-    return LookPack::Global().Color(name, fallback).ToQColor();
-}
 
 QColor toQColor(const GradientColor& color)
 {
@@ -172,9 +167,9 @@ void SliderSkin::FillWithGradients(QPainter& painter, const QRect& inner) const
 void SliderSkin::PaintMarks(QPainter& painter, const QRect& track,
                             const SliderTrackState& state) const
 {
-    const double line = std::max(1.0, std::round(ratio_)) / ratio_;
+    const double line = CrispLine(ratio_);
     const QRect inner = track.adjusted(1, 1, -1, -1);
-    const QColor plainTick = lookColor("System.LineColour", {72, 72, 72});
+    const QColor plainTick = LookColor("System.LineColour", {72, 72, 72});
     for (const int x : state.ticks) {
         const int length =
             x == state.centreTick ? inner.height() : std::min(tickLength, inner.height());
@@ -185,15 +180,8 @@ void SliderSkin::PaintMarks(QPainter& painter, const QRect& track,
     }
     if (state.stateColor.isValid())
         painter.fillRect(QRectF(inner.left(), inner.top(), inner.width(), line), state.stateColor);
-    if (state.focused) {
-        const QColor accent = lookColor("System.AccentColour", {92, 158, 220});
-        painter.fillRect(QRectF(track.left(), track.top(), track.width(), line), accent);
-        painter.fillRect(
-            QRectF(track.left(), track.top() + track.height() - line, track.width(), line), accent);
-        painter.fillRect(QRectF(track.left(), track.top(), line, track.height()), accent);
-        painter.fillRect(
-            QRectF(track.left() + track.width() - line, track.top(), line, track.height()), accent);
-    }
+    if (state.focused)
+        PaintCrispFrame(painter, track, AccentColor());
 }
 
 } // namespace Marlox

@@ -1,6 +1,7 @@
 #include "widgets/WheelPicture.h"
 
 #include "system/color/DisplayColors.h"
+#include "system/color/Luminance.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +28,7 @@ std::vector<PureHue> pureHues()
         RgbColor rgb = ColorAxes::Of(0).ToRgb({double(i) / hueSteps, 1.0, {}, 1.0});
         for (double& component : rgb)
             component = std::pow(component, screenGamma);
-        const double luma = 0.2126 * rgb[0] + 0.7152 * rgb[1] + 0.0722 * rgb[2];
+        const double luma = Luminance::Of(rgb[0], rgb[1], rgb[2]);
         hues.push_back({rgb, 1.0 / (0.5 + 0.5 * luma)});
     }
     return hues;
@@ -35,42 +36,49 @@ std::vector<PureHue> pureHues()
 
 } // namespace
 
-QImage PaintWheel(int diameter, double devicePixelRatio, double inner, double outer,
-                  const WheelLight& light)
+double RingCover(double distance, double inner, double outer)
+{
+    return std::clamp(outer - distance + 0.5, 0.0, 1.0) *
+           (inner > 0.0 ? std::clamp(distance - inner + 0.5, 0.0, 1.0) : 1.0);
+}
+
+QImage PaintDisc(int diameter, double devicePixelRatio, double outer, const WheelLight& light)
 {
     const int size = std::max(1, int(std::lround(diameter * devicePixelRatio)));
     QImage picture(size, size, QImage::Format_ARGB32_Premultiplied);
     picture.setDevicePixelRatio(devicePixelRatio);
+    picture.fill(Qt::transparent);
     const double radius = 0.5 * size;
-    std::vector<float> row(std::size_t(size) * 3);
-    std::vector<float> cover(static_cast<std::size_t>(size));
+    const double reach = outer * radius + 0.5;
+    std::vector<float> row;
+    std::vector<double> covers;
     std::vector<QRgb> codes(static_cast<std::size_t>(size));
     for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
+        const double up = radius - y - 0.5;
+        const double half = std::sqrt(std::max(reach * reach - up * up, 0.0));
+        const int first = std::max(int(std::ceil(radius - half - 0.5)), 0);
+        const int last = std::min(int(std::floor(radius + half - 0.5)), size - 1);
+        row.clear();
+        covers.clear();
+        for (int x = first; x <= last; ++x) {
             const double right = x + 0.5 - radius;
-            const double up = radius - y - 0.5;
-            const double far = std::hypot(right, up);
-            // A pixel that the edge runs through is covered in part.
-            const double covered =
-                std::clamp(outer * radius - far + 0.5, 0.0, 1.0) *
-                (inner > 0.0 ? std::clamp(far - inner * radius + 0.5, 0.0, 1.0) : 1.0);
-            cover[std::size_t(x)] = float(covered);
-            if (covered == 0.0)
-                continue;
+            const double far = std::sqrt(right * right + up * up);
             const double angle = std::atan2(up, right) / (2.0 * M_PI);
-            const RgbColor rgb = light(angle < 0.0 ? angle + 1.0 : angle, far / radius);
-            for (std::size_t i = 0; i < 3; ++i)
-                row[std::size_t(x) * 3 + i] = float(rgb[i]);
+            for (const double component : light(angle < 0.0 ? angle + 1.0 : angle, far / radius))
+                row.push_back(float(component));
+            covers.push_back(RingCover(far, 0.0, outer * radius));
         }
-        DisplayColors::Global().Show(row.data(), size, codes.data());
-        auto* to = reinterpret_cast<QRgb*>(picture.scanLine(y));
-        for (std::size_t x = 0; x < std::size_t(size); ++x) {
-            const QRgb code = codes[x];
-            to[x] = qPremultiply(
-                qRgba(qRed(code), qGreen(code), qBlue(code), int(std::lround(cover[x] * 255.0f))));
-        }
+        DisplayColors::Global().Show(row.data(), int(covers.size()), codes.data());
+        auto* to = reinterpret_cast<QRgb*>(picture.scanLine(y)) + first;
+        for (std::size_t i = 0; i < covers.size(); ++i)
+            to[i] = Covering(codes[i], int(std::lround(covers[i] * 255.0)));
     }
     return picture;
+}
+
+QRgb Covering(QRgb code, int cover)
+{
+    return qPremultiply((code & 0xffffffu) | QRgb(cover) << 24);
 }
 
 RgbColor MutedHue(double turn, double strength, double most)

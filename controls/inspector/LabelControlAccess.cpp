@@ -1,6 +1,7 @@
 #include "controls/inspector/LabelControlAccess.h"
 
 #include "controls/inspector/LabelControl.h"
+#include "widgets/AccessibleFactory.h"
 
 #include <QAccessibleWidget>
 
@@ -56,16 +57,11 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     }
 }
 
-struct Factory {
-    Factory() { QAccessible::installFactory(makeAccessible); }
-    ~Factory() { QAccessible::removeFactory(makeAccessible); }
-};
-
 } // namespace
 
 void MakeLabelsAccessible()
 {
-    static const Factory factory;
+    static const AccessibleFactory<makeAccessible> factory;
 }
 
 } // namespace Marlox

@@ -307,6 +307,7 @@ void ColorRangesTest::FollowsItsInput()
     stage.InputOf().SetValue(other, TimeNone);
     QVERIFY(stage.ranges.Curves().IsEqual(other));
     stage.InputOf().AddKey(0.0);
+    stage.ranges.clearFocus(); // which the frame tells before anything else
     QVERIFY(PixelsOf(stage.ranges, LookColor("System.KeyColour")) > 100);
     stage.document->SetCurrentTime(10.0);
     stage.Drag(3, {-40, 0});
@@ -317,7 +318,11 @@ void ColorRangesTest::FollowsItsInput()
     QVERIFY(!stage.ranges.isEnabled());
     stage.tool->SetLocked(false);
 
+    QVERIFY(stage.ControlOf().AddExpression(&stage.InputOf())); // says what they are
+    const Ref<Parameter> said = stage.Value();
+    QVERIFY(stage.InputOf().ExpressionError().isEmpty() && stage.ranges.Curves().IsEqual(*said));
     stage.InputOf().SetExpression("time");
+    stage.ranges.clearFocus();
     QVERIFY(PixelsOf(stage.ranges, LookColor("Controls.ExpressionColour")) > 100);
     const Ref<Parameter> ruled = stage.Value();
     const int before = stage.UndoEntries();
@@ -343,6 +348,10 @@ void ColorRangesTest::SurvivesTheEndOfThePage()
     Pointer::Move(other.ranges, from + QPoint(5, 5));
     other.document->RemoveTool(*other.tool);
     QVERIFY(other.IsIdle());
+    RangesStage parted;
+    Pointer::Press(parted.ranges, parted.ranges.NodePixel(1));
+    parted.ControlOf().RemoveInput(&parted.InputOf(), nullptr);
+    QVERIFY(parted.IsIdle());
 }
 
 QTEST_MAIN(ColorRangesTest)

@@ -1,6 +1,6 @@
 -- The two curves that part the tones into ranges. They bring the names of the ranges along.
 {"Controls.ColorRanges.Layout",
-    {"VGroup",
+    {"VGroup", Spacing = 4,
         {"HGroup", MinHeight = 24,
             {"Item", Name = "label"},
         },

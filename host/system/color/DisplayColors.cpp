@@ -94,7 +94,7 @@ void DisplayColors::Show(const float* rgb, int count, QRgb* to) const
         if (std::isnan(component))
             component = 0.0f;
     }
-    if (display_)
+    if (display_ && count > 0) // some will not be asked for nothing
         display_->Apply(shown.data(), count);
     for (std::size_t i = 0; i < shown.size(); i += 3, ++to)
         *to = qRgb(codeOf(shown[i]), codeOf(shown[i + 1]), codeOf(shown[i + 2]));
