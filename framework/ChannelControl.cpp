@@ -1,6 +1,7 @@
 #include "framework/ChannelControl.h"
 
 #include "framework/NamedPlaces.h"
+#include "system/document/MarloxDoc.h"
 #include "system/widgets/TimeCodeEdit.h"
 
 #include <algorithm>
@@ -75,7 +76,9 @@ bool ChannelControl::SetAttrsTagList(Input* input, const TagList& tags)
     all.Merge(tags);
     if (Inputs().empty() || input == Inputs().front())
         ReadTags(all);
-    if (const int slot = SlotOf(*input); HasSlot(slot)) {
+    const bool isAttached = SlotHolding(input) >= 0;
+    const int slot = isAttached ? SlotHolding(input) : SlotOf(*input);
+    if (HasSlot(slot) && (isAttached || !InputOf(slot))) {
         SliderSettings settings(all);
         const SliderSettings::Range limits = LimitsOf(slot);
         settings.allowed.low = std::clamp(settings.allowed.low, limits.low, limits.high);
@@ -97,11 +100,22 @@ bool ChannelControl::AddInput(Input* input, TagList* tags)
     const int slot = SlotOf(*input);
     if (!HasSlot(slot) || InputOf(slot))
         return true; // neither shown nor written; of two in one place the first has it
-    slots_[std::size_t(slot)].input = input;
-    slots_[std::size_t(slot)].value = input->GetNumber(CurrentTime());
+    TakeUp(slot);
     if (IsOpen())
         Rebuild();
     return true;
+}
+
+/// Gives a free slot the first of the inputs that it is for, if there is one.
+void ChannelControl::TakeUp(int slot)
+{
+    const auto found = std::find_if(Inputs().begin(), Inputs().end(), [&](const Input* input) {
+        return SlotOf(*input) == slot && SlotHolding(input) < 0;
+    });
+    if (found == Inputs().end())
+        return;
+    slots_[std::size_t(slot)].input = *found;
+    slots_[std::size_t(slot)].value = (*found)->GetNumber(CurrentTime());
 }
 
 bool ChannelControl::RemoveInput(Input* input, TagList* tags)
@@ -112,6 +126,11 @@ bool ChannelControl::RemoveInput(Input* input, TagList* tags)
         slots_[std::size_t(slot)].input = nullptr;
     }
     const bool ours = InputControl::RemoveInput(input, tags);
+    if (slot >= 0) {
+        TakeUp(slot);
+        if (Input* next = InputOf(slot))
+            SetAttrsTagList(next, next->Attributes());
+    }
     if (slot >= 0 && IsOpen())
         Rebuild();
     return ours;
@@ -158,6 +177,19 @@ void ChannelControl::GetInputsAt(InputList& out, int x, int y, TagList*)
 }
 
 // Life cycle -------------------------------------------------------------------------------------
+
+ChannelControl::Writing::Writing(ChannelControl& control)
+    : control_(Ref<ChannelControl>::Share(&control))
+{
+    ++control_->writing_;
+    if (const MarloxDoc* document = control.GetDoc())
+        together_.emplace(document->Undo());
+}
+
+ChannelControl::Writing::~Writing()
+{
+    --control_->writing_;
+}
 
 bool ChannelControl::Open(ControlWnd* window, MxRect& rect, TagList* tags)
 {
@@ -260,6 +292,11 @@ void ChannelControl::NotifyChanged(Input* input, Parameter* value, TagList* tags
 void ChannelControl::UpdateDisplay(Input* input, TagList* tags)
 {
     if (!IsOpen() || IsWriting())
+        return;
+    // In the middle of a change the values may make something that never was.
+    const auto showAll = [this] { UpdateDisplay(nullptr, nullptr); };
+    if (const MarloxDoc* document = GetDoc();
+        document && BulkChange::Postpone(document->Undo(), *this, showAll))
         return;
     if (Fault().isEmpty()) {
         const int slot = SlotHolding(input);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "system/controls/InputControl.h"
+#include "system/document/BulkChange.h"
 #include "widgets/SliderSettings.h"
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -104,19 +106,18 @@ protected:
     bool Write(int slot, double value);
     /// Writes the defaults of those that can be set, as one undo entry.
     void WriteDefaults(std::span<const int> which, const QString& undoText);
-    /// While one lives, UpdateDisplay does nothing: several values are being written.
+    /// While one lives, UpdateDisplay does nothing: several values are being written. Other
+    /// controls of the inputs see them all at once.
     class Writing {
     public:
-        explicit Writing(ChannelControl& control) : control_(Ref<ChannelControl>::Share(&control))
-        {
-            ++control_->writing_;
-        }
-        ~Writing() { --control_->writing_; }
+        explicit Writing(ChannelControl& control);
+        ~Writing();
         Writing(const Writing&) = delete;
         Writing& operator=(const Writing&) = delete;
 
     private:
         Ref<ChannelControl> control_; // a write may close the page
+        std::optional<BulkChange> together_;
     };
     bool IsWriting() const { return writing_ > 0; }
 
@@ -142,6 +143,7 @@ private:
     void ShowEdit(Edit& edit);
     void RestoreFocus(const QString& name);
     bool TakeExpression(const Edit& edit);
+    void TakeUp(int slot);
     void TakeNumbers();
 
     TagList creation_; // what the control was made from; its inputs' attributes win over it

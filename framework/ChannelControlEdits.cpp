@@ -1,9 +1,8 @@
-// How the edits of a control of several numbers show them and take what is typed, and how values are
-// written.
+// How the edits of a control of several numbers show them and take what is typed, and how values
+// are written.
 
 #include "framework/ChannelControl.h"
 
-#include "system/resources/Resources.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/TimeCodeEdit.h"
 
@@ -108,12 +107,16 @@ void ChannelControl::TakeNumbers()
     const bool gesture = UndoDepth() > 0;
     const Writing writing(*this);
     for (const Edit& edit : std::vector<Edit>(edits_)) {
-        if (!IsEditable(edit.slot) || edit.edit->IsUnreadable() ||
-            edit.edit->GetValue() == edit.shown)
+        if (edit.edit->IsUnreadable() || edit.edit->GetValue() == edit.shown)
             continue;
         const SliderSettings& settings = SettingsOf(edit.slot);
         const double typed = std::clamp(edit.edit->GetValue() / ShownScale(edit.slot),
                                         settings.allowed.low, settings.allowed.high);
+        const Input* input = InputOf(edit.slot);
+        if (input && input->HasExpression())
+            Write(edit.slot, typed); // is refused, and told why
+        if (!IsEditable(edit.slot))
+            continue;
         if (!HasValueChanged(settings.IsWhole(), typed, ValueOf(edit.slot), settings.Tolerance()))
             continue;
         StartTypedUndo(edit.slot);

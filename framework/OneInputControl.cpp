@@ -51,8 +51,8 @@ bool OneInputControl::AddInput(Input* input, TagList* tags)
 bool OneInputControl::RemoveInput(Input* input, TagList* tags)
 {
     if (input && input == ShownInput()) {
-        // Asked for as what Qt finds: findChildren takes a QObject's address for that of the type it
-        // is asked for, and these widgets have the host's object first.
+        // Asked for as what Qt finds: findChildren takes a QObject's address for that of the type
+        // it is asked for, and these widgets have the host's object first.
         for (QWidget* child : findChildren<QWidget*>()) {
             if (auto* part = qobject_cast<CustomControl*>(child))
                 part->EndGesture();

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <QKeyEvent>
+#include <QPointer>
 
 namespace Marlox {
 
@@ -164,8 +165,10 @@ void CustomColorField::SetMovable(bool color, bool alpha)
 {
     colorMoves_ = color;
     alphaMoves_ = alpha;
-    if (!IsMovable(hovered_))
-        hovered_ = Zone::None;
+    if (IsMovable(hovered_))
+        return;
+    hovered_ = Zone::None;
+    update();
 }
 
 bool CustomColorField::IsMovable(Zone zone) const
@@ -175,35 +178,36 @@ bool CustomColorField::IsMovable(Zone zone) const
 
 bool CustomColorField::Grab(QPoint at)
 {
-    drag_ = {model_.HitTest(at), values_};
+    held_ = {model_.HitTest(at), values_};
     active_ = {};
-    if (!IsMovable(drag_.zone))
+    if (!IsMovable(held_.zone))
         return false;
-    SetActivePart(int(drag_.zone));
+    SetActivePart(int(held_.zone));
     return true;
 }
 
 bool CustomColorField::DragTo(const PointerDrag::Step& step)
 {
-    if (model_.ZoneRect(drag_.zone).isEmpty())
+    if (model_.ZoneRect(held_.zone).isEmpty())
         return false;
-    const ColorFieldModel::Dragged dragged = model_.DragTo(drag_, step);
+    const ColorFieldModel::Dragged dragged = model_.DragTo(held_, step);
     if (std::exchange(active_, dragged.active) != dragged.active)
         update();
-    Change(drag_.zone, dragged.values);
+    Change(held_.zone, dragged.values);
     return true; // nothing of the widget: it may be gone
 }
 
 void CustomColorField::Drop()
 {
-    drag_ = {};
+    held_ = {};
     active_ = {};
     update();
 }
 
 void CustomColorField::Nudge(int part, QPoint way, int level)
 {
-    Change(Zone(part), model_.Nudged(Zone(part), values_, way, level));
+    if (IsMovable(Zone(part)))
+        Change(Zone(part), model_.Nudged(Zone(part), values_, way, level));
 }
 
 /// By the user. Whoever listens may delete the widget.
@@ -235,8 +239,11 @@ void CustomColorField::mousePressEvent(QMouseEvent* event)
 void CustomColorField::keyPressEvent(QKeyEvent* event)
 {
     const bool own = IsOwnKey(*event);
+    const QPointer<CustomColorField> alive(this);
     if (own && event->key() == Qt::Key_Escape)
-        Show(drag_.start, true); // before the owner shows it, which asks what was shown
+        Change(held_.zone, held_.start); // the owner keeps the hue of what has none
+    if (!alive)
+        return;
     if (own && !IsDragged() && !std::exchange(byKeys_, true))
         update();
     CustomControl::keyPressEvent(event);

@@ -120,7 +120,7 @@ private:
     int colorSpace_ = 0;
     bool colorMoves_ = true;
     bool alphaMoves_ = true;
-    ColorFieldModel::Drag drag_;
+    ColorFieldModel::Drag held_;
     ColorFieldModel::Active active_;
     Zone hovered_ = Zone::None;
     bool byKeys_ = false; // what has the focus got it from the keyboard, or was moved by it

@@ -214,7 +214,7 @@ void CustomColorField::PaintFrames(QPainter& painter) const
         const QRect zone = model_.ZoneRect(Zone(part));
         if (zone.isEmpty())
             continue;
-        QColor color = Zone(part) == hovered_ || Zone(part) == drag_.zone ? lit : plain;
+        QColor color = Zone(part) == hovered_ || Zone(part) == held_.zone ? lit : plain;
         if (byKeys_ && hasFocus() && part == ActivePart())
             color = AccentColor();
         PaintCrispFrame(painter, QRectF(zone).adjusted(-line, -line, line, line), color);

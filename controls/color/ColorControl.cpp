@@ -120,7 +120,8 @@ bool ColorControl::SetAttrsTagList(Input* input, const TagList& tags)
 
 int ColorControl::SlotOf(const Input& input) const
 {
-    return int(input.GetAttr(IA_Channel, input.GetAttr(IA_ControlIndex, 0)));
+    const int64 channel = input.GetAttr(IA_Channel, input.GetAttr(IA_ControlIndex, 0));
+    return channel >= 0 && channel < ColorChannels::count ? int(channel) : -1;
 }
 
 QString ColorControl::SpaceName(int space)

@@ -108,6 +108,7 @@ private:
     };
     static QString SpaceName(int colorSpace);
     void MakeParts();
+    void ConvertRecord();
     void ConnectPick();
     void MakeField();
     FieldEdit MakeFieldEdit(const char* label, const char* edit);
@@ -139,6 +140,8 @@ private:
     Parts parts_;
     bool expanded_ = false;
     ColorRecord record_;
+    int recordSpace_ = 0;     // that it is of
+    ColorRecord hueRecord_;   // as it was last on axes with a hue
     RgbColor sampledColor_{}; // that the note on the last pick is of
     ProxyGesture pickProxy_;
     ColorChannelRow* dragged_ = nullptr; // whose edit is being dragged

@@ -3,6 +3,7 @@
 #include "controls/color/ColorControl.h"
 #include "system/widgets/TimeCodeEdit.h"
 #include "widgets/CustomColorField.h"
+#include "widgets/PointerDrag.h"
 
 #include <cmath>
 
@@ -11,6 +12,7 @@ namespace Marlox {
 namespace {
 
 constexpr int axisPrecision = 9; // decimals of the field's numbers
+constexpr double axisSteps = 1e9;
 
 } // namespace
 
@@ -36,7 +38,7 @@ void ColorControl::ShowRecord()
         return;
     // The record holds what the numbers can tell.
     const auto show = [](TimeCodeEdit& edit, const ColorAxes::Axis& axis, double value) {
-        edit.SetValue(value - axis.zero, axisPrecision);
+        edit.SetValue(OnSteps(value - axis.zero, axisSteps), axisPrecision);
         return edit.GetValue() + axis.zero;
     };
     record_.hue = show(*hue_.edit, axes.HueAxis(), record_.hue);

@@ -12,6 +12,8 @@
 #include "widgets/CustomColorField.h"
 #include "widgets/CustomSwatch.h"
 
+#include <utility>
+
 namespace Marlox {
 
 namespace {
@@ -52,9 +54,20 @@ void ColorControl::MakeParts()
         remove(pick_);
         remove(sample_);
     }
-    record_ = ColorAxes::Of(parts_.colorSpace).FromRgb(Color(), record_);
+    ConvertRecord();
     if (expanded_ && parts_.field)
         MakeField();
+}
+
+/// A grey keeps its hue while it is looked at on axes without one.
+void ColorControl::ConvertRecord()
+{
+    const int before = std::exchange(recordSpace_, parts_.colorSpace);
+    if (before != yuvSpace)
+        hueRecord_ = record_;
+    else if (recordSpace_ != yuvSpace)
+        record_ = hueRecord_;
+    record_ = ColorAxes::Of(recordSpace_).FromRgb(Color(), record_);
 }
 
 ColorControl::FieldEdit ColorControl::MakeFieldEdit(const char* label, const char* edit)

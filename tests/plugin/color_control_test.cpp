@@ -189,6 +189,33 @@ void ColorControlTest::KeepsHueAndSaturation()
     QVERIFY(shows(1.0, 1.0, 1.0));
     stage.Set(0.5, 0.0, 0.0);
     QVERIFY(shows(1.0, 1.0, 0.5));
+    // Nothing shows the colours between those that several components change from and to.
+    stage.Set(0.0, 0.5, 0.25);
+    type(stage.Edit("editsaturation"), "0");
+    type(stage.Edit("edithue"), "0.125"); // of a grey: nothing to write
+    Pointer::Press(stage.Field(), inSquare(stage.Field(), 0.3, 0.6));
+    Pointer::Release(stage.Field(), inSquare(stage.Field(), 0.3, 0.6));
+    stage.document->Undo().Undo();
+    QVERIFY(shows(0.125, 0.0, 0.5));
+    for (const char* id : {"Red", "Green", "Blue"})
+        stage.InputOf(id).AddKey(0.0);
+    stage.document->SetCurrentTime(10.0);
+    type(stage.Edit("editsaturation"), "1");
+    type(stage.Edit("edithue"), "0.5");
+    stage.document->SetCurrentTime(0.0);
+    QVERIFY(shows(0.5, 0.0, 0.5));
+    // What is given up comes back, also where nothing was written.
+    Pointer::Press(stage.Field(), onHue(stage.Field(), 0.75));
+    QVERIFY(!shows(0.5, 0.0, 0.5));
+    Pointer::Stroke(stage.Field(), Qt::Key_Escape);
+    QVERIFY(shows(0.5, 0.0, 0.5) && stage.Control().Record().hue == 0.5);
+    Pointer::Release(stage.Field(), {});
+    stage.InputOf().SetAttrsTagList({{CLRC_ColorSpace, 2}}); // whose axes are no hue
+    stage.InputOf().SetAttrsTagList({{CLRC_ColorSpace, 0}});
+    QVERIFY(shows(0.5, 0.0, 0.5));
+    for (const char* id : {"Red", "Green", "Blue"})
+        stage.InputOf(id).RemoveKey(0.0);
+    stage.document->SetCurrentTime(0.0);
     // Bright light stays as bright as it is.
     stage.Set(8.0, 4.0, 4.0);
     Pointer::Press(stage.Field(), onHue(stage.Field(), 0.5));
@@ -239,6 +266,8 @@ void ColorControlTest::LeavesAloneWhatIsFixed()
     stage.InputOf("Green").SetExpression("0.5");
     stage.document->Undo().Clear();
     QVERIFY(!stage.PartOf<CustomSwatch>("swatch")->isEnabled());
+    Pointer::Stroke(field, Qt::Key_Up);
+    QVERIFY(stage.IsIdle() && stage.UndoEntries() == 0);
     Pointer::Press(field, onHue(field, 0.5));
     QVERIFY(!field.IsDragged() && stage.IsIdle());
     Pointer::Release(field, onHue(field, 0.5));

@@ -2,6 +2,7 @@
 
 #include "system/controls/ControlWnd_p.h"
 #include "system/controls/InputControl_p.h"
+#include "system/document/BulkChange.h"
 #include "system/resources/Resources.h"
 #include "system/widgets/WidgetLook_p.h"
 
@@ -193,6 +194,9 @@ QColor ControlWnd::Private::ColorOf(State state) const
 
 void ControlWnd::Private::RefreshMoving()
 {
+    if (!tool || !tool->GetDoc())
+        return;
+    const BulkChange bulk(tool->GetDoc()->Undo()); // of a control's values, none before the others
     for (const Ref<InputControl>& control : std::vector(page.controls_)) {
         for (Input* input : InputList(control->Inputs())) {
             if (input->Moves() && control->IsOpen())

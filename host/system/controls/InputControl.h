@@ -167,8 +167,9 @@ public:
     bool GetDisabledTags(const TagList& tags, bool ofInput);
     bool IsAllPassive(TagList* tags) const;
     /// The user chose how the control shows its inputs: sets that attribute of its main input,
-    /// where controls made for the input later find it. Documents do not keep it, and it works
-    /// while the tool is locked. Without inputs the control has it alone.
+    /// where controls made for the input later find it, as do those that show it on other pages.
+    /// Documents do not keep it, and it works while the tool is locked. Without inputs the control
+    /// has it alone.
     void ChooseView(u32 tag, TagValue value);
     MxColor GetBackgroundColor() const;
 

@@ -66,6 +66,7 @@ u64 UndoHistory::BeginGroup(const QString& text)
 void UndoHistory::EndGroup(u64 group, bool keep)
 {
     if (!keep && IsOpen(group)) {
+        const BulkChange bulk(*this);
         while (open_.back().number != group)
             EndInnermost(true);
         EndInnermost(false);
