@@ -53,7 +53,7 @@ unsigned int ChannelControl::IndexOf(int slot) const
 bool ChannelControl::IsEditable(int slot) const
 {
     const Input* input = InputOf(slot);
-    return input && !ControlDisabled() && !SettingsOf(slot).editDisabled && input->IsChangeable() &&
+    return input && IsUsable() && !SettingsOf(slot).editDisabled && input->IsChangeable() &&
            !input->HasExpression() && input->GetState().source.empty();
 }
 
@@ -79,7 +79,7 @@ bool ChannelControl::SetAttrsTagList(Input* input, const TagList& tags)
     const bool isAttached = SlotHolding(input) >= 0;
     const int slot = isAttached ? SlotHolding(input) : SlotOf(*input);
     if (HasSlot(slot) && (isAttached || !InputOf(slot))) {
-        SliderSettings settings(all);
+        SliderSettings settings = SliderSettings::Shared(all);
         const SliderSettings::Range limits = LimitsOf(slot);
         settings.allowed.low = std::clamp(settings.allowed.low, limits.low, limits.high);
         settings.allowed.high = std::clamp(settings.allowed.high, limits.low, limits.high);
@@ -210,8 +210,13 @@ void ChannelControl::EnableEditing(bool usable)
     const bool onlyViewed = !usable && !ControlDisabled();
     if (std::exchange(onlyViewed_, onlyViewed) == onlyViewed)
         return;
-    for (QWidget* child : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
-        child->setEnabled(!onlyViewed || IsViewPart(child));
+    QWidget* focus = QApplication::focusWidget();
+    if (onlyViewed && focus && isAncestorOf(focus) && !IsViewPart(focus))
+        focus->clearFocus(); // else it would go from part to part
+    for (QWidget* child : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!child->isWindow()) // such as a menu
+            child->setEnabled(!onlyViewed || IsViewPart(child));
+    }
     for (const Edit& edit : edits_)
         ApplySettings(edit);
     UpdateDisplay(nullptr, nullptr); // some have states of their own
@@ -220,7 +225,7 @@ void ChannelControl::EnableEditing(bool usable)
 void ChannelControl::childEvent(QChildEvent* event)
 {
     auto* child = event->polished() ? qobject_cast<QWidget*>(event->child()) : nullptr;
-    if (child && onlyViewed_ && !IsViewPart(child))
+    if (child && onlyViewed_ && !child->isWindow() && !IsViewPart(child))
         child->setEnabled(false);
     InputControl::childEvent(event);
 }

@@ -29,8 +29,8 @@ public:
     Input* InputOf(int slot) const; // null: none is attached
     double ValueOf(int slot) const; // as last told; 0 without an input
     const SliderSettings& SettingsOf(int slot) const { return slots_[std::size_t(slot)].settings; }
-    /// Whether the user can set it: attached, changeable, not excepted from editing
-    /// (IC_EditDisabled), and neither connected nor following an expression.
+    /// Whether the user can set it: attached, of a usable control, changeable, not excepted from
+    /// editing (IC_EditDisabled), and neither connected nor following an expression.
     bool IsEditable(int slot) const;
 
     bool SetAttrsTagList(const TagList& tags) override;
@@ -98,6 +98,9 @@ protected:
     /// Has `edit` edit a slot (negative: none), from the slot's settings.
     void AttachEdit(TimeCodeEdit& edit, int slot);
     void DetachEdit(TimeCodeEdit& edit);
+    /// The edits are to show something else: takes what is typed in any, as Enter does, and ends
+    /// their drags. Whoever listens may close the page.
+    void CommitEdits();
     /// Shows the values in the attached edits, in the expression colour where one rules.
     void ShowEdits();
     void ShowEditsOf(int slot);
@@ -150,7 +153,7 @@ private:
     std::vector<Slot> slots_;
     std::vector<Edit> edits_;
     int writing_ = 0;
-    bool onlyViewed_ = false; // the tool is locked: all but the view parts is disabled
+    bool onlyViewed_ = false; // the tool is locked: all but view parts and windows is disabled
 };
 
 } // namespace Marlox

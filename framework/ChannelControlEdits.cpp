@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QPointer>
+
 namespace Marlox {
 
 // Edits ------------------------------------------------------------------------------------------
@@ -32,6 +34,18 @@ void ChannelControl::DetachEdit(TimeCodeEdit& edit)
 {
     edit.disconnect(this);
     std::erase_if(edits_, [&edit](const Edit& known) { return known.edit == &edit; });
+}
+
+void ChannelControl::CommitEdits()
+{
+    const auto found = findChildren<TimeCodeEdit*>();
+    for (const QPointer<TimeCodeEdit>& edit :
+         std::vector<QPointer<TimeCodeEdit>>(found.begin(), found.end())) {
+        if (edit)
+            edit->CancelDrag();
+        if (edit && !edit->Commit() && edit) // what can't be read is about what was shown
+            edit->Restore();
+    }
 }
 
 void ChannelControl::ApplySettings(const Edit& edit)

@@ -33,6 +33,14 @@ SliderSettings::SliderSettings(const TagList& tags)
     DeriveSteps(tags);
 }
 
+SliderSettings SliderSettings::Shared(const TagList& tags)
+{
+    TagList common(tags);
+    for (const u32 own : {IC_TickFreq, SLCS_LowName, SLCS_MidName, SLCS_HighName})
+        common.Remove(own);
+    return SliderSettings(common);
+}
+
 void SliderSettings::ReadRange(const TagList& tags)
 {
     allowed = {tags.GetDouble(IAD_Minimum, -unbounded), tags.GetDouble(IAD_Maximum, unbounded)};

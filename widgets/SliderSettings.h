@@ -24,6 +24,9 @@ struct SliderSettings {
 
     SliderSettings() = default;
     explicit SliderSettings(const TagList& tags);
+    /// The same for a control whose own tags have the numbers of the slider control's own, which
+    /// say nothing about its numbers.
+    static SliderSettings Shared(const TagList& tags);
 
     /// The slider's ends: IAD_LowScale and IAD_HighScale, unless given IAD_Minimum and IAD_Maximum,
     /// else 0 and 1; within what can be typed, and in order.

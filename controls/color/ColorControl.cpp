@@ -96,21 +96,27 @@ bool ColorControl::CopyAttr(u64 tag, void* out)
 void ColorControl::ReadTags(const TagList& tags)
 {
     const int64 space = tags.GetLong(CLRC_ColorSpace);
-    parts_ = {space >= 0 && space < 3 ? int(space) : 0, !tags.GetBool(CLRC_NoPick),
-              !tags.GetBool(CLRC_NoSwatch), !tags.GetBool(CLRC_NoWheel),
-              !tags.GetBool(CLRC_NoSliders)};
-    expanded_ = tags.GetBool(CLRC_ShowWheel);
+    const Parts parts{space >= 0 && space < 3 ? int(space) : 0, !tags.GetBool(CLRC_NoPick),
+                      !tags.GetBool(CLRC_NoSwatch), !tags.GetBool(CLRC_NoWheel),
+                      !tags.GetBool(CLRC_NoSliders)};
+    const bool expanded = tags.GetBool(CLRC_ShowWheel);
+    if (parts == parts_ && expanded == expanded_)
+        return;
+    const bool shown = IsOpen();
+    if (shown)
+        CommitEdits(); // as they were meant
+    parts_ = parts;
+    expanded_ = expanded;
+    if (shown) {
+        MakeParts();
+        Rebuild();
+    }
 }
 
 bool ColorControl::SetAttrsTagList(Input* input, const TagList& tags)
 {
-    const auto before = std::pair(parts_, expanded_);
     if (!ChannelControl::SetAttrsTagList(input, tags))
         return false;
-    if (before != std::pair(parts_, expanded_)) {
-        MakeParts();
-        Rebuild();
-    }
     for (ColorChannelRow* row : rows_) {
         if (InputOf(row->Channel()) == input)
             row->Apply(SettingsOf(row->Channel()), *input);

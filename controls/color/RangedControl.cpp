@@ -194,11 +194,7 @@ void RangedControl::ShowLines()
 void RangedControl::OnRangeChanged(int range)
 {
     const auto alive = Ref<RangedControl>::Share(this); // what is typed may close the page
-    for (TimeCodeEdit* edit : edits_) {
-        edit->CancelDrag();
-        if (!edit->Commit()) // what can't be read is the other range's
-            edit->Restore();
-    }
+    CommitEdits();
     EndGesture();
     ChooseView(shownRangeTag, range);
     if (!IsOpen())

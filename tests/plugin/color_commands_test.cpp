@@ -6,6 +6,8 @@
 #include "system/widgets/ElideLabel.h"
 #include "widgets/CustomSwatch.h"
 
+#include <QMenu>
+
 #include <QtTest>
 
 using namespace Marlox;
@@ -123,9 +125,11 @@ void ColorCommandsTest::ShowsWhatTagsSay()
     stage.PartOf<CustomButton>("buttonexpand")->click();
     QCoreApplication::processEvents();
     QVERIFY(control.IsExpanded() && stage.Field().isVisible() && control.height() > folded + 100);
-    type(stage.Edit("editcolor0"), "0.75"); // the rows were built anew
+    stage.Edit("editcolor0").setFocus(); // the rows were built anew
+    stage.Edit("editcolor0").setText("0.75");
+    stage.InputOf().SetAttrsTagList({{CLRC_ColorSpace, 2}}); // takes what is typed
     QCOMPARE(stage.ValueOf("Red"), 0.75);
-    stage.InputOf().SetAttrsTagList({{CLRC_ColorSpace, 2}});
+    QCOMPARE(control.SettingsOf(0).tickFreq, 0);
     QCOMPARE(stage.PartOf<ElideLabel>("huelabel")->Text(), QString("Y"));
     QVERIFY(std::abs(stage.Edit("edithue").GetValue() -
                      (0.2126 * 0.75 + 0.7152 * 0.25 + 0.0722 * 0.125)) < 1e-6);
@@ -150,6 +154,16 @@ void ColorCommandsTest::LooksWhileLocked()
     for (const char* part : {"field", "edithue", "swatch", "slidercolor0", "editcolor0"})
         QVERIFY2(stage.PartOf<QWidget>(part)->isEnabled(), part);
     QVERIFY(!stage.PartOf<QWidget>("reset")->isEnabled()); // all are at their defaults
+    stage.Edit("editcolor0").setFocus();
+    stage.tool->SetLocked(true);
+    stage.InputOf().SetAttrsTagList({{IA_Passive, 1}}); // is no result, but the others are
+    QVERIFY(!stage.PartOf<QWidget>("swatch")->isEnabled() && !stage.Control().focusWidget());
+    QContextMenuEvent asks(QContextMenuEvent::Mouse, {5, 5}, stage.Control().mapToGlobal({5, 5}));
+    QApplication::sendEvent(&stage.Control(), &asks);
+    const auto* menu = stage.Control().findChild<QMenu*>();
+    QVERIFY(menu && menu->isEnabled());
+    stage.tool->SetLocked(false);
+    stage.InputOf().SetAttrsTagList({{IA_Passive, 0}});
     // A control made anew shows what the user chose, until the tag is set again.
     stage.page->SetOperator(nullptr);
     stage.page->SetOperator(stage.tool);

@@ -167,9 +167,9 @@ public:
     bool GetDisabledTags(const TagList& tags, bool ofInput);
     bool IsAllPassive(TagList* tags) const;
     /// The user chose how the control shows its inputs: sets that attribute of its main input,
-    /// where controls made for the input later find it, as do those that show it on other pages.
-    /// Documents do not keep it, and it works while the tool is locked. Without inputs the control
-    /// has it alone.
+    /// where controls made for the input later find it. Those that show it on other pages are told,
+    /// and follow unless they keep what is on show, as one range of several. Documents do not keep
+    /// it, and it works while the tool is locked. Without inputs the control has it alone.
     void ChooseView(u32 tag, TagValue value);
     MxColor GetBackgroundColor() const;
 
@@ -200,7 +200,7 @@ public:
     ControlWnd* Window() const { return window_; }
     bool TabStop() const { return tabStop_; }
     bool ControlDisabled() const { return disabled_; }
-    /// Neither disabled nor of a locked tool.
+    /// Neither disabled nor of a locked tool, except with passive inputs alone.
     bool IsUsable() const { return usable_; }
     bool IsRowHidden() const; // IC_Hidden: takes no room (folded rows: ControlWnd::IsFolded)
     int UndoDepth() const { return undo_.IsOpen() ? 1 : 0; }
