@@ -58,23 +58,30 @@ std::optional<double> ReadComponent(lua_State* state, int table, int position, c
     return value;
 }
 
-/// A table as the kind of value that `input` holds, or else as a point.
+/// A table as the kind of value that `input` holds; as a point for those that no table is.
 Ref<Parameter> ReadTable(lua_State* state, int at, const Input& input, QString& error)
 {
     const MxID kind = input.GetDataType();
-    const bool simple = kind == MxID(CLSID_DataType_Number) || kind == MxID(CLSID_DataType_Text) ||
-                        kind == MxID(CLSID_DataType_Point);
+    if (kind == MxID(CLSID_DataType_Number) || kind == MxID(CLSID_DataType_Text) ||
+        kind == MxID(CLSID_DataType_Point)) {
+        const auto x = ReadComponent(state, at, 1, "X");
+        const auto y = ReadComponent(state, at, 2, "Y");
+        if (x && y)
+            return MakeRef<Point>(*x, *y);
+        error = QStringLiteral("a point is two finite numbers: {x, y}");
+        return nullptr;
+    }
     ScriptVal table;
-    std::string ignored;
-    if (!simple && ReadScriptVal(state, at, table, nullptr, ignored))
-        if (Ref<Parameter> value = Parameter::FromScriptVal(kind, table))
-            return value;
-    const auto x = ReadComponent(state, at, 1, "X");
-    const auto y = ReadComponent(state, at, 2, "Y");
-    if (x && y)
-        return MakeRef<Point>(*x, *y);
-    error = QStringLiteral("a point is two finite numbers: {x, y}");
-    return nullptr;
+    std::string reason;
+    if (!ReadScriptVal(state, at, table, nullptr, reason)) {
+        error = QString::fromStdString(reason);
+        return nullptr;
+    }
+    Ref<Parameter> value = Parameter::FromScriptVal(kind, table);
+    if (!value)
+        error = QStringLiteral("the table is no %1")
+                    .arg(QString::fromStdString(std::string(kind.View())));
+    return value;
 }
 
 /// The value at a stack position as a parameter for `input`; null and `error` if it is none.

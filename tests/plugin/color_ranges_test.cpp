@@ -321,6 +321,9 @@ void ColorRangesTest::FollowsItsInput()
     QVERIFY(stage.ControlOf().AddExpression(&stage.InputOf())); // says what they are
     const Ref<Parameter> said = stage.Value();
     QVERIFY(stage.InputOf().ExpressionError().isEmpty() && stage.ranges.Curves().IsEqual(*said));
+    stage.InputOf().SetExpression("{0, 1, 2}");
+    stage.InputOf().GetValue(5.0);
+    QCOMPARE(stage.InputOf().ExpressionError(), QString("the table is no ColorCurves"));
     stage.InputOf().SetExpression("time");
     stage.ranges.clearFocus();
     QVERIFY(PixelsOf(stage.ranges, LookColor("Controls.ExpressionColour")) > 100);
