@@ -8,7 +8,6 @@
 #include <utility>
 
 #include <QKeyEvent>
-#include <QPointer>
 
 namespace Marlox {
 
@@ -197,6 +196,11 @@ bool CustomColorField::DragTo(const PointerDrag::Step& step)
     return true; // nothing of the widget: it may be gone
 }
 
+void CustomColorField::BringBack()
+{
+    Change(held_.zone, held_.start); // the owner keeps the hue of what has none
+}
+
 void CustomColorField::Drop()
 {
     held_ = {};
@@ -239,11 +243,6 @@ void CustomColorField::mousePressEvent(QMouseEvent* event)
 void CustomColorField::keyPressEvent(QKeyEvent* event)
 {
     const bool own = IsOwnKey(*event);
-    const QPointer<CustomColorField> alive(this);
-    if (own && event->key() == Qt::Key_Escape)
-        Change(held_.zone, held_.start); // the owner keeps the hue of what has none
-    if (!alive)
-        return;
     if (own && !IsDragged() && !std::exchange(byKeys_, true))
         update();
     CustomControl::keyPressEvent(event);

@@ -91,6 +91,7 @@ signals:
 protected:
     bool Grab(QPoint at) override;
     bool DragTo(const PointerDrag::Step& step) override;
+    void BringBack() override;
     void Drop() override;
     void HoverAt(std::optional<QPoint> at) override;
     void Nudge(int part, QPoint way, int level) override;

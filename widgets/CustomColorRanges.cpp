@@ -151,6 +151,11 @@ bool CustomColorRanges::DragTo(const PointerDrag::Step& step)
     return true;
 }
 
+void CustomColorRanges::BringBack()
+{
+    Change(node_, copyOf(*held_));
+}
+
 void CustomColorRanges::Drop()
 {
     held_ = {};
@@ -162,10 +167,15 @@ void CustomColorRanges::MoveNode(const ColorCurves& from, int node, QPointF to, 
 {
     const Ref<ColorCurves> moved = copyOf(from);
     moved->SetNodePosition(node, {to.x(), to.y()}, takeHandle);
-    if (moved->IsEqual(*curves_))
+    Change(node, moved);
+}
+
+void CustomColorRanges::Change(int node, const Ref<ColorCurves>& curves)
+{
+    if (curves->IsEqual(*curves_))
         return;
     OpenUndo(undoText);
-    Store(moved);
+    Store(curves);
     emit dragNode(node);
 }
 

@@ -78,6 +78,7 @@ protected:
     bool Grab(QPoint at) override;
     void PressOn(const PointerDrag::Step& step) override;
     bool DragTo(const PointerDrag::Step& step) override;
+    void BringBack() override;
     void Drop() override;
     bool ResetAt(QPoint at) override;
     void HoverAt(std::optional<QPoint> at) override;
@@ -92,6 +93,7 @@ private:
     static QPointF PositionIn(const ColorCurves& curves, int node);
     int NodeAt(QPoint at) const;
     void Store(Ref<ColorCurves> curves);
+    void Change(int node, const Ref<ColorCurves>& curves);
     void MoveNode(const ColorCurves& from, int node, QPointF to, bool takeHandle);
     void ResetNode(int node);
     void RepaintPlot();

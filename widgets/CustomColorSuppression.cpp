@@ -118,6 +118,7 @@ bool CustomColorSuppression::Grab(QPoint at)
     if (!knobs_[std::size_t(knob)].movable)
         return false;
     dragged_ = knob;
+    start_ = Amount(knob);
     Repaint();
     return true;
 }
@@ -128,6 +129,11 @@ bool CustomColorSuppression::DragTo(const PointerDrag::Step& step)
         return false;
     Change(dragged_, model_.AmountFor(dragged_, step.at, step.fine));
     return true;
+}
+
+void CustomColorSuppression::BringBack()
+{
+    Change(dragged_, start_);
 }
 
 void CustomColorSuppression::Drop()

@@ -64,6 +64,7 @@ protected:
     bool Grab(QPoint at) override;
     void PressOn(const PointerDrag::Step&) override {}
     bool DragTo(const PointerDrag::Step& step) override;
+    void BringBack() override;
     void Drop() override;
     bool ResetAt(QPoint at) override;
     void HoverAt(std::optional<QPoint> at) override;
@@ -90,6 +91,7 @@ private:
     ColorSuppressionModel model_;
     std::array<Knob, knobs> knobs_;
     int dragged_ = none;
+    double start_ = 0.0; // its amount before the drag
     int hovered_ = none;
     QImage area_; // what fills the area of the amounts, made with the picture and as wide
 };

@@ -93,6 +93,11 @@ bool CustomColorWheel::DragTo(const PointerDrag::Step& step)
     return true;
 }
 
+void CustomColorWheel::BringBack()
+{
+    Change(drag_.part, drag_.start);
+}
+
 void CustomColorWheel::Drop()
 {
     drag_ = {};

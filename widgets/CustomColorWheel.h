@@ -59,6 +59,7 @@ signals:
 protected:
     bool Grab(QPoint at) override;
     bool DragTo(const PointerDrag::Step& step) override;
+    void BringBack() override;
     void Drop() override;
     bool ResetAt(QPoint at) override;
     void HoverAt(std::optional<QPoint> at) override;

@@ -97,6 +97,9 @@ protected:
     virtual void PressOn(const PointerDrag::Step& step) { DragTo(step); }
     /// The pointer has moved on; false ends the drag.
     virtual bool DragTo(const PointerDrag::Step&) { return false; }
+    /// Escape: writes what was there before the drag, while it still goes on. Undo, which follows,
+    /// brings back only what it keeps: nothing without an owner, or of passive inputs.
+    virtual void BringBack() {}
     /// Nothing is dragged any more: the drag has ended, one way or another.
     virtual void Drop() {}
     /// The pointer moves without dragging; without a value it has left.

@@ -157,6 +157,10 @@ void CustomControl::keyPressEvent(QKeyEvent* event)
     if (drag_) {
         if (key != Qt::Key_Escape)
             return;
+        const QPointer<CustomControl> alive(this);
+        BringBack();
+        if (!alive || !drag_)
+            return;
         drag_.reset();
         Drop();
         update();

@@ -79,7 +79,9 @@ void CustomController::keyPressEvent(QKeyEvent* event)
         return; // goes to nobody
     if (GivesUp(*event)) {
         const QPointer<CustomController> alive(this);
-        GiveUpGesture();
+        BringBack();
+        if (alive)
+            GiveUpGesture();
         if (alive)
             LoseGesture();
         return;

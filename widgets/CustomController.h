@@ -15,8 +15,8 @@ namespace Marlox {
 /// Step keys: Left and Page Down go down, Right and Page Up go up, Home and End to the ends (of a
 /// scale; others say what theirs are). They step with level 1, with Ctrl 0 (fine), else with Shift
 /// 2 (coarse), before any shortcut of the window gets them. What is done until a key is released is
-/// one undo entry. Up and Down are left to others. Escape gives up what the pointer does, as it
-/// does in every drag.
+/// one undo entry. Up and Down are left to others. Escape, while the pointer holds something that
+/// began a gesture, brings back what was there before.
 ///
 /// Wheel: steps with the same levels, in the widget with keyboard focus only, and never takes a
 /// scroll that began elsewhere. Deltas of touchpads add up to steps of 120. What is done until a

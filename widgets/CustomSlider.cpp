@@ -48,6 +48,12 @@ void CustomSlider::SetValue(double v)
     emit ValueChanged(v);
 }
 
+void CustomSlider::BringBack()
+{
+    if (dragStart_ != model_.value)
+        SetValue(dragStart_);
+}
+
 void CustomSlider::ShowValue(double v)
 {
     if (std::isfinite(v) && v != model_.value)

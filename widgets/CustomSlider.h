@@ -145,6 +145,7 @@ protected:
     void StepBy(Way way, int level) override;
     bool IsHeld() const override { return drag_.GetKind() != SliderDrag::Kind::Idle; }
     void SetFine(bool fine) override;
+    void BringBack() override;
     void LoseGesture() override;
 
     void mousePressEvent(QMouseEvent* event) override;
