@@ -130,9 +130,13 @@ void ColorControl::CopyTo(const CopyColorEvent& event)
     for (Input* target : event.Targets())
         targets.push_back(Ref<Input>::Share(target));
     StartUndo("Copy Color");
-    for (const Ref<Input>& target : targets)
-        CopyValueTo(*target);
+    {
+        const Writing together(*this);
+        for (const Ref<Input>& target : targets)
+            CopyValueTo(*target);
+    }
     ResetUndo(nullptr);
+    UpdateDisplay(nullptr, nullptr);
 }
 
 bool ColorControl::CopyValueTo(Input& target)

@@ -53,12 +53,26 @@ PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
 {
     setObjectName("preferences");
     setWindowTitle(tr("Preferences"));
-    const Preferences& preferences = MarloxDoc::GetPreferences();
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDlg::OnOK);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(spacing, spacing, spacing, spacing);
+    layout->setSpacing(spacing);
+    layout->addLayout(MakeGeneralForm());
+    layout->addWidget(MakeColorGroup());
+    layout->addWidget(buttons);
+    ensurePolished(); // with the font that it has on the screen
+    alignFields(*this);
+}
 
+QFormLayout* PreferencesDlg::MakeGeneralForm()
+{
+    const Preferences& preferences = MarloxDoc::GetPreferences();
     frameRate_->setObjectName("framerate");
     frameRate_->setRange(1.0, 240.0);
     frameRate_->setDecimals(3);
-    frameRate_->setValue(document.FrameRate());
+    frameRate_->setValue(document_.FrameRate());
     timeDisplay_->setObjectName("timedisplay");
     timeDisplay_->addItems({tr("Frames"), tr("Hours, minutes, seconds, frames")});
     timeDisplay_->setCurrentIndex(preferences.Get(TimeCodeEdit::PreferenceName).toBool() ? 1 : 0);
@@ -87,17 +101,7 @@ PreferencesDlg::PreferencesDlg(MarloxDoc& document, QWidget* parent)
     form->addRow(tr("Renew the copy every"), autosaveInterval_);
     autosaveInterval_->setEnabled(autosave_->isChecked());
     connect(autosave_, &QCheckBox::toggled, autosaveInterval_, &QWidget::setEnabled);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDlg::OnOK);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(spacing, spacing, spacing, spacing);
-    layout->setSpacing(spacing);
-    layout->addLayout(form);
-    layout->addWidget(MakeColorGroup());
-    layout->addWidget(buttons);
-    ensurePolished(); // with the font that it has on the screen
-    alignFields(*this);
+    return form;
 }
 
 QGroupBox* PreferencesDlg::MakeColorGroup()

@@ -5,6 +5,7 @@
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
+class QFormLayout;
 class QGroupBox;
 class QSpinBox;
 
@@ -22,6 +23,7 @@ private slots:
     void OnOK();
 
 private:
+    QFormLayout* MakeGeneralForm();
     QGroupBox* MakeColorGroup();
 
     MarloxDoc& document_;
