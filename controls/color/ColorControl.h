@@ -144,6 +144,7 @@ private:
     ColorRecord hueRecord_;   // as it was last on axes with a hue
     RgbColor sampledColor_{}; // that the note on the last pick is of
     ProxyGesture pickProxy_;
+    bool pickIsDue_ = false;             // the picture is not there at the last place of the pick
     ColorChannelRow* dragged_ = nullptr; // whose edit is being dragged
     std::vector<ColorChannelRow*> rows_; // by channel; children
 

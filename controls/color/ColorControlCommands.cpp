@@ -175,6 +175,7 @@ void ColorControl::OnPickStarted()
 {
     StartUndo(UndoText(tr("Pick Colour")).toUtf8().constData());
     pickProxy_.Begin(*this);
+    pickIsDue_ = false;
 }
 
 void ColorControl::OnPickEnded(bool kept)
@@ -184,6 +185,8 @@ void ColorControl::OnPickEnded(bool kept)
     if (!kept)
         ShowSampled({});
     pickProxy_.End();
+    if (kept && pickIsDue_ && IsOpen())
+        Report(tr("Nothing was picked there: the picture is still being rendered."));
 }
 
 void ColorControl::ResetUndo(TagList* tags)
@@ -204,7 +207,9 @@ void ColorControl::OnPickColor(QWidget* viewer, const MxPoint&)
     if (pick_->IsInputWanted())
         footprint.inputOf = Owner();
     ColorSource::Sample sample;
-    if (!source->SampleColor(footprint, sample))
+    const bool taken = source->SampleColor(footprint, sample);
+    pickIsDue_ = sample.isDue;
+    if (!taken)
         return;
     // Colours of tools with an alpha don't have it multiplied in.
     const double alpha = sample.rgba[std::size_t(ColorChannels::alpha)];

@@ -72,9 +72,8 @@ void PickButton::End(bool kept)
         return;
     qApp->removeEventFilter(this);
     ShowOver(nullptr);
-    for (const QPointer<QWidget>& viewer : std::exchange(held_, {})) {
-        if (ColorSource* source = ColorSource::Of(viewer))
-            source->HoldPicture(false);
+    const auto held = std::exchange(held_, {});
+    for (const QPointer<QWidget>& viewer : held) {
         if (viewer)
             viewer->disconnect(this);
     }
@@ -82,7 +81,11 @@ void PickButton::End(bool kept)
     setDown(false);
     Enter(State::Idle);
     if (std::exchange(started_, false))
-        emit PickEnded(kept);
+        emit PickEnded(kept); // whoever listens may delete the button
+    for (const QPointer<QWidget>& viewer : held) {
+        if (ColorSource* source = ColorSource::Of(viewer))
+            source->HoldPicture(false);
+    }
 }
 
 /// A click arms it, or disarms it.

@@ -170,7 +170,10 @@ private slots:
         QCOMPARE(shown.Sample(footprint)[0], 1.0);
         set(0.25, 8.0);
         grade->FindInput("Gain")->SetValue(Number(4.0), TimeNone, Input::ReplaceAll);
-        shown.viewer.HoldPicture(true); // of these values; what is on view is that of others
+        QCOMPARE(shown.Sample(footprint)[0], 2.0); // what is pointed at, though not of these values
+        shown.viewer.HoldPicture(true);
+        shown.viewer.HoldPicture(false);
+        shown.viewer.HoldPicture(true); // what is on view may be of values that a pick tried
         QCOMPARE(shown.Sample(footprint)[0], 1.0);
         footprint.inputOf = grade;
         QCOMPARE(shown.Sample(footprint)[0], 0.25);

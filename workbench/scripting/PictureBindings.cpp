@@ -141,25 +141,6 @@ ColorSource::Footprint footprintOf(const ScriptCall& call)
     return footprint;
 }
 
-void addViewer(ScriptEngine& engine)
-{
-    ScriptClass& viewer = engine.AddClass<ViewerWidget>("Viewer");
-    viewer.Method("color", [](ScriptCall& call) {
-        const Ref<Image>& shown = call.Self<ViewerWidget>().ShownImage();
-        call.Return(shown ? pixelOf(*shown, pixelAt(call)) : ScriptVal());
-    });
-    viewer.Method("sample", [](ScriptCall& call) {
-        ColorSource::Sample sample;
-        constexpr int patience = int(renderPatience * 1000.0);
-        if (!call.Self<ViewerWidget>().SampleColor(footprintOf(call), sample, patience))
-            return call.Return(ScriptVal());
-        const auto& [red, green, blue, alpha] = sample.rgba;
-        ScriptVal list = colorTable(red, green, blue);
-        list.Append(alpha);
-        call.Return(list);
-    });
-}
-
 bool areSettled(MainWindow& window)
 {
     const std::vector<ViewerWidget*> viewers = window.Viewers();
@@ -175,9 +156,29 @@ void waitForRender(ScriptContext& context, double seconds)
     do {
         if (double(clock.elapsed()) > seconds * 1000.0)
             throw ScriptError(
-                QString("waitrender: the picture was not done after %1 s").arg(seconds));
+                QString("the picture was not done after %1 s").arg(seconds));
         RunEvents(context, 0.005);
     } while (renderer.IsBusy() || !areSettled(context.window));
+}
+
+void addViewer(ScriptContext& context)
+{
+    ScriptClass& viewer = context.engine.AddClass<ViewerWidget>("Viewer");
+    viewer.Method("color", [](ScriptCall& call) {
+        const Ref<Image>& shown = call.Self<ViewerWidget>().ShownImage();
+        call.Return(shown ? pixelOf(*shown, pixelAt(call)) : ScriptVal());
+    });
+    viewer.Method("sample", [&context](ScriptCall& call) {
+        waitForRender(context, renderPatience);
+        ColorSource::Sample sample;
+        constexpr int patience = int(renderPatience * 1000.0);
+        if (!call.Self<ViewerWidget>().SampleColor(footprintOf(call), sample, patience))
+            return call.Return(ScriptVal());
+        const auto& [red, green, blue, alpha] = sample.rgba;
+        ScriptVal list = colorTable(red, green, blue);
+        list.Append(alpha);
+        call.Return(list);
+    });
 }
 
 void renderFrame(ScriptContext& context, ScriptCall& call)
@@ -200,7 +201,7 @@ void AddPictureBindings(ScriptContext& context)
 {
     ScriptEngine& engine = context.engine;
     addGrab(engine);
-    addViewer(engine);
+    addViewer(context);
     ScriptClass& widget = engine.AddClass<QWidget>("Widget");
     widget.Method("screenshot", screenshot);
     widget.Method("grab", [](ScriptCall& call) {

@@ -104,6 +104,7 @@ void ViewerWidget::OnFinished(const RenderResult& result)
 {
     progress_->hide();
     SetMessage(result.error);
+    followsPick_ = followsPick_ && document_.GetRenderer().IsBusy();
     if (result.image) {
         wanted_ = result.image;
         converter_.Request(wanted_, settings_);

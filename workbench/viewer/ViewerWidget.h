@@ -46,9 +46,9 @@ struct Probe {
 /// next. The one that has the focus gets the keys first, arrow keys nudge it; Escape gives up a
 /// drag. The right button opens the menu of what is under it.
 ///
-/// Colours are picked from the image's floats, also where channels, exposure and display show it
-/// otherwise: from that of the present values, also while it is not on show yet. What flows into a
-/// tool is sampled at the same place of its own picture.
+/// Colours are picked from the floats of the image on show, also where channels, exposure and
+/// display show it otherwise. What flows into a tool is sampled at the same place of its own
+/// picture.
 class ViewerWidget : public QOpenGLWidget, public ColorSource {
     Q_OBJECT
     Q_PROPERTY(double zoom READ Zoom WRITE SetZoom NOTIFY ViewChanged)
@@ -154,7 +154,7 @@ private:
     void ReleasePainter();
     void DrawOverlays();
     void DrawFootprint();
-    SideRender::Result PresentPicture() const;
+    SideRender::Result PictureOnShow() const;
     SideRender::Result PictureToSample(const Operator* inputOf);
     QPointF ToDevice(QPointF position) const { return position * devicePixelRatioF(); }
 
@@ -188,6 +188,7 @@ private:
         SideRender::Result input{};
     };
     std::optional<Held> held_;
+    bool followsPick_ = false; // the picture does not show yet what the last pick has left
 };
 
 /// Full-resolution display window of an image, which may be a proxy of an image shown before with

@@ -27,28 +27,29 @@ bool ViewerWidget::SampleColor(const Footprint& footprint, Sample& sample, int p
 {
     if (!shown_.image)
         return false;
-    const Ref<Image> picture = PictureToSample(footprint.inputOf).Within(patience);
+    const SideRender::Result result = PictureToSample(footprint.inputOf);
+    const Ref<Image> picture = result.Within(patience);
+    sample.isDue = result.IsPending();
     return picture &&
            ColorSampling::MeanOf(
                *picture, ColorSampling::PixelsOf(footprint, view_, devicePixelRatioF()), sample);
 }
 
-/// That of the present values: while a render is under way, the last one may be of values that a
-/// pick gave up.
-SideRender::Result ViewerWidget::PresentPicture() const
+/// What is on show, also a proxy, or what a render that failed has left there: it is what the
+/// pointer points at. Not so as long as it may be of values that a pick tried or gave up.
+SideRender::Result ViewerWidget::PictureOnShow() const
 {
     if (!wanted_)
         return {};
-    Renderer& renderer = document_.GetRenderer();
-    return renderer.IsBusy() ? renderer.ResultOf() : wanted_;
+    return followsPick_ ? document_.GetRenderer().ResultOf() : wanted_;
 }
 
 SideRender::Result ViewerWidget::PictureToSample(const Operator* inputOf)
 {
     if (!inputOf) {
         if (held_ && !held_->shown)
-            held_->shown = PresentPicture();
-        return held_ ? held_->shown : PresentPicture();
+            held_->shown = PictureOnShow();
+        return held_ ? held_->shown : PictureOnShow();
     }
     if (held_ && held_->tool == inputOf)
         return held_->input;
@@ -66,10 +67,11 @@ SideRender::Result ViewerWidget::PictureToSample(const Operator* inputOf)
 
 void ViewerWidget::HoldPicture(bool held)
 {
+    followsPick_ = document_.GetRenderer().IsBusy() && (followsPick_ || !held);
     if (!held)
         held_.reset();
     else if (!held_)
-        held_ = Held{PresentPicture()};
+        held_ = Held{PictureOnShow()};
 }
 
 void ViewerWidget::ShowFootprint(const Footprint* footprint)

@@ -36,7 +36,8 @@ public:
         /// The mean of red, green, blue and alpha: scene-linear floats as the picture has them,
         /// alpha multiplied in.
         std::array<double, 4> rgba{};
-        int pixels = 0; // that it is the mean of, at full resolution
+        int pixels = 0;     // that it is the mean of, at full resolution
+        bool isDue = false; // there is none as yet: its picture is still being rendered
     };
 
     /// False: no picture there or not yet, or nothing flows into the tool. Pixels that are no
@@ -44,10 +45,12 @@ public:
     virtual bool SampleColor(const Footprint& footprint, Sample& sample) = 0;
     /// Draws the footprint over the picture until another one is shown; null takes it away.
     virtual void ShowFootprint(const Footprint* footprint) = 0;
-    /// While held, samples are of the picture that the values make when this is called, whatever
-    /// is still on show, or of what flowed into a tool when that was first asked for: what a pick
-    /// writes changes the picture, but not what it picks. Such a picture may have to be rendered
-    /// first; there is no sample until it is there.
+    /// While held, samples are of the picture that was on show when this was called, or of what
+    /// flowed into a tool when that was first asked for: what a pick writes changes the picture,
+    /// but not what it picks. It is let go when the pick has ended and its colour stands or is
+    /// undone: until the picture has followed that, the next pick has that of the present values.
+    /// Such pictures may have to be
+    /// rendered first; there is no sample until they are there.
     virtual void HoldPicture(bool held) = 0;
 
     /// The source under a position of the screen, and its widget; null if there is none.

@@ -3,6 +3,7 @@
 #include "system/controls/InputControl.h"
 #include "system/document/MarloxDoc.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Marlox {
@@ -14,9 +15,12 @@ ProxyGesture::~ProxyGesture()
     End();
 }
 
-void ProxyGesture::Begin(MarloxDoc* document, Operator* tool)
+void ProxyGesture::Begin(MarloxDoc* document, Operator* tool, const std::vector<Input*>& inputs)
 {
-    if (tool_ || !document || !tool)
+    const bool changesPicture = std::any_of(inputs.begin(), inputs.end(), [](const Input* input) {
+        return !input->GetAttrB(IA_Passive);
+    });
+    if (tool_ || !document || !tool || !changesPicture)
         return;
     document_ = document;
     tool_ = Ref<Operator>::Share(tool);
@@ -25,8 +29,7 @@ void ProxyGesture::Begin(MarloxDoc* document, Operator* tool)
 
 void ProxyGesture::Begin(const InputControl& control)
 {
-    if (!control.IsAllPassive(nullptr))
-        Begin(control.GetDoc(), control.Owner());
+    Begin(control.GetDoc(), control.Owner(), control.Inputs());
 }
 
 void ProxyGesture::End(bool render)

@@ -38,7 +38,7 @@ struct SideRender::Result::Share {
     }
 
     Ref<Image> finished;
-    const std::shared_ptr<Task> task;
+    std::shared_ptr<Task> task; // until it is done
     std::future<Ref<Image>> done;
     QElapsedTimer asked;
 };
@@ -58,8 +58,14 @@ Ref<Image> SideRender::Result::Within(int timeout) const
         if (share_->done.wait_for(left) != std::future_status::ready)
             return nullptr;
         share_->finished = share_->done.get();
+        share_->task.reset();
     }
     return share_->finished;
+}
+
+bool SideRender::Result::IsPending() const
+{
+    return share_ && share_->done.valid();
 }
 
 SideRender::SideRender()

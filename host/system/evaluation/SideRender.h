@@ -27,6 +27,7 @@ public:
         /// since it was asked for: those who ask again and again wait no longer than once. Null: it
         /// is not there yet, or failed.
         Ref<Image> Within(int timeout) const;
+        bool IsPending() const; // asked for, and not known to be there
         explicit operator bool() const { return share_ != nullptr; } // was asked for
 
     private:

@@ -194,11 +194,7 @@ void OverlayStage::Move(const MxPoint& at, u32 modifiers, const TagList& more)
 /// Nothing is rendered for a press alone.
 void OverlayStage::StartProxy()
 {
-    Operator* tool = dragged_->GetOperator(nullptr);
-    const std::vector<Input*>& inputs = dragged_->Inputs();
-    if (!std::all_of(inputs.begin(), inputs.end(),
-                     [](const Input* input) { return input->GetAttrB(IA_Passive); }))
-        proxy_.Begin(&document_, tool);
+    proxy_.Begin(&document_, dragged_->GetOperator(nullptr), dragged_->Inputs());
 }
 
 void OverlayStage::Release(const MxPoint& at, u32 modifiers, const TagList& more)
