@@ -12,7 +12,6 @@ constexpr int stripWidth = 10;
 constexpr int gap = 7;
 constexpr double furtherSteps = 100; // to each at most, where the value axis is flat
 
-constexpr double nudges[] = {0.001, 0.01, 0.1};
 constexpr double nudgeGrid = 1e6; // takes the rounding errors of repeated steps off
 
 /// The number of steps that take an axis of so many pixels from 0 to 1; one at least, so that it
@@ -193,7 +192,7 @@ ColorFieldModel::Dragged ColorFieldModel::DragTo(const Drag& drag,
 ColorFieldValues ColorFieldModel::Nudged(Zone zone, const ColorFieldValues& values, QPoint way,
                                          int level) const
 {
-    const double step = nudges[std::clamp(level, 0, 2)];
+    const double step = NudgeOf(level);
     const int along = way.x() - way.y(); // down and to the right in a strip
     ColorFieldValues to = values;
     if (zone == Zone::Square) {

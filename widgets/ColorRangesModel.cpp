@@ -11,8 +11,7 @@ namespace {
 constexpr int hitOrder[] = {1, 2, 5, 6, 0, 3, 4, 7};
 constexpr int reach = 5; // pixels from a node's middle to the first that misses it
 constexpr double fineSteps = 10.0;
-constexpr std::array<double, 3> nudges{0.001, 0.01, 0.1}; // by level
-constexpr double nudgeGrid = 1e4;                         // takes what adding up leaves behind
+constexpr double nudgeGrid = 1e4; // takes what adding up leaves behind
 
 /// 0 to 1; a plot without extent has nothing but its beginning.
 double share(double part, double extent)
@@ -52,7 +51,7 @@ int ColorRangesModel::HitTest(const Positions& nodes, QPoint pointer) const
 
 QPointF ColorRangesModel::Nudged(QPointF position, QPoint way, int level)
 {
-    const double step = nudges[std::size_t(std::clamp(level, 0, 2))];
+    const double step = NudgeOf(level);
     const auto moved = [step](double from, int by) {
         return std::clamp(OnSteps(from + by * step, nudgeGrid), 0.0, 1.0);
     };

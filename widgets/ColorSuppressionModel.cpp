@@ -103,9 +103,8 @@ double ColorSuppressionModel::AmountFor(int knob, QPointF pointer, bool fine) co
 
 double ColorSuppressionModel::Nudged(int knob, int steps, int level) const
 {
-    static constexpr double sizes[] = {0.001, 0.01, 0.1};
     static constexpr double grid = 1e9; // takes away what sums are off by
-    return Clamped(OnSteps(Clamped(Amount(knob)) + steps * sizes[level], grid));
+    return Clamped(OnSteps(Clamped(Amount(knob)) + steps * NudgeOf(level), grid));
 }
 
 } // namespace Marlox

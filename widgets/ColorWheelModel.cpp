@@ -8,7 +8,6 @@ namespace {
 
 constexpr double turn = 2.0 * M_PI;
 constexpr double discMargin = 4.0; // pixels around the disc that are its own
-constexpr std::array<double, 3> nudges{0.001, 0.01, 0.1};
 
 double finite(double value, double otherwise)
 {
@@ -139,7 +138,7 @@ ColorWheelModel::Dragged ColorWheelModel::DragRing(const WheelRecord& start,
     // Turning counter-clockwise lowers the hue.
     record.hue = NearestTurn(start.hue - (to.angle - from.angle) / turn, present.hue);
     record.saturation =
-        from.length > 0.0 ? start.saturation * to.length / from.length : start.saturation;
+        from.length > 0.0 ? start.saturation * (to.length / from.length) : start.saturation;
     if (!oneAxis)
         return dragged;
     if (std::abs(start.saturation - record.saturation) > std::abs(start.hue - record.hue)) {
@@ -182,14 +181,16 @@ ColorWheelModel::Dragged ColorWheelModel::DragTint(const WheelRecord& start,
 WheelRecord ColorWheelModel::Nudged(Part part, const WheelRecord& record, QPoint way,
                                     int level) const
 {
-    const double by = nudges[std::size_t(std::clamp(level, 0, 2))];
+    const double by = NudgeOf(level);
     WheelRecord nudged = record;
     if (part == Part::Ring) {
         nudged.hue += way.x() * by;
-        nudged.saturation = std::max(0.0, nudged.saturation + way.y() * by);
+        if (way.y() != 0)
+            nudged.saturation = std::max(0.0, nudged.saturation + way.y() * by);
     } else if (part == Part::Tint) {
         nudged.tintAngle -= way.x() * by; // to the right is clockwise
-        nudged.tintLength = std::clamp(nudged.tintLength + way.y() * by, 0.0, 1.0);
+        if (way.y() != 0)
+            nudged.tintLength = std::clamp(nudged.tintLength + way.y() * by, 0.0, 1.0);
     }
     return nudged;
 }

@@ -14,8 +14,9 @@ namespace Marlox {
 /// tonal range.
 ///
 /// A press on a knob picks it and moves nothing; of knobs that overlap it picks the one with the
-/// highest index. The drag then moves it along its spoke. Ctrl goes a tenth of the way. Page Up and
-/// Page Down go between the knobs, arrow keys up and right increase the amount. Alt+click resets.
+/// highest index, one that is fixed only where none moves. The drag then moves it along its spoke.
+/// Ctrl goes a tenth of the way. Page Up and Page Down go between the knobs, arrow keys up and
+/// right increase the amount. Alt+click resets.
 ///
 /// The owner opens the undo entry of a drag or of keys with the first amount that it writes.
 ///

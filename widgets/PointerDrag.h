@@ -52,6 +52,13 @@ private:
     Qt::KeyboardModifiers modifiers_;
 };
 
+/// How far an arrow key moves a value of the range 0 to 1, at its level: 0 fine, 1 plain, 2 coarse;
+/// others are taken for the nearest.
+inline double NudgeOf(int level)
+{
+    return level <= 0 ? 0.001 : level == 1 ? 0.01 : 0.1;
+}
+
 /// The grid of values that are worth telling apart on an axis of `pixels` pixels: 10 to the number
 /// of digits it takes to count them. Values are kept to its inverse.
 inline double StepsOf(double pixels)

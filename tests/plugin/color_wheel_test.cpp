@@ -151,6 +151,10 @@ void ColorWheelTest::TurnsAround()
         model.DragTo(drag, drag.start, stepTo(model, 0.0, length / 2.0, press)).record;
     QVERIFY(std::abs(dragged.saturation - 1.0) < 1e-9);
     QVERIFY(dragged.tintAngle == 0.3 && dragged.tintLength == 0.4);
+    // Whatever the other one is, what is not moved stays.
+    const WheelRecord odd{0.0, -0.5, 0.0, 1.5, 1.0};
+    QCOMPARE(model.Nudged(Part::Ring, odd, {1, 0}, 1).saturation, -0.5);
+    QCOMPARE(model.Nudged(Part::Tint, odd, {1, 0}, 1).tintLength, 1.5);
     QCOMPARE(NearestTurn(0.25, 7.1), 7.25);
     QCOMPARE(NearestTurn(0.5, 0.0), 0.5); // as near as -0.5
     QCOMPARE(NearestTurn(0.25, 1e300), 1e300);
