@@ -51,7 +51,9 @@ CustomColorField::CustomColorField(QWidget* parent) : CustomControl(parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    SetHelp({});
+    SetUse(tr("Drag in the square or a strip, with Ctrl finely; Shift keeps to one axis of the "
+              "square. Page Up and Page Down choose between them, arrow keys move, with Shift "
+              "coarsely, with Ctrl finely."));
     model_.widget = rect();
     connect(&DisplayColors::Global(), &DisplayColors::Changed, this, [this] {
         DiscardPictures();
@@ -119,14 +121,6 @@ void CustomColorField::DiscardPictures()
     square_.Discard();
     hueStrip_.Discard();
     alphaStrip_.Discard();
-}
-
-void CustomColorField::SetHelp(const QString& help)
-{
-    const QString use = tr("Drag in the square or a strip, with Ctrl finely; Shift keeps to one "
-                           "axis of the square. Page Up and Page Down choose between them, arrow "
-                           "keys move, with Shift coarsely, with Ctrl finely.");
-    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 
 QString CustomColorField::DescribePart(int part) const

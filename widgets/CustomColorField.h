@@ -65,9 +65,6 @@ public:
     int ColorSpace() const { return colorSpace_; }
     void SetColorSpace(int colorSpace);
 
-    /// One sentence on what is edited, for the tooltip, above how the field is used.
-    void SetHelp(const QString& help);
-
     // Which components are being dragged.
     bool IsSaturationActive() const { return active_.saturation; }
     bool IsValueActive() const { return active_.value; }

@@ -13,11 +13,20 @@ namespace Marlox {
 
 namespace {
 
-constexpr char undoText[] = "Adjust Ranges";
+constexpr char adjustText[] = "Adjust Ranges";
+constexpr char resetText[] = "Reset Ranges";
 
 Ref<ColorCurves> copyOf(const ColorCurves& curves)
 {
     return MakeRef<ColorCurves>(curves.Components());
+}
+
+/// `from` with one node elsewhere.
+Ref<ColorCurves> moved(const ColorCurves& from, int node, QPointF to, bool takeHandle)
+{
+    Ref<ColorCurves> curves = copyOf(from);
+    curves->SetNodePosition(node, {to.x(), to.y()}, takeHandle);
+    return curves;
 }
 
 /// What a node is, by its place in its curve.
@@ -37,7 +46,9 @@ CustomColorRanges::CustomColorRanges(QWidget* parent)
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    SetHelp({});
+    SetUse(tr("Drag a node, with Ctrl finely, with Shift along one axis. Page Up and Page Down "
+              "choose one, arrow keys move it, with Shift coarsely, with Ctrl finely. Alt+click "
+              "resets it."));
     connect(&DisplayColors::Global(), &DisplayColors::Changed, this, [this] { update(); });
     FollowSize();
 }
@@ -77,14 +88,6 @@ void CustomColorRanges::SetStateColor(const QColor& color)
 {
     if (std::exchange(stateColor_, color) != color)
         update();
-}
-
-void CustomColorRanges::SetHelp(const QString& help)
-{
-    const QString use =
-        tr("Drag a node, with Ctrl finely, with Shift along one axis. Page Up and Page Down choose "
-           "one, arrow keys move it, with Shift coarsely, with Ctrl finely. Alt+click resets it.");
-    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 
 QString CustomColorRanges::DescribePart(int part) const
@@ -138,7 +141,7 @@ bool CustomColorRanges::Grab(QPoint at)
 void CustomColorRanges::PressOn(const PointerDrag::Step&)
 {
     if (Owner())
-        Owner()->StartUndo(undoText); // which is no change yet
+        Owner()->StartUndo(adjustText); // which is no change yet
     SetActivePart(node_);
     Store(copyOf(*held_));
 }
@@ -147,13 +150,14 @@ bool CustomColorRanges::DragTo(const PointerDrag::Step& step)
 {
     if (node_ == none)
         return false;
-    MoveNode(*held_, node_, model_.Dragged(step, PositionIn(*held_, node_)), takesHandles_);
+    const QPointF to = model_.Dragged(step, PositionIn(*held_, node_));
+    Change(node_, moved(*held_, node_, to, takesHandles_), adjustText);
     return true;
 }
 
 void CustomColorRanges::BringBack()
 {
-    Change(node_, copyOf(*held_));
+    Change(node_, copyOf(*held_), adjustText);
 }
 
 void CustomColorRanges::Drop()
@@ -162,15 +166,8 @@ void CustomColorRanges::Drop()
     node_ = none;
 }
 
-/// Has `from` with one node elsewhere be the curves, as a change that the user made.
-void CustomColorRanges::MoveNode(const ColorCurves& from, int node, QPointF to, bool takeHandle)
-{
-    const Ref<ColorCurves> moved = copyOf(from);
-    moved->SetNodePosition(node, {to.x(), to.y()}, takeHandle);
-    Change(node, moved);
-}
-
-void CustomColorRanges::Change(int node, const Ref<ColorCurves>& curves)
+/// The user made a change, of one node.
+void CustomColorRanges::Change(int node, const Ref<ColorCurves>& curves, const char* undoText)
 {
     if (curves->IsEqual(*curves_))
         return;
@@ -189,7 +186,7 @@ void CustomColorRanges::HoverAt(std::optional<QPoint> at)
 void CustomColorRanges::Nudge(int part, QPoint way, int level)
 {
     const QPointF to = ColorRangesModel::Nudged(PositionOf(part), way, level);
-    MoveNode(*curves_, part, to, takesHandles_);
+    Change(part, moved(*curves_, part, to, takesHandles_), adjustText);
 }
 
 bool CustomColorRanges::ResetAt(QPoint at)
@@ -205,7 +202,7 @@ void CustomColorRanges::ResetNode(int node)
     const QPointer<CustomColorRanges> alive(this);
     SetActivePart(node);
     BeginGesture(false);
-    MoveNode(*curves_, node, PositionIn(*defaults_, node), false);
+    Change(node, moved(*curves_, node, PositionIn(*defaults_, node), false), resetText);
     if (alive)
         FinishGesture();
 }

@@ -22,7 +22,7 @@ namespace Marlox {
 /// keeps it to one axis. Starts and ends move along the brightness only and take their handle
 /// along, unless SetTakesHandles says otherwise. Every step begins from the curves as they were at
 /// the press. The undo entry "Adjust Ranges" is opened by the press and vanishes if nothing comes
-/// of it. Alt+click puts a node back to where the default has it.
+/// of it. Alt+click puts a node back to where the default has it ("Reset Ranges").
 ///
 /// What the user does is told by dragNode; curves that are shown are not.
 class CustomColorRanges : public CustomControl {
@@ -53,7 +53,6 @@ public:
     /// Of the frame, unless that tells the keyboard focus: there are keys or an expression.
     /// Invalid: neither.
     void SetStateColor(const QColor& color);
-    void SetHelp(const QString& help); // the first line of the tooltip; empty: none
 
     int DraggedNode() const { return node_; }
     int HoveredNode() const { return hovered_; }
@@ -93,8 +92,7 @@ private:
     static QPointF PositionIn(const ColorCurves& curves, int node);
     int NodeAt(QPoint at) const;
     void Store(Ref<ColorCurves> curves);
-    void Change(int node, const Ref<ColorCurves>& curves);
-    void MoveNode(const ColorCurves& from, int node, QPointF to, bool takeHandle);
+    void Change(int node, const Ref<ColorCurves>& curves, const char* undoText);
     void ResetNode(int node);
     void RepaintPlot();
     void FollowSize();

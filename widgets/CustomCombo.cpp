@@ -305,8 +305,8 @@ QString CustomCombo::ToolTipText() const
                      .arg(stranger_);
     else if (IsTextCut())
         lines += Text();
-    if (!help_.isEmpty())
-        lines += help_;
+    if (!Help().isEmpty())
+        lines += Help();
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -47,8 +47,6 @@ public:
     QString Text() const;
     bool IsStranger() const { return index_ == none; }
 
-    /// One sentence on what is chosen, for the tooltip.
-    void SetHelp(const QString& help) { help_ = help; }
     /// A line at the foot of the field that tells of keys, or of an expression, which the text and
     /// the ground then tell too; invalid colours take them away.
     void SetStateColors(const QColor& line, const QColor& text = {}, const QColor& ground = {});
@@ -92,7 +90,6 @@ private:
     ComboModel model_;
     int index_ = none;
     QString stranger_;
-    QString help_;
     QColor stateLine_;
     QColor stateText_;
     QColor stateGround_;

@@ -37,6 +37,18 @@ void CustomControl::SetLocked(bool locked)
         LoseGesture();
 }
 
+void CustomControl::SetHelp(const QString& help)
+{
+    help_ = help;
+    setToolTip(help_.isEmpty() || use_.isEmpty() ? help_ + use_ : help_ + QLatin1Char('\n') + use_);
+}
+
+void CustomControl::SetUse(const QString& use)
+{
+    use_ = use;
+    SetHelp(help_);
+}
+
 MarloxDoc* CustomControl::GetDoc() const
 {
     return owner_ ? owner_->GetDoc() : nullptr;

@@ -56,6 +56,9 @@ public:
     /// While locked, presses and keys go to nobody.
     bool IsLocked() const { return locked_; }
     virtual void SetLocked(bool locked);
+    /// One sentence on what is edited, for the tooltip, above how the widget is used; empty: none.
+    void SetHelp(const QString& help);
+    const QString& Help() const { return help_; }
     bool InGesture() const { return inGesture_; }
     /// Ends what the user is doing to it, and keeps what it wrote: there is nothing left to edit.
     void EndGesture() { LoseGesture(); }
@@ -77,6 +80,9 @@ public:
     std::size_t SizeOf() const override { return sizeof(*this); }
 
 protected:
+    /// How the widget is used, in words, for the tooltip.
+    void SetUse(const QString& use);
+
     /// Starts a gesture, or goes on with the one that is running.
     void BeginGesture(bool withProxy);
     /// Ends it, if there is one. The owner may delete the widget meanwhile.
@@ -141,6 +147,8 @@ private:
     void EndDrag();
 
     QPointer<InputControl> owner_;
+    QString help_;
+    QString use_;
     bool locked_ = false;
     bool inGesture_ = false;
     bool changes_ = true; // what the gesture did has to be rendered at its end

@@ -24,7 +24,8 @@ CustomSlider::CustomSlider(QWidget* parent) : CustomController(parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    SetHelp({});
+    SetUse(tr("Drag the knob, with Ctrl finely. Arrow keys and wheel step, with Shift coarsely, "
+              "with Ctrl finely. Escape gives a drag up. Alt+click resets."));
     skin_.Load(devicePixelRatioF());
     FollowLayout();
 }
@@ -246,13 +247,6 @@ void CustomSlider::FollowLayout()
     geometry_ = skin_.GeometryIn(size());
     model_.SetTrack(skin_.PixelLow(size()), skin_.PixelHigh(size()));
     RepaintAll();
-}
-
-void CustomSlider::SetHelp(const QString& help)
-{
-    const QString use = tr("Drag the knob, with Ctrl finely. Arrow keys and wheel step, with Shift "
-                           "coarsely, with Ctrl finely. Escape gives a drag up. Alt+click resets.");
-    setToolTip(help.isEmpty() ? use : help + QLatin1Char('\n') + use);
 }
 
 void CustomSlider::SetKnobImages(const char* normal, const char* highlighted)

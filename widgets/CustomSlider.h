@@ -94,9 +94,6 @@ public:
     /// or below the requested range.
     void DragBy(double units, RelativeDrag& state);
 
-    /// One sentence on what is edited, for the tooltip, above how the slider is used.
-    void SetHelp(const QString& help);
-
     // Looks.
     void SetLocked(bool locked) override;
     void SetKnobImages(const char* normal, const char* highlighted);

@@ -19,13 +19,13 @@ constexpr int margin = 3; // around the wheel, for the ring that tells the keybo
 
 } // namespace
 
-CustomWheel::CustomWheel(QWidget* parent, const char* bitmap, QString use)
-    : CustomControl(parent), bitmap_(bitmap), use_(std::move(use))
+CustomWheel::CustomWheel(QWidget* parent, const char* bitmap, const QString& use)
+    : CustomControl(parent), bitmap_(bitmap)
 {
     MakePartsAccessible();
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
-    SetHelp({});
+    SetUse(use);
     FollowLook();
     connect(&DisplayColors::Global(), &DisplayColors::Changed, this, [this] {
         DiscardPicture();
@@ -51,11 +51,6 @@ void CustomWheel::SetMode(int mode)
     mode_ = mode;
     FollowMode();
     update();
-}
-
-void CustomWheel::SetHelp(const QString& help)
-{
-    setToolTip(help.isEmpty() ? use_ : help + QLatin1Char('\n') + use_);
 }
 
 QRect CustomWheel::Square() const

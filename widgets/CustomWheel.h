@@ -21,8 +21,6 @@ public:
 
     int Mode() const { return mode_; }
     void SetMode(int mode); // others than 0 to 3 are ignored
-    /// One sentence on what is edited, for the tooltip, above how the wheel is used.
-    void SetHelp(const QString& help);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -30,7 +28,7 @@ public:
 protected:
     /// `bitmap`: its name, constant data; `use`: how the wheel is used, for the tooltip. Subclasses
     /// call Arrange.
-    CustomWheel(QWidget* parent, const char* bitmap, QString use);
+    CustomWheel(QWidget* parent, const char* bitmap, const QString& use);
 
     int Diameter() const { return diameter_; }
     /// Around the wheel, in pixels of the widget.
@@ -56,7 +54,6 @@ private:
     void FollowLook();
 
     const char* bitmap_;
-    QString use_;
     int diameter_ = 0;
     int mode_ = 0;
     QImage picture_; // null: to be made

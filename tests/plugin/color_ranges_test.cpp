@@ -240,7 +240,7 @@ void ColorRangesTest::AltClickResetsANode()
     Pointer::Click(stage.ranges, stage.ranges.NodePixel(1), Qt::AltModifier);
     QCOMPARE(stage.NodeOf(1), ColorCurves().NodeAt(1));
     QVERIFY(stage.NodeOf(5) != ColorCurves().NodeAt(5));
-    QCOMPARE(stage.UndoTexts().last(), QString("Adjust Ranges"));
+    QCOMPARE(stage.UndoTexts().last(), QString("Reset Ranges"));
     const int entries = stage.UndoEntries();
     Pointer::Click(stage.ranges, stage.ranges.NodePixel(1), Qt::AltModifier); // is there
     Pointer::Click(stage.ranges, stage.ranges.Plot().center(), Qt::AltModifier);
