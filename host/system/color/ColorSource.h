@@ -49,8 +49,7 @@ public:
     /// flowed into a tool when that was first asked for: what a pick writes changes the picture,
     /// but not what it picks. It is let go when the pick has ended and its colour stands or is
     /// undone: until the picture has followed that, the next pick has that of the present values.
-    /// Such pictures may have to be
-    /// rendered first; there is no sample until they are there.
+    /// Such pictures may have to be rendered first; there is no sample until they are there.
     virtual void HoldPicture(bool held) = 0;
 
     /// The source under a position of the screen, and its widget; null if there is none.
