@@ -7,3 +7,11 @@ foreach(scale 1 2)
         ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${CMAKE_BINARY_DIR}/samples/dusk.marlox)
     marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
 endforeach()
+
+# Random events; the seeds are the scales.
+foreach(scale 1 2)
+    set(name workbench-color-soak-${scale}x)
+    marlox_script_test(${name} ${CMAKE_CURRENT_SOURCE_DIR}/scripting/colorsoak.lua
+        ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${scale})
+    marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
+endforeach()
