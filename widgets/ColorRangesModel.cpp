@@ -53,7 +53,7 @@ QPointF ColorRangesModel::Nudged(QPointF position, QPoint way, int level)
 {
     const double step = NudgeOf(level);
     const auto moved = [step](double from, int by) {
-        return std::clamp(OnSteps(from + by * step, nudgeGrid), 0.0, 1.0);
+        return by == 0 ? from : std::clamp(OnSteps(from + by * step, nudgeGrid), 0.0, 1.0);
     };
     return {moved(position.x(), way.x()), moved(position.y(), way.y())};
 }

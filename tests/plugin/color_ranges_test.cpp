@@ -90,7 +90,7 @@ void ColorRangesTest::PlotsNodes()
     QCOMPARE(model.ToPosition({50, 50}, false), QPointF(0, 1));
     QCOMPARE(ColorRangesModel::Nudged({0.1, 0.995}, {1, 1}, 1), QPointF(0.11, 1.0));
     QCOMPARE(ColorRangesModel::Nudged({0.1, 0.5}, {-1, 0}, 2), QPointF(0.0, 0.5));
-    QCOMPARE(ColorRangesModel::Nudged({0.1, 0.5}, {0, -1}, 0), QPointF(0.1, 0.499));
+    QCOMPARE(ColorRangesModel::Nudged({0.123456, 0.5}, {0, -1}, 0), QPointF(0.123456, 0.499));
 }
 
 void ColorRangesTest::HitsHandlesFirst()
