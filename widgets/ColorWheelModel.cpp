@@ -91,10 +91,13 @@ QPointF ColorWheelModel::TintPlace(const WheelRecord& record) const
 QPointF ColorWheelModel::RingPlace(const WheelRecord& record) const
 {
     const double factor = std::clamp(finite(record.saturation, 1.0), 0.0, 2.0);
-    const double knob = 0.5 * tintKnob.width() + discMargin; // clear of the disc's presses
-    const double inner = diameter > 0 ? disc + 2.0 * knob / diameter : disc;
-    return PlaceOf(M_PI / 2.0 - finite(record.hue, 0.0) * turn,
-                   inner + (1.0 - inner) * 0.5 * factor);
+    const double pixel = diameter > 0 ? 2.0 / diameter : 0.0;
+    const double knob = 0.5 * tintKnob.width() * pixel;
+    const double inner = disc + knob + discMargin * pixel; // clear of the disc's presses
+    const double plain = 0.5 * (inner + 1.0);
+    const double length = factor < 1.0 ? inner + (plain - inner) * factor
+                                       : plain + (1.0 - knob - plain) * (factor - 1.0);
+    return PlaceOf(M_PI / 2.0 - finite(record.hue, 0.0) * turn, length);
 }
 
 ColorWheelModel::Part ColorWheelModel::HitTest(QPoint at, const WheelRecord& record) const

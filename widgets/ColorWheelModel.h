@@ -65,7 +65,8 @@ struct ColorWheelModel {
     /// Where the tint's knob stands.
     QPointF TintPlace(const WheelRecord& record) const;
     /// Where the knob of hue and saturation stands: at the top of the ring for no correction;
-    /// turned with the hue; a factor of 0 near the ring's inner edge, 2 and more on its outer.
+    /// turned with the hue; a factor of 0 near the ring's inner edge, 1 in the middle, 2 and more
+    /// just inside its outer edge.
     QPointF RingPlace(const WheelRecord& record) const;
 
     /// What `drag` makes of the `present` record. Angles keep to the whole turn next to the present

@@ -112,8 +112,6 @@ double seenAt(double place, int beyondEnd, double low, double high, double radiu
 void CustomColorField::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    if (!isEnabled())
-        painter.setOpacity(dimmed);
     PaintPictures(painter);
     PaintFrames(painter);
     if (hasFocus() && !byKeys_) // or else it is the active frame that tells
@@ -122,6 +120,8 @@ void CustomColorField::paintEvent(QPaintEvent*)
     PaintStripKnob(painter, Zone::Hue, "Controls.ColorField.HueKnob", Hue());
     PaintStripKnob(painter, Zone::Alpha, "Controls.ColorField.AlphaKnob", Alpha());
     PaintSquareKnob(painter);
+    if (!isEnabled())
+        PaintVeil(painter, rect(), BackgroundColor().ToQColor());
 }
 
 void CustomColorField::PaintPictures(QPainter& painter)

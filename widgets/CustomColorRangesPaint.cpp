@@ -133,8 +133,6 @@ void CustomColorRanges::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     painter.fillRect(event->rect(), BackgroundColor().ToQColor());
-    if (!isEnabled())
-        painter.setOpacity(dimmed);
     PaintNames(painter);
     PaintRamp(painter);
     PaintGround(painter);
@@ -146,6 +144,8 @@ void CustomColorRanges::paintEvent(QPaintEvent* event)
     PaintNodes(painter);
     if (node_ != none)
         PaintReadout(painter);
+    if (!isEnabled())
+        PaintVeil(painter, rect(), BackgroundColor().ToQColor());
 }
 
 /// The frame tells the keyboard focus, or without it of keys and expressions.

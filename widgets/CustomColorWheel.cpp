@@ -23,7 +23,8 @@ CustomColorWheel::CustomColorWheel(QWidget* parent)
           parent, "Controls.ColorWheel.Wheel.1",
           tr("Drag the ring around to turn hues, away from the centre for more saturation, and the "
              "disc to tint. With Ctrl finely, with Shift along one of the two. Alt+click resets. "
-             "Page Up and Page Down go between disc and ring, the arrow keys move."))
+             "Page Up and Page Down go between disc and ring, the arrow keys move, with Shift "
+             "coarsely, with Ctrl finely."))
 {
     Arrange();
 }

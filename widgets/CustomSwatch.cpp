@@ -117,17 +117,14 @@ void CustomSwatch::paintEvent(QPaintEvent*)
                                         : LookColor("Controls.Other.BorderColour", {9, 9, 9}));
     const QRect inner = rect().adjusted(1, 1, -1, -1);
     PaintPatch(painter, inner);
-    if (!isEnabled()) {
-        QColor veil = palette().color(QPalette::Window);
-        veil.setAlphaF(1.0 - dimmed);
-        painter.fillRect(rect(), veil);
-    }
     painter.setRenderHint(QPainter::Antialiasing);
     const double x = inner.right() - 0.5 * arrowSize - 1.0;
     if (*std::max_element(rgb_.begin(), rgb_.end()) > 1.0)
         paintArrow(painter, {x, inner.top() + 2.0}, 1.0);
     if (*std::min_element(rgb_.begin(), rgb_.end()) < 0.0)
         paintArrow(painter, {x, inner.bottom() - 1.0}, -1.0);
+    if (!isEnabled())
+        PaintVeil(painter, rect(), palette().color(QPalette::Window));
 }
 
 } // namespace Marlox

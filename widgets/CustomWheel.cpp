@@ -93,8 +93,6 @@ void CustomWheel::paintEvent(QPaintEvent*)
     if (picture_.isNull() || picture_.devicePixelRatioF() != ratio)
         picture_ = MakePicture(ratio);
     QPainter painter(this);
-    if (!isEnabled())
-        painter.setOpacity(dimmed);
     PaintGround(painter);
     painter.drawImage(Square().topLeft(), picture_);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -102,6 +100,8 @@ void CustomWheel::paintEvent(QPaintEvent*)
     if (hasFocus())
         PaintFocusRing(painter, Square().adjusted(-margin, -margin, margin, margin),
                        diameter_ / 2.0 + margin);
+    if (!isEnabled())
+        PaintVeil(painter, rect(), BackgroundColor().ToQColor());
 }
 
 } // namespace Marlox

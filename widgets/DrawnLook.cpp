@@ -19,6 +19,12 @@ QColor AccentColor()
     return LookColor("System.AccentColour", {92, 158, 220});
 }
 
+void PaintVeil(QPainter& painter, const QRect& area, QColor ground)
+{
+    ground.setAlphaF(1.0 - dimmed);
+    painter.fillRect(area, ground);
+}
+
 double CrispLine(double devicePixelRatio)
 {
     return std::max(1.0, std::round(devicePixelRatio)) / devicePixelRatio;

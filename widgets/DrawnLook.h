@@ -5,6 +5,7 @@
 #include <QColor>
 
 class QPainter;
+class QRect;
 class QRectF;
 
 namespace Marlox {
@@ -13,6 +14,10 @@ namespace Marlox {
 
 /// How much is left of what is disabled, as an opacity.
 inline constexpr double dimmed = 0.38;
+
+/// Dims what has been drawn over `area`, as what is disabled is, where parts lie on one another:
+/// `ground` is what is behind all of them.
+void PaintVeil(QPainter& painter, const QRect& area, QColor ground);
 
 /// A colour of the look in use.
 QColor LookColor(const char* name, MxColor fallback);
