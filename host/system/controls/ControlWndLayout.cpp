@@ -196,7 +196,7 @@ void ControlWnd::Private::RefreshMoving()
 {
     if (!tool || !tool->GetDoc())
         return;
-    const BulkChange bulk(tool->GetDoc()->Undo()); // of a control's values, none before the others
+    const BulkChange bulk(tool->GetDoc()->Undo()); // controls of several values show them at once
     for (const Ref<InputControl>& control : std::vector(page.controls_)) {
         for (Input* input : InputList(control->Inputs())) {
             if (input->Moves() && control->IsOpen())

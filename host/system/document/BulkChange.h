@@ -12,10 +12,10 @@ namespace Marlox {
 class UndoHistory;
 
 /// While one lives, what follows from each single change of a document (expressions told that
-/// something changed, overlays made anew) is done once, when it goes. Undo and redo have one; so
-/// does whoever adds many tools at a time. Within another of the same history it does nothing: the
-/// outermost one counts. Stack objects of the user-interface thread, ended in the reverse order of
-/// their starts.
+/// something changed, overlays made anew) is done once, when it goes. Undo, redo and groups that
+/// are rolled back have one; so does whoever adds many tools, sets the parts of a colour, or shows
+/// another time. Within another of the same history it does nothing: the outermost one counts.
+/// Stack objects of the user-interface thread, ended in the reverse order of their starts.
 class MARLOXSYSTEM_EXPORT BulkChange {
 public:
     explicit BulkChange(const UndoHistory& history);

@@ -38,7 +38,7 @@ struct SideRender::Result::Share {
     }
 
     Ref<Image> finished;
-    std::shared_ptr<Task> task; // until it is done
+    std::shared_ptr<Task> task; // until it is known to be done
     std::future<Ref<Image>> done;
     QElapsedTimer asked;
 };
