@@ -110,7 +110,7 @@ protected:
     /// Writes the defaults of those that can be set, as one undo entry.
     void WriteDefaults(std::span<const int> which, const QString& undoText);
     /// While one lives, UpdateDisplay does nothing: several values are being written. Other
-    /// controls of the inputs see them all at once.
+    /// controls of several numbers see them all at once.
     class Writing {
     public:
         explicit Writing(ChannelControl& control);

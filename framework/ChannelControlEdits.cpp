@@ -121,13 +121,13 @@ void ChannelControl::TakeNumbers()
     const bool gesture = UndoDepth() > 0;
     const Writing writing(*this);
     for (const Edit& edit : std::vector<Edit>(edits_)) {
-        if (edit.edit->IsUnreadable() || edit.edit->GetValue() == edit.shown)
+        const Input* input = InputOf(edit.slot);
+        if (!input || edit.edit->IsUnreadable() || edit.edit->GetValue() == edit.shown)
             continue;
         const SliderSettings& settings = SettingsOf(edit.slot);
         const double typed = std::clamp(edit.edit->GetValue() / ShownScale(edit.slot),
                                         settings.allowed.low, settings.allowed.high);
-        const Input* input = InputOf(edit.slot);
-        if (input && input->HasExpression())
+        if (input->HasExpression())
             Write(edit.slot, typed); // is refused, and told why
         if (!IsEditable(edit.slot))
             continue;

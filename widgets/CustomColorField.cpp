@@ -158,7 +158,7 @@ void CustomColorField::SetMovable(bool color, bool alpha)
 {
     colorMoves_ = color;
     alphaMoves_ = alpha;
-    if (IsMovable(hovered_))
+    if (hovered_ == Zone::None || IsMovable(hovered_))
         return;
     hovered_ = Zone::None;
     update();

@@ -102,12 +102,14 @@ void ColorControl::ReadTags(const TagList& tags)
     const bool expanded = tags.GetBool(CLRC_ShowWheel);
     if (parts == parts_ && expanded == expanded_)
         return;
-    const bool shown = IsOpen();
-    if (shown)
+    Ref<ColorControl> alive; // what is typed may close the page
+    if (IsOpen()) {
+        alive = Ref<ColorControl>::Share(this);
         CommitEdits(); // as they were meant
+    }
     parts_ = parts;
     expanded_ = expanded;
-    if (shown) {
+    if (IsOpen()) {
         MakeParts();
         Rebuild();
     }

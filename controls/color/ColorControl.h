@@ -140,8 +140,13 @@ private:
     Parts parts_;
     bool expanded_ = false;
     ColorRecord record_;
-    int recordSpace_ = 0;     // that it is of
-    ColorRecord hueRecord_;   // as it was last on axes with a hue
+    int recordSpace_ = 0;   // that it is of
+    ColorRecord hueRecord_; // on axes with a hue
+    struct Settled {
+        ColorRecord record;
+        RgbColor color{};
+    };
+    Settled settled_;         // as shown while nothing was dragged
     RgbColor sampledColor_{}; // that the note on the last pick is of
     ProxyGesture pickProxy_;
     bool pickIsDue_ = false;             // the picture is not there at the last place of the pick

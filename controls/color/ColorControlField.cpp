@@ -34,6 +34,8 @@ void ColorControl::ShowRecord()
     const ColorAxes& axes = ColorAxes::Of(parts_.colorSpace);
     if (!Describes(record_))
         record_ = axes.FromRgb(Color(), record_);
+    if (parts_.colorSpace == yuvSpace)
+        hueRecord_ = ColorAxes::Of(0).FromRgb(Color(), hueRecord_);
     if (!field_)
         return;
     // The record holds what the numbers can tell.
@@ -44,6 +46,8 @@ void ColorControl::ShowRecord()
     record_.hue = show(*hue_.edit, axes.HueAxis(), record_.hue);
     record_.saturation = show(*saturation_.edit, axes.SaturationAxis(), record_.saturation);
     record_.value = show(*value_.edit, axes.ValueAxis(), record_.value);
+    if (!field_->InGesture())
+        settled_ = {record_, Color()};
     field_->SetRecord(record_);
     field_->SetShowsAlpha(Alpha().has_value());
     field_->SetAlpha(Alpha().value_or(1.0));
@@ -52,7 +56,9 @@ void ColorControl::ShowRecord()
 void ColorControl::OnField()
 {
     record_ = field_->Record();
-    WriteColor(ColorAxes::Of(parts_.colorSpace).ToRgb(record_));
+    // Brought back to where it was: without the rounding of the way to the axes and back.
+    WriteColor(record_ == settled_.record ? settled_.color
+                                          : ColorAxes::Of(parts_.colorSpace).ToRgb(record_));
 }
 
 void ColorControl::OnFieldAlpha()

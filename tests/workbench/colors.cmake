@@ -15,3 +15,11 @@ foreach(scale 1 2)
         ${CMAKE_BINARY_DIR}/samples/dusk.marlox ${scale})
     marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
 endforeach()
+
+# The drawn widgets by mouse.
+foreach(scale 1 2)
+    set(name workbench-color-widgets-${scale}x)
+    marlox_script_test(${name} ${CMAKE_CURRENT_SOURCE_DIR}/scripting/colorwidgets.lua
+        ${CMAKE_BINARY_DIR}/samples/dusk.marlox)
+    marlox_test_environment(${name} QT_SCALE_FACTOR=${scale})
+endforeach()
